@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/base/NotificationCenter.h"
+
+#include <QObject>
+#include <vector>
+
+// Posts notifications later, to the default centre. A pending notification of the same name, object and style is not
+// queued twice. Nothing is delivered while an application-modal dialog runs; it stays pending until the dialog is gone.
+class NotificationQueue : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum PostingStyle {
+        NSPostWhenIdle = 1, // when the event loop has been through a whole pass without handling an event
+        NSPostASAP = 2,     // at the end of the current pass of the event loop, after all events that are waiting
+    };
+
+    static NotificationQueue &defaultQueue();
+
+    void enqueueNotification(const Notification &notification, PostingStyle style);
+    // Takes pending notifications about an object back, for the object that goes.
+    void dequeueNotificationsForObject(const void *object);
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+};

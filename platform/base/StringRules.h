@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+// The platform's rules for text, by Unicode and never by the locale.
+namespace StringRules
+{
+// Whether `part` occurs in `text`, without regard to letter case, canonically equivalent spellings counting as the
+// same (an e with an acute accent is found as one character and as two). An empty `part` occurs nowhere; a null text
+// holds nothing.
+bool containsIgnoringCase(const QString &text, const QString &part);
+// Compares without regard to letter case: negative, 0 or positive.
+int compareIgnoringCase(const QString &a, const QString &b);
+// Replaces percent escapes, reading the escaped bytes as UTF-8; plus signs stay. Null when an escape is broken or the
+// bytes are not UTF-8.
+QString replacingPercentEscapes(const QString &text);
+// Writes every character that may not stand in an address as percent escapes of its UTF-8 bytes. The reserved
+// characters (@ , & = ? : / ; + $ !) stay; "%" itself, "#", "[" and "]" are escaped.
+QString addingPercentEscapes(const QString &text);
+// The text without the white space and line ends around it.
+QString trimmed(const QString &text);
+// The leading decimal integer after blanks, 0 when there is none, clamped to int's range.
+int integerValue(const QString &text);
+// The leading decimal number after blanks, 0 when there is none.
+double doubleValue(const QString &text);
+} // namespace StringRules

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+// The plug-in's folder on disk, wherever it is installed:
+//
+//     Wayfold.plugin/Contents/Info.plist
+//     Wayfold.plugin/Contents/Resources/    interface files, images, translations
+//     Wayfold.plugin/Contents/Plugin/       the library itself
+namespace Bundle
+{
+// Found from where this code was loaded; `$WAYFOLD_BUNDLE` when that is set (tests).
+QString path();
+// "Contents/Resources/<name>" when that file exists, else null.
+QString pathForResource(const QString &name);
+// The image resource of that name, with or without its ending: .svg, .png, .jpg, .gif are tried in this order. Null
+// when there is none.
+QString pathForImageResource(const QString &name);
+// The text for the English `key` in the user's language; the key itself when there is no translation.
+QString localizedString(const QString &key);
+} // namespace Bundle

@@ -1,0 +1,13 @@
+#pragma once
+
+class QMenu;
+
+// The host's main menu. A host with a menu bar in every window shows an appended menu in all of them, and in those
+// that it opens later.
+class HostMenuBar
+{
+public:
+    virtual ~HostMenuBar() = default;
+    // Adds the menu at the right-hand end. The caller keeps it and lets it live as long as the process.
+    virtual void appendMenu(QMenu *menu) = 0;
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QIcon>
+#include <QImage>
+#include <QRectF>
+#include <QSizeF>
+#include <memory>
+
+class QPainter;
+
+// An image that is drawn crisp at any size and pixel density when its source allows it (SVG, icon themes). Shared by
+// pointer: the same image object may be on many rows.
+class Image
+{
+public:
+    enum CacheMode {
+        NSImageCacheDefault = 0,
+        NSImageCacheNever = 3, // every drawing is rendered afresh from the source
+    };
+
+    // None when the file is missing or no image.
+    static std::shared_ptr<Image> imageWithContentsOfFile(const QString &path);
+    // None for a null icon or picture.
+    static std::shared_ptr<Image> imageWithIcon(const QIcon &icon, const QSizeF &naturalSize);
+    static std::shared_ptr<Image> imageWithPicture(const QImage &picture);
+
+    // In device-independent pixels; the natural size until `setSize`.
+    QSizeF size() const { return _size; }
+    void setSize(const QSizeF &size) { _size = size; }
+    // Whether drawing at another size scales the picture.
+    bool scalesWhenResized() const { return _scalesWhenResized; }
+    void setScalesWhenResized(bool scales) { _scalesWhenResized = scales; }
+    CacheMode cacheMode() const { return _cacheMode; }
+    void setCacheMode(CacheMode mode) { _cacheMode = mode; }
+
+    void drawInRect(QPainter &painter, const QRectF &rect, QIcon::Mode mode = QIcon::Normal) const;
+    // For buttons and other widgets that take icons.
+    QIcon icon() const { return _icon; }
+
+private:
+    explicit Image(QIcon icon, QSizeF size);
+
+    QIcon _icon;
+    QSizeF _size;
+    bool _scalesWhenResized = false;
+    CacheMode _cacheMode = NSImageCacheDefault;
+};

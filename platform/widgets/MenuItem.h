@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QAction>
+#include <QString>
+#include <functional>
+
+class QMenu;
+
+// Menu items are QActions with a tag, an action (the name of an operation, as in "handleDeleteItemRequest:"), a target
+// that carries it out and decides whether it is enabled, and a key equivalent with a modifier mask.
+class MenuItemTarget
+{
+public:
+    virtual ~MenuItemTarget() = default;
+    // Whether the item is enabled now; may change its title. Asked for each time the menu is about to show, and before
+    // a key equivalent acts.
+    virtual bool validateMenuItem(QAction *item) = 0;
+    // Carries out the item's action.
+    virtual void performMenuItem(QAction *item) = 0;
+};
+
+namespace MenuItem
+{
+enum ModifierMask : unsigned {
+    NSShiftKeyMask = 1U << 17,
+    NSControlKeyMask = 1U << 18,
+    NSAlternateKeyMask = 1U << 19,
+    NSCommandKeyMask = 1U << 20,
+};
+
+int tag(const QAction *item); // 0 when none was set
+void setTag(QAction *item, int tag);
+QString action(const QAction *item); // null when none was set
+void setAction(QAction *item, const QString &action);
+// Null takes the target away. The target must outlive the item.
+void setTarget(QAction *item, MenuItemTarget *target);
+MenuItemTarget *target(const QAction *item);
+
+// Command is Qt::ControlModifier, Control is Qt::MetaModifier, Option is Qt::AltModifier. An empty key removes the
+// shortcut.
+void setKeyEquivalent(QAction *item, const QString &key, unsigned modifierMask);
+QString keyEquivalent(const QAction *item);
+unsigned keyEquivalentModifierMask(const QAction *item);
+
+// The first item of the menu with that tag; null when there is none.
+QAction *itemWithTag(const QMenu *menu, int tag);
+// Makes the menu ask its items' targets each time it is about to show, and again after it has gone, so that key
+// equivalents are never left disabled.
+void validateOnShow(QMenu *menu);
+} // namespace MenuItem

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <memory>
+
+// What an outline view shows a row for. The view knows nothing else of it; none stands for the tree's invisible root.
+class OutlineItem
+{
+public:
+    virtual ~OutlineItem() = default;
+};
+
+using OutlineItemPtr = std::shared_ptr<OutlineItem>;

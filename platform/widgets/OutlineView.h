@@ -1,0 +1,77 @@
+#pragma once
+
+#include "platform/widgets/OutlineItem.h"
+
+#include <QTreeView>
+#include <functional>
+#include <vector>
+
+class OutlineModel;
+class OutlineViewDataSource;
+
+// A list of rows with rows below them, on QTreeView. The rows are the view's own, made as folders are opened: the same
+// item may be shown in several views, or in two rows of this one, and the view never asks an item for its parent.
+// Items are found by identity. Rows are counted from 0 over what is open, from the top to the bottom.
+class OutlineView : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit OutlineView(QWidget *parent = nullptr);
+    ~OutlineView() override;
+
+    // The source is not owned and must outlive the view, or be taken away (null) before it goes.
+    OutlineViewDataSource *outlineDataSource() const;
+    void setOutlineDataSource(OutlineViewDataSource *source);
+
+    // Throws all rows away and asks the source again; expansion and selection are forgotten.
+    virtual void reloadData();
+    // Asks again for one item's row (every row that shows it) and, with `reloadChildren`, for what lies below it; what
+    // was expanded there stays so. None reloads everything.
+    void reloadItem(const OutlineItemPtr &item, bool reloadChildren);
+
+    int numberOfRows() const;
+    // None past the end or for a negative row.
+    OutlineItemPtr itemAtRow(int row) const;
+    // The first row that shows the item, -1 when none does.
+    int rowForItem(const OutlineItemPtr &item) const;
+    // In the viewport's coordinates; empty when there is no such row.
+    QRect rectOfRow(int row) const;
+    // -1 where no row is.
+    int rowAtPoint(const QPoint &point) const;
+    // 0 at the top level; -1 when there is no such row.
+    int levelForRow(int row) const;
+
+    bool isExpandable(const OutlineItemPtr &item) const;
+    bool isItemExpanded(const OutlineItemPtr &item) const;
+    void expandItem(const OutlineItemPtr &item);
+    void collapseItem(const OutlineItemPtr &item);
+
+    // The first selected row, -1 when there is none.
+    int selectedRow() const;
+    // Ascending.
+    std::vector<int> selectedRows() const;
+    int numberOfSelectedRows() const;
+    // Selects a row alone, or adds it to the selection; a row that does not exist changes nothing.
+    void selectRowExtending(int row, bool extend);
+    void deselectAll();
+    void scrollRowToVisible(int row);
+
+    // In device-independent pixels, the same for every row.
+    qreal rowHeight() const;
+    void setRowHeight(qreal height);
+
+    // What a double click on a row does.
+    std::function<void()> doubleAction;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void startDrag(Qt::DropActions supportedActions) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+
+private:
+    OutlineModel *_model = nullptr;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/widgets/OutlineItem.h"
+
+#include <QFont>
+#include <QString>
+#include <vector>
+
+class Image;
+class OutlineView;
+class QMimeData;
+
+// How one row's cell looks: what its text is drawn with, and what stands left of it.
+struct OutlineCell {
+    std::shared_ptr<Image> image; // none: the text takes the whole cell
+    QFont font;
+};
+
+// Where a drop would go: `item` none is the root, `childIndex` -1 means on the item itself.
+struct OutlineDropTarget {
+    OutlineItemPtr item;
+    int childIndex = -1;
+};
+
+// Gives an outline view its rows and looks after them: data source and delegate in one. Every operation gets the view
+// that asks, since one source may serve several. `item` none is the root.
+class OutlineViewDataSource
+{
+public:
+    virtual ~OutlineViewDataSource() = default;
+
+    virtual int outlineViewNumberOfChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) = 0;
+    virtual bool outlineViewIsItemExpandable(OutlineView &view, const OutlineItemPtr &item) = 0;
+    virtual OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) = 0;
+    // The row's text.
+    virtual QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) = 0;
+    virtual void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) = 0;
+    virtual bool outlineViewShouldEdit(OutlineView &view, const OutlineItemPtr &item) = 0;
+    virtual void outlineViewSelectionDidChange(OutlineView &view) = 0;
+
+    // Drag and drop. A null answer starts no drag; the view takes the data.
+    virtual QMimeData *outlineViewWriteItems(OutlineView &view, const std::vector<OutlineItemPtr> &items) = 0;
+    virtual void outlineViewDraggingEnded(OutlineView &view) = 0;
+    // May change the target. `isLocal`: the drag comes from this very view.
+    virtual Qt::DropAction outlineViewValidateDrop(OutlineView &view, const QMimeData &data, bool isLocal,
+                                                   OutlineDropTarget &target) = 0;
+    virtual bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) = 0;
+};
