@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/files/FileStamp.h"
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+class WayfoldBookmarkFolder;
+
+// The user's own file on disk. Whatever it holds that the tree in memory does not (it could not be read, some entries
+// are of kinds unknown here, another program has changed it) is copied aside before it is first written over.
+class ItemFile
+{
+public:
+    void setPath(const QString &path) { _path = path; }
+    QString path() const { return _path; }
+
+    // The tree in the file; none when there is no plain file or it cannot be read.
+    std::shared_ptr<WayfoldBookmarkFolder> load();
+    // False, with the reason in the log, when the file could not be written, or not be copied aside first.
+    bool save(const WayfoldBookmarkFolder &root);
+
+private:
+    bool keepWhatWouldBeLost();
+
+    QString _path;
+    // The file as it was last read or written; none: it was not there.
+    std::optional<FileStamp> _stamp;
+    // Whether the file with that stamp holds more than was read from it.
+    bool _holdsMore = false;
+};

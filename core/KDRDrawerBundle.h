@@ -1,0 +1,174 @@
+#pragma once
+
+#include "core/ItemFile.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/files/FileStamp.h"
+#include "platform/widgets/MenuItem.h"
+
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+#include <QVariantMap>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+class HostFrame;
+class HostWebView;
+class HostWindow;
+class KDRBookmark;
+class QMenu;
+class QWidget;
+class SiteDrawer;
+class SiteDrawerController;
+class WayfoldBookmarkFolder;
+
+// The store, the plug-in's principal object: it owns the item trees that every drawer shows, knows the browser windows
+// that have a drawer, turns page loads into drawer decisions, keeps an eye on the browser's files, and carries out the
+// commands of the drawer's menu.
+class KDRDrawerBundle : public MenuItemTarget
+{
+public:
+    using ItemPtr = std::shared_ptr<KDRBookmark>;
+    using FolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
+    using WindowPtr = std::shared_ptr<HostWindow>;
+
+    // Run when the host loads the plug-in.
+    static void load();
+    // The one instance; the first call makes and starts it.
+    static KDRDrawerBundle &sharedInstance();
+    // Ends it, for hosts that unload plug-ins; the next sharedInstance() starts a new one.
+    static void releaseSharedInstance();
+
+    ~KDRDrawerBundle() override;
+    KDRDrawerBundle(const KDRDrawerBundle &) = delete;
+    KDRDrawerBundle &operator=(const KDRDrawerBundle &) = delete;
+
+    // The trees themselves, no copies. The first two are never none; the browser's are none before the first check.
+    const FolderPtr &bookmarkRoot() const { return _bookmarkRoot; }
+    const FolderPtr &provisionalBookmarkRoot() const { return _provisionalBookmarkRoot; }
+    const FolderPtr &safariBookmarkRoot() const { return _safariBookmarkRoot; }
+    const FolderPtr &historyBookmarkRoot() const { return _safariHistoryRoot; }
+
+    // The lists' contextual menu and the menu in the menu bar; null when the interface file is missing.
+    QMenu *menu() const { return _contextualMenu; }
+    QMenu *wayfoldMenu() const { return _wayfoldMenu; }
+    void setPrefsWindowShown(bool shown) { _prefsWindowOpen = shown; }
+
+    // ---- The item file
+
+    // "~/Library/Wayfold", made when nothing is there. Null when it cannot be made or is no directory.
+    static QString dataDir();
+    // The item file's place in the data directory; its bare name when there is no data directory.
+    void setBookmarkFilePath();
+    QString bookmarkFilePath() const { return _bookmarkFilePath; }
+    // Reads the item file; an empty tree and false when there is none or it cannot be read.
+    bool loadBookmarkFile();
+    // Writes the item file, see ItemFile::save.
+    bool saveBookmarkFile();
+
+    // ---- Provisional items: site folders that are shown but not saved
+
+    // The provisional folder of that title, made when there is none.
+    FolderPtr newProvisionalBookmarkWithTitle(const QString &title);
+    bool isProvisionalBookmark(const KDRBookmark *item) const;
+    // Lets a provisional item go when nobody but the provisional tree holds it any more. The caller has dropped its
+    // own reference; the bare pointer holds none.
+    void releaseProvisionalBookmark(const KDRBookmark *item);
+    // Moves a provisional item into the item file's tree; the caller saves.
+    void adoptProvisionalBookmark(const ItemPtr &item);
+
+    // Removes an item from its folder and saves. A folder at the top of the item file's tree becomes provisional.
+    void deleteBookmark(const ItemPtr &item);
+    // Every top-level folder of both trees gets, or loses, its smart folders.
+    void addSmartFoldersToTopLevel();
+    void removeSmartFoldersFromTopLevel();
+    // Whether the item file, or a provisional folder that holds something worth saving, has a folder for the site.
+    bool isKnownSite(const QString &siteKey) const;
+    // Reloads the drawers of all tracked windows but the given one (may be null).
+    void updateAllDrawerContentsExceptFor(const HostWindow *window);
+
+    // ---- Windows and drawers
+
+    // The tracker holds windows weakly. A controller tracks its window from its making until the window closes.
+    void trackWindow(const WindowPtr &window);
+    void untrackWindow(const WindowPtr &window);
+    bool isWindowTracked(const HostWindow *window) const;
+    // In the order in which they were tracked.
+    std::vector<WindowPtr> trackedWindows() const;
+    // The drawer of a tracked window, else null. Allocates nothing.
+    SiteDrawer *drawerForWindow(const HostWindow *window) const;
+    // The drawer of the key window.
+    SiteDrawer *frontDrawer() const;
+    // Open, or close, the front drawer unless it is so already; true when that changed something.
+    bool openKDRDrawer();
+    bool closeKDRDrawer();
+
+    // The reaction to a page load, and to every drawing of a page: relabels the window's Scratchpad and asks its drawer
+    // to open or close. Costs next to nothing while site and frame stay the same.
+    void updateDrawerForFrame(const std::shared_ptr<HostFrame> &frame);
+
+    // ---- The browser's files
+
+    static QString safariBookmarkFilePath();
+    static QString safariHistoryFilePath();
+    // Asks for a check when the event loop is idle.
+    void tagSafariFilesNextEvent();
+    // Reads what has changed on disk since the last check, and says so in a notification.
+    void tagSafariFiles();
+    // An empty tree and false when the file is missing or cannot be read.
+    bool loadSafariBookmarkFile();
+    bool loadHistoryBookmarkFile();
+    // Writes a bookmark tree's dictionary into the browser's bookmark file, which keeps its own version, root type and
+    // root identifier. False, and nothing written, when the file cannot be read.
+    bool saveSafariBookmarkFile(const QVariantMap &dictionary);
+
+    // ---- Observers of the default notification centre
+
+    void safariWindowBecameKey(const Notification &notification);
+    void safariWillTerminate(const Notification &notification);
+    void checkSafariFiles(const Notification &notification);
+
+    // ---- Menu
+
+    void loadMenuAdditions();
+    bool validateMenuItem(QAction *item) override;
+    void performMenuItem(QAction *item) override;
+
+    void handleToggleKDRDrawer(QObject *sender);
+    void handleShowScratchpadTabView(QObject *sender);
+    void handleShowBookmarkTabView(QObject *sender);
+    void handleShowHistoryTabView(QObject *sender);
+    void handleFocusOnCurrentSiteRequest(QObject *sender);
+    void handleSaveCurrentURLRequest(QObject *sender);
+    void handleSwitchbackRequest(QObject *sender);
+    void handleNewSubFolderRequest(QObject *sender);
+    void handleNewNoteRequest(QObject *sender);
+    void handleNewEmailRequest(QObject *sender);
+
+private:
+    KDRDrawerBundle();
+
+    void start();
+    void installHooks();
+
+    QPointer<QWidget> _menuInterface; // holds both containers
+    QMenu *_mainMenuRef = nullptr;
+    QMenu *_contextualMenuRef = nullptr;
+    FolderPtr _bookmarkRoot;
+    FolderPtr _provisionalBookmarkRoot;
+    std::vector<std::weak_ptr<HostWindow>> _windowTracker;
+    QString _bookmarkFilePath;
+    ItemFile _itemFile;
+    QMenu *_contextualMenu = nullptr;
+    std::optional<FileStamp> _safariBookmarkFileModDate;
+    FolderPtr _safariBookmarkRoot;
+    std::optional<FileStamp> _safariHistoryFileModDate;
+    FolderPtr _safariHistoryRoot;
+    std::mutex _extSafariFileLock;
+    bool _terminating = false;
+    bool _prefsWindowOpen = false;
+    QMenu *_wayfoldMenu = nullptr;
+    QTimer _timer;
+};
