@@ -10,8 +10,9 @@ class HostWebView;
 class QWidget;
 
 // One window of the host, with what its browser controller offers. Held weakly by the plug-in; it can vanish at any
-// time, and says so first through HostObserver::windowWillClose.
-class HostWindow
+// time, and says so first through HostObserver::windowWillClose. Notifications carry the bare window; whoever wants to
+// keep it asks it for its shared pointer.
+class HostWindow : public std::enable_shared_from_this<HostWindow>
 {
 public:
     virtual ~HostWindow() = default;

@@ -57,7 +57,7 @@ public:
     std::shared_ptr<HostWindow> hostWindow() const override;
 };
 
-class FakeHostWindow : public HostWindow, public std::enable_shared_from_this<FakeHostWindow>
+class FakeHostWindow : public HostWindow
 {
 public:
     QString kind = QStringLiteral("BrowserWindow");
