@@ -1,0 +1,436 @@
+#include "core/settings/WayfoldDefaults.h"
+
+#include "platform/base/StringRules.h"
+#include "platform/files/UserDefaults.h"
+#include "platform/host/CurrentHost.h"
+#include "platform/host/HostApplication.h"
+#include "platform/host/HostSettings.h"
+#include "platform/widgets/MenuItem.h"
+
+#include <QFontDatabase>
+#include <limits>
+
+const QString WayfoldDefaults::domainName = QStringLiteral("org.wayfold.Wayfold");
+
+namespace
+{
+const QString DefaultDrawerContentWidth = QStringLiteral("WayfoldDefaultDrawerContentWidth");
+const QString AutoFocusOnSiteChange = QStringLiteral("WayfoldAutoFocusOnSiteChange");
+const QString ShowBookmarkIcons = QStringLiteral("WayfoldShowBookmarkIcons");
+const QString OpenDrawerForKnownSite = QStringLiteral("WayfoldOpenDrawerForKnownSite");
+const QString OpenDrawerOnNewWindow = QStringLiteral("WayfoldOpenDrawerOnNewWindow");
+const QString CloseDrawerForUnknownSite = QStringLiteral("WayfoldCloseDrawerForUnknownSite");
+const QString HistoryGroupingKey = QStringLiteral("WayfoldHistoryGroupingKey");
+const QString ListViewFontName = QStringLiteral("WayfoldListViewFontName");
+const QString ListViewFontSize = QStringLiteral("WayfoldListViewFontSize");
+const QString ConfirmItemDelete = QStringLiteral("WayfoldConfirmItemDelete");
+const QString MenuItemShortcuts = QStringLiteral("WayfoldMenuItemShortcuts");
+const QString DefaultFirstTab = QStringLiteral("WayfoldDefaultFirstTab");
+const QString CreateAutoFolders = QStringLiteral("WayfoldCreateAutoFolders");
+const QString ShowFavIcons = QStringLiteral("WayfoldShowFavIcons");
+
+// The forms in which settings are stored, the same that a property list gives back.
+const QVariant off = qlonglong(0);
+const QVariant on = qlonglong(1);
+
+struct Shortcut
+{
+    unsigned item;
+    QString key;
+    unsigned modifierMask;
+};
+
+constexpr unsigned Command = MenuItem::NSCommandKeyMask;
+constexpr unsigned CommandShift = MenuItem::NSCommandKeyMask | MenuItem::NSShiftKeyMask;
+
+const Shortcut defaultShortcuts[] = {
+    {0, QStringLiteral("0"), Command},
+    {10, QStringLiteral("*"), CommandShift},
+    {11, QStringLiteral("-"), CommandShift},
+    {12, QStringLiteral("+"), CommandShift},
+    {1, QStringLiteral(""), 0},
+    {2, QStringLiteral(""), 0},
+    {3, QStringLiteral(""), 0},
+    {4, QStringLiteral("O"), CommandShift},
+    {5, QStringLiteral("E"), CommandShift},
+    {6, QStringLiteral(""), 0},
+    {13, QStringLiteral(""), 0},
+    {7, QStringLiteral("J"), CommandShift},
+    {8, QStringLiteral("K"), CommandShift},
+    {9, QStringLiteral("L"), CommandShift},
+};
+
+QString keyEntry(unsigned item)
+{
+    return QString::number(item) + QStringLiteral("_KEY");
+}
+
+QString modifierEntry(unsigned item)
+{
+    return QString::number(item) + QStringLiteral("_MODIFIER");
+}
+
+float floatValue(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return float(StringRules::doubleValue(value.toString()));
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return value.toFloat();
+    default:
+        return 0;
+    }
+}
+
+unsigned unsignedValue(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return unsigned(StringRules::integerValue(value.toString()));
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return unsigned(value.toULongLong());
+    case QMetaType::Float:
+    case QMetaType::Double: {
+        const double number = value.toDouble();
+        return number >= 0 && number <= std::numeric_limits<unsigned>::max() ? unsigned(number) : 0;
+    }
+    default:
+        return 0;
+    }
+}
+
+bool boolValue(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QString)
+        return floatValue(value) != 0;
+    const QString text = value.toString();
+    return StringRules::compareIgnoringCase(text, QStringLiteral("yes")) == 0 ||
+           StringRules::compareIgnoringCase(text, QStringLiteral("true")) == 0 || StringRules::integerValue(text) != 0;
+}
+} // namespace
+
+WayfoldDefaults &WayfoldDefaults::sharedInstance()
+{
+    static WayfoldDefaults *const instance = [] {
+        auto *defaults = new WayfoldDefaults;
+        defaults->loadDefaults();
+        return defaults;
+    }();
+    return *instance;
+}
+
+void WayfoldDefaults::loadDefaults()
+{
+    _prefs = UserDefaults::standardUserDefaults().persistentDomainForName(domainName);
+
+    setDefaultForKey(250.0, DefaultDrawerContentWidth);
+    setDefaultForKey(off, AutoFocusOnSiteChange);
+    setDefaultForKey(on, ShowBookmarkIcons);
+    setDefaultForKey(off, OpenDrawerForKnownSite);
+    setDefaultForKey(off, OpenDrawerOnNewWindow);
+    setDefaultForKey(off, CloseDrawerForUnknownSite);
+    setDefaultForKey(QStringLiteral("4"), HistoryGroupingKey);
+    setDefaultForKey(QStringLiteral("LucidaGrande"), ListViewFontName);
+    setDefaultForKey(12.0, ListViewFontSize);
+    setDefaultForKey(on, ConfirmItemDelete);
+    setDefaultForKey(defaultMenuItemShortcuts(), MenuItemShortcuts);
+
+    // A table of a foreign type holds no shortcuts, so all of them get their defaults.
+    QVariantMap shortcuts = _prefs.value(MenuItemShortcuts).toMap();
+    verifyDefaultMenuItemShortcuts(shortcuts);
+    _prefs.insert(MenuItemShortcuts, shortcuts);
+
+    setDefaultForKey(QStringLiteral("0"), DefaultFirstTab);
+    setDefaultForKey(on, CreateAutoFolders);
+    setDefaultForKey(_prefs.value(ShowBookmarkIcons), ShowFavIcons);
+    writeDefaults();
+}
+
+void WayfoldDefaults::writeDefaults()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    store.removePersistentDomainForName(domainName);
+    store.setPersistentDomainForName(_prefs, domainName);
+}
+
+bool WayfoldDefaults::autoFocusOnSiteChange() const
+{
+    return boolForKey(AutoFocusOnSiteChange);
+}
+
+void WayfoldDefaults::setAutoFocusOnSiteChange(bool on)
+{
+    setBoolForKey(on, AutoFocusOnSiteChange);
+}
+
+bool WayfoldDefaults::showBookmarkIcons() const
+{
+    return boolForKey(ShowBookmarkIcons);
+}
+
+void WayfoldDefaults::setShowBookmarkIcons(bool on)
+{
+    setBoolForKey(on, ShowBookmarkIcons);
+}
+
+bool WayfoldDefaults::openDrawerForKnownSite() const
+{
+    return boolForKey(OpenDrawerForKnownSite);
+}
+
+void WayfoldDefaults::setOpenDrawerForKnownSite(bool on)
+{
+    setBoolForKey(on, OpenDrawerForKnownSite);
+}
+
+bool WayfoldDefaults::openDrawerOnNewWindow() const
+{
+    return boolForKey(OpenDrawerOnNewWindow);
+}
+
+void WayfoldDefaults::setOpenDrawerOnNewWindow(bool on)
+{
+    setBoolForKey(on, OpenDrawerOnNewWindow);
+}
+
+bool WayfoldDefaults::closeDrawerForUnknownSite() const
+{
+    return boolForKey(CloseDrawerForUnknownSite);
+}
+
+void WayfoldDefaults::setCloseDrawerForUnknownSite(bool on)
+{
+    setBoolForKey(on, CloseDrawerForUnknownSite);
+}
+
+bool WayfoldDefaults::confirmItemDelete() const
+{
+    return boolForKey(ConfirmItemDelete);
+}
+
+void WayfoldDefaults::setConfirmItemDelete(bool on)
+{
+    setBoolForKey(on, ConfirmItemDelete);
+}
+
+bool WayfoldDefaults::createAutoFolders() const
+{
+    return boolForKey(CreateAutoFolders);
+}
+
+void WayfoldDefaults::setCreateAutoFolders(bool on)
+{
+    setBoolForKey(on, CreateAutoFolders);
+}
+
+bool WayfoldDefaults::showFavicons() const
+{
+    return boolForKey(ShowFavIcons);
+}
+
+void WayfoldDefaults::setShowFavicons(bool on)
+{
+    setBoolForKey(on, ShowFavIcons);
+}
+
+float WayfoldDefaults::defaultDrawerContentWidth() const
+{
+    return floatForKey(DefaultDrawerContentWidth);
+}
+
+void WayfoldDefaults::setDefaultDrawerContentWidth(float width)
+{
+    setFloatForKey(width, DefaultDrawerContentWidth);
+}
+
+float WayfoldDefaults::listViewFontSize() const
+{
+    return floatForKey(ListViewFontSize);
+}
+
+void WayfoldDefaults::setListViewFontSize(float size)
+{
+    setFloatForKey(size, ListViewFontSize);
+}
+
+QString WayfoldDefaults::historyGroupingStyle() const
+{
+    return stringForKey(HistoryGroupingKey);
+}
+
+void WayfoldDefaults::setHistoryGroupingStyle(const QString &style)
+{
+    setStringForKey(style, HistoryGroupingKey);
+}
+
+QString WayfoldDefaults::listViewFontName() const
+{
+    return stringForKey(ListViewFontName);
+}
+
+void WayfoldDefaults::setListViewFontName(const QString &name)
+{
+    setStringForKey(name, ListViewFontName);
+}
+
+QString WayfoldDefaults::defaultFirstTabIdentifier() const
+{
+    return stringForKey(DefaultFirstTab);
+}
+
+void WayfoldDefaults::setDefaultFirstTabIdentifier(const QString &identifier)
+{
+    setStringForKey(identifier, DefaultFirstTab);
+}
+
+std::optional<QFont> WayfoldDefaults::listViewFont() const
+{
+    const QString name = listViewFontName();
+    if (!name.isEmpty())
+        return fontWithNameSize(name, listViewFontSize());
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPointSizeF(QFontInfo(QFontDatabase::systemFont(QFontDatabase::SmallestReadableFont)).pointSizeF());
+    return font;
+}
+
+std::optional<QFont> WayfoldDefaults::fontWithNameSize(const QString &name, float size)
+{
+    std::optional<QFont> font;
+    const qsizetype dash = name.lastIndexOf(QLatin1Char('-'));
+    if (QFontDatabase::hasFamily(name))
+        font = QFont(name);
+    else if (dash > 0 && QFontDatabase::hasFamily(name.left(dash)) &&
+             QFontDatabase::styles(name.left(dash)).contains(name.mid(dash + 1)))
+        font = QFontDatabase::font(name.left(dash), name.mid(dash + 1), 0);
+    if (font && size > 0)
+        font->setPointSizeF(size);
+    return font;
+}
+
+QString WayfoldDefaults::nameOfFont(const QFont &font)
+{
+    QString style = font.styleName();
+    if (style.isEmpty() && font.bold())
+        style = QStringLiteral("Bold");
+    return style.isEmpty() ? font.family() : font.family() + QLatin1Char('-') + style;
+}
+
+QString WayfoldDefaults::shortcutKeyForItem(unsigned item) const
+{
+    return _prefs.value(MenuItemShortcuts).toMap().value(keyEntry(item)).toString();
+}
+
+unsigned WayfoldDefaults::shortcutModifierMaskForItem(unsigned item) const
+{
+    return unsignedValue(_prefs.value(MenuItemShortcuts).toMap().value(modifierEntry(item)));
+}
+
+void WayfoldDefaults::setShortcutKeyForItem(const QString &key, unsigned item)
+{
+    setShortcutEntry(key.isNull() ? QVariant() : QVariant(key), keyEntry(item));
+}
+
+void WayfoldDefaults::setShortcutModifierMaskForItemForItem(unsigned modifierMask, unsigned item)
+{
+    setShortcutEntry(qlonglong(modifierMask), modifierEntry(item));
+}
+
+QVariantMap WayfoldDefaults::defaultMenuItemShortcuts()
+{
+    QVariantMap shortcuts;
+    verifyDefaultMenuItemShortcuts(shortcuts);
+    return shortcuts;
+}
+
+void WayfoldDefaults::verifyDefaultMenuItemShortcuts(QVariantMap &shortcuts)
+{
+    for (const Shortcut &shortcut : defaultShortcuts) {
+        if (shortcuts.contains(keyEntry(shortcut.item)))
+            continue;
+        shortcuts.insert(keyEntry(shortcut.item), shortcut.key);
+        shortcuts.insert(modifierEntry(shortcut.item), qlonglong(shortcut.modifierMask));
+    }
+}
+
+QVariant WayfoldDefaults::fetchPrefObjectForKey(const QString &key)
+{
+    HostApplication *host = currentHost();
+    return host ? host->settings().objectForKey(key) : QVariant();
+}
+
+bool WayfoldDefaults::fetchPrefBooleanForKey(const QString &key)
+{
+    return boolValue(fetchPrefObjectForKey(key));
+}
+
+bool WayfoldDefaults::tabbedBrowsingEnabled()
+{
+    return fetchPrefBooleanForKey(QStringLiteral("TabbedBrowsing"));
+}
+
+void WayfoldDefaults::setDefaultForKey(const QVariant &value, const QString &key)
+{
+    if (!_prefs.contains(key))
+        _prefs.insert(key, value);
+}
+
+float WayfoldDefaults::floatForKey(const QString &key) const
+{
+    return floatValue(_prefs.value(key));
+}
+
+bool WayfoldDefaults::boolForKey(const QString &key) const
+{
+    return floatForKey(key) == 1.0F;
+}
+
+QString WayfoldDefaults::stringForKey(const QString &key) const
+{
+    return _prefs.value(key).toString();
+}
+
+void WayfoldDefaults::setValueForKey(const QVariant &value, const QString &key)
+{
+    if (value.isValid())
+        _prefs.insert(key, value);
+    else
+        _prefs.remove(key);
+    writeDefaults();
+}
+
+void WayfoldDefaults::setBoolForKey(bool isOn, const QString &key)
+{
+    setValueForKey(isOn ? on : off, key);
+}
+
+void WayfoldDefaults::setStringForKey(const QString &text, const QString &key)
+{
+    setValueForKey(text.isNull() ? QVariant() : QVariant(text), key);
+}
+
+void WayfoldDefaults::setFloatForKey(float number, const QString &key)
+{
+    setValueForKey(double(number), key);
+}
+
+void WayfoldDefaults::setShortcutEntry(const QVariant &value, const QString &entry)
+{
+    QVariantMap shortcuts = _prefs.value(MenuItemShortcuts).toMap();
+    if (value.isValid())
+        shortcuts.insert(entry, value);
+    else
+        shortcuts.remove(entry);
+    _prefs.insert(MenuItemShortcuts, shortcuts);
+    if (HostApplication *host = currentHost())
+        host->settings().setObjectForKey(shortcuts, MenuItemShortcuts);
+}
