@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/widgets/Image.h"
+
+#include <memory>
+
+// The images that all items of a kind share, none until the first item that needs one loads it.
+struct ItemImages
+{
+    std::shared_ptr<Image> folder;
+    std::shared_ptr<Image> autoFolder;
+    std::shared_ptr<Image> emptyAutoFolder;
+    std::shared_ptr<Image> webLink;
+    std::shared_ptr<Image> mail;
+    std::shared_ptr<Image> note;
+
+    static ItemImages &shared();
+    // As before the first use, for tests.
+    static void reset();
+};

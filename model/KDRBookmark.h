@@ -1,0 +1,142 @@
+#pragma once
+
+#include "platform/base/CalendarDate.h"
+#include "platform/base/KeyedArchiver.h"
+#include "platform/widgets/OutlineItem.h"
+
+#include <QSizeF>
+#include <QString>
+#include <QVariant>
+#include <QVariantMap>
+#include <memory>
+#include <vector>
+
+class Image;
+class KDRBookmark;
+class WayfoldBookmarkFolder;
+
+using KDRBookmarkPtr = std::shared_ptr<KDRBookmark>;
+
+// A row of a list: the base of links, notes, folders and all other items. It holds what every item has and gives the
+// default answer to whatever a list, a dialog or the store asks an item without knowing its kind.
+//
+// Items are always held by shared pointers; a folder owns its children, an item only points back to its folder.
+class KDRBookmark : public OutlineItem, public KeyedCoding, public std::enable_shared_from_this<KDRBookmark>
+{
+public:
+    // The numbers are fixed: tables of the lists go by them.
+    enum Type {
+        NoType = 0,
+        FolderType = 1, // smart folders too
+        WebLinkType = 2,
+        FileLinkType = 3,
+        NoteType = 4,
+        EmailLinkType = 5,
+        HistoryEntryType = 6,
+        PersonType = 7,
+        GroupType = 8,
+    };
+
+    KDRBookmark();
+    KDRBookmark(const KDRBookmark &) = delete;
+    KDRBookmark &operator=(const KDRBookmark &) = delete;
+    ~KDRBookmark() override;
+
+    static KDRBookmarkPtr bookmarkWithTitle(const QString &title);
+
+    // No title, no parent, the present time and a fresh identifier.
+    virtual void init();
+    void initWithTitle(const QString &title);
+    // None: each kind has its own way to be made from a dictionary.
+    static KDRBookmarkPtr initializeFromDictionary(const QVariantMap &dictionary);
+    // Takes a fresh identifier and returns it.
+    QString createUUID();
+
+    // Null: no title, which is not the same as an empty one.
+    virtual QString title() const { return _title; }
+    void setTitle(const QString &title) { _title = title; }
+    // Copies share the identifier of their source.
+    QString uuid() const { return _uuid; }
+    void setUUID(const QString &uuid) { _uuid = uuid; }
+    // When the item was made, or last visited; invalid: none.
+    CalendarDate timestamp() const { return _timestamp; }
+    void setTimestamp(const CalendarDate &timestamp) { _timestamp = timestamp; }
+    // The folder that adopted this item last, whether or not it still holds it. None once that folder is gone.
+    std::shared_ptr<WayfoldBookmarkFolder> parent() const { return _parent.lock(); }
+    // Anything but a folder, none included, is ignored: only another folder takes an item away from its parent.
+    void setParent(const KDRBookmarkPtr &parent);
+
+    virtual Type type() const { return NoType; }
+    // The kind's English word; null when it has none.
+    virtual QString typeDescription() const { return {}; }
+    virtual bool isFolder() const { return false; }
+    // What the item holds: a Url for links, a QString for notes and folders; invalid when the kind holds nothing.
+    virtual QVariant value() const { return {}; }
+    virtual QString valueAsString() const { return {}; }
+    // A value of another type than the kind's is ignored; an invalid one stands for none.
+    virtual void setValue(const QVariant &value);
+    virtual QString tooltipText() const { return {}; }
+
+    // This item or the first of its descendants, depth first, that has the identifier.
+    virtual KDRBookmarkPtr findByUUID(const QString &uuid);
+    // Whether this item lies anywhere below `item`.
+    bool isChildOf(const KDRBookmarkPtr &item) const;
+    // The position in the parent; -1 without a parent, or when the parent no longer holds the item.
+    int childIsAtIndex() const;
+
+    virtual bool acceptsDroppedItems() const;
+    // Whether the item belongs into the item file.
+    virtual bool canBePersistent() const;
+    // Lets a smart folder fill itself before it is looked into.
+    virtual void ensureUpToDate() {}
+    virtual bool refresh() { return true; }
+
+    // Whether the search finds this very item, its descendants left aside.
+    virtual bool matchesSubstring(const QString &substring) const;
+    // Every match of this item and its descendants, in the order of the rows.
+    std::vector<KDRBookmarkPtr> bookmarksWithSubstring(const QString &substring);
+    virtual void appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found);
+
+    // Negative, 0 or positive, as this item comes before, with or after the other. No title counts as an empty one, no
+    // time stamp as the earliest.
+    int titleComparator(const KDRBookmark &other) const;
+    int timestampAscendingComparator(const KDRBookmark &other) const;
+    int timestampDescendingComparator(const KDRBookmark &other) const;
+
+    // (Re)initialises the item; what is missing or of another type counts as none.
+    virtual void loadFromDictionary(const QVariantMap &dictionary);
+    // `forSaving`: for the item file, so folders leave out what does not belong there.
+    virtual void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const;
+    QVariantMap createDictionary(bool forSaving) const;
+
+    // Of the same class, with the same identifier and without a parent.
+    KDRBookmarkPtr copy() const;
+    // One-sided: the other may be of a derived class.
+    virtual bool isEqual(const KDRBookmark &other) const;
+    bool isEqual(const KDRBookmarkPtr &other) const { return other && isEqual(*other); }
+
+    // None: the item is shown without an image.
+    virtual std::shared_ptr<Image> imageForCellSize(const QSizeF &size);
+    // The desktop's icon of a file; the zero size keeps the icon's own.
+    static std::shared_ptr<Image> loadIconForFileScaledTo(const QString &path, const QSizeF &size);
+    // Whether the user accepted the kind's dialog; false when it has none.
+    virtual bool editViaDialog() { return false; }
+
+    QString classNameForCoder() const override { return QStringLiteral("KDRBookmark"); }
+    void encodeWithCoder(KeyedArchiver &coder) const override;
+    // The item has no time stamp and no parent then.
+    void initWithCoder(const KeyedUnarchiver &coder) override;
+
+protected:
+    // A new item of this item's class.
+    virtual KDRBookmarkPtr makeNew() const;
+    virtual bool isSameKindAs(const KDRBookmark &other) const;
+    // Gives the fields of this item to a new one of the same class.
+    virtual void copyTo(KDRBookmark &copy) const;
+
+private:
+    QString _title;
+    QString _uuid;
+    std::weak_ptr<WayfoldBookmarkFolder> _parent;
+    CalendarDate _timestamp;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "model/WayfoldAutoFolder.h"
+
+class WayfoldBookmarkAutoFolder;
+using WayfoldBookmarkAutoFolderPtr = std::shared_ptr<WayfoldBookmarkAutoFolder>;
+
+// "Related Bookmarks": the browser's bookmarks and the contacts that its search string finds, by title.
+class WayfoldBookmarkAutoFolder : public WayfoldAutoFolder
+{
+public:
+    static WayfoldBookmarkAutoFolderPtr bookmarkWithTitle(const QString &title);
+    static WayfoldBookmarkAutoFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
+
+    bool refresh() override;
+    void refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root) override;
+    QString classNameForCoder() const override { return QStringLiteral("WayfoldBookmarkAutoFolder"); }
+
+protected:
+    KDRBookmarkPtr makeNew() const override;
+    bool isSameKindAs(const KDRBookmark &other) const override;
+};

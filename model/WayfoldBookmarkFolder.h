@@ -1,0 +1,118 @@
+#pragma once
+
+#include "model/ItemFileReading.h"
+#include "model/KDRBookmark.h"
+
+using WayfoldBookmarkFolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
+
+// An item that holds other items, in order. Its tree is what a list shows, and what the item file keeps:
+//
+//     auto root = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(path);
+//     root->addChild(WayfoldBookmarkNote::bookmarkWithTitleAndNote("Milk", "two bottles"));
+//     root->writeDictionaryFile(path);
+//
+// Whatever answers true to isFolder() is a WayfoldBookmarkFolder.
+class WayfoldBookmarkFolder : public KDRBookmark
+{
+public:
+    WayfoldBookmarkFolder();
+    // Takes a tree of any depth apart without recursion.
+    ~WayfoldBookmarkFolder() override;
+
+    static WayfoldBookmarkFolderPtr bookmarkWithTitle(const QString &title);
+    static WayfoldBookmarkFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
+    // An empty folder without a title when the file is missing or unreadable.
+    static WayfoldBookmarkFolderPtr bookmarkFromDictionaryFile(const QString &path);
+    // The same, and says how the reading went.
+    static WayfoldBookmarkFolderPtr readDictionaryFile(const QString &path, ItemFileReading *reading);
+    // Asks the user for a new folder; none when that was cancelled.
+    static WayfoldBookmarkFolderPtr newViaDialog();
+    // The item as a folder; none for items that are not.
+    static WayfoldBookmarkFolderPtr fromItem(const KDRBookmarkPtr &item);
+
+    void init() override;
+    void initFromDictionary(const QVariantMap &dictionary);
+
+    // The text that the smart folders in this folder search for: its own search string, or its title when there is
+    // none or an empty one.
+    QString filterString() const;
+    virtual void setFilterString(const QString &filterString);
+
+    const std::vector<KDRBookmarkPtr> &children() const { return _children; }
+    unsigned childCount() const { return unsigned(_children.size()); }
+    // Appends the item and becomes its parent; none is ignored. An item that another folder holds stays there too.
+    void addChild(const KDRBookmarkPtr &child);
+    // Before the child at that index: a negative one is the front, one past the last child the end.
+    void addChildAtIndex(const KDRBookmarkPtr &child, int index);
+    // Every occurrence of that very item; of items equal to it when it is not there itself. The item keeps its parent.
+    bool removeChild(const KDRBookmarkPtr &child);
+    void removeAllChildren();
+    // What remains, at every depth, is folders.
+    void removeAllLeafChildren();
+    // One level: a folder that becomes empty by this stays until the next call.
+    void removeEmptySubfolders();
+    // The direct children.
+    void sortChildrenByTitle();
+    void sortChildrenByTimestampDescending();
+
+    unsigned deepChildCount() const;
+    // Direct children that belong into the item file, and all that is below those that are folders.
+    unsigned persistentChildCount() const;
+    // The last child for an index past it; none when there are no children.
+    KDRBookmarkPtr childAtIndex(unsigned index) const;
+    KDRBookmarkPtr lastChild() const;
+    // The position of that very item, else of the first equal to it; -1 when there is neither.
+    int indexOfChild(const KDRBookmark &child) const;
+    // The first direct child of exactly that title.
+    KDRBookmarkPtr childWithTitle(const QString &title) const;
+
+    // Appends "Related Bookmarks" and "Related History", unless the user has switched them off.
+    void addAutoFolders();
+    // Removes every direct child that is a smart folder.
+    void removeAutoFolders();
+
+    // Reads a dictionary of any kind, and appends the item that it stands for. Without `insert` a folder's dictionary
+    // replaces this folder's contents instead. Unknown kinds and items without a title are left out.
+    void parseBookmarkDictionaryInsert(const QVariantMap &dictionary, bool insert);
+    // Appends an entry of the browser's history file, unless it has no title or no address.
+    void parseHistoryDictionary(const QVariantMap &dictionary);
+    // False, with the reason in the log, when the file could not be written; the old one is whole then.
+    bool writeDictionaryFile(const QString &path) const;
+
+    Type type() const override { return FolderType; }
+    QString typeDescription() const override { return QStringLiteral("Subfolder"); }
+    bool isFolder() const override { return true; }
+    QVariant value() const override { return title(); }
+    QString valueAsString() const override { return title(); }
+    KDRBookmarkPtr findByUUID(const QString &uuid) override;
+    void appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found) override;
+    // Refreshes the folders among the direct children.
+    bool refresh() override;
+    void loadFromDictionary(const QVariantMap &dictionary) override;
+    void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
+    // A folder without a search string of its own equals none, not even itself.
+    bool isEqual(const KDRBookmark &other) const override;
+    using KDRBookmark::isEqual;
+    std::shared_ptr<Image> imageForCellSize(const QSizeF &size) override;
+    bool editViaDialog() override;
+
+    QString classNameForCoder() const override { return QStringLiteral("WayfoldBookmarkFolder"); }
+    void encodeWithCoder(KeyedArchiver &coder) const override;
+    void initWithCoder(const KeyedUnarchiver &coder) override;
+
+protected:
+    KDRBookmarkPtr makeNew() const override;
+    bool isSameKindAs(const KDRBookmark &other) const override;
+    void copyTo(KDRBookmark &copy) const override;
+    // Appends an item that is not to know this folder as its parent.
+    void appendWithoutParent(const KDRBookmarkPtr &child);
+
+    // The cell size that this folder's icon was last loaded for.
+    QSizeF _lastIconCellSize = QSizeF(0, 0);
+
+private:
+    bool isTooDeepToBeSaved() const;
+
+    std::vector<KDRBookmarkPtr> _children;
+    QString _filterString;
+};
