@@ -2,12 +2,17 @@
 
 #include "platform/widgets/OutlineItem.h"
 
+#include <QBasicTimer>
 #include <QTreeView>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class OutlineModel;
 class OutlineViewDataSource;
+class QDrag;
+class QMenu;
+struct OutlineDropTarget;
 
 // A list of rows with rows below them, on QTreeView. The rows are the view's own, made as folders are opened: the same
 // item may be shown in several views, or in two rows of this one, and the view never asks an item for its parent.
@@ -27,7 +32,7 @@ public:
     // Throws all rows away and asks the source again; expansion and selection are forgotten.
     virtual void reloadData();
     // Asks again for one item's row (every row that shows it) and, with `reloadChildren`, for what lies below it; what
-    // was expanded there stays so. None reloads everything.
+    // was expanded or selected there stays so as long as it is still there. None reloads everything.
     void reloadItem(const OutlineItemPtr &item, bool reloadChildren);
 
     int numberOfRows() const;
@@ -35,7 +40,7 @@ public:
     OutlineItemPtr itemAtRow(int row) const;
     // The first row that shows the item, -1 when none does.
     int rowForItem(const OutlineItemPtr &item) const;
-    // In the viewport's coordinates; empty when there is no such row.
+    // As wide as the list, in the viewport's coordinates; empty when there is no such row.
     QRect rectOfRow(int row) const;
     // -1 where no row is.
     int rowAtPoint(const QPoint &point) const;
@@ -43,6 +48,7 @@ public:
     int levelForRow(int row) const;
 
     bool isExpandable(const OutlineItemPtr &item) const;
+    // Whether the first row that shows the item is expanded; so for the other two operations.
     bool isItemExpanded(const OutlineItemPtr &item) const;
     void expandItem(const OutlineItemPtr &item);
     void collapseItem(const OutlineItemPtr &item);
@@ -64,14 +70,51 @@ public:
     // What a double click on a row does.
     std::function<void()> doubleAction;
 
+    // The tip for a point of the viewport; null for none.
+    virtual QString toolTipAtPoint(const QPoint &point);
+    // The menu for a right click, or for the menu key, which asks for the middle of the first selected row; null for
+    // none. Not taken over.
+    virtual QMenu *menuForEvent(QContextMenuEvent *event);
+    // Where the mark of the current drag is drawn, in the viewport's coordinates; empty when there is none.
+    QRect dropIndicatorRect() const { return _dropIndicator; }
+
+    void reset() override;
+
 protected:
+    // Carries the drag out and answers what was done; the drag belongs to Qt.
+    virtual Qt::DropAction runDrag(QDrag *drag);
+
+    bool viewportEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void startDrag(Qt::DropActions supportedActions) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void changeEvent(QEvent *event) override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
 
 private:
+    void rowsWereCollapsed(const QModelIndex &index);
+    void tellSelectionDidChange();
+    std::vector<OutlineItemPtr> selectedItems() const;
+    int rowPixels() const;
+    QPixmap dragPixmap() const;
+
+    OutlineDropTarget dropTargetAtPoint(const QPoint &point) const;
+    Qt::DropAction validateDrop(QDropEvent *event, OutlineDropTarget &target);
+    QRect indicatorForTarget(const OutlineDropTarget &target) const;
+    void setDropIndicator(const QRect &rect);
+    void endDropTracking();
+
     OutlineModel *_model = nullptr;
+    std::optional<qreal> _rowHeight;
+    int _quiet = 0; // while positive, selection changes are not passed on
+    QRect _dropIndicator;
+    QBasicTimer _springTimer; // opens the folder that a drag rests on
+    OutlineItemPtr _springItem;
 };

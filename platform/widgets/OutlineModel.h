@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/widgets/OutlineItem.h"
+
+#include <QAbstractItemModel>
+#include <QHash>
+#include <QModelIndexList>
+#include <memory>
+#include <vector>
+
+class OutlineView;
+class OutlineViewDataSource;
+
+// The rows of an outline view. A row is made when somebody asks for its index, its item is fetched when somebody asks
+// for the item, and a folder's children are counted when it is opened.
+//
+// Every row knows how many rows are shown below it, so that flat row numbers (over all that is open) and indexes are
+// turned into each other without walking the list.
+class OutlineModel : public QAbstractItemModel
+{
+    Q_OBJECT
+
+public:
+    explicit OutlineModel(OutlineView &view);
+    ~OutlineModel() override;
+
+    OutlineViewDataSource *dataSource() const { return _source; }
+    void setDataSource(OutlineViewDataSource *source);
+
+    // Forgets all rows.
+    void reload();
+    // Asks again for every row that shows the item, and with `reloadChildren` for all below it that was asked before;
+    // rows that show the same items stay the same rows, at their new places. Answers the rows that are new, but whose
+    // items stood expanded in another row there before, folders before their contents.
+    QModelIndexList reloadItem(const OutlineItemPtr &item, bool reloadChildren);
+    // The view tells which rows are open.
+    void setExpanded(const QModelIndex &index, bool expanded);
+
+    int numberOfRows() const;
+    QModelIndex indexAtRow(int row) const;
+    // -1 when the row is within a closed folder.
+    int rowOfIndex(const QModelIndex &index) const;
+    int levelOfIndex(const QModelIndex &index) const;
+    OutlineItemPtr itemOfIndex(const QModelIndex &index) const;
+    // The first shown row with that item.
+    QModelIndex indexOfItem(const OutlineItemPtr &item) const;
+    bool isExpanded(const QModelIndex &index) const;
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = QModelIndex()) const override;
+    QModelIndex parent(const QModelIndex &index) const override;
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    bool hasChildren(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    Qt::DropActions supportedDropActions() const override;
+
+private:
+    struct Row;
+    struct Reload;
+
+    Row *rowOf(const QModelIndex &index) const;
+    QModelIndex indexOf(const Row &row) const;
+    Row *childOf(Row &parent, int index) const;
+    void ask(Row &row) const;
+    void adopt(Row &row, OutlineItemPtr item) const;
+    void disown(Row &row) const;
+    void count(Row &row) const;
+    void recountFrom(Row *row) const;
+    void askAllShown() const;
+    void askShownBelow(Row &row) const;
+    int flatRow(const Row &row) const;
+
+    void refresh(Row &row, Reload &reload);
+    void collectExpanded(const Row &row, Reload &reload) const;
+    void collectReopened(Row &row, const Reload &reload, QModelIndexList &reopened) const;
+    void bury(std::unique_ptr<Row> row, Reload &reload);
+
+    OutlineView &_view;
+    OutlineViewDataSource *_source = nullptr;
+    // Made on demand, by calls that only look.
+    mutable std::unique_ptr<Row> _root;
+    mutable QHash<const OutlineItem *, Row *> _rowsByItem; // rows with the same item are chained
+    mutable bool _allShownAsked = false;
+};
