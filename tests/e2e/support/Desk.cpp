@@ -1,0 +1,79 @@
+#include "tests/e2e/support/Desk.h"
+
+#include "tests/e2e/support/Tool.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+
+namespace
+{
+std::optional<QByteArray> xdotool(const QStringList &arguments)
+{
+    return Tool::run(QStringLiteral("xdotool"), arguments);
+}
+
+bool command(const QString &name, WId window, const QStringList &arguments = {})
+{
+    return xdotool(QStringList{name, QString::number(window)} + arguments).has_value();
+}
+} // namespace
+
+QList<WId> Desk::visibleWindows()
+{
+    // "search" finds a window by any of its conditions unless told to mind all, and fails when it finds none.
+    const auto found = xdotool({QStringLiteral("search"), QStringLiteral("--all"), QStringLiteral("--onlyvisible"),
+                                QStringLiteral("--pid"), QString::number(QCoreApplication::applicationPid()),
+                                QStringLiteral("--name"), QString()});
+    QList<WId> windows;
+    for (const QByteArray &line : found.value_or(QByteArray()).split('\n')) {
+        if (!line.isEmpty())
+            windows += line.toULongLong();
+    }
+    return windows;
+}
+
+QRect Desk::geometryOf(WId window)
+{
+    const auto info = Tool::run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), QString::number(window)});
+    static const QRegularExpression numbers(
+        QStringLiteral("left X:\\s+(-?\\d+).*left Y:\\s+(-?\\d+).*Width: (\\d+).*Height: (\\d+)"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const auto match = numbers.match(QString::fromUtf8(info.value_or(QByteArray())));
+    if (!match.hasMatch())
+        return {};
+    return {match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(), match.captured(4).toInt()};
+}
+
+bool Desk::minimise(WId window)
+{
+    return command(QStringLiteral("windowminimize"), window);
+}
+
+bool Desk::activate(WId window)
+{
+    return command(QStringLiteral("windowactivate"), window);
+}
+
+bool Desk::resize(WId window, const QSize &size)
+{
+    return command(QStringLiteral("windowsize"), window,
+                   {QString::number(size.width()), QString::number(size.height())});
+}
+
+bool Desk::sendToWorkspace(WId window, int workspace)
+{
+    return command(QStringLiteral("set_desktop_for_window"), window, {QString::number(workspace)});
+}
+
+bool Desk::changeToWorkspace(int workspace)
+{
+    return xdotool({QStringLiteral("set_desktop"), QString::number(workspace)}).has_value();
+}
+
+int Desk::workspaceOf(WId window)
+{
+    const auto answer = xdotool({QStringLiteral("get_desktop_for_window"), QString::number(window)});
+    bool isNumber = false;
+    const int workspace = answer.value_or(QByteArray()).trimmed().toInt(&isNumber);
+    return isNumber ? workspace : -1;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+
+// The user's hands: the real pointer and the real keyboard of the display, moved with xdotool. Positions are global
+// ones. Each call returns when the display has taken the events; what they lead to is waited for by condition. All are
+// false when the display refused.
+namespace Hands
+{
+bool moveTo(const QPoint &position);
+// Buttons are counted from the left: 1, 2, 3.
+bool clickAt(const QPoint &position, int button = 1);
+bool doubleClickAt(const QPoint &position);
+// Presses the left button, moves the pointer in small steps and lets go.
+bool drag(const QPoint &from, const QPoint &to);
+// A key with its modifiers: "ctrl+q", "Return", "space".
+bool press(const QString &keys);
+bool type(const QString &text);
+} // namespace Hands

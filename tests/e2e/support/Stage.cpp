@@ -1,0 +1,46 @@
+#include "tests/e2e/support/Stage.h"
+
+#include <QAbstractEventDispatcher>
+#include <QDeadlineTimer>
+#include <QSemaphore>
+#include <QThread>
+#include <chrono>
+#include <memory>
+
+using namespace std::chrono_literals;
+
+int Stage::perform(const std::function<int()> &play)
+{
+    int result = -1;
+    const std::unique_ptr<QThread> user(QThread::create([&] { result = play(); }));
+    QObject::connect(user.get(), &QThread::finished, QCoreApplication::instance(), [] { QCoreApplication::exit(); });
+    user->start();
+    while (!user->isFinished())
+        QCoreApplication::exec();
+    user->wait();
+    return result;
+}
+
+bool Stage::eventually(const std::function<bool()> &condition)
+{
+    const QDeadlineTimer deadline(30s);
+    while (!onMain(condition)) {
+        if (deadline.hasExpired())
+            return false;
+        QThread::msleep(20);
+    }
+    return true;
+}
+
+void Stage::settle()
+{
+    for (int sleeps = 0; sleeps < 3; ++sleeps) {
+        QSemaphore asleep;
+        const auto connection = onMain([&asleep] {
+            return QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                                    QCoreApplication::instance(), [&asleep] { asleep.release(); });
+        });
+        asleep.acquire();
+        onMain([&connection] { QObject::disconnect(connection); });
+    }
+}
