@@ -5,12 +5,12 @@
 #include "platform/files/FileStamp.h"
 #include "platform/widgets/MenuItem.h"
 
+#include <QMutex>
 #include <QPointer>
 #include <QString>
 #include <QTimer>
 #include <QVariantMap>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -38,7 +38,7 @@ public:
     static void load();
     // The one instance; the first call makes and starts it.
     static KDRDrawerBundle &sharedInstance();
-    // Ends it, for hosts that unload plug-ins; the next sharedInstance() starts a new one.
+    // Ends it: it observes nothing any more, and the next sharedInstance() starts a new one.
     static void releaseSharedInstance();
 
     ~KDRDrawerBundle() override;
@@ -51,7 +51,8 @@ public:
     const FolderPtr &safariBookmarkRoot() const { return _safariBookmarkRoot; }
     const FolderPtr &historyBookmarkRoot() const { return _safariHistoryRoot; }
 
-    // The lists' contextual menu and the menu in the menu bar; null when the interface file is missing.
+    // The lists' contextual menu, whose items act on the list that shows it, and the menu in the menu bar, whose items
+    // act on the front drawer. Null when the interface file is missing.
     QMenu *menu() const { return _contextualMenu; }
     QMenu *wayfoldMenu() const { return _wayfoldMenu; }
     void setPrefsWindowShown(bool shown) { _prefsWindowOpen = shown; }
@@ -62,7 +63,7 @@ public:
     static QString dataDir();
     // The item file's place in the data directory; its bare name when there is no data directory.
     void setBookmarkFilePath();
-    QString bookmarkFilePath() const { return _bookmarkFilePath; }
+    QString bookmarkFilePath() const { return _itemFile.path(); }
     // Reads the item file; an empty tree and false when there is none or it cannot be read.
     bool loadBookmarkFile();
     // Writes the item file, see ItemFile::save.
@@ -159,14 +160,13 @@ private:
     FolderPtr _bookmarkRoot;
     FolderPtr _provisionalBookmarkRoot;
     std::vector<std::weak_ptr<HostWindow>> _windowTracker;
-    QString _bookmarkFilePath;
     ItemFile _itemFile;
     QMenu *_contextualMenu = nullptr;
     std::optional<FileStamp> _safariBookmarkFileModDate;
     FolderPtr _safariBookmarkRoot;
     std::optional<FileStamp> _safariHistoryFileModDate;
     FolderPtr _safariHistoryRoot;
-    std::mutex _extSafariFileLock;
+    QMutex _extSafariFileLock;
     bool _terminating = false;
     bool _prefsWindowOpen = false;
     QMenu *_wayfoldMenu = nullptr;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "core/HostEvents.h"
+#include "platform/host/HostPlugin.h"
+
+#include <QObject>
+
+// The plug-in's entry: wires the rooms to each other and to the host, and starts the store.
+class WayfoldPlugin : public QObject, public HostPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID WAYFOLD_HOST_PLUGIN_IID)
+    Q_INTERFACES(HostPlugin)
+
+public:
+    HostObserver *load(HostApplication *host) override;
+
+private:
+    HostEvents _events;
+};
