@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+class QMimeData;
+
+// What a drop brings, by the pasteboard types of the lists. Data of another application, which knows only the desktop's
+// types, is read as the type that comes closest.
+class DroppedData
+{
+public:
+    explicit DroppedData(const QMimeData &data) : _data(data) {}
+
+    bool offers(const QString &type) const;
+    bool offersAnyOf(const QStringList &types) const;
+    // Null when the type is not offered or holds no text.
+    QString stringForType(const QString &type) const;
+    // Empty when the type is not offered or holds no list.
+    QVariantList propertyListForType(const QString &type) const;
+
+private:
+    bool isForeign() const;
+    // Empty when the data has no addresses; the titles may be fewer.
+    QStringList addresses(QStringList *titles = nullptr) const;
+    bool areAllFiles(const QStringList &addresses) const;
+    bool foreignDataOffers(const QString &type) const;
+    QVariantList foreignPropertyList(const QString &type) const;
+
+    const QMimeData &_data;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QMimeData>
+#include <functional>
+
+// Dragged items. The data of a type is made when somebody asks for it, from values as the pasteboard knows them
+// (a text, or a property list); the desktop's types are made from those.
+class ItemMimeData : public QMimeData
+{
+    Q_OBJECT
+
+public:
+    // Answers the value of one declared type (a QString or a QVariantList), invalid for none.
+    using Provider = std::function<QVariant(const QString &type)>;
+
+    // `types` are the lists' own; the desktop's are added to them.
+    ItemMimeData(const QStringList &types, Provider provider);
+
+    // Without the desktop's.
+    const QStringList &declaredTypes() const { return _types; }
+
+    QStringList formats() const override;
+    bool hasFormat(const QString &mimeType) const override;
+
+    // An address list as the desktop writes it.
+    static QByteArray uriListData(const QStringList &addresses);
+
+protected:
+    QVariant retrieveData(const QString &mimeType, QMetaType type) const override;
+
+private:
+    bool declares(const QString &type) const { return _types.contains(type); }
+    // The addresses and titles of all dragged items that have an address.
+    QStringList addresses() const;
+    QStringList titles() const;
+    QByteArray mozillaUrlData() const;
+
+    QStringList _types;
+    Provider _provider;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The names under which dragged items travel. The "KDR" types are the lists' own; the others are public, so their
+// spelling is fixed.
+namespace PasteboardTypes
+{
+inline const QString NSURLPboardType = QStringLiteral("NSURLPboardType");
+inline const QString WebURLsWithTitles = QStringLiteral("WebURLsWithTitlesPboardType");
+inline const QString BookmarkDictionaryList = QStringLiteral("BookmarkDictionaryListPboardType");
+inline const QString NSFilenamesPboardType = QStringLiteral("NSFilenamesPboardType");
+inline const QString KDRBookmark = QStringLiteral("KDRBookmark");
+inline const QString KDRBookmarkList = QStringLiteral("KDRBookmarkList");
+inline const QString NSStringPboardType = QStringLiteral("NSStringPboardType");
+inline const QString ABPeopleUIDs = QStringLiteral("ABPeopleUIDsPboardType");
+inline const QString ABGroupsUIDs = QStringLiteral("ABGroupsUIDsPboardType");
+inline const QString NSVCardPboardType = QStringLiteral("NSVCardPboardType");
+
+// The desktop's names.
+inline const QString uriList = QStringLiteral("text/uri-list");
+inline const QString mozillaUrl = QStringLiteral("text/x-moz-url");
+inline const QString plainText = QStringLiteral("text/plain");
+inline const QString vCard = QStringLiteral("text/vcard");
+
+// What a list takes as a drop, in this order.
+const QStringList &acceptableDragTypes();
+} // namespace PasteboardTypes

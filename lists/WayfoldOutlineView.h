@@ -1,0 +1,118 @@
+#pragma once
+
+#include "model/WayfoldBookmarkFolder.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/widgets/MenuItem.h"
+#include "platform/widgets/OutlineView.h"
+
+#include <QFont>
+#include <QMenu>
+#include <mutex>
+#include <optional>
+
+class WayfoldOutlineViewDelegate;
+
+// The list of a tab: an outline view whose rows are items. It has the list font of the settings, tool tips, and the
+// lists' context menu; it opens items from the keyboard, tells what is true of the whole selection, and keeps expansion
+// and selection across a reload, by identifier:
+//
+//     view->prepForReloadData();
+//     ... put another tree behind the list ...
+//     view->reloadData();
+class WayfoldOutlineView : public OutlineView, public MenuItemTarget
+{
+    Q_OBJECT
+
+public:
+    explicit WayfoldOutlineView(QWidget *parent = nullptr);
+    ~WayfoldOutlineView() override;
+
+    // Not owned: it must outlive the view or be taken away first.
+    WayfoldOutlineViewDelegate *delegate() const { return _delegate; }
+    void setDelegate(WayfoldOutlineViewDelegate *delegate) { _delegate = delegate; }
+
+    // Run once, when the view comes from its interface file: font, row height, observers.
+    virtual void awakeFromNib();
+    void handleChangeOfFontNotify(const Notification &notification);
+    QFont currentListViewFont() const;
+    // The menu of every list.
+    static QMenu *defaultMenu();
+    // Selects the row under the pointer, unless it is part of the selection already.
+    QMenu *menuForEvent(QContextMenuEvent *event) override;
+    // Whether items may be dropped here, and so whether drags from here carry the lists' own types.
+    virtual bool allowIncomingDrops() const { return false; }
+    // What a drag from here may do in this application, or in others.
+    Qt::DropActions draggingSourceOperationMaskForLocal(bool local) const;
+
+    // ---- Reload with memory
+
+    // Remembers what is expanded and selected for exactly one reload, then deselects all.
+    void prepForReloadData();
+    // Without memory, rows of the very same items stay as they are.
+    void reloadData() override;
+    QStringList getExpandedItemsUUIDList() const;
+    QStringList getSelectedItemsUUIDList() const;
+    void reexpandItemsFromUUIDList(const QStringList &uuids);
+    void reselectItemsFromUUIDList(const QStringList &uuids);
+
+    // ---- Tool tips
+
+    // Registers tool tips down to the item's row; nothing for an item that has no row.
+    void ensureToolTipPresentForItem(const KDRBookmarkPtr &item);
+    void removeAllToolTips();
+    QString toolTipAtPoint(const QPoint &point) override;
+
+    // ---- Selection
+
+    void selectRow(int row);
+    void selectIndividualRow(int row);
+    // Adds the item's first row to the selection; nothing for none.
+    void selectItem(const KDRBookmarkPtr &item);
+    // Changes nothing when the item has no row.
+    void selectIndividualItem(const KDRBookmarkPtr &item);
+    KDRBookmarkPtr selectedItem() const;
+    int selectedItemCount() const;
+    // In the order of the rows.
+    std::vector<KDRBookmarkPtr> selectedItemList() const;
+
+    // False when nothing is selected.
+    bool allSelectedItemsAreEditable() const;
+    bool allSelectedItemsAreDeletable() const;
+    bool allSelectedItemsAreAddressBookItems() const;
+    bool allSelectedItemsAreEmailable() const;
+    bool allSelectedItemsAreWebURLs() const;
+
+    // ---- Commands
+
+    void handleResolveBookmarkRequest(QObject *sender);
+    void handleOpenBookmarksInTabsRequest(QObject *sender);
+    // Whether this list carries out the action; other items of the context menu stay disabled.
+    virtual bool respondsToAction(const QString &action) const;
+    bool validateMenuItem(QAction *item) override;
+    void performMenuItem(QAction *item) override;
+
+protected:
+    // Sets up font, row height and tool tips; run by awakeFromNib.
+    void initialize();
+    void keyPressEvent(QKeyEvent *event) override;
+    void startDrag(Qt::DropActions supportedActions) override;
+
+    KDRBookmarkPtr itemInRow(int row) const;
+
+private:
+    using Predicate = bool (*)(const KDRBookmark &item);
+
+    void useFont(const QFont &font);
+    bool allSelectedItems(Predicate qualifies) const;
+    bool validateOpenItem(QAction *item) const;
+    bool validateOpenInTabsItem(QAction *item) const;
+    void restoreRowsOf(const std::vector<KDRBookmarkPtr> &expanded, const std::vector<KDRBookmarkPtr> &selected);
+    std::vector<KDRBookmarkPtr> expandedItems() const;
+
+    WayfoldOutlineViewDelegate *_delegate = nullptr;
+    int _tooltipRects = 0; // rows, from the top, that have a tool tip
+    std::optional<QFont> _listViewFont;
+    std::mutex _listViewFontLock;
+    std::optional<QStringList> _savedUUIDSelections;
+    std::optional<QStringList> _savedUUIDExpansions;
+};

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "lists/WayfoldOutlineViewDelegate.h"
+#include "platform/widgets/OutlineViewDataSource.h"
+
+#include <QObject>
+#include <QPointer>
+
+class WayfoldOutlineView;
+
+// What stands behind a list: it turns a tree of items into rows, decorates them, lets items be dragged out, and opens
+// them. The three lists differ in the tree that they show and in what may be done to it.
+class WayfoldOutlineViewDataSource : public QObject, public OutlineViewDataSource, public WayfoldOutlineViewDelegate
+{
+    Q_OBJECT
+
+public:
+    WayfoldOutlineViewDataSource() = default;
+
+    // None, and null: every list has its own.
+    WayfoldBookmarkFolderPtr localRootFolder() const override { return nullptr; }
+    virtual WayfoldOutlineView *myOutlineView() const { return nullptr; }
+
+    // Called when the list's tab is about to be shown.
+    virtual void ensureDataLoaded() {}
+    void deselectAllItems();
+    bool anyItemSelected() const;
+
+    // Whoever owns list and data source, see keptAlive().
+    void setOwner(const std::weak_ptr<const void> &owner) { _owner = owner; }
+    std::shared_ptr<const void> keptAlive() const override { return _owner.lock(); }
+
+    // Types that a list takes as a drop.
+    static const QStringList &acceptableDragTypes();
+
+    // ---- Rows
+
+    int outlineViewNumberOfChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) override;
+    bool outlineViewIsItemExpandable(OutlineView &view, const OutlineItemPtr &item) override;
+    OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override;
+    QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) override;
+    void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) override;
+    // Never: titles are changed in the dialogs.
+    bool outlineViewShouldEdit(OutlineView &view, const OutlineItemPtr &item) override;
+    void outlineViewSelectionDidChange(OutlineView &view) override;
+
+    // ---- Dragging out
+
+    QMimeData *outlineViewWriteItems(OutlineView &view, const std::vector<OutlineItemPtr> &items) override;
+    void outlineViewDraggingEnded(OutlineView &view) override;
+    // The value of one type for the items that are being dragged: a QString or a QVariantList, invalid for none.
+    QVariant pasteboardProvideDataForType(const QString &type) const;
+
+    // ---- Dropping: refused, but for the Scratchpad
+
+    Qt::DropAction outlineViewValidateDrop(OutlineView &view, const QMimeData &data, bool isLocal,
+                                           OutlineDropTarget &target) override;
+    bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) override;
+
+    // ---- Opening
+
+    void handleResolveBookmarkRequest(QObject *sender) override;
+    void handleOpenBookmarksInTabsRequest(QObject *sender) override;
+
+private:
+    KDRBookmarkPtr itemOrRoot(const OutlineItemPtr &item) const;
+    void openItem(const KDRBookmarkPtr &item);
+    QVariantList valuesOfDragItems(QVariant (*value)(const KDRBookmark &item)) const;
+
+    std::weak_ptr<const void> _owner;
+    // Both only while a drag is in progress.
+    QPointer<OutlineView> _dragSource;
+    std::vector<KDRBookmarkPtr> _dragItems;
+};
