@@ -17,4 +17,6 @@ struct ItemImages
     static ItemImages &shared();
     // As before the first use, for tests.
     static void reset();
+    // The image, set to be rendered afresh at every drawing.
+    static std::shared_ptr<Image> neverCached(std::shared_ptr<Image> image);
 };

@@ -31,6 +31,8 @@ public:
 protected:
     KDRBookmarkPtr makeNew() const override;
     bool isSameKindAs(const KDRBookmark &other) const override;
+    // What the search string finds in that tree; nothing in none.
+    std::vector<KDRBookmarkPtr> matchesBelow(const WayfoldBookmarkFolderPtr &root) const;
     // Appends a copy of every item that is no folder.
     static void appendCopiesOfLeaves(const std::vector<KDRBookmarkPtr> &items, WayfoldBookmarkFolder &folder);
 

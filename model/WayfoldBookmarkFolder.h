@@ -23,7 +23,7 @@ public:
     static WayfoldBookmarkFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
     // An empty folder without a title when the file is missing or unreadable.
     static WayfoldBookmarkFolderPtr bookmarkFromDictionaryFile(const QString &path);
-    // The same, and says how the reading went.
+    // The same, and says how the reading went unless `reading` is null.
     static WayfoldBookmarkFolderPtr readDictionaryFile(const QString &path, ItemFileReading *reading);
     // Asks the user for a new folder; none when that was cancelled.
     static WayfoldBookmarkFolderPtr newViaDialog();
@@ -107,12 +107,14 @@ protected:
     // Appends an item that is not to know this folder as its parent.
     void appendWithoutParent(const KDRBookmarkPtr &child);
 
-    // The cell size that this folder's icon was last loaded for.
-    QSizeF _lastIconCellSize = QSizeF(0, 0);
+    // Loads the image anew unless it is there and this folder was last shown at that cell size: "<name>16" for cells up
+    // to 32 high, "<name>" for higher ones.
+    void ensureIconLoaded(std::shared_ptr<Image> &image, const QString &name, const QSizeF &size);
 
 private:
     bool isTooDeepToBeSaved() const;
 
     std::vector<KDRBookmarkPtr> _children;
+    QSizeF _lastIconCellSize = QSizeF(0, 0);
     QString _filterString;
 };

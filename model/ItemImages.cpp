@@ -1,0 +1,20 @@
+#include "model/ItemImages.h"
+
+ItemImages &ItemImages::shared()
+{
+    // Never released: images must not outlive the application, and static objects do.
+    static auto *const images = new ItemImages;
+    return *images;
+}
+
+void ItemImages::reset()
+{
+    shared() = ItemImages();
+}
+
+std::shared_ptr<Image> ItemImages::neverCached(std::shared_ptr<Image> image)
+{
+    if (image)
+        image->setCacheMode(Image::NSImageCacheNever);
+    return image;
+}

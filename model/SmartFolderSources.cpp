@@ -1,0 +1,22 @@
+#include "model/SmartFolderSources.h"
+
+namespace
+{
+SmartFolderSources *currentSources = nullptr;
+}
+
+SmartFolderSources *SmartFolderSources::current()
+{
+    return currentSources;
+}
+
+void SmartFolderSources::setCurrent(SmartFolderSources *sources)
+{
+    currentSources = sources;
+}
+
+std::vector<KDRBookmarkPtr> SmartFolderSources::relatedContacts(const QString &substring) const
+{
+    Q_UNUSED(substring)
+    return {};
+}

@@ -1,0 +1,79 @@
+#include "model/WayfoldAutoFolder.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "model/ItemImages.h"
+
+WayfoldAutoFolderPtr WayfoldAutoFolder::bookmarkWithTitle(const QString &title)
+{
+    auto folder = std::make_shared<WayfoldAutoFolder>();
+    folder->setTitle(title);
+    return folder;
+}
+
+WayfoldAutoFolderPtr WayfoldAutoFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
+{
+    auto folder = std::make_shared<WayfoldAutoFolder>();
+    folder->loadFromDictionary(dictionary);
+    return folder;
+}
+
+void WayfoldAutoFolder::init()
+{
+    WayfoldBookmarkFolder::init();
+    _loaded = false;
+}
+
+void WayfoldAutoFolder::ensureUpToDate()
+{
+    if (!_loaded)
+        _loaded = refresh();
+}
+
+void WayfoldAutoFolder::setFilterString(const QString &filterString)
+{
+    WayfoldBookmarkFolder::setFilterString(filterString);
+    if (_loaded)
+        refresh();
+}
+
+void WayfoldAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root)
+{
+    const std::vector<KDRBookmarkPtr> found = matchesBelow(root);
+    removeAllChildren();
+    appendCopiesOfLeaves(found, *this);
+}
+
+std::shared_ptr<Image> WayfoldAutoFolder::imageForCellSize(const QSizeF &size)
+{
+    if (!WayfoldDefaults::sharedInstance().showBookmarkIcons())
+        return nullptr;
+    ItemImages &images = ItemImages::shared();
+    const bool isEmpty = childCount() == 0;
+    std::shared_ptr<Image> &image = isEmpty ? images.emptyAutoFolder : images.autoFolder;
+    ensureIconLoaded(
+        image, isEmpty ? QStringLiteral("WayfoldAutoFolderEmptyIcon") : QStringLiteral("WayfoldAutoFolderIcon"), size);
+    return image;
+}
+
+KDRBookmarkPtr WayfoldAutoFolder::makeNew() const
+{
+    return std::make_shared<WayfoldAutoFolder>();
+}
+
+bool WayfoldAutoFolder::isSameKindAs(const KDRBookmark &other) const
+{
+    return dynamic_cast<const WayfoldAutoFolder *>(&other);
+}
+
+std::vector<KDRBookmarkPtr> WayfoldAutoFolder::matchesBelow(const WayfoldBookmarkFolderPtr &root) const
+{
+    return root ? root->bookmarksWithSubstring(filterString()) : std::vector<KDRBookmarkPtr>();
+}
+
+void WayfoldAutoFolder::appendCopiesOfLeaves(const std::vector<KDRBookmarkPtr> &items, WayfoldBookmarkFolder &folder)
+{
+    for (const KDRBookmarkPtr &item : items) {
+        if (!item->isFolder())
+            folder.addChild(item->copy());
+    }
+}

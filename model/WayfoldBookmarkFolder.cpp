@@ -1,0 +1,476 @@
+#include "model/WayfoldBookmarkFolder.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "model/ItemDialogs.h"
+#include "model/ItemDictionary.h"
+#include "model/ItemImages.h"
+#include "model/WayfoldBookmarkAutoFolder.h"
+#include "model/WayfoldBookmarkNote.h"
+#include "model/WayfoldBookmarkURL.h"
+#include "model/WayfoldHistoryAutoFolder.h"
+#include "model/WayfoldHistoryURL.h"
+#include "platform/base/Log.h"
+#include "platform/files/PropertyList.h"
+
+#include <algorithm>
+
+namespace
+{
+const QString filterStringCoderKey = QStringLiteral("_filterString");
+const QString childrenCoderKey = QStringLiteral("_children");
+
+bool isFolderType(const QString &type)
+{
+    return type == ItemDictionary::listType || type == QLatin1String("BookmarksBar") ||
+           type == QLatin1String("BookmarksMenu");
+}
+
+// The item, or none when nothing names it in a list.
+template <class Item>
+std::shared_ptr<Item> unlessUntitled(std::shared_ptr<Item> item)
+{
+    return item->title().isEmpty() ? nullptr : item;
+}
+
+// Every entry that a folder's dictionary lists, at every depth.
+unsigned deepEntryCount(const QVariantMap &dictionary)
+{
+    const QVariantList entries = ItemDictionary::list(dictionary, ItemDictionary::childrenKey);
+    unsigned count = unsigned(entries.size());
+    for (const QVariant &entry : entries)
+        count += deepEntryCount(entry.toMap());
+    return count;
+}
+
+bool isContained(const QVariant &value, const QVariant &other);
+
+bool isContainedInDictionary(const QVariantMap &dictionary, const QVariantMap &other)
+{
+    for (auto entry = dictionary.begin(); entry != dictionary.end(); ++entry) {
+        if (!isContained(entry.value(), other.value(entry.key())))
+            return false;
+    }
+    return true;
+}
+
+// Whether the other holds all that the value holds. Empty texts stand for none, there is nothing in them to lose.
+bool isContained(const QVariant &value, const QVariant &other)
+{
+    if (value.typeId() == QMetaType::QString && value.toString().isEmpty())
+        return true;
+    if (value.typeId() != other.typeId())
+        return false;
+    if (value.typeId() == QMetaType::QVariantMap)
+        return isContainedInDictionary(value.toMap(), other.toMap());
+    if (value.typeId() != QMetaType::QVariantList)
+        return value == other;
+    const QVariantList values = value.toList();
+    const QVariantList others = other.toList();
+    return std::equal(values.begin(), values.end(), others.begin(), others.end(), isContained);
+}
+} // namespace
+
+WayfoldBookmarkFolder::WayfoldBookmarkFolder()
+{
+    _children.reserve(5);
+}
+
+WayfoldBookmarkFolder::~WayfoldBookmarkFolder()
+{
+    // Folders that nobody else holds are emptied before they go, so that a deep tree is not released by recursion.
+    std::vector<KDRBookmarkPtr> released = std::move(_children);
+    while (!released.empty()) {
+        const KDRBookmarkPtr item = std::move(released.back());
+        released.pop_back();
+        if (item.use_count() > 1 || !item->isFolder())
+            continue;
+        auto &folder = static_cast<WayfoldBookmarkFolder &>(*item);
+        std::move(folder._children.begin(), folder._children.end(), std::back_inserter(released));
+        folder._children.clear();
+    }
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkWithTitle(const QString &title)
+{
+    auto folder = std::make_shared<WayfoldBookmarkFolder>();
+    folder->setTitle(title);
+    return folder;
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
+{
+    auto folder = std::make_shared<WayfoldBookmarkFolder>();
+    folder->loadFromDictionary(dictionary);
+    return folder;
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionaryFile(const QString &path)
+{
+    return readDictionaryFile(path, nullptr);
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::readDictionaryFile(const QString &path, ItemFileReading *reading)
+{
+    ItemFileReading result;
+    const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &result.readable);
+    WayfoldBookmarkFolderPtr folder = bookmarkFromDictionary(dictionary);
+    if (!reading)
+        return folder;
+    result.skippedEntries = int(deepEntryCount(dictionary) - folder->deepChildCount());
+    result.complete = result.readable && isContainedInDictionary(dictionary, folder->createDictionary(true));
+    *reading = result;
+    return folder;
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::newViaDialog()
+{
+    WayfoldBookmarkFolderPtr folder =
+        bookmarkWithTitle(WayfoldToolkit::localizedString(QStringLiteral("Untitled Folder")));
+    ItemDialogs *const dialogs = ItemDialogs::current();
+    return dialogs && dialogs->newFolder(folder) ? folder : nullptr;
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::fromItem(const KDRBookmarkPtr &item)
+{
+    return item && item->isFolder() ? std::static_pointer_cast<WayfoldBookmarkFolder>(item) : nullptr;
+}
+
+void WayfoldBookmarkFolder::init()
+{
+    KDRBookmark::init();
+    _children.clear();
+    _lastIconCellSize = QSizeF(0, 0);
+    _filterString = QString();
+}
+
+void WayfoldBookmarkFolder::initFromDictionary(const QVariantMap &dictionary)
+{
+    init();
+    loadFromDictionary(dictionary);
+}
+
+QString WayfoldBookmarkFolder::filterString() const
+{
+    return _filterString.isEmpty() ? title() : _filterString;
+}
+
+void WayfoldBookmarkFolder::setFilterString(const QString &filterString)
+{
+    _filterString = filterString;
+}
+
+void WayfoldBookmarkFolder::addChild(const KDRBookmarkPtr &child)
+{
+    if (!child)
+        return;
+    child->setParent(weak_from_this().lock());
+    _children.push_back(child);
+}
+
+void WayfoldBookmarkFolder::addChildAtIndex(const KDRBookmarkPtr &child, int index)
+{
+    if (!child)
+        return;
+    child->setParent(weak_from_this().lock());
+    _children.insert(_children.begin() + std::clamp(index, 0, int(_children.size())), child);
+}
+
+bool WayfoldBookmarkFolder::removeChild(const KDRBookmarkPtr &child)
+{
+    if (!child)
+        return false;
+    const KDRBookmarkPtr removed = child; // the argument may be one of the references that go
+    if (std::erase(_children, removed) > 0)
+        return true;
+    return std::erase_if(_children, [&](const KDRBookmarkPtr &item) { return removed->isEqual(item); }) > 0;
+}
+
+void WayfoldBookmarkFolder::removeAllChildren()
+{
+    _children.clear();
+}
+
+void WayfoldBookmarkFolder::removeAllLeafChildren()
+{
+    std::erase_if(_children, [](const KDRBookmarkPtr &item) { return !item->isFolder(); });
+    for (const KDRBookmarkPtr &item : _children)
+        static_cast<WayfoldBookmarkFolder &>(*item).removeAllLeafChildren();
+}
+
+void WayfoldBookmarkFolder::removeEmptySubfolders()
+{
+    std::erase_if(_children, [](const KDRBookmarkPtr &item) {
+        const WayfoldBookmarkFolderPtr folder = fromItem(item);
+        return folder && folder->childCount() == 0;
+    });
+    for (const KDRBookmarkPtr &item : _children) {
+        if (const WayfoldBookmarkFolderPtr folder = fromItem(item))
+            folder->removeEmptySubfolders();
+    }
+}
+
+void WayfoldBookmarkFolder::sortChildrenByTitle()
+{
+    std::stable_sort(_children.begin(), _children.end(),
+                     [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->titleComparator(*b) < 0; });
+}
+
+void WayfoldBookmarkFolder::sortChildrenByTimestampDescending()
+{
+    std::stable_sort(_children.begin(), _children.end(), [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) {
+        return a->timestampDescendingComparator(*b) < 0;
+    });
+}
+
+unsigned WayfoldBookmarkFolder::deepChildCount() const
+{
+    unsigned count = childCount();
+    for (const KDRBookmarkPtr &item : _children) {
+        if (item->isFolder())
+            count += static_cast<const WayfoldBookmarkFolder &>(*item).deepChildCount();
+    }
+    return count;
+}
+
+unsigned WayfoldBookmarkFolder::persistentChildCount() const
+{
+    unsigned count = 0;
+    for (const KDRBookmarkPtr &item : _children) {
+        if (!item->canBePersistent())
+            continue;
+        ++count;
+        if (const WayfoldBookmarkFolderPtr folder = fromItem(item))
+            count += folder->deepChildCount();
+    }
+    return count;
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::childAtIndex(unsigned index) const
+{
+    return index < childCount() ? _children[index] : lastChild();
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::lastChild() const
+{
+    return _children.empty() ? nullptr : _children.back();
+}
+
+int WayfoldBookmarkFolder::indexOfChild(const KDRBookmark &child) const
+{
+    const auto isChild = [&](const KDRBookmarkPtr &item) { return item.get() == &child; };
+    const auto isEqualToChild = [&](const KDRBookmarkPtr &item) { return child.isEqual(*item); };
+    auto found = std::find_if(_children.begin(), _children.end(), isChild);
+    if (found == _children.end())
+        found = std::find_if(_children.begin(), _children.end(), isEqualToChild);
+    return found == _children.end() ? -1 : int(found - _children.begin());
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::childWithTitle(const QString &title) const
+{
+    if (title.isNull())
+        return nullptr;
+    const auto found = std::find_if(_children.begin(), _children.end(), [&](const KDRBookmarkPtr &item) {
+        return ItemDictionary::isSameText(item->title(), title);
+    });
+    return found == _children.end() ? nullptr : *found;
+}
+
+void WayfoldBookmarkFolder::addAutoFolders()
+{
+    if (!WayfoldDefaults::sharedInstance().createAutoFolders())
+        return;
+    const auto bookmarks = WayfoldBookmarkAutoFolder::bookmarkWithTitle(
+        WayfoldToolkit::localizedString(QStringLiteral("Related Bookmarks")));
+    const auto history =
+        WayfoldHistoryAutoFolder::bookmarkWithTitle(WayfoldToolkit::localizedString(QStringLiteral("Related History")));
+    bookmarks->setFilterString(filterString());
+    history->setFilterString(filterString());
+    addChild(bookmarks);
+    addChild(history);
+}
+
+void WayfoldBookmarkFolder::removeAutoFolders()
+{
+    std::erase_if(_children,
+                  [](const KDRBookmarkPtr &item) { return dynamic_cast<const WayfoldAutoFolder *>(item.get()); });
+}
+
+void WayfoldBookmarkFolder::parseBookmarkDictionaryInsert(const QVariantMap &dictionary, bool insert)
+{
+    const QString type = ItemDictionary::string(dictionary, ItemDictionary::typeKey);
+    if (isFolderType(type)) {
+        if (insert)
+            addChild(unlessUntitled(bookmarkFromDictionary(dictionary)));
+        else
+            loadFromDictionary(dictionary);
+    } else if (type == ItemDictionary::leafType) {
+        addChild(unlessUntitled(WayfoldBookmarkURL::bookmarkFromDictionary(dictionary)));
+    } else if (type == ItemDictionary::noteType) {
+        addChild(unlessUntitled(WayfoldBookmarkNote::bookmarkFromDictionary(dictionary)));
+    }
+}
+
+void WayfoldBookmarkFolder::parseHistoryDictionary(const QVariantMap &dictionary)
+{
+    addChild(unlessUntitled(WayfoldHistoryURL::bookmarkFromDictionary(dictionary)));
+}
+
+bool WayfoldBookmarkFolder::writeDictionaryFile(const QString &path) const
+{
+    if (isTooDeepToBeSaved()) {
+        qCWarning(logFiles) << "Not written, since its folders are nested too deep to be read again:" << path;
+        return false;
+    }
+    return PropertyList::writeFile(createDictionary(true), path);
+}
+
+// Of each folder the file holds a dictionary and a list, one inside the other.
+bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
+{
+    std::vector<const WayfoldBookmarkFolder *> level = {this};
+    for (int depth = 0; depth < PropertyList::maximumDepth / 2; ++depth) {
+        std::vector<const WayfoldBookmarkFolder *> nextLevel;
+        for (const WayfoldBookmarkFolder *folder : level) {
+            for (const KDRBookmarkPtr &item : folder->_children) {
+                if (item->isFolder())
+                    nextLevel.push_back(static_cast<const WayfoldBookmarkFolder *>(item.get()));
+            }
+        }
+        if (nextLevel.empty())
+            return false;
+        level = std::move(nextLevel);
+    }
+    return true;
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::findByUUID(const QString &uuid)
+{
+    if (KDRBookmarkPtr self = KDRBookmark::findByUUID(uuid))
+        return self;
+    for (const KDRBookmarkPtr &item : _children) {
+        if (KDRBookmarkPtr found = item->findByUUID(uuid))
+            return found;
+    }
+    return nullptr;
+}
+
+void WayfoldBookmarkFolder::appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found)
+{
+    KDRBookmark::appendBookmarksWithSubstring(substring, found);
+    for (const KDRBookmarkPtr &item : _children)
+        item->appendBookmarksWithSubstring(substring, found);
+}
+
+bool WayfoldBookmarkFolder::refresh()
+{
+    for (const KDRBookmarkPtr &item : _children) {
+        if (item->isFolder())
+            item->refresh();
+    }
+    return true;
+}
+
+void WayfoldBookmarkFolder::loadFromDictionary(const QVariantMap &dictionary)
+{
+    using namespace ItemDictionary;
+    initWithTitle(string(dictionary, titleKey));
+    const QString storedUUID = string(dictionary, uuidKey);
+    if (!storedUUID.isEmpty())
+        setUUID(storedUUID);
+    const QString searchString = string(dictionary, searchStringKey);
+    setFilterString(searchString.isEmpty() ? title() : searchString);
+    const QVariantList entries = list(dictionary, childrenKey);
+    for (const QVariant &entry : entries)
+        parseBookmarkDictionaryInsert(entry.toMap(), true);
+}
+
+void WayfoldBookmarkFolder::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
+{
+    using namespace ItemDictionary;
+    QVariantList entries;
+    for (const KDRBookmarkPtr &item : _children) {
+        if (!forSaving || item->canBePersistent())
+            entries.append(item->createDictionary(forSaving));
+    }
+    dictionary.insert(typeKey, listType);
+    dictionary.insert(uuidKey, textOrEmpty(uuid()));
+    dictionary.insert(titleKey, textOrEmpty(title()));
+    dictionary.insert(searchStringKey, textOrEmpty(_filterString));
+    dictionary.insert(childrenKey, entries);
+}
+
+bool WayfoldBookmarkFolder::isEqual(const KDRBookmark &other) const
+{
+    if (_filterString.isNull() || !KDRBookmark::isEqual(other))
+        return false;
+    const auto &folder = static_cast<const WayfoldBookmarkFolder &>(other);
+    return ItemDictionary::isSameText(_filterString, folder.filterString()) &&
+           std::equal(_children.begin(), _children.end(), folder._children.begin(), folder._children.end(),
+                      [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->isEqual(b); });
+}
+
+std::shared_ptr<Image> WayfoldBookmarkFolder::imageForCellSize(const QSizeF &size)
+{
+    std::shared_ptr<Image> &image = ItemImages::shared().folder;
+    if (WayfoldDefaults::sharedInstance().showBookmarkIcons())
+        ensureIconLoaded(image, QStringLiteral("WayfoldFolderIcon"), size);
+    return image;
+}
+
+void WayfoldBookmarkFolder::ensureIconLoaded(std::shared_ptr<Image> &image, const QString &name, const QSizeF &size)
+{
+    if (image && size == _lastIconCellSize)
+        return;
+    const bool isSmall = size.height() <= 32.0;
+    image = ItemImages::neverCached(WayfoldToolkit::loadImageNamed(isSmall ? name + QStringLiteral("16") : name));
+    _lastIconCellSize = size;
+}
+
+bool WayfoldBookmarkFolder::editViaDialog()
+{
+    ItemDialogs *const dialogs = ItemDialogs::current();
+    return dialogs && dialogs->editFolder(fromItem(shared_from_this()));
+}
+
+void WayfoldBookmarkFolder::encodeWithCoder(KeyedArchiver &coder) const
+{
+    KDRBookmark::encodeWithCoder(coder);
+    coder.encodeValueForKey(_filterString, filterStringCoderKey);
+    coder.encodeObjectsForKey({_children.begin(), _children.end()}, childrenCoderKey);
+}
+
+void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
+{
+    KDRBookmark::initWithCoder(coder);
+    _filterString = coder.decodeStringForKey(filterStringCoderKey);
+    for (const std::shared_ptr<KeyedCoding> &object : coder.decodeObjectsForKey(childrenCoderKey)) {
+        if (auto item = std::dynamic_pointer_cast<KDRBookmark>(object))
+            appendWithoutParent(item);
+    }
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::makeNew() const
+{
+    return std::make_shared<WayfoldBookmarkFolder>();
+}
+
+bool WayfoldBookmarkFolder::isSameKindAs(const KDRBookmark &other) const
+{
+    return other.isFolder();
+}
+
+void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
+{
+    KDRBookmark::copyTo(copy);
+    auto &folder = static_cast<WayfoldBookmarkFolder &>(copy);
+    folder.setFilterString(filterString());
+    folder._children.reserve(_children.size());
+    for (const KDRBookmarkPtr &item : _children)
+        folder.addChild(item->copy());
+}
+
+void WayfoldBookmarkFolder::appendWithoutParent(const KDRBookmarkPtr &child)
+{
+    _children.push_back(child);
+}

@@ -1,0 +1,162 @@
+#include "model/WayfoldBookmarkURL.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "model/ItemDialogs.h"
+#include "model/ItemDictionary.h"
+#include "model/ItemImages.h"
+#include "model/WayfoldBookmarkEmail.h"
+#include "model/WayfoldBookmarkFile.h"
+#include "platform/host/CurrentHost.h"
+#include "platform/host/HostApplication.h"
+
+namespace
+{
+bool isMailAddress(const Url &url)
+{
+    return url.scheme() == QLatin1String("mailto");
+}
+
+std::shared_ptr<Image> siteIconForAddress(const QString &address)
+{
+    const HostApplication *const host = currentHost();
+    if (!host)
+        return nullptr;
+    return ItemImages::neverCached(Image::imageWithPicture(host->siteIconForAddress(address, QSize(16, 16))));
+}
+} // namespace
+
+WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitle(const QString &title)
+{
+    auto link = std::make_shared<WayfoldBookmarkURL>();
+    link->setTitle(title);
+    return link;
+}
+
+WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitleAndURL(const QString &title, const Url &url)
+{
+    if (url.isFileURL())
+        return WayfoldBookmarkFile::bookmarkWithTitleAndURL(title, url);
+    if (isMailAddress(url))
+        return WayfoldBookmarkEmail::bookmarkWithTitleAndURL(title, url);
+    auto link = std::make_shared<WayfoldBookmarkURL>();
+    link->setTitle(title);
+    link->setURL(url);
+    return link;
+}
+
+WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkFromDictionary(const QVariantMap &dictionary)
+{
+    auto link = std::make_shared<WayfoldBookmarkURL>();
+    link->loadFromDictionary(dictionary);
+    if (link->_url.isFileURL())
+        return WayfoldBookmarkFile::bookmarkFromDictionary(dictionary);
+    if (isMailAddress(link->_url))
+        return WayfoldBookmarkEmail::bookmarkFromDictionary(dictionary);
+    return link;
+}
+
+void WayfoldBookmarkURL::init()
+{
+    KDRBookmark::init();
+    _url = Url();
+}
+
+void WayfoldBookmarkURL::initWithTitleAndURL(const QString &title, const Url &url)
+{
+    const Url newURL = url; // may be this item's own, which init() takes away
+    initWithTitle(title);
+    _url = newURL;
+}
+
+void WayfoldBookmarkURL::initFromDictionary(const QVariantMap &dictionary)
+{
+    init();
+    loadFromDictionary(dictionary);
+}
+
+void WayfoldBookmarkURL::setValue(const QVariant &value)
+{
+    if (!value.isValid() || value.metaType() == QMetaType::fromType<Url>())
+        _url = value.value<Url>();
+}
+
+bool WayfoldBookmarkURL::matchesSubstring(const QString &substring) const
+{
+    return KDRBookmark::matchesSubstring(substring) ||
+           WayfoldToolkit::stringContainsString(_url.absoluteString(), substring);
+}
+
+void WayfoldBookmarkURL::loadFromDictionary(const QVariantMap &dictionary)
+{
+    using namespace ItemDictionary;
+    const QVariantMap uriDictionary = ItemDictionary::dictionary(dictionary, uriDictionaryKey);
+    initWithTitleAndURL(string(uriDictionary, uriTitleKey), Url::URLWithString(string(dictionary, urlStringKey)));
+    const QString storedUUID = string(dictionary, uuidKey);
+    if (!storedUUID.isEmpty())
+        setUUID(storedUUID);
+}
+
+void WayfoldBookmarkURL::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
+{
+    Q_UNUSED(forSaving)
+    using namespace ItemDictionary;
+    const QString address = textOrEmpty(_url.absoluteString());
+    dictionary.insert(typeKey, leafType);
+    dictionary.insert(urlStringKey, address);
+    dictionary.insert(uuidKey, textOrEmpty(uuid()));
+    dictionary.insert(uriDictionaryKey, QVariantMap{{uriTitleKey, textOrEmpty(title())}, {uriAddressKey, address}});
+}
+
+bool WayfoldBookmarkURL::isEqual(const KDRBookmark &other) const
+{
+    return KDRBookmark::isEqual(other) && static_cast<const WayfoldBookmarkURL &>(other)._url == _url;
+}
+
+std::shared_ptr<Image> WayfoldBookmarkURL::imageForCellSize(const QSizeF &size)
+{
+    Q_UNUSED(size)
+    const WayfoldDefaults &defaults = WayfoldDefaults::sharedInstance();
+    if (!defaults.showBookmarkIcons())
+        return nullptr;
+    if (defaults.showFavicons())
+        return siteIconForAddress(_url.absoluteString());
+    std::shared_ptr<Image> &image = ItemImages::shared().webLink;
+    if (!image)
+        image = ItemImages::neverCached(WayfoldToolkit::loadAppImageNamed(QStringLiteral("BookmarkPreferences")));
+    return image;
+}
+
+bool WayfoldBookmarkURL::editViaDialog()
+{
+    ItemDialogs *const dialogs = ItemDialogs::current();
+    return dialogs && dialogs->editURL(std::static_pointer_cast<WayfoldBookmarkURL>(shared_from_this()));
+}
+
+void WayfoldBookmarkURL::encodeWithCoder(KeyedArchiver &coder) const
+{
+    KDRBookmark::encodeWithCoder(coder);
+    coder.encodeValueForKey(_url.absoluteString(), QStringLiteral("_url"));
+}
+
+void WayfoldBookmarkURL::initWithCoder(const KeyedUnarchiver &coder)
+{
+    KDRBookmark::initWithCoder(coder);
+    _url = Url::URLWithString(coder.decodeStringForKey(QStringLiteral("_url")));
+}
+
+KDRBookmarkPtr WayfoldBookmarkURL::makeNew() const
+{
+    return std::make_shared<WayfoldBookmarkURL>();
+}
+
+bool WayfoldBookmarkURL::isSameKindAs(const KDRBookmark &other) const
+{
+    return dynamic_cast<const WayfoldBookmarkURL *>(&other);
+}
+
+void WayfoldBookmarkURL::copyTo(KDRBookmark &copy) const
+{
+    KDRBookmark::copyTo(copy);
+    static_cast<WayfoldBookmarkURL &>(copy)._url = _url;
+}
