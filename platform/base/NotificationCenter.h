@@ -6,7 +6,8 @@
 #include <vector>
 
 // A message that something has happened: a name, and the object that it is about (compared by identity, may be none).
-struct Notification {
+struct Notification
+{
     QString name;
     const void *object = nullptr;
 };

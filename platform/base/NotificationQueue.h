@@ -2,7 +2,9 @@
 
 #include "platform/base/NotificationCenter.h"
 
+#include <QAbstractEventDispatcher>
 #include <QObject>
+#include <QPointer>
 #include <vector>
 
 // Posts notifications later, to the default centre. A pending notification of the same name, object and style is not
@@ -26,4 +28,25 @@ public:
 protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    struct Pending
+    {
+        Notification notification;
+        PostingStyle style;
+        quint64 serial; // in the order of enqueueing
+    };
+
+    bool hasPending(PostingStyle style) const;
+    void postDeliveryEvent();
+    void deliver(PostingStyle style);
+    void watchEventLoop();
+    void passedLandmark();
+
+    std::vector<Pending> _pending;
+    quint64 _lastSerial = 0;
+    QPointer<QAbstractEventDispatcher> _dispatcher;
+    bool _isDeliveryEventPosted = false;
+    bool _hasHandledEvent = false;
+    int _quietStretches = 0;
 };

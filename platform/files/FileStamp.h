@@ -5,7 +5,8 @@
 #include <optional>
 
 // What tells one state of a file from another without reading it: symbolic links are followed.
-struct FileStamp {
+struct FileStamp
+{
     qint64 modificationTime = 0; // nanoseconds since 1970-01-01 00:00 UTC
     qint64 size = 0;             // bytes
     quint64 inode = 0;

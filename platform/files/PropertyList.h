@@ -5,7 +5,8 @@
 #include <QVariant>
 #include <QVariantMap>
 
-// Property lists, XML and binary, read and written through libplist. Values are variants:
+// Property lists: the XML form, which is read and written, and the binary form, which is read through libplist. Values
+// are variants:
 //
 //     dictionary QVariantMap    array QVariantList    string QString    integer qlonglong (quint64 beyond its range)
 //     real double               boolean bool          date QDateTime (UTC)                 data QByteArray

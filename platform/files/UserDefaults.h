@@ -31,4 +31,20 @@ public:
     bool synchronize();
     // Forgets what was read, for tests that change their home directory.
     void reset();
+
+private:
+    struct Domain
+    {
+        QVariantMap values;
+        bool exists = false;
+        bool isChanged = false;         // not on the disk yet
+        bool hasUnreadableFile = false; // which is kept aside before anything is written over it
+    };
+
+    Domain &domainNamed(const QString &name);
+    void setDomain(const QVariantMap &values, bool exists, const QString &name);
+    bool writeDomain(Domain &domain, const QString &path);
+
+    QHash<QString, Domain> _domains; // by the path of the file
+    QTimer _writeTimer;
 };

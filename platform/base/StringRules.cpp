@@ -1,0 +1,122 @@
+#include "platform/base/StringRules.h"
+
+#include <QByteArray>
+#include <QRegularExpression>
+#include <QUrl>
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+bool isAscii(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+// The form in which texts that differ only in letter case or in canonically equivalent spellings are the same. Text
+// that is in this form already, as most text is, is handed through without a copy.
+QString folded(const QString &text)
+{
+    return text.normalized(QString::NormalizationForm_C).toCaseFolded().normalized(QString::NormalizationForm_C);
+}
+
+// Whether a mark that belongs to the letter before it stands there: a bare letter is not found in an accented one.
+bool isCombiningMarkAt(const QString &text, qsizetype position)
+{
+    if (position >= text.size())
+        return false;
+    char32_t character = text[position].unicode();
+    if (text[position].isHighSurrogate() && position + 1 < text.size() && text[position + 1].isLowSurrogate())
+        character = QChar::surrogateToUcs4(text[position], text[position + 1]);
+    return QChar::combiningClass(character) != 0;
+}
+
+int hexValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+} // namespace
+
+bool StringRules::containsIgnoringCase(const QString &text, const QString &part)
+{
+    if (part.isEmpty() || text.isEmpty())
+        return false;
+    if (isAscii(text) && isAscii(part))
+        return text.contains(part, Qt::CaseInsensitive);
+    const QString haystack = folded(text);
+    const QString needle = folded(part);
+    for (qsizetype at = haystack.indexOf(needle); at >= 0; at = haystack.indexOf(needle, at + 1)) {
+        if (!isCombiningMarkAt(haystack, at + needle.size()))
+            return true;
+    }
+    return false;
+}
+
+int StringRules::compareIgnoringCase(const QString &a, const QString &b)
+{
+    if (isAscii(a) && isAscii(b))
+        return QString::compare(a, b, Qt::CaseInsensitive);
+    return QString::compare(folded(a), folded(b));
+}
+
+QString StringRules::replacingPercentEscapes(const QString &text)
+{
+    if (!text.contains(u'%'))
+        return text;
+    const QByteArray source = text.toUtf8();
+    QByteArray bytes;
+    bytes.reserve(source.size());
+    for (qsizetype i = 0; i < source.size(); i++) {
+        if (source[i] != '%') {
+            bytes.append(source[i]);
+            continue;
+        }
+        if (i + 2 >= source.size())
+            return {};
+        const int high = hexValue(source[i + 1]);
+        const int low = hexValue(source[i + 2]);
+        if (high < 0 || low < 0)
+            return {};
+        bytes.append(static_cast<char>(high * 16 + low));
+        i += 2;
+    }
+    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
+}
+
+QString StringRules::addingPercentEscapes(const QString &text)
+{
+    if (text.isEmpty())
+        return text;
+    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!*'();/?:@&=+$,"));
+}
+
+QString StringRules::trimmed(const QString &text)
+{
+    // Nothing but blanks leaves the empty text, which is not the same as none.
+    return text.isNull() ? QString() : QStringView(text).trimmed().toString();
+}
+
+int StringRules::integerValue(const QString &text)
+{
+    static const QRegularExpression leadingInteger(QStringLiteral("^\\s*([+-]?[0-9]+)"));
+    const QString digits = leadingInteger.match(text).captured(1);
+    if (digits.isEmpty())
+        return 0;
+    bool fits = false;
+    const qlonglong value = digits.toLongLong(&fits);
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int most = std::numeric_limits<int>::max();
+    if (!fits)
+        return digits.startsWith(u'-') ? least : most;
+    return static_cast<int>(std::clamp<qlonglong>(value, least, most));
+}
+
+double StringRules::doubleValue(const QString &text)
+{
+    static const QRegularExpression leadingNumber(
+        QStringLiteral("^\\s*([+-]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?)"));
+    return leadingNumber.match(text).captured(1).toDouble();
+}

@@ -1,0 +1,215 @@
+#include "platform/files/BinaryPropertyListCheck.h"
+
+#include "platform/files/PropertyList.h"
+
+namespace
+{
+constexpr quint16 notVisited = 0xffff;
+constexpr quint16 beingVisited = 0xfffe;
+constexpr qsizetype headerSize = 8;
+constexpr qsizetype trailerSize = 32;
+// Texts that occur often are written once and referred to, which a file may do a good deal without bad intentions.
+constexpr quint64 maximumSharedBytes = quint64(256) << 20;
+} // namespace
+
+BinaryPropertyListCheck::BinaryPropertyListCheck(const QByteArray &data) : _data(data) {}
+
+QString BinaryPropertyListCheck::reasonToRefuse()
+{
+    if (!readTrailer())
+        return _reason;
+    _known.assign(_objectCount, Known{0, 0, notVisited});
+    if (!enter(_top))
+        return _reason;
+    while (!_visits.empty()) {
+        if (!follow(_visits.back()))
+            return _reason;
+    }
+    return {};
+}
+
+bool BinaryPropertyListCheck::readTrailer()
+{
+    const quint64 size = _data.size();
+    if (!_data.startsWith("bplist00"))
+        return refuse("an unknown version of the binary form");
+    if (size < headerSize + trailerSize)
+        return refuse("cut short");
+    const quint64 trailer = size - trailerSize;
+    _offsetSize = static_cast<quint8>(_data[trailer + 6]);
+    _referenceSize = static_cast<quint8>(_data[trailer + 7]);
+    _objectCount = integerAt(trailer + 8, 8);
+    _top = integerAt(trailer + 16, 8);
+    _end = integerAt(trailer + 24, 8);
+    const bool isSane = _offsetSize >= 1 && _offsetSize <= 8 && _referenceSize >= 1 && _referenceSize <= 8 &&
+                        _end >= headerSize && _end <= trailer && _objectCount >= 1 &&
+                        _objectCount <= (trailer - _end) / _offsetSize && _top < _objectCount;
+    return isSane || refuse("a damaged trailer");
+}
+
+bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
+{
+    quint64 position = integerAt(_end + number * _offsetSize, _offsetSize);
+    if (position < headerSize || position >= _end)
+        return refuse("an object outside of the file");
+    const quint8 marker = _data[position];
+    const int kind = marker >> 4;
+    const int low = marker & 0xf;
+    position++;
+    switch (kind) {
+    case 0x0:
+        return low == 8 || low == 9 || refuse("an object of an unknown kind");
+    case 0x1:
+        if (low > 4 || !isInside(position, 1 << low))
+            return refuse("a damaged integer");
+        // Sixteen bytes are used for what is too large for eight bytes with a sign, and hold no more than that.
+        return low < 4 || integerAt(position, 8) == 0 || refuse("an integer out of range");
+    case 0x2:
+        return ((low == 2 || low == 3) && isInside(position, 1 << low)) || refuse("a damaged real");
+    case 0x3:
+        return (low == 3 && isInside(position, 8)) || refuse("a damaged date");
+    default:
+        break;
+    }
+
+    position--;
+    quint64 count = 0;
+    if (!readCount(&position, &count) || count > _end)
+        return refuse("a damaged size");
+    quint64 length = count;
+    switch (kind) {
+    case 0x4: // data
+        object->bytes = count;
+        break;
+    case 0x5: // text in ASCII
+        object->kind = Object::Text;
+        object->bytes = count;
+        break;
+    case 0x6: // text in UTF-16, which takes up to three bytes for two when it is unfolded
+        object->kind = Object::Text;
+        length = count * 2;
+        object->bytes = count * 3;
+        break;
+    case 0xa:
+        object->kind = Object::Array;
+        object->references = count;
+        length = count * _referenceSize;
+        break;
+    case 0xd:
+        object->kind = Object::Dictionary;
+        object->references = count * 2;
+        length = count * 2 * _referenceSize;
+        break;
+    default:
+        return refuse("an object of an unknown kind");
+    }
+    object->position = position;
+    return isInside(position, length) || refuse("an object that is cut short");
+}
+
+// Steps over an object's marker and, for a count of fifteen and more, over the integer that follows it.
+bool BinaryPropertyListCheck::readCount(quint64 *position, quint64 *count)
+{
+    *count = static_cast<quint8>(_data[*position]) & 0xf;
+    ++*position;
+    if (*count < 0xf)
+        return true;
+    if (!isInside(*position, 1))
+        return false;
+    const quint8 marker = _data[*position];
+    const int size = 1 << (marker & 0xf);
+    ++*position;
+    if (marker >> 4 != 0x1 || size > 8 || !isInside(*position, size))
+        return false;
+    *count = integerAt(*position, size);
+    *position += size;
+    return true;
+}
+
+bool BinaryPropertyListCheck::isInside(quint64 position, quint64 length) const
+{
+    return position <= _end && length <= _end - position;
+}
+
+quint64 BinaryPropertyListCheck::integerAt(quint64 position, int size) const
+{
+    quint64 value = 0;
+    for (int i = 0; i < size; i++)
+        value = value << 8 | static_cast<quint8>(_data[position + i]);
+    return value;
+}
+
+bool BinaryPropertyListCheck::enter(quint64 number)
+{
+    Visit visit;
+    visit.number = number;
+    if (!readObject(number, &visit.object))
+        return false;
+    Known &known = _known[number];
+    known.values = 1;
+    known.bytes = visit.object.bytes;
+    if (visit.object.kind == Object::Scalar || visit.object.kind == Object::Text) {
+        known.height = 0;
+        return true;
+    }
+    if (_visits.size() >= PropertyList::maximumDepth)
+        return refuse("values nested too deep");
+    known.height = beingVisited;
+    _visits.push_back(visit);
+    return true;
+}
+
+// Takes the next step on a container: looks at the next object that it refers to, or is done with it.
+bool BinaryPropertyListCheck::follow(Visit &visit)
+{
+    if (visit.next == visit.object.references) {
+        quint16 height = 0;
+        for (quint64 i = 0; i < visit.object.references; i++) {
+            const quint64 child = integerAt(visit.object.position + i * _referenceSize, _referenceSize);
+            height = qMax(height, _known[child].height);
+        }
+        if (height >= PropertyList::maximumDepth)
+            return refuse("values nested too deep");
+        _known[visit.number].height = height + 1;
+        _visits.pop_back();
+        return true;
+    }
+    const quint64 child = integerAt(visit.object.position + visit.next * _referenceSize, _referenceSize);
+    if (child >= _objectCount)
+        return refuse("a reference to nothing");
+    if (_known[child].height == beingVisited)
+        return refuse("an object that holds itself");
+    if (_known[child].height == notVisited)
+        return enter(child); // `visit` may have moved; it is looked at again when the child is known
+    if (!add(visit, child))
+        return false;
+    visit.next++;
+    return true;
+}
+
+bool BinaryPropertyListCheck::add(const Visit &visit, quint64 child)
+{
+    if (visit.object.kind == Object::Dictionary && visit.next < visit.object.references / 2) {
+        Object key;
+        if (!readObject(child, &key))
+            return false;
+        if (key.kind != Object::Text)
+            return refuse("a key that is no text");
+    }
+    Known &known = _known[visit.number];
+    const quint64 values = quint64(known.values) + _known[child].values;
+    const quint64 bytes = quint64(known.bytes) + _known[child].bytes;
+    // Each value of a tree without shared parts takes at least one byte of the file.
+    if (values > quint64(_data.size()) || bytes > _data.size() + maximumSharedBytes)
+        return refuse("more than the file could hold, by objects that are referred to over and over");
+    known.values = static_cast<quint32>(values);
+    known.bytes = static_cast<quint32>(bytes);
+    return true;
+}
+
+bool BinaryPropertyListCheck::refuse(const char *reason)
+{
+    if (_reason.isNull())
+        _reason = QLatin1String(reason);
+    return false;
+}

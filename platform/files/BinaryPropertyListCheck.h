@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <vector>
+
+// Looks through the object table of a binary property list before it is unfolded: objects refer to each other by
+// number there, so a small file can describe a ring, a chain of any length, or a tree of any size. Works without
+// recursion.
+class BinaryPropertyListCheck
+{
+public:
+    // `data` must outlive the check.
+    explicit BinaryPropertyListCheck(const QByteArray &data);
+
+    // Null when the list can be unfolded safely, else why not.
+    QString reasonToRefuse();
+
+private:
+    // What is known of an object once everything below it has been looked at.
+    struct Known
+    {
+        quint32 values = 0; // in the tree that it unfolds to, itself included
+        quint32 bytes = 0;  // of text and data in that tree
+        quint16 height = 0; // containers above each other in it; or one of the marks in the source file
+    };
+    struct Object
+    {
+        enum Kind { Scalar, Text, Array, Dictionary } kind = Scalar;
+        quint64 bytes = 0;      // of text or data
+        quint64 references = 0; // to keys, then values, of a dictionary; to the values of an array
+        quint64 position = 0;   // of the first reference
+    };
+    // A container whose references are being followed.
+    struct Visit
+    {
+        quint64 number = 0;
+        Object object;
+        quint64 next = 0;
+    };
+
+    bool readTrailer();
+    bool readObject(quint64 number, Object *object);
+    bool readCount(quint64 *position, quint64 *count);
+    bool isInside(quint64 position, quint64 length) const;
+    quint64 integerAt(quint64 position, int size) const;
+    bool enter(quint64 number);
+    bool follow(Visit &visit);
+    bool add(const Visit &visit, quint64 child);
+    bool refuse(const char *reason);
+
+    const QByteArray &_data;
+    quint64 _end = 0; // of the objects: where the offset table begins
+    int _offsetSize = 0;
+    int _referenceSize = 0;
+    quint64 _objectCount = 0;
+    quint64 _top = 0;
+    std::vector<Known> _known;
+    std::vector<Visit> _visits;
+    QString _reason;
+};

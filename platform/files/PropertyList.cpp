@@ -1,0 +1,284 @@
+#include "platform/files/PropertyList.h"
+
+#include "platform/base/Log.h"
+#include "platform/files/BinaryPropertyListCheck.h"
+#include "platform/files/DiskFlush.h"
+#include "platform/files/FileStamp.h"
+#include "platform/files/XmlPropertyListReader.h"
+#include "platform/files/XmlPropertyListWriter.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QtEndian>
+#include <bit>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <plist/plist.h>
+#include <unistd.h>
+
+namespace
+{
+struct Free
+{
+    void operator()(void *memory) const { ::free(memory); }
+};
+struct FreePropertyList
+{
+    void operator()(void *list) const { plist_free(list); }
+};
+template <class T>
+using Allocated = std::unique_ptr<T, Free>;
+using OwnedPropertyList = std::unique_ptr<void, FreePropertyList>;
+
+constexpr qsizetype scalarMarker = 8; // where the only object of a binary property list begins
+
+// A scalar in the binary form, which tells what libplist's own answers leave out: the sign of an integer, and dates
+// more than some decades away.
+QByteArray binaryForm(plist_t scalar)
+{
+    char *bytes = nullptr;
+    uint32_t size = 0;
+    plist_to_bin(scalar, &bytes, &size);
+    const Allocated<char> owner(bytes);
+    return bytes ? QByteArray(bytes, size) : QByteArray();
+}
+
+QVariant integerFrom(plist_t node)
+{
+    uint64_t bits = 0;
+    plist_get_uint_val(node, &bits);
+    constexpr char sixteenBytes = 0x14;
+    const bool isTooLargeForSign = bits >> 63 && binaryForm(node).mid(scalarMarker).startsWith(sixteenBytes);
+    return isTooLargeForSign ? QVariant(quint64(bits)) : QVariant(static_cast<qlonglong>(bits));
+}
+
+QVariant dateFrom(plist_t node)
+{
+    static const QDateTime epoch(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QByteArray bytes = binaryForm(node).mid(scalarMarker + 1);
+    if (bytes.size() < qsizetype(sizeof(quint64)))
+        return {};
+    const double seconds = std::bit_cast<double>(qFromBigEndian<quint64>(bytes.constData()));
+    constexpr double eightThousandYears = 8000 * 365.25 * 24 * 60 * 60;
+    if (!(std::abs(seconds) <= eightThousandYears))
+        return {};
+    return epoch.addMSecs(qRound64(seconds * 1000));
+}
+
+QString stringFrom(plist_t node)
+{
+    uint64_t length = 0;
+    const char *text = plist_get_string_ptr(node, &length);
+    return length ? QString::fromUtf8(text, qsizetype(length)) : QStringLiteral("");
+}
+
+QVariant valueFrom(plist_t node);
+
+QVariant dictionaryFrom(plist_t node)
+{
+    QVariantMap dictionary;
+    plist_dict_iter position = nullptr;
+    plist_dict_new_iter(node, &position);
+    const Allocated<void> owner(position);
+    for (;;) {
+        char *key = nullptr;
+        plist_t child = nullptr;
+        plist_dict_next_item(node, position, &key, &child);
+        const Allocated<char> keyOwner(key);
+        if (!child)
+            return dictionary;
+        const QVariant value = valueFrom(child);
+        if (!value.isValid())
+            return {};
+        dictionary.insert(QString::fromUtf8(key), value);
+    }
+}
+
+QVariant arrayFrom(plist_t node)
+{
+    QVariantList array;
+    array.reserve(plist_array_get_size(node));
+    plist_array_iter position = nullptr;
+    plist_array_new_iter(node, &position);
+    const Allocated<void> owner(position);
+    for (;;) {
+        plist_t child = nullptr;
+        plist_array_next_item(node, position, &child);
+        if (!child)
+            return array;
+        const QVariant value = valueFrom(child);
+        if (!value.isValid())
+            return {};
+        array.append(value);
+    }
+}
+
+// An invalid variant for what has no place among our values. The depth has been looked at before.
+QVariant valueFrom(plist_t node)
+{
+    switch (plist_get_node_type(node)) {
+    case PLIST_DICT:
+        return dictionaryFrom(node);
+    case PLIST_ARRAY:
+        return arrayFrom(node);
+    case PLIST_STRING:
+        return stringFrom(node);
+    case PLIST_UINT:
+        return integerFrom(node);
+    case PLIST_DATE:
+        return dateFrom(node);
+    case PLIST_BOOLEAN: {
+        uint8_t value = 0;
+        plist_get_bool_val(node, &value);
+        return value != 0;
+    }
+    case PLIST_REAL: {
+        double value = 0;
+        plist_get_real_val(node, &value);
+        return value;
+    }
+    case PLIST_DATA: {
+        uint64_t length = 0;
+        const char *bytes = plist_get_data_ptr(node, &length);
+        return length ? QByteArray(bytes, qsizetype(length)) : QByteArray("");
+    }
+    default:
+        return {};
+    }
+}
+
+QVariant fromBinary(const QByteArray &data, QString *reason)
+{
+    *reason = BinaryPropertyListCheck(data).reasonToRefuse();
+    if (!reason->isNull())
+        return {};
+    plist_t list = nullptr;
+    plist_from_bin(data.constData(), static_cast<uint32_t>(data.size()), &list);
+    const OwnedPropertyList owner(list);
+    const QVariant value = list ? valueFrom(list) : QVariant();
+    if (!value.isValid())
+        *reason = QStringLiteral("damaged, or a value of an unknown kind");
+    return value;
+}
+
+QVariant fromDevice(QIODevice *device, QString *reason)
+{
+    const QByteArray start = device->peek(8);
+    if (start.startsWith("bplist"))
+        return fromBinary(device->readAll(), reason);
+    // Two or four bytes a character, which nobody writes property lists in.
+    if (start.left(4).contains('\0') || start.startsWith("\xfe\xff") || start.startsWith("\xff\xfe")) {
+        *reason = QStringLiteral("not in UTF-8");
+        return {};
+    }
+    XmlPropertyListReader reader(device);
+    const QVariant value = reader.read();
+    if (!value.isValid())
+        *reason = reader.errorString();
+    return value;
+}
+
+void logRefusal(const QString &path, const QString &reason)
+{
+    qCWarning(logFiles).noquote() << "Could not read the property list" << path << "-" << reason;
+}
+
+// Opens a plain file; anything else (a pipe would keep us waiting, a device might do anything) is not touched. Null
+// when that worked, else the reason, empty when there is no such file.
+QString openPlainFile(const QString &path, QFile *file)
+{
+    const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
+    if (!stamp)
+        return errno == ENOENT || errno == ENOTDIR ? QStringLiteral("") : qt_error_string(errno);
+    if (!stamp->isPlainFile)
+        return QStringLiteral("not a plain file");
+    if (stamp->size > PropertyList::maximumFileSize)
+        return QStringLiteral("larger than 1 GiB");
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return qt_error_string(errno);
+    if (!file->open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        return file->errorString();
+    }
+    return {};
+}
+
+// Null when that worked, else the reason.
+QString replaceFile(const QString &path, const QByteArray &contents)
+{
+    const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
+    if (stamp && !stamp->isPlainFile)
+        return QStringLiteral("not a plain file");
+    QSaveFile file(path);
+    file.setDirectWriteFallback(false);
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.flush())
+        return file.errorString();
+    if (::fsync(file.handle()) != 0)
+        return qt_error_string(errno);
+    if (!file.commit())
+        return file.errorString();
+    // The path may be a link; the names that changed are in the folder that it leads to.
+    return flushToDisk(QFileInfo(QFileInfo(path).canonicalFilePath()).path());
+}
+} // namespace
+
+QVariant PropertyList::readFile(const QString &path)
+{
+    QFile file;
+    QString reason = openPlainFile(path, &file);
+    QVariant value;
+    if (reason.isNull())
+        value = fromDevice(&file, &reason);
+    if (!reason.isEmpty())
+        logRefusal(path, reason);
+    return value;
+}
+
+QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok)
+{
+    const QVariant value = readFile(path);
+    const bool isDictionary = value.metaType().id() == QMetaType::QVariantMap;
+    if (value.isValid() && !isDictionary)
+        logRefusal(path, QStringLiteral("its top level is no dictionary"));
+    if (ok)
+        *ok = isDictionary;
+    return isDictionary ? value.toMap() : QVariantMap();
+}
+
+QVariant PropertyList::fromData(const QByteArray &data)
+{
+    QString reason;
+    QVariant value;
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    if (data.size() > maximumFileSize)
+        reason = QStringLiteral("larger than 1 GiB");
+    else
+        value = fromDevice(&buffer, &reason);
+    if (!reason.isNull())
+        logRefusal(QStringLiteral("(from memory)"), reason);
+    return value;
+}
+
+QByteArray PropertyList::toXml(const QVariant &value)
+{
+    return XmlPropertyListWriter::write(value);
+}
+
+bool PropertyList::writeFile(const QVariant &value, const QString &path)
+{
+    const QByteArray xml = toXml(value);
+    const QString reason =
+        xml.isEmpty() ? QStringLiteral("it holds something that a property list cannot") : replaceFile(path, xml);
+    if (!reason.isNull())
+        qCWarning(logFiles).noquote() << "Could not write the property list" << path << "-" << reason;
+    return reason.isNull();
+}

@@ -1,0 +1,214 @@
+#include "platform/files/XmlPropertyListReader.h"
+
+#include "platform/files/PropertyList.h"
+
+#include <QDateTime>
+#include <limits>
+
+XmlPropertyListReader::XmlPropertyListReader(QIODevice *device) : _xml(device)
+{
+    _xml.setNamespaceProcessing(false);
+}
+
+QVariant XmlPropertyListReader::read()
+{
+    while (!_xml.atEnd()) {
+        switch (_xml.readNext()) {
+        case QXmlStreamReader::StartElement:
+            startElement();
+            break;
+        case QXmlStreamReader::EndElement:
+            endElement();
+            break;
+        case QXmlStreamReader::Characters:
+            if (!_xml.isWhitespace())
+                refused(QStringLiteral("text outside of a value"));
+            break;
+        case QXmlStreamReader::DTD:
+            // Declarations of its own could make a small file unfold to any size.
+            if (_xml.text().contains(u'['))
+                refused(QStringLiteral("declarations of its own"));
+            break;
+        case QXmlStreamReader::EntityReference:
+            refused(QStringLiteral("an unknown entity"));
+            break;
+        default:
+            break;
+        }
+    }
+    return _xml.hasError() ? QVariant() : _root;
+}
+
+QString XmlPropertyListReader::errorString() const
+{
+    return QStringLiteral("line %1, column %2: %3")
+        .arg(_xml.lineNumber())
+        .arg(_xml.columnNumber())
+        .arg(_xml.errorString());
+}
+
+void XmlPropertyListReader::startElement()
+{
+    const QStringView name = _xml.name();
+    if (!_isInside) {
+        if (name != QLatin1String("plist"))
+            refused(QStringLiteral("no property list"));
+        _isInside = true;
+    } else if (name == QLatin1String("key")) {
+        readKey();
+    } else if (name == QLatin1String("string")) {
+        addValue(readText());
+    } else if (name == QLatin1String("dict")) {
+        openContainer(true);
+    } else if (name == QLatin1String("array")) {
+        openContainer(false);
+    } else if (name == QLatin1String("integer")) {
+        addValue(readInteger());
+    } else if (name == QLatin1String("real")) {
+        addValue(readReal());
+    } else if (name == QLatin1String("true") || name == QLatin1String("false")) {
+        const bool value = name == QLatin1String("true");
+        if (readText().isEmpty())
+            addValue(value);
+        else
+            refused(QStringLiteral("text in a boolean"));
+    } else if (name == QLatin1String("date")) {
+        addValue(readDate());
+    } else if (name == QLatin1String("data")) {
+        addValue(readData());
+    } else {
+        refused(QStringLiteral("the unknown element \"%1\"").arg(name));
+    }
+}
+
+void XmlPropertyListReader::endElement()
+{
+    if (_open.empty()) {
+        if (!_root.isValid())
+            refused(QStringLiteral("no value"));
+        return;
+    }
+    const Container closed = std::move(_open.back());
+    _open.pop_back();
+    if (closed.hasKey)
+        refused(QStringLiteral("a key without a value"));
+    else if (closed.isDictionary)
+        addValue(closed.dictionary);
+    else
+        addValue(closed.array);
+}
+
+void XmlPropertyListReader::openContainer(bool isDictionary)
+{
+    if (_open.size() >= PropertyList::maximumDepth) {
+        refused(QStringLiteral("values nested more than %1 deep").arg(PropertyList::maximumDepth));
+        return;
+    }
+    _open.emplace_back();
+    _open.back().isDictionary = isDictionary;
+}
+
+void XmlPropertyListReader::readKey()
+{
+    if (_open.empty() || !_open.back().isDictionary || _open.back().hasKey) {
+        refused(QStringLiteral("a key out of place"));
+        return;
+    }
+    _open.back().key = readText();
+    _open.back().hasKey = true;
+}
+
+void XmlPropertyListReader::addValue(const QVariant &value)
+{
+    if (_xml.hasError())
+        return;
+    if (_open.empty()) {
+        if (_root.isValid())
+            refused(QStringLiteral("more than one value"));
+        _root = value;
+        return;
+    }
+    Container &container = _open.back();
+    if (!container.isDictionary) {
+        container.array.append(value);
+        return;
+    }
+    if (!container.hasKey)
+        refused(QStringLiteral("a value without a key"));
+    container.dictionary.insert(container.key, value);
+    container.hasKey = false;
+}
+
+// The text up to the end of the element; empty but never null.
+QString XmlPropertyListReader::readText()
+{
+    QString text = QLatin1String("");
+    while (!_xml.atEnd()) {
+        switch (_xml.readNext()) {
+        case QXmlStreamReader::Characters:
+            text.append(_xml.text());
+            break;
+        case QXmlStreamReader::EndElement:
+            return text;
+        case QXmlStreamReader::StartElement:
+            refused(QStringLiteral("an element inside a value"));
+            break;
+        case QXmlStreamReader::EntityReference:
+            refused(QStringLiteral("an unknown entity"));
+            break;
+        default:
+            break;
+        }
+    }
+    return text;
+}
+
+QVariant XmlPropertyListReader::readInteger()
+{
+    QString text = readText().trimmed();
+    const bool isNegative = text.startsWith(u'-');
+    if (isNegative || text.startsWith(u'+'))
+        text.remove(0, 1);
+    const bool isHexadecimal = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
+    bool isNumber = false;
+    const quint64 magnitude = text.toULongLong(&isNumber, isHexadecimal ? 16 : 10);
+    constexpr quint64 most = std::numeric_limits<qlonglong>::max();
+    if (!isNumber || text.startsWith(u'-') || text.startsWith(u'+') || (isNegative && magnitude > most + 1))
+        return refused(QStringLiteral("an integer that is none or is out of range"));
+    if (isNegative)
+        return static_cast<qlonglong>(0 - magnitude);
+    return magnitude > most ? QVariant(magnitude) : QVariant(static_cast<qlonglong>(magnitude));
+}
+
+QVariant XmlPropertyListReader::readReal()
+{
+    QString text = readText().trimmed();
+    text.replace(QLatin1String("infinity"), QLatin1String("inf"), Qt::CaseInsensitive);
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    return isNumber ? QVariant(value) : refused(QStringLiteral("a real that is none"));
+}
+
+QVariant XmlPropertyListReader::readDate()
+{
+    const QString text = readText().trimmed();
+    QDateTime date = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
+    date.setTimeSpec(Qt::UTC);
+    return date.isValid() ? QVariant(date) : refused(QStringLiteral("a date that is none"));
+}
+
+QVariant XmlPropertyListReader::readData()
+{
+    QByteArray text = readText().toUtf8();
+    text.removeIf([](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
+    auto decoded = QByteArray::fromBase64Encoding(std::move(text), QByteArray::AbortOnBase64DecodingErrors);
+    return decoded ? QVariant(decoded.decoded) : refused(QStringLiteral("data that is not in base 64"));
+}
+
+QVariant XmlPropertyListReader::refused(const QString &reason)
+{
+    // The first reason counts.
+    if (!_xml.hasError())
+        _xml.raiseError(reason);
+    return {};
+}

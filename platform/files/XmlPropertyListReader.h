@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QVariant>
+#include <QVariantList>
+#include <QVariantMap>
+#include <QXmlStreamReader>
+#include <vector>
+
+class QIODevice;
+
+// Reads the XML form of a property list. It works without recursion, so that no nesting can exhaust the stack, and
+// refuses whatever is not exactly a property list rather than guess.
+class XmlPropertyListReader
+{
+public:
+    // `device` is open, stays the caller's and is read piece by piece.
+    explicit XmlPropertyListReader(QIODevice *device);
+
+    // An invalid variant when it is refused; the reason is in `errorString` then.
+    QVariant read();
+    QString errorString() const;
+
+private:
+    struct Container
+    {
+        bool isDictionary = false;
+        bool hasKey = false; // whether a value has to follow `key`
+        QString key;
+        QVariantMap dictionary;
+        QVariantList array;
+    };
+
+    void startElement();
+    void endElement();
+    void openContainer(bool isDictionary);
+    void readKey();
+    void addValue(const QVariant &value);
+    QString readText();
+    QVariant readInteger();
+    QVariant readReal();
+    QVariant readDate();
+    QVariant readData();
+    QVariant refused(const QString &reason);
+
+    QXmlStreamReader _xml;
+    std::vector<Container> _open;
+    bool _isInside = false; // between <plist> and </plist>
+    QVariant _root;
+};
