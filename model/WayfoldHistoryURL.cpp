@@ -54,10 +54,7 @@ void WayfoldHistoryURL::init()
 QString WayfoldHistoryURL::tooltipText() const
 {
     const QLocale locale;
-    return QStringLiteral("%1
-
-%2
-%3")
+    return QStringLiteral("%1\n\n%2\n%3")
         .arg(url().absoluteString(), locale.toString(timestamp().date(), QLocale::LongFormat),
              locale.toString(timestamp().time(), QLocale::ShortFormat));
 }
