@@ -20,8 +20,9 @@ public:
 
     // None when the file is missing or no image.
     static std::shared_ptr<Image> imageWithContentsOfFile(const QString &path);
-    // None for a null icon or picture.
+    // None for a null icon.
     static std::shared_ptr<Image> imageWithIcon(const QIcon &icon, const QSizeF &naturalSize);
+    // None for a null picture.
     static std::shared_ptr<Image> imageWithPicture(const QImage &picture);
 
     // In device-independent pixels; the natural size until `setSize`.
@@ -33,14 +34,20 @@ public:
     CacheMode cacheMode() const { return _cacheMode; }
     void setCacheMode(CacheMode mode) { _cacheMode = mode; }
 
+    // Fills the rectangle when the picture may be scaled, else puts it into the middle at its natural size and cuts off
+    // what stands over.
     void drawInRect(QPainter &painter, const QRectF &rect, QIcon::Mode mode = QIcon::Normal) const;
     // For buttons and other widgets that take icons.
     QIcon icon() const { return _icon; }
 
 private:
-    explicit Image(QIcon icon, QSizeF size);
+    Image(QIcon icon, const QSizeF &size);
+    QIcon iconToDraw() const;
 
     QIcon _icon;
+    QString _path;   // the file that it came from, if any
+    QImage _picture; // the picture that it came from, if any
+    QSizeF _naturalSize;
     QSizeF _size;
     bool _scalesWhenResized = false;
     CacheMode _cacheMode = NSImageCacheDefault;

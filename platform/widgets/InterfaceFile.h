@@ -1,25 +1,25 @@
 #pragma once
 
-#include <QHash>
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <QWidget>
 #include <functional>
-
-class QWidget;
 
 // An interface file: a Qt Designer form "<name>.ui" of the bundle's resources, loaded at run time for an owner. Widgets
 // of the project's own classes are made by the makers registered under their class names.
 //
 // The form's objects are connected to the owner by name: for each outlet that the owner asks for, the object of that
-// name; for each button or action whose dynamic property "action" names an operation (as in "saveEdit:"), that
-// operation with the sender.
+// name; for each button, action or pop-up button whose dynamic property "action" names an operation (as in
+// "saveEdit:"), that operation with the sender.
 class InterfaceFile
 {
 public:
     using WidgetMaker = std::function<QWidget *(QWidget *parent)>;
     static void registerClass(const QString &className, WidgetMaker maker);
 
-    // Loads the form. A missing or damaged file gives an interface without objects, which is logged.
+    // Loads the form, its texts in the user's language. A missing or damaged file gives an interface without objects,
+    // which is logged.
     explicit InterfaceFile(const QString &name, QWidget *parent = nullptr);
 
     // The form's top widget; the caller owns it. Null when there is none.
@@ -38,5 +38,5 @@ public:
 private:
     QObject *objectNamed(const QString &name) const;
 
-    QWidget *_topLevelWidget = nullptr;
+    QPointer<QWidget> _topLevelWidget;
 };

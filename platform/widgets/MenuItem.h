@@ -36,15 +36,16 @@ void setAction(QAction *item, const QString &action);
 void setTarget(QAction *item, MenuItemTarget *target);
 MenuItemTarget *target(const QAction *item);
 
-// Command is Qt::ControlModifier, Control is Qt::MetaModifier, Option is Qt::AltModifier. An empty key removes the
-// shortcut.
+// Command is Qt::ControlModifier, Control is Qt::MetaModifier, Option is Qt::AltModifier. The key is one character, or
+// the platform's character for a key without one (U+F701 is the down arrow, U+F704 is F1). An empty key removes the
+// shortcut. An item that was never given one answers what its shortcut stands for, letters in lower case.
 void setKeyEquivalent(QAction *item, const QString &key, unsigned modifierMask);
 QString keyEquivalent(const QAction *item);
 unsigned keyEquivalentModifierMask(const QAction *item);
 
-// The first item of the menu with that tag; null when there is none.
+// The first item of the menu that was given that tag; null when there is none.
 QAction *itemWithTag(const QMenu *menu, int tag);
-// Makes the menu ask its items' targets each time it is about to show, and again after it has gone, so that key
-// equivalents are never left disabled.
+// Makes the menu ask its items' targets each time it is about to show, and enables the items again when it goes, so
+// that key equivalents are never left disabled; those ask before they act.
 void validateOnShow(QMenu *menu);
 } // namespace MenuItem

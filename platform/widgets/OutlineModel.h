@@ -33,6 +33,8 @@ public:
     // rows that show the same items stay the same rows, at their new places. Answers the rows that are new, but whose
     // items stood expanded in another row there before, folders before their contents.
     QModelIndexList reloadItem(const OutlineItemPtr &item, bool reloadChildren);
+    // The view has laid itself out again after `reloadItem` and holds no index of a row that is gone.
+    void forgetRemovedRows();
     // The view tells which rows are open.
     void setExpanded(const QModelIndex &index, bool expanded);
 
@@ -57,24 +59,32 @@ public:
 
 private:
     struct Row;
+    struct Branch;
     struct Reload;
 
     Row *rowOf(const QModelIndex &index) const;
     QModelIndex indexOf(const Row &row) const;
-    Row *childOf(Row &parent, int index) const;
+    Row &childOf(Row &parent, int index) const;
+    OutlineItemPtr fetch(const Row &parent, int index) const;
     void ask(Row &row) const;
     void adopt(Row &row, OutlineItemPtr item) const;
     void disown(Row &row) const;
+    int countInSource(const Row &row) const;
     void count(Row &row) const;
-    void recountFrom(Row *row) const;
-    void askAllShown() const;
     void askShownBelow(Row &row) const;
-    int flatRow(const Row &row) const;
+    static int shownBelow(const Row &row);
+    static void sumUp(Row &row);
+    static void sumUpFrom(Row *row);
+    static int placeInParent(const Row &row);
+    static int flatRow(const Row &row);
 
+    static void collectExpanded(const Row &row, Reload &reload);
     void refresh(Row &row, Reload &reload);
-    void collectExpanded(const Row &row, Reload &reload) const;
-    void collectReopened(Row &row, const Reload &reload, QModelIndexList &reopened) const;
+    void replaceChildren(Row &row, Reload &reload);
     void bury(std::unique_ptr<Row> row, Reload &reload);
+    void buryBelow(Row &row, Reload &reload);
+    void collectReopened(Row &row, Reload &reload);
+    void movePersistentIndexes(const Reload &reload);
 
     OutlineView &_view;
     OutlineViewDataSource *_source = nullptr;
@@ -82,4 +92,5 @@ private:
     mutable std::unique_ptr<Row> _root;
     mutable QHash<const OutlineItem *, Row *> _rowsByItem; // rows with the same item are chained
     mutable bool _allShownAsked = false;
+    std::vector<std::unique_ptr<Row>> _removed;
 };

@@ -78,8 +78,6 @@ public:
     // Where the mark of the current drag is drawn, in the viewport's coordinates; empty when there is none.
     QRect dropIndicatorRect() const { return _dropIndicator; }
 
-    void reset() override;
-
 protected:
     // Carries the drag out and answers what was done; the drag belongs to Qt.
     virtual Qt::DropAction runDrag(QDrag *drag);
@@ -95,7 +93,6 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
-    void changeEvent(QEvent *event) override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
 
 private:

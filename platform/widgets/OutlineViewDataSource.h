@@ -11,13 +11,15 @@ class OutlineView;
 class QMimeData;
 
 // How one row's cell looks: what its text is drawn with, and what stands left of it.
-struct OutlineCell {
+struct OutlineCell
+{
     std::shared_ptr<Image> image; // none: the text takes the whole cell
     QFont font;
 };
 
 // Where a drop would go: `item` none is the root, `childIndex` -1 means on the item itself.
-struct OutlineDropTarget {
+struct OutlineDropTarget
+{
     OutlineItemPtr item;
     int childIndex = -1;
 };

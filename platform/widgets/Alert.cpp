@@ -1,0 +1,76 @@
+#include "platform/widgets/Alert.h"
+
+#include "platform/files/Bundle.h"
+
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+namespace
+{
+// A message box that can always be left by Escape and by its window's close button, with no button pressed.
+class AlertBox : public QMessageBox
+{
+public:
+    using QMessageBox::QMessageBox;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->matches(QKeySequence::Cancel))
+            reject();
+        else
+            QMessageBox::keyPressEvent(event);
+    }
+    void closeEvent(QCloseEvent *event) override
+    {
+        event->accept();
+        reject();
+    }
+};
+
+QMessageBox::Icon iconForStyle(Alert::Style style)
+{
+    switch (style) {
+    case Alert::NSInformationalAlertStyle:
+        return QMessageBox::Information;
+    case Alert::NSCriticalAlertStyle:
+        return QMessageBox::Critical;
+    default:
+        return QMessageBox::Warning;
+    }
+}
+} // namespace
+
+int Alert::runModal(QWidget *parent) const
+{
+    // The parent may go, and take the box with it, while the box is up.
+    const QPointer<AlertBox> box = new AlertBox(parent);
+    box->setObjectName(QStringLiteral("Alert"));
+    box->setIcon(iconForStyle(style));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(messageText);
+    box->setInformativeText(informativeText);
+
+    const QString defaultTitle = defaultButton.isNull() ? Bundle::localizedString(QStringLiteral("OK")) : defaultButton;
+    QPushButton *first = box->addButton(defaultTitle, QMessageBox::AcceptRole);
+    const QPushButton *alternate =
+        alternateButton.isNull() ? nullptr : box->addButton(alternateButton, QMessageBox::RejectRole);
+    const QPushButton *other =
+        otherButton.isNull() ? nullptr : box->addButton(otherButton, QMessageBox::DestructiveRole);
+    box->setDefaultButton(first);
+
+    box->exec();
+    if (!box)
+        return NSAlertAlternateReturn;
+    const QAbstractButton *clicked = box->clickedButton();
+    const bool isAlone = !alternate && !other;
+    int result = isAlone ? NSAlertDefaultReturn : NSAlertAlternateReturn;
+    if (clicked && clicked == first)
+        result = NSAlertDefaultReturn;
+    else if (clicked && clicked == other)
+        result = NSAlertOtherReturn;
+    delete box;
+    return result;
+}

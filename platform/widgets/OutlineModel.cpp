@@ -1,0 +1,523 @@
+#include "platform/widgets/OutlineModel.h"
+
+#include "platform/widgets/OutlineViewDataSource.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+struct OutlineModel::Row
+{
+    Row *parent = nullptr; // none: the invisible root
+    OutlineItemPtr item;
+    Row *nextWithItem = nullptr;
+    int index = 0;  // among its siblings
+    int before = 0; // when open: the rows shown below those open siblings that come before it
+    bool asked = false;
+    bool expandable = false;
+    bool expanded = false;
+    std::unique_ptr<Branch> branch; // none until the children are counted
+};
+
+struct OutlineModel::Branch
+{
+    std::vector<std::unique_ptr<Row>> children; // null until somebody asks for one
+    std::vector<Row *> open;                    // the expanded ones, ascending
+    int shown = 0;                              // the rows shown below when this branch is open
+};
+
+struct OutlineModel::Reload
+{
+    std::unordered_set<const OutlineItem *> expanded;
+    std::unordered_set<const Row *> fresh;
+    std::unordered_set<const Row *> dead;
+    QModelIndexList reopened;
+};
+
+OutlineModel::OutlineModel(OutlineView &view) : _view(view), _root(std::make_unique<Row>())
+{
+    _root->asked = _root->expandable = _root->expanded = true;
+}
+
+OutlineModel::~OutlineModel() = default;
+
+void OutlineModel::setDataSource(OutlineViewDataSource *source)
+{
+    beginResetModel();
+    _source = source;
+    _rowsByItem.clear();
+    _removed.clear();
+    _root->branch.reset();
+    _allShownAsked = false;
+    endResetModel();
+}
+
+void OutlineModel::reload()
+{
+    setDataSource(_source);
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+OutlineModel::Row *OutlineModel::rowOf(const QModelIndex &index) const
+{
+    return index.isValid() ? static_cast<Row *>(index.internalPointer()) : _root.get();
+}
+
+QModelIndex OutlineModel::indexOf(const Row &row) const
+{
+    return row.parent ? createIndex(row.index, 0, &row) : QModelIndex();
+}
+
+// The caller has counted the parent's children and asks for one of them.
+OutlineModel::Row &OutlineModel::childOf(Row &parent, int index) const
+{
+    std::unique_ptr<Row> &child = parent.branch->children[std::size_t(index)];
+    if (!child) {
+        child = std::make_unique<Row>();
+        child->parent = &parent;
+        child->index = index;
+    }
+    return *child;
+}
+
+OutlineItemPtr OutlineModel::fetch(const Row &parent, int index) const
+{
+    return _source ? _source->outlineViewChildOfItem(_view, index, parent.item) : nullptr;
+}
+
+void OutlineModel::ask(Row &row) const
+{
+    if (row.asked)
+        return;
+    ask(*row.parent);
+    adopt(row, fetch(*row.parent, row.index));
+}
+
+void OutlineModel::adopt(Row &row, OutlineItemPtr item) const
+{
+    row.asked = true;
+    row.item = std::move(item);
+    if (!row.item)
+        return;
+    row.expandable = _source->outlineViewIsItemExpandable(_view, row.item);
+    Row *&first = _rowsByItem[row.item.get()];
+    row.nextWithItem = first;
+    first = &row;
+}
+
+void OutlineModel::disown(Row &row) const
+{
+    if (!row.item)
+        return;
+    const auto found = _rowsByItem.find(row.item.get());
+    Row **link = &*found;
+    while (*link != &row)
+        link = &(*link)->nextWithItem;
+    *link = row.nextWithItem;
+    if (!*found)
+        _rowsByItem.erase(found);
+    row.item.reset();
+}
+
+int OutlineModel::countInSource(const Row &row) const
+{
+    if (!_source || !row.expandable)
+        return 0;
+    return std::max(0, _source->outlineViewNumberOfChildrenOfItem(_view, row.item));
+}
+
+void OutlineModel::count(Row &row) const
+{
+    if (row.branch)
+        return;
+    ask(row);
+    const int children = countInSource(row);
+    row.branch = std::make_unique<Branch>();
+    row.branch->children.resize(std::size_t(children));
+    row.branch->shown = children;
+}
+
+void OutlineModel::askShownBelow(Row &row) const
+{
+    count(row);
+    for (int i = 0; i < int(row.branch->children.size()); ++i)
+        ask(childOf(row, i));
+    for (Row *child : row.branch->open)
+        askShownBelow(*child);
+}
+
+// --- Flat row numbers -----------------------------------------------------------------------------------------------
+
+int OutlineModel::shownBelow(const Row &row)
+{
+    return row.expanded && row.branch ? row.branch->shown : 0;
+}
+
+void OutlineModel::sumUp(Row &row)
+{
+    int sum = 0;
+    for (Row *child : row.branch->open) {
+        child->before = sum;
+        sum += shownBelow(*child);
+    }
+    row.branch->shown = int(row.branch->children.size()) + sum;
+}
+
+// Brings the counts of a row and of all above it up to date.
+void OutlineModel::sumUpFrom(Row *row)
+{
+    for (; row; row = row->parent)
+        sumUp(*row);
+}
+
+// How many rows are shown between the parent's row and this one.
+int OutlineModel::placeInParent(const Row &row)
+{
+    const std::vector<Row *> &open = row.parent->branch->open;
+    const auto next = std::lower_bound(open.begin(), open.end(), row.index,
+                                       [](const Row *sibling, int index) { return sibling->index < index; });
+    if (next == open.begin())
+        return row.index;
+    const Row &last = **std::prev(next);
+    return row.index + last.before + shownBelow(last);
+}
+
+int OutlineModel::flatRow(const Row &row)
+{
+    int flat = -1;
+    for (const Row *step = &row; step->parent; step = step->parent) {
+        if (step != &row && !step->expanded)
+            return -1;
+        flat += 1 + placeInParent(*step);
+    }
+    return flat;
+}
+
+int OutlineModel::numberOfRows() const
+{
+    count(*_root);
+    return _root->branch->shown;
+}
+
+QModelIndex OutlineModel::indexAtRow(int row) const
+{
+    if (row < 0 || row >= numberOfRows())
+        return {};
+    Row *parent = _root.get();
+    int place = row;
+    while (true) {
+        const std::vector<Row *> &open = parent->branch->open;
+        const auto next = std::upper_bound(open.begin(), open.end(), place,
+                                           [](int at, const Row *child) { return at < child->index + child->before; });
+        if (next == open.begin())
+            return indexOf(childOf(*parent, place));
+        Row &last = **std::prev(next);
+        const int below = place - (last.index + last.before);
+        if (below == 0)
+            return indexOf(last);
+        if (below > shownBelow(last))
+            return indexOf(childOf(*parent, place - last.before - shownBelow(last)));
+        parent = &last;
+        place = below - 1;
+    }
+}
+
+int OutlineModel::rowOfIndex(const QModelIndex &index) const
+{
+    return index.isValid() ? flatRow(*rowOf(index)) : -1;
+}
+
+int OutlineModel::levelOfIndex(const QModelIndex &index) const
+{
+    int level = -1;
+    for (const Row *row = rowOf(index); row->parent; row = row->parent)
+        ++level;
+    return level;
+}
+
+OutlineItemPtr OutlineModel::itemOfIndex(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return nullptr;
+    Row &row = *rowOf(index);
+    ask(row);
+    return row.item;
+}
+
+QModelIndex OutlineModel::indexOfItem(const OutlineItemPtr &item) const
+{
+    if (!item)
+        return {};
+    if (!_allShownAsked) {
+        askShownBelow(*_root);
+        _allShownAsked = true;
+    }
+    const Row *found = nullptr;
+    int first = numberOfRows();
+    for (const Row *row = _rowsByItem.value(item.get()); row; row = row->nextWithItem) {
+        const int flat = flatRow(*row);
+        if (flat >= 0 && flat < first) {
+            first = flat;
+            found = row;
+        }
+    }
+    return found ? indexOf(*found) : QModelIndex();
+}
+
+bool OutlineModel::isExpanded(const QModelIndex &index) const
+{
+    const Row *row = rowOf(index);
+    return row->expanded && row->expandable;
+}
+
+void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
+{
+    Row &row = *rowOf(index);
+    if (!row.parent || row.expanded == expanded)
+        return;
+    count(row);
+    row.expanded = expanded;
+    std::vector<Row *> &open = row.parent->branch->open;
+    const auto place = std::lower_bound(open.begin(), open.end(), row.index,
+                                        [](const Row *sibling, int at) { return sibling->index < at; });
+    if (expanded) {
+        open.insert(place, &row);
+        _allShownAsked = false;
+    } else {
+        open.erase(place);
+    }
+    sumUpFrom(row.parent);
+}
+
+// --- Reloading ------------------------------------------------------------------------------------------------------
+
+QModelIndexList OutlineModel::reloadItem(const OutlineItemPtr &item, bool reloadChildren)
+{
+    std::vector<Row *> rows;
+    bool sameShape = true;
+    for (Row *row = _rowsByItem.value(item.get()); row; row = row->nextWithItem) {
+        rows.push_back(row);
+        sameShape = sameShape && row->expandable == _source->outlineViewIsItemExpandable(_view, item);
+    }
+    if (rows.empty())
+        return {};
+    if (!reloadChildren && sameShape) {
+        for (const Row *row : rows)
+            Q_EMIT dataChanged(indexOf(*row), indexOf(*row));
+        return {};
+    }
+
+    // A row below another one that shows the same item is reloaded with that one.
+    const auto isInner = [&item](const Row *row) {
+        for (const Row *above = row->parent; above; above = above->parent) {
+            if (above->item == item)
+                return true;
+        }
+        return false;
+    };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), isInner), rows.end());
+
+    Reload reload;
+    Q_EMIT layoutAboutToBeChanged();
+    for (Row *row : rows) {
+        collectExpanded(*row, reload);
+        refresh(*row, reload);
+        sumUpFrom(row->parent);
+    }
+    for (Row *row : rows)
+        collectReopened(*row, reload);
+    _allShownAsked = false;
+    movePersistentIndexes(reload);
+    Q_EMIT layoutChanged();
+    return reload.reopened;
+}
+
+void OutlineModel::forgetRemovedRows()
+{
+    _removed.clear();
+}
+
+void OutlineModel::collectExpanded(const Row &row, Reload &reload)
+{
+    if (!row.branch)
+        return;
+    for (const Row *child : row.branch->open) {
+        reload.expanded.insert(child->item.get());
+        collectExpanded(*child, reload);
+    }
+    // A closed folder remembers what was open in it.
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (child && !child->expanded)
+            collectExpanded(*child, reload);
+    }
+}
+
+void OutlineModel::refresh(Row &row, Reload &reload)
+{
+    row.expandable = row.item && _source->outlineViewIsItemExpandable(_view, row.item);
+    if (!row.branch)
+        return;
+    replaceChildren(row, reload);
+    row.branch->open.clear();
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (!child)
+            continue;
+        if (!reload.fresh.count(child.get()))
+            refresh(*child, reload);
+        if (child->expanded)
+            row.branch->open.push_back(child.get());
+    }
+    sumUp(row);
+}
+
+// Asks for a row's children anew; a child whose item is still there keeps its row.
+void OutlineModel::replaceChildren(Row &row, Reload &reload)
+{
+    std::vector<std::unique_ptr<Row>> old = std::move(row.branch->children);
+    row.branch->children = std::vector<std::unique_ptr<Row>>(std::size_t(countInSource(row)));
+
+    std::unordered_multimap<const OutlineItem *, std::size_t> places;
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        if (old[i] && old[i]->item)
+            places.emplace(old[i]->item.get(), i);
+    }
+    for (std::size_t i = 0; !places.empty() && i < row.branch->children.size(); ++i) {
+        OutlineItemPtr item = fetch(row, int(i));
+        const auto kept = places.find(item.get());
+        if (kept == places.end()) {
+            Row &child = childOf(row, int(i));
+            adopt(child, std::move(item));
+            reload.fresh.insert(&child);
+            continue;
+        }
+        row.branch->children[i] = std::move(old[kept->second]);
+        row.branch->children[i]->index = int(i);
+        places.erase(kept);
+    }
+    for (std::unique_ptr<Row> &child : old) {
+        if (child)
+            bury(std::move(child), reload);
+    }
+}
+
+// A row that is gone stays where it is, without its item, until no view holds an index of it any more.
+void OutlineModel::bury(std::unique_ptr<Row> row, Reload &reload)
+{
+    buryBelow(*row, reload);
+    _removed.push_back(std::move(row));
+}
+
+void OutlineModel::buryBelow(Row &row, Reload &reload)
+{
+    reload.dead.insert(&row);
+    disown(row);
+    if (!row.branch)
+        return;
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (child)
+            buryBelow(*child, reload);
+    }
+}
+
+// A folder that was moved within what is reloaded has a new row; it is opened again as it was. A folder within itself
+// is not, or this would never end.
+void OutlineModel::collectReopened(Row &row, Reload &reload)
+{
+    if (!row.branch)
+        return;
+    for (int i = 0; i < int(row.branch->children.size()); ++i) {
+        Row *child = row.branch->children[std::size_t(i)].get();
+        if (!child)
+            continue;
+        bool withinItself = false;
+        for (const Row *above = child->parent; above; above = above->parent)
+            withinItself = withinItself || above->item == child->item;
+        if (reload.fresh.count(child) && child->expandable && reload.expanded.count(child->item.get()) &&
+            !withinItself) {
+            reload.reopened.append(indexOf(*child));
+            count(*child);
+            for (int j = 0; j < int(child->branch->children.size()); ++j) {
+                Row &below = childOf(*child, j);
+                ask(below);
+                reload.fresh.insert(&below);
+            }
+        }
+        collectReopened(*child, reload);
+    }
+}
+
+void OutlineModel::movePersistentIndexes(const Reload &reload)
+{
+    const QModelIndexList from = persistentIndexList();
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (const QModelIndex &index : from) {
+        const Row *row = rowOf(index);
+        to.append(reload.dead.count(row) ? QModelIndex() : indexOf(*row));
+    }
+    changePersistentIndexList(from, to);
+}
+
+// --- What Qt asks ---------------------------------------------------------------------------------------------------
+
+QModelIndex OutlineModel::index(int row, int column, const QModelIndex &parent) const
+{
+    if (row < 0 || column != 0)
+        return {};
+    Row &above = *rowOf(parent);
+    count(above);
+    if (row >= int(above.branch->children.size()))
+        return {};
+    return indexOf(childOf(above, row));
+}
+
+QModelIndex OutlineModel::parent(const QModelIndex &index) const
+{
+    return index.isValid() ? indexOf(*rowOf(index)->parent) : QModelIndex();
+}
+
+int OutlineModel::rowCount(const QModelIndex &parent) const
+{
+    Row &row = *rowOf(parent);
+    count(row);
+    return int(row.branch->children.size());
+}
+
+int OutlineModel::columnCount(const QModelIndex & /*parent*/) const
+{
+    return 1;
+}
+
+bool OutlineModel::hasChildren(const QModelIndex &parent) const
+{
+    if (!parent.isValid())
+        return rowCount(parent) > 0;
+    Row &row = *rowOf(parent);
+    ask(row);
+    return row.expandable;
+}
+
+QVariant OutlineModel::data(const QModelIndex &index, int role) const
+{
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
+        return {};
+    const OutlineItemPtr item = itemOfIndex(index);
+    return item ? _source->outlineViewObjectValueByItem(_view, item) : QString();
+}
+
+Qt::ItemFlags OutlineModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return Qt::ItemIsDropEnabled;
+    Row &row = *rowOf(index);
+    ask(row);
+    const Qt::ItemFlags flags =
+        Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
+    return row.expandable ? flags : flags | Qt::ItemNeverHasChildren;
+}
+
+Qt::DropActions OutlineModel::supportedDropActions() const
+{
+    return Qt::CopyAction | Qt::MoveAction;
+}

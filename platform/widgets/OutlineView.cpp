@@ -1,0 +1,558 @@
+#include "platform/widgets/OutlineView.h"
+
+#include "platform/widgets/OutlineDelegate.h"
+#include "platform/widgets/OutlineModel.h"
+#include "platform/widgets/OutlineViewDataSource.h"
+
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QPointer>
+#include <QScrollBar>
+#include <QToolTip>
+#include <QtMath>
+#include <algorithm>
+
+namespace
+{
+constexpr qreal lineGap = 3;            // between the lines of a list
+constexpr int springMilliseconds = 700; // until a folder under a drag opens
+constexpr int indicatorHeight = 2;
+constexpr int mostRowsInDragPicture = 8;
+constexpr int widestDragPicture = 260;
+
+// The tip as text that is wrapped and not taken for markup.
+QString wrapped(const QString &tip)
+{
+    return Qt::convertFromPlainText(tip);
+}
+
+// What the drag allows of what was answered: a copy may be made by a source that knows only links, and a move may
+// become a copy, but nothing is moved away that was to be copied.
+Qt::DropAction allowed(Qt::DropAction answer, Qt::DropActions possible)
+{
+    if (answer == Qt::IgnoreAction || possible.testFlag(answer))
+        return answer;
+    if (possible.testFlag(Qt::CopyAction))
+        return Qt::CopyAction;
+    return answer == Qt::CopyAction && possible.testFlag(Qt::LinkAction) ? Qt::LinkAction : Qt::IgnoreAction;
+}
+} // namespace
+
+OutlineView::OutlineView(QWidget *parent) : QTreeView(parent), _model(new OutlineModel(*this))
+{
+    setUniformRowHeights(true);
+    setHeaderHidden(true);
+    setAlternatingRowColors(false);
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectRows);
+    setAllColumnsShowFocus(true);
+    setEditTriggers(NoEditTriggers);
+    setExpandsOnDoubleClick(false);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextElideMode(Qt::ElideRight);
+    setDragDropMode(DragDrop);
+
+    _model->setParent(this);
+    setItemDelegate(new OutlineDelegate(*this));
+    setModel(_model);
+    header()->setStretchLastSection(true);
+    connect(this, &QTreeView::expanded, this, [this](const QModelIndex &index) { _model->setExpanded(index, true); });
+    connect(this, &QTreeView::collapsed, this, &OutlineView::rowsWereCollapsed);
+}
+
+OutlineView::~OutlineView() = default;
+
+OutlineViewDataSource *OutlineView::outlineDataSource() const
+{
+    return _model->dataSource();
+}
+
+void OutlineView::setOutlineDataSource(OutlineViewDataSource *source)
+{
+    ++_quiet;
+    _model->setDataSource(source);
+    --_quiet;
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+void OutlineView::reloadData()
+{
+    const bool hadSelection = selectionModel()->hasSelection();
+    endDropTracking();
+    ++_quiet;
+    _model->reload();
+    --_quiet;
+    if (hadSelection)
+        tellSelectionDidChange();
+}
+
+void OutlineView::reloadItem(const OutlineItemPtr &item, bool reloadChildren)
+{
+    if (!item) {
+        reloadData();
+        return;
+    }
+    const std::vector<OutlineItemPtr> selected = selectedItems();
+    ++_quiet;
+    const QModelIndexList reopened = _model->reloadItem(item, reloadChildren);
+    if (reloadChildren)
+        doItemsLayout();
+    for (const QModelIndex &index : reopened)
+        expand(index);
+    --_quiet;
+    _model->forgetRemovedRows();
+    if (selectedItems() != selected)
+        tellSelectionDidChange();
+}
+
+int OutlineView::numberOfRows() const
+{
+    return _model->numberOfRows();
+}
+
+OutlineItemPtr OutlineView::itemAtRow(int row) const
+{
+    return _model->itemOfIndex(_model->indexAtRow(row));
+}
+
+int OutlineView::rowForItem(const OutlineItemPtr &item) const
+{
+    return _model->rowOfIndex(_model->indexOfItem(item));
+}
+
+QRect OutlineView::rectOfRow(int row) const
+{
+    if (row < 0 || row >= numberOfRows())
+        return {};
+    // The scroll position is right only once a pending layout is done, which the caller cannot see.
+    const_cast<OutlineView *>(this)->executeDelayedItemsLayout();
+    return {0, row * rowPixels() - verticalOffset(), viewport()->width(), rowPixels()};
+}
+
+int OutlineView::rowAtPoint(const QPoint &point) const
+{
+    const_cast<OutlineView *>(this)->executeDelayedItemsLayout();
+    const int y = point.y() + verticalOffset();
+    if (y < 0 || point.x() < 0 || point.x() >= viewport()->width())
+        return -1;
+    const int row = y / rowPixels();
+    return row < numberOfRows() ? row : -1;
+}
+
+int OutlineView::levelForRow(int row) const
+{
+    return _model->levelOfIndex(_model->indexAtRow(row));
+}
+
+bool OutlineView::isExpandable(const OutlineItemPtr &item) const
+{
+    OutlineViewDataSource *source = outlineDataSource();
+    return source && item && source->outlineViewIsItemExpandable(const_cast<OutlineView &>(*this), item);
+}
+
+bool OutlineView::isItemExpanded(const OutlineItemPtr &item) const
+{
+    const QModelIndex index = _model->indexOfItem(item);
+    return index.isValid() && _model->isExpanded(index);
+}
+
+void OutlineView::expandItem(const OutlineItemPtr &item)
+{
+    expand(_model->indexOfItem(item));
+}
+
+void OutlineView::collapseItem(const OutlineItemPtr &item)
+{
+    collapse(_model->indexOfItem(item));
+}
+
+// What cannot be seen any more is not selected any more, and the keyboard stays where it can be seen.
+void OutlineView::rowsWereCollapsed(const QModelIndex &index)
+{
+    _model->setExpanded(index, false);
+    const auto isBelow = [&index](QModelIndex other) {
+        while (other.isValid()) {
+            if (other == index)
+                return true;
+            other = other.parent();
+        }
+        return false;
+    };
+    QItemSelection hidden;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        if (isBelow(range.parent()))
+            hidden.append(range);
+    }
+    if (isBelow(currentIndex().parent()))
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    if (!hidden.isEmpty())
+        selectionModel()->select(hidden, QItemSelectionModel::Deselect);
+}
+
+qreal OutlineView::rowHeight() const
+{
+    return _rowHeight ? *_rowHeight : QFontMetricsF(font()).height() + lineGap;
+}
+
+void OutlineView::setRowHeight(qreal height)
+{
+    _rowHeight = height;
+    scheduleDelayedItemsLayout();
+}
+
+int OutlineView::rowPixels() const
+{
+    return std::max(1, qCeil(rowHeight()));
+}
+
+// --- Selection ------------------------------------------------------------------------------------------------------
+
+int OutlineView::selectedRow() const
+{
+    int first = -1;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        const int row = _model->rowOfIndex(range.topLeft());
+        if (row >= 0 && (first < 0 || row < first))
+            first = row;
+    }
+    return first;
+}
+
+std::vector<int> OutlineView::selectedRows() const
+{
+    std::vector<int> rows;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        for (int i = range.top(); i <= range.bottom(); ++i) {
+            const int row = _model->rowOfIndex(_model->index(i, 0, range.parent()));
+            if (row >= 0)
+                rows.push_back(row);
+        }
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+int OutlineView::numberOfSelectedRows() const
+{
+    return int(selectedRows().size());
+}
+
+std::vector<OutlineItemPtr> OutlineView::selectedItems() const
+{
+    std::vector<OutlineItemPtr> items;
+    for (const int row : selectedRows())
+        items.push_back(itemAtRow(row));
+    return items;
+}
+
+void OutlineView::selectRowExtending(int row, bool extend)
+{
+    const QModelIndex index = _model->indexAtRow(row);
+    if (!index.isValid())
+        return;
+    selectionModel()->setCurrentIndex(index,
+                                      extend ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
+}
+
+void OutlineView::deselectAll()
+{
+    clearSelection();
+}
+
+void OutlineView::scrollRowToVisible(int row)
+{
+    const QModelIndex index = _model->indexAtRow(row);
+    if (index.isValid())
+        scrollTo(index);
+}
+
+void OutlineView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    if (_quiet == 0)
+        tellSelectionDidChange();
+}
+
+void OutlineView::tellSelectionDidChange()
+{
+    if (OutlineViewDataSource *source = outlineDataSource())
+        source->outlineViewSelectionDidChange(*this);
+}
+
+// --- Mouse ----------------------------------------------------------------------------------------------------------
+
+QString OutlineView::toolTipAtPoint(const QPoint & /*point*/)
+{
+    return {};
+}
+
+QMenu *OutlineView::menuForEvent(QContextMenuEvent * /*event*/)
+{
+    return nullptr;
+}
+
+bool OutlineView::viewportEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QTreeView::viewportEvent(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    const QString tip = toolTipAtPoint(help->pos());
+    if (tip.isEmpty()) {
+        QToolTip::hideText();
+        event->ignore();
+    } else {
+        QToolTip::showText(help->globalPos(), wrapped(tip), viewport(), rectOfRow(rowAtPoint(help->pos())));
+    }
+    return true;
+}
+
+void OutlineView::contextMenuEvent(QContextMenuEvent *event)
+{
+    QPoint point = event->pos();
+    QPoint globalPoint = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        const int row = selectedRow();
+        scrollRowToVisible(row);
+        point = row >= 0 ? rectOfRow(row).center() : viewport()->rect().center();
+        globalPoint = viewport()->mapToGlobal(point);
+    }
+    QContextMenuEvent request(event->reason(), point, globalPoint, event->modifiers());
+    if (QMenu *menu = menuForEvent(&request))
+        menu->popup(globalPoint);
+    event->accept();
+}
+
+void OutlineView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    QTreeView::mouseDoubleClickEvent(event);
+    const QModelIndex index = indexAt(event->pos());
+    // Beside the cell stands the arrow that opens and closes a folder.
+    if (event->button() != Qt::LeftButton || !index.isValid() || !visualRect(index).contains(event->pos()))
+        return;
+    const std::function<void()> action = doubleAction;
+    if (action)
+        action();
+}
+
+// --- Dragging out ---------------------------------------------------------------------------------------------------
+
+void OutlineView::startDrag(Qt::DropActions /*supportedActions*/)
+{
+    OutlineViewDataSource *source = outlineDataSource();
+    const std::vector<OutlineItemPtr> items = selectedItems();
+    if (!source || items.empty())
+        return;
+    QMimeData *data = source->outlineViewWriteItems(*this, items);
+    if (!data)
+        return;
+    auto *drag = new QDrag(this);
+    drag->setMimeData(data);
+    drag->setPixmap(dragPixmap());
+    drag->setHotSpot(QPoint(0, rowPixels() / 2));
+
+    const QPointer<OutlineView> alive(this); // events are handled while the drag runs
+    runDrag(drag);
+    if (!alive)
+        return;
+    endDropTracking();
+    if (outlineDataSource() == source)
+        source->outlineViewDraggingEnded(*this);
+}
+
+Qt::DropAction OutlineView::runDrag(QDrag *drag)
+{
+    return drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+}
+
+// The first of the dragged rows.
+QPixmap OutlineView::dragPixmap() const
+{
+    const std::vector<int> rows = selectedRows();
+    const int shown = std::min(int(rows.size()), mostRowsInDragPicture);
+    const QSize size(std::min(viewport()->width(), widestDragPicture), shown * rowPixels());
+    QPixmap pixmap(size * devicePixelRatioF());
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setOpacity(0.8);
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.state &= ~(QStyle::State_HasFocus | QStyle::State_MouseOver | QStyle::State_Selected);
+    for (int i = 0; i < shown; ++i) {
+        option.rect = QRect(0, i * rowPixels(), size.width(), rowPixels());
+        itemDelegate()->paint(&painter, option, _model->indexAtRow(rows[std::size_t(i)]));
+    }
+    return pixmap;
+}
+
+// --- Dropping in ----------------------------------------------------------------------------------------------------
+
+OutlineDropTarget OutlineView::dropTargetAtPoint(const QPoint &point) const
+{
+    const int row = rowAtPoint(point);
+    if (row < 0)
+        return {};
+    const QModelIndex index = _model->indexAtRow(row);
+    const int edge = std::max(2, rowPixels() / 4);
+    const int y = point.y() - rectOfRow(row).top();
+    if (y < edge)
+        return {_model->itemOfIndex(index.parent()), index.row()};
+    if (y < rowPixels() - edge)
+        return {_model->itemOfIndex(index), -1};
+    if (_model->isExpanded(index) && _model->rowCount(index) > 0)
+        return {_model->itemOfIndex(index), 0};
+    return {_model->itemOfIndex(index.parent()), index.row() + 1};
+}
+
+// Asks the source about the drop and tells the event what it answered.
+Qt::DropAction OutlineView::validateDrop(QDropEvent *event, OutlineDropTarget &target)
+{
+    OutlineViewDataSource *source = outlineDataSource();
+    target = dropTargetAtPoint(event->position().toPoint());
+    Qt::DropAction action = Qt::IgnoreAction;
+    if (source && event->mimeData())
+        action = source->outlineViewValidateDrop(*this, *event->mimeData(), event->source() == this, target);
+    action = allowed(action, event->possibleActions());
+    if (action == Qt::IgnoreAction) {
+        event->ignore();
+    } else {
+        event->setDropAction(action);
+        event->accept();
+    }
+    return action;
+}
+
+void OutlineView::dragEnterEvent(QDragEnterEvent *event)
+{
+    // Only what is entered is told of moves, and which row would take the drag shows then.
+    event->accept();
+}
+
+void OutlineView::dragMoveEvent(QDragMoveEvent *event)
+{
+    OutlineDropTarget target;
+    const bool accepted = validateDrop(event, target) != Qt::IgnoreAction;
+    setDropIndicator(accepted ? indicatorForTarget(target) : QRect());
+
+    const bool onFolder = accepted && target.childIndex < 0 && isExpandable(target.item);
+    if (!onFolder || isItemExpanded(target.item)) {
+        _springTimer.stop();
+        _springItem.reset();
+    } else if (_springItem != target.item) {
+        _springItem = target.item;
+        _springTimer.start(springMilliseconds, this);
+    }
+    if (hasAutoScroll() && !viewport()
+                                ->rect()
+                                .adjusted(0, autoScrollMargin(), 0, -autoScrollMargin())
+                                .contains(event->position().toPoint()))
+        startAutoScroll();
+    else
+        stopAutoScroll();
+}
+
+void OutlineView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    endDropTracking();
+    event->accept();
+}
+
+void OutlineView::dropEvent(QDropEvent *event)
+{
+    endDropTracking();
+    OutlineDropTarget target;
+    const Qt::DropAction action = validateDrop(event, target);
+    if (action == Qt::IgnoreAction)
+        return;
+    if (!outlineDataSource()->outlineViewAcceptDrop(*this, *event->mimeData(), target)) {
+        event->setDropAction(Qt::IgnoreAction);
+        event->ignore();
+    }
+}
+
+void OutlineView::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != _springTimer.timerId()) {
+        QTreeView::timerEvent(event);
+        return;
+    }
+    _springTimer.stop();
+    setDropIndicator(QRect());
+    expandItem(_springItem);
+}
+
+void OutlineView::endDropTracking()
+{
+    _springTimer.stop();
+    _springItem.reset();
+    stopAutoScroll();
+    setDropIndicator(QRect());
+}
+
+// A frame around the row (or the list) that takes the drop, or a line where it would go in.
+QRect OutlineView::indicatorForTarget(const OutlineDropTarget &target) const
+{
+    const QModelIndex parent = _model->indexOfItem(target.item);
+    if (target.item && !parent.isValid())
+        return {};
+    const int parentRow = _model->rowOfIndex(parent);
+    if (parent.isValid() && (target.childIndex < 0 || !_model->isExpanded(parent)))
+        return rectOfRow(parentRow);
+    if (target.childIndex < 0)
+        return viewport()->rect();
+
+    const int children = _model->rowCount(parent);
+    int next = parentRow + 1; // the row that the line stands above
+    if (target.childIndex < children) {
+        next = _model->rowOfIndex(_model->index(target.childIndex, 0, parent));
+    } else if (children > 0) {
+        QModelIndex last = parent;
+        do
+            last = _model->index(_model->rowCount(last) - 1, 0, last);
+        while (_model->isExpanded(last) && _model->rowCount(last) > 0);
+        next = _model->rowOfIndex(last) + 1;
+    }
+    const int y = next > 0 ? rectOfRow(next - 1).bottom() : rectOfRow(0).top() - 1;
+    const int x = (_model->levelOfIndex(parent) + 2) * indentation();
+    const QRect line(x, std::max(0, y), viewport()->width() - x, indicatorHeight);
+    return QStyle::visualRect(layoutDirection(), viewport()->rect(), line);
+}
+
+void OutlineView::setDropIndicator(const QRect &rect)
+{
+    if (rect == _dropIndicator)
+        return;
+    _dropIndicator = rect;
+    viewport()->update();
+}
+
+void OutlineView::scrollContentsBy(int dx, int dy)
+{
+    QTreeView::scrollContentsBy(dx, dy);
+    if (!_dropIndicator.isEmpty())
+        setDropIndicator(_dropIndicator.translated(dx, dy));
+}
+
+void OutlineView::paintEvent(QPaintEvent *event)
+{
+    QTreeView::paintEvent(event);
+    if (_dropIndicator.isEmpty())
+        return;
+    QPainter painter(viewport());
+    const QColor color = palette().color(QPalette::Highlight);
+    if (_dropIndicator.height() == indicatorHeight) {
+        painter.fillRect(_dropIndicator, color);
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, indicatorHeight));
+    painter.drawRoundedRect(QRectF(_dropIndicator).adjusted(1, 1, -1, -1), 3, 3);
+}

@@ -1,0 +1,56 @@
+#include "platform/widgets/Workspace.h"
+
+#include "platform/widgets/Image.h"
+
+#include <QDesktopServices>
+#include <QFileIconProvider>
+#include <QFileInfo>
+#include <QMimeDatabase>
+#include <QUrl>
+
+namespace
+{
+constexpr QSizeF fileIconSize(32, 32);
+
+std::function<bool(const Url &)> &urlHandler()
+{
+    static std::function<bool(const Url &)> handler;
+    return handler;
+}
+
+// What a file of that name would look like.
+QIcon iconForName(const QString &path)
+{
+    const QFileIconProvider provider;
+    if (path.endsWith(QLatin1Char('/')))
+        return provider.icon(QFileIconProvider::Folder);
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(path, QMimeDatabase::MatchExtension);
+    const QIcon anyFile = provider.icon(QFileIconProvider::File);
+    return QIcon::fromTheme(type.iconName(), QIcon::fromTheme(type.genericIconName(), anyFile));
+}
+} // namespace
+
+bool Workspace::openURL(const Url &url)
+{
+    if (url.isNull())
+        return false;
+    if (urlHandler())
+        return urlHandler()(url);
+    return QDesktopServices::openUrl(QUrl::fromEncoded(url.absoluteString().toLatin1()));
+}
+
+std::shared_ptr<Image> Workspace::iconForFile(const QString &path)
+{
+    if (path.isEmpty())
+        return nullptr;
+    const QFileInfo file(path);
+    QIcon icon = file.exists() ? QFileIconProvider().icon(file) : QIcon();
+    if (icon.isNull())
+        icon = iconForName(path);
+    return Image::imageWithIcon(icon, fileIconSize);
+}
+
+void Workspace::setURLHandler(std::function<bool(const Url &)> handler)
+{
+    urlHandler() = std::move(handler);
+}
