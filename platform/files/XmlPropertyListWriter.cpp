@@ -4,54 +4,72 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <algorithm>
 
 namespace
 {
-bool isXmlCharacter(char32_t c)
+constexpr char header[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                          "<plist version=\"1.0\">\n";
+
+bool isPlain(QChar character)
 {
-    return c == '\t' || c == '\n' || c == '\r' || (c >= 0x20 && c < 0xd800) || (c >= 0xe000 && c < 0xfffe) ||
-           c >= 0x10000;
+    const char16_t c = character.unicode();
+    return c >= 0x20 && c != '&' && c != '<' && c != '>' && !character.isSurrogate() && c < 0xfffe;
 }
 
-// The text with U+FFFD for whatever XML cannot hold, even as a character reference.
-QString writable(const QString &text)
+// What stands in the file for a character that is not plain and not half of a pair.
+QString escaped(QChar character)
 {
-    QString result = text;
-    for (qsizetype i = 0; i < text.size(); i++) {
-        const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        if (isPair)
-            i++;
-        else if (!isXmlCharacter(text[i].unicode()))
-            result[i] = QChar(QChar::ReplacementCharacter);
+    switch (character.unicode()) {
+    case '&':
+        return QStringLiteral("&amp;");
+    case '<':
+        return QStringLiteral("&lt;");
+    case '>':
+        return QStringLiteral("&gt;");
+    case '\r': // readers of XML turn a bare one into a line end
+        return QStringLiteral("&#13;");
+    case '\t':
+    case '\n':
+        return character;
+    default: // XML cannot hold it, not even as a reference
+        return QChar(QChar::ReplacementCharacter);
     }
-    return result;
+}
+
+QByteArray escaped(const QString &text)
+{
+    if (std::all_of(text.begin(), text.end(), isPlain))
+        return text.toUtf8();
+    QString result;
+    result.reserve(text.size() + text.size() / 8);
+    for (qsizetype i = 0; i < text.size(); i++) {
+        if (isPlain(text[i])) {
+            result.append(text[i]);
+        } else if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            result.append(text[i]);
+            result.append(text[++i]);
+        } else {
+            result.append(escaped(text[i]));
+        }
+    }
+    return result.toUtf8();
 }
 } // namespace
 
 QByteArray XmlPropertyListWriter::write(const QVariant &value)
 {
-    QByteArray xml;
-    XmlPropertyListWriter writer(&xml);
+    XmlPropertyListWriter writer;
+    writer._xml = header;
     if (!writer.writeValue(value, 0))
         return {};
-    writer._xml.writeCharacters(QStringLiteral("\n"));
-    writer._xml.writeEndDocument();
-    return xml;
-}
-
-XmlPropertyListWriter::XmlPropertyListWriter(QByteArray *xml) : _xml(xml)
-{
-    _xml.writeStartDocument();
-    _xml.writeCharacters(QStringLiteral("\n"));
-    _xml.writeDTD(QStringLiteral("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                                 "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"));
-    _xml.writeStartElement(QStringLiteral("plist"));
-    _xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
+    return writer._xml + "</plist>\n";
 }
 
 bool XmlPropertyListWriter::writeValue(const QVariant &value, int depth)
 {
-    startLine(depth);
     switch (value.metaType().id()) {
     case QMetaType::QVariantMap:
         return writeDictionary(value.toMap(), depth);
@@ -59,33 +77,32 @@ bool XmlPropertyListWriter::writeValue(const QVariant &value, int depth)
     case QMetaType::QStringList:
         return writeArray(value.toList(), depth);
     case QMetaType::QString:
-        writeText(QStringLiteral("string"), value.toString());
+        writeText("string", value.toString(), depth);
         return true;
     case QMetaType::Bool:
-        _xml.writeEmptyElement(value.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
+        writeTag(value.toBool() ? "true/" : "false/", depth);
         return true;
     case QMetaType::Short:
     case QMetaType::Int:
     case QMetaType::Long:
     case QMetaType::LongLong:
-        _xml.writeTextElement(QStringLiteral("integer"), QString::number(value.toLongLong()));
+        writeElement("integer", QByteArray::number(value.toLongLong()), depth);
         return true;
     case QMetaType::UShort:
     case QMetaType::UInt:
     case QMetaType::ULong:
     case QMetaType::ULongLong:
-        _xml.writeTextElement(QStringLiteral("integer"), QString::number(value.toULongLong()));
+        writeElement("integer", QByteArray::number(value.toULongLong()), depth);
         return true;
     case QMetaType::Float:
     case QMetaType::Double:
         // As many digits as it takes to read exactly this number again.
-        _xml.writeTextElement(QStringLiteral("real"),
-                              QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest));
+        writeElement("real", QByteArray::number(value.toDouble(), 'g', QLocale::FloatingPointShortest), depth);
         return true;
     case QMetaType::QDateTime:
-        return writeDate(value.toDateTime());
+        return writeDate(value.toDateTime(), depth);
     case QMetaType::QByteArray:
-        _xml.writeTextElement(QStringLiteral("data"), QString::fromLatin1(value.toByteArray().toBase64()));
+        writeElement("data", value.toByteArray().toBase64(), depth);
         return true;
     default:
         return false;
@@ -96,19 +113,15 @@ bool XmlPropertyListWriter::writeDictionary(const QVariantMap &dictionary, int d
 {
     if (depth >= PropertyList::maximumDepth)
         return false;
-    if (dictionary.isEmpty()) {
-        _xml.writeEmptyElement(QStringLiteral("dict"));
+    writeTag(dictionary.isEmpty() ? "dict/" : "dict", depth);
+    if (dictionary.isEmpty())
         return true;
-    }
-    _xml.writeStartElement(QStringLiteral("dict"));
     for (auto entry = dictionary.begin(); entry != dictionary.end(); ++entry) {
-        startLine(depth + 1);
-        writeText(QStringLiteral("key"), entry.key());
+        writeText("key", entry.key(), depth + 1);
         if (!writeValue(entry.value(), depth + 1))
             return false;
     }
-    startLine(depth);
-    _xml.writeEndElement();
+    writeTag("/dict", depth);
     return true;
 }
 
@@ -116,45 +129,41 @@ bool XmlPropertyListWriter::writeArray(const QVariantList &array, int depth)
 {
     if (depth >= PropertyList::maximumDepth)
         return false;
-    if (array.isEmpty()) {
-        _xml.writeEmptyElement(QStringLiteral("array"));
+    writeTag(array.isEmpty() ? "array/" : "array", depth);
+    if (array.isEmpty())
         return true;
-    }
-    _xml.writeStartElement(QStringLiteral("array"));
     for (const QVariant &value : array) {
         if (!writeValue(value, depth + 1))
             return false;
     }
-    startLine(depth);
-    _xml.writeEndElement();
+    writeTag("/array", depth);
     return true;
 }
 
-bool XmlPropertyListWriter::writeDate(const QDateTime &date)
+bool XmlPropertyListWriter::writeDate(const QDateTime &date, int depth)
 {
     const QDateTime utc = date.toUTC();
     if (!utc.isValid() || utc.date().year() < 1 || utc.date().year() > 9999)
         return false;
-    _xml.writeTextElement(QStringLiteral("date"), utc.toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'")));
+    writeElement("date", utc.toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'")).toLatin1(), depth);
     return true;
 }
 
-// Readers of XML turn a carriage return into a line end, so it is written as a reference.
-void XmlPropertyListWriter::writeText(const QString &element, const QString &text)
+void XmlPropertyListWriter::writeText(const char *element, const QString &text, int depth)
 {
-    const QString clean = writable(text);
-    _xml.writeStartElement(element);
-    qsizetype start = 0;
-    for (qsizetype end = clean.indexOf(u'\r'); end >= 0; end = clean.indexOf(u'\r', start)) {
-        _xml.writeCharacters(clean.mid(start, end - start));
-        _xml.writeEntityReference(QStringLiteral("#13"));
-        start = end + 1;
-    }
-    _xml.writeCharacters(clean.mid(start));
-    _xml.writeEndElement();
+    writeElement(element, escaped(text), depth);
 }
 
-void XmlPropertyListWriter::startLine(int depth)
+void XmlPropertyListWriter::writeElement(const char *element, const QByteArray &escapedText, int depth)
 {
-    _xml.writeCharacters(u'\n' + QString(depth, u'\t'));
+    _xml.append(depth, '\t');
+    _xml.append('<').append(element).append('>');
+    _xml.append(escapedText);
+    _xml.append("</").append(element).append(">\n");
+}
+
+void XmlPropertyListWriter::writeTag(const char *tag, int depth)
+{
+    _xml.append(depth, '\t');
+    _xml.append('<').append(tag).append(">\n");
 }

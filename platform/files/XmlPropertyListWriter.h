@@ -2,9 +2,9 @@
 
 #include <QByteArray>
 #include <QVariant>
-#include <QXmlStreamWriter>
 
-// Writes the XML form of a property list, with tabs and line ends for people who look into the file.
+// Writes the XML form of a property list, with tabs and line ends for people who look into the file. It puts the bytes
+// together itself: the user's file is written after every change, and QXmlStreamWriter takes several times as long.
 class XmlPropertyListWriter
 {
 public:
@@ -12,14 +12,13 @@ public:
     static QByteArray write(const QVariant &value);
 
 private:
-    explicit XmlPropertyListWriter(QByteArray *xml);
-
     bool writeValue(const QVariant &value, int depth);
     bool writeDictionary(const QVariantMap &dictionary, int depth);
     bool writeArray(const QVariantList &array, int depth);
-    bool writeDate(const QDateTime &date);
-    void writeText(const QString &element, const QString &text);
-    void startLine(int depth);
+    bool writeDate(const QDateTime &date, int depth);
+    void writeText(const char *element, const QString &text, int depth);
+    void writeElement(const char *element, const QByteArray &escapedText, int depth);
+    void writeTag(const char *tag, int depth);
 
-    QXmlStreamWriter _xml;
+    QByteArray _xml;
 };
