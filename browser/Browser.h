@@ -6,16 +6,10 @@
 #include <QUrl>
 #include <memory>
 
-class BookmarkFile;
-class BrowserHost;
-class BrowserHostSettings;
+struct BrowserServices;
 class BrowserWindow;
-class Downloads;
-class HistoryFile;
 class HostApplication;
-class QWebEngineProfile;
-class SiteIcons;
-class WebView;
+class QWebEngineDownloadRequest;
 
 // The browser itself: its windows, its files, and the plug-in that it has loaded. One a process.
 //
@@ -29,57 +23,53 @@ class Browser : public QObject
     Q_OBJECT
 
 public:
-    // What the web engine and the desktop have to know before the QApplication is made.
+    // What the web engine and the desktop have to know before the QApplication is made: names, scheme of the start
+    // page, sandbox (off for root alone, under whom it does not work), X11 instead of Wayland.
     static void prepareProcess();
 
-    // Needs a QApplication. Goes before it does.
+    // Needs a QApplication, and goes before it does. Reads and writes below `$HOME`.
     explicit Browser(QObject *parent = nullptr);
+    // Closes what is open.
     ~Browser() override;
 
-    // Loads the plug-in, unless "--no-plugin" is among the arguments (the program's name is not), and opens the
-    // addresses among them, each in a window of its own; the start page when there are none.
+    // Loads the plug-in, unless "--no-plugin" is among the arguments (which do not have the program's name in front),
+    // and opens the addresses among them, the first in a new window and the others in tabs of it; the start page when
+    // there are none.
     void start(const QStringList &arguments);
-    // Loads the plug-in; done by `start`. False, with the reason in the log, when there is none that works.
+    // Opens the addresses, or the start page for none, in a new window and brings it to the front.
+    void openAddresses(const QStringList &addresses);
+    // Loads the plug-in; part of `start`. False, with the reason in the log, when there is none that works.
     bool loadPlugin();
     bool isPluginLoaded() const;
 
     // A window that shows the page, the start page for an empty address; already on the screen.
     BrowserWindow *newWindow(const QUrl &url = QUrl());
-    // A window without tool bar for a page that asked for one; the frame may leave the place or the size open (0).
-    // Not shown yet.
-    BrowserWindow *newPopUpWindow(const QRect &geometry);
     // The open windows, oldest first.
     QList<BrowserWindow *> windows() const;
     // The browser window that has the keyboard itself or through a drawer or dialog of it; null when none has.
     BrowserWindow *keyWindow() const;
-    // The window to work with when none has the keyboard: the one that had it last; null when no window is open.
+    // The window that had the keyboard last; null when no window is open.
     BrowserWindow *lastKeyWindow() const;
 
     // What the plug-in is given.
     HostApplication &host();
-    BrowserHostSettings &settings();
-    HistoryFile &history();
-    BookmarkFile &bookmarks();
-    Downloads &downloads();
-    SiteIcons &siteIcons();
-    QWebEngineProfile *profile();
-
-    // The address of the built-in start page.
-    static QUrl startPage();
+    // What windows and pages share.
+    BrowserServices &services();
 
 public Q_SLOTS:
     // Closes every window, and with the last one the program.
     void quit();
 
 private:
-    friend class BrowserWindow;
-
-    void windowWasActivated(BrowserWindow *window);
-    void windowFrameChanged(BrowserWindow *window);
-    void windowWillClose(BrowserWindow *window);
-    void terminate();
-    BrowserWindow *addWindow(BrowserWindow *window);
-
     struct Parts;
+
+    BrowserWindow *makeWindow(bool asPopUp);
+    void watchWindow(BrowserWindow *window);
+    void forgetWindow(BrowserWindow *window);
+    bool mayClose(const BrowserWindow &window);
+    bool mayLoseDownloads(QWidget *parent);
+    void showDownload(QWebEngineDownloadRequest *download);
+    void terminate();
+
     std::unique_ptr<Parts> _parts;
 };

@@ -5,16 +5,17 @@
 #include <QUrl>
 #include <memory>
 
+struct BrowserServices;
 class AddressField;
-class Browser;
-class BrowserHostWindow;
-class BrowserMenus;
 class DownloadBar;
 class FindBar;
 class HostWindow;
-class QProgressBar;
+class HoverLabel;
 class QStackedWidget;
 class QToolBar;
+class QToolButton;
+class QWebEngineDownloadRequest;
+class QWebEngineNewWindowRequest;
 class TabBar;
 class WebView;
 
@@ -27,13 +28,13 @@ public:
     enum Kind { FullWindow, PopUpWindow };
     enum TabPlace { InFront, InBackground };
 
-    BrowserWindow(Browser *browser, Kind kind);
+    BrowserWindow(BrowserServices &services, Kind kind);
     ~BrowserWindow() override;
 
-    Browser *browser() const { return _browser; }
     Kind kind() const { return _kind; }
-    // The window as the plug-in knows it; can outlive this.
-    std::shared_ptr<HostWindow> hostWindow() const;
+    // The window as the plug-in knows it; can outlive this. Set once, before the first tab.
+    std::shared_ptr<HostWindow> hostWindow() const { return _hostWindow; }
+    void setHostWindow(const std::shared_ptr<HostWindow> &hostWindow) { _hostWindow = hostWindow; }
 
     int tabCount() const;
     // Null for an index that there is not.
@@ -43,10 +44,10 @@ public:
     int currentTab() const;
     void setCurrentTab(int index);
 
-    // Behind the current tab when a page asks for it or in the background, else at the end. An empty address shows
-    // the start page.
+    // A tab at the right-hand end. An empty address shows the start page. Where tabs are switched off, a window of its
+    // own instead.
     WebView *openTab(const QUrl &url, TabPlace place = InFront);
-    // A tab whose page is still to come.
+    // A tab beside the one in front, whose page is still to come.
     WebView *openEmptyTab(TabPlace place);
     // The last tab takes the window along.
     void closeTab(int index);
@@ -56,71 +57,83 @@ public:
     AddressField *addressField() const { return _addressField; }
     FindBar *findBar() const { return _findBar; }
     TabBar *tabBar() const { return _tabBar; }
+    QToolBar *toolBar() const { return _toolBar; }
 
-    // Appends a menu at the right-hand end of the menu bar.
-    void appendMenu(QMenu *menu);
     // A passing remark at the lower edge.
     void showMessage(const QString &text);
+    void showDownload(QWebEngineDownloadRequest *download);
+    // Resizes the window so that its page has this size, and moves it when the place is given (not 0, 0).
+    void showPageAt(const QRect &geometry);
 
 public Q_SLOTS:
     void newTab();
     void closeCurrentTab();
+    void showNextTab();
+    void showPreviousTab();
     void focusAddressField();
     void showFindBar();
     void goBack();
     void goForward();
-    void reloadOrStop();
+    void goToStartPage();
     void reload();
     void stopLoading();
+    void reloadOrStop();
     void zoomIn();
     void zoomOut();
     void resetZoom();
     void addBookmark();
+    void openFile();
+    void savePage();
+    void viewSource();
     void toggleFullScreen();
+
+Q_SIGNALS:
+    void becameKey();
+    // Moved, resized, minimised, restored, shown or hidden.
+    void frameChanged();
+    // On the way out; everything can still be asked.
+    void willClose();
+    // Something that the menus and buttons show has changed.
+    void stateChanged();
 
 protected:
     bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void buildToolBar();
     void buildPages();
-    QAction *addToolBarAction(const QString &name, const QString &icon, const QString &text, const QString &toolTip);
+    QAction *addToolBarAction(const QString &name, const QIcon &icon, const QString &text, const QString &toolTip);
     WebView *insertTab(int index, TabPlace place);
     void watchView(WebView *view);
-    void removeView(WebView *view);
-    void goToTypedAddress();
+    void showNewView(QWebEngineNewWindowRequest &request);
+    void duplicateTab(int index);
+    void noteFinishedPage(const QUrl &url, const QString &title);
     void currentTabChanged();
-    void updateTab(WebView *view);
+    void viewChanged(WebView *view);
     void updateControls();
-    void updateTitle();
     void setPageFullScreen(bool fullScreen);
     void setZoom(qreal factor);
 
-    Browser *_browser;
+    BrowserServices &_services;
     Kind _kind;
-    bool _closing = false;
+    bool _isClosing = false;
     bool _pageIsFullScreen = false;
     Qt::WindowStates _statesBeforeFullScreen = Qt::WindowNoState;
-    std::shared_ptr<BrowserHostWindow> _hostWindow;
+    std::shared_ptr<HostWindow> _hostWindow;
     QList<WebView *> _views; // in the order of the tabs
-    QPointer<WebView> _shownView;
+    QPointer<WebView> _viewInFront;
 
     QToolBar *_toolBar = nullptr;
     QAction *_backAction = nullptr;
     QAction *_forwardAction = nullptr;
     QAction *_reloadAction = nullptr;
     AddressField *_addressField = nullptr;
+    QWidget *_tabRow = nullptr;
     TabBar *_tabBar = nullptr;
-    QProgressBar *_progress = nullptr;
     QStackedWidget *_pages = nullptr;
     FindBar *_findBar = nullptr;
     DownloadBar *_downloadBar = nullptr;
-    BrowserMenus *_menus = nullptr;
+    HoverLabel *_hoverLabel = nullptr;
 };

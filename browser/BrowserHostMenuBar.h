@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/host/HostMenuBar.h"
+
+#include <QList>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+
+// The main menu as the plug-in sees it: one menu bar in each window, each ending in the menus that were appended.
+class BrowserHostMenuBar : public HostMenuBar
+{
+public:
+    void appendMenu(QMenu *menu) override;
+
+    // Takes the menu bar of a new window in; its own menus have to be in it already. Held weakly.
+    void addMenuBar(QMenuBar *menuBar);
+
+private:
+    QList<QPointer<QMenu>> _menus;
+    QList<QPointer<QMenuBar>> _menuBars;
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// What the program was started with.
+struct CommandLine
+{
+    QStringList addresses;
+    bool loadsPlugin = true;
+    // What to print in place of starting; empty to start.
+    QString text;
+    bool isError = false;
+
+    // Works before any application object is made.
+    static CommandLine parse(int argc, char **argv);
+};
