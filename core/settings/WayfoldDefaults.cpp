@@ -306,12 +306,15 @@ std::optional<QFont> WayfoldDefaults::listViewFont() const
 std::optional<QFont> WayfoldDefaults::fontWithNameSize(const QString &name, float size)
 {
     std::optional<QFont> font;
+    const QStringList families = QFontDatabase::families();
     const qsizetype dash = name.lastIndexOf(QLatin1Char('-'));
-    if (QFontDatabase::hasFamily(name))
+    const QString family = name.left(dash);
+    const QString style = name.mid(dash + 1);
+    if (families.contains(name, Qt::CaseInsensitive))
         font = QFont(name);
-    else if (dash > 0 && QFontDatabase::hasFamily(name.left(dash)) &&
-             QFontDatabase::styles(name.left(dash)).contains(name.mid(dash + 1)))
-        font = QFontDatabase::font(name.left(dash), name.mid(dash + 1), 0);
+    else if (dash > 0 && families.contains(family, Qt::CaseInsensitive) &&
+             QFontDatabase::styles(family).contains(style))
+        font = QFontDatabase::font(family, style, 0);
     if (font && size > 0)
         font->setPointSizeF(size);
     return font;

@@ -1,0 +1,614 @@
+#include "core/settings/WayfoldDefaults.h"
+
+#include "platform/files/PropertyList.h"
+#include "platform/files/UserDefaults.h"
+#include "platform/widgets/MenuItem.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QFontDatabase>
+#include <QtTest>
+#include <optional>
+
+namespace
+{
+struct BoolSetting
+{
+    const char *key;
+    bool (WayfoldDefaults::*get)() const;
+    void (WayfoldDefaults::*set)(bool);
+};
+
+const BoolSetting boolSettings[] = {
+    {"WayfoldAutoFocusOnSiteChange", &WayfoldDefaults::autoFocusOnSiteChange,
+     &WayfoldDefaults::setAutoFocusOnSiteChange},
+    {"WayfoldShowBookmarkIcons", &WayfoldDefaults::showBookmarkIcons, &WayfoldDefaults::setShowBookmarkIcons},
+    {"WayfoldOpenDrawerForKnownSite", &WayfoldDefaults::openDrawerForKnownSite,
+     &WayfoldDefaults::setOpenDrawerForKnownSite},
+    {"WayfoldOpenDrawerOnNewWindow", &WayfoldDefaults::openDrawerOnNewWindow,
+     &WayfoldDefaults::setOpenDrawerOnNewWindow},
+    {"WayfoldCloseDrawerForUnknownSite", &WayfoldDefaults::closeDrawerForUnknownSite,
+     &WayfoldDefaults::setCloseDrawerForUnknownSite},
+    {"WayfoldConfirmItemDelete", &WayfoldDefaults::confirmItemDelete, &WayfoldDefaults::setConfirmItemDelete},
+    {"WayfoldCreateAutoFolders", &WayfoldDefaults::createAutoFolders, &WayfoldDefaults::setCreateAutoFolders},
+    {"WayfoldShowFavIcons", &WayfoldDefaults::showFavicons, &WayfoldDefaults::setShowFavicons},
+};
+
+struct FloatSetting
+{
+    const char *key;
+    float (WayfoldDefaults::*get)() const;
+    void (WayfoldDefaults::*set)(float);
+};
+
+const FloatSetting floatSettings[] = {
+    {"WayfoldDefaultDrawerContentWidth", &WayfoldDefaults::defaultDrawerContentWidth,
+     &WayfoldDefaults::setDefaultDrawerContentWidth},
+    {"WayfoldListViewFontSize", &WayfoldDefaults::listViewFontSize, &WayfoldDefaults::setListViewFontSize},
+};
+
+struct StringSetting
+{
+    const char *key;
+    QString (WayfoldDefaults::*get)() const;
+    void (WayfoldDefaults::*set)(const QString &);
+};
+
+const StringSetting stringSettings[] = {
+    {"WayfoldHistoryGroupingKey", &WayfoldDefaults::historyGroupingStyle, &WayfoldDefaults::setHistoryGroupingStyle},
+    {"WayfoldListViewFontName", &WayfoldDefaults::listViewFontName, &WayfoldDefaults::setListViewFontName},
+    {"WayfoldDefaultFirstTab", &WayfoldDefaults::defaultFirstTabIdentifier,
+     &WayfoldDefaults::setDefaultFirstTabIdentifier},
+};
+
+const QString shortcutsKey = QStringLiteral("WayfoldMenuItemShortcuts");
+
+WayfoldDefaults &defaults()
+{
+    return WayfoldDefaults::sharedInstance();
+}
+
+QVariantMap domain()
+{
+    return UserDefaults::standardUserDefaults().persistentDomainForName(QStringLiteral("org.wayfold.Wayfold"));
+}
+
+// As a user who has these settings stored starts.
+void startWith(const QVariantMap &stored)
+{
+    UserDefaults::standardUserDefaults().setPersistentDomainForName(stored, QStringLiteral("org.wayfold.Wayfold"));
+    defaults().loadDefaults();
+}
+
+QList<QVariant> foreignValues()
+{
+    return {QVariantMap{{QStringLiteral("a"), 1}},
+            QVariantList{1, 2},
+            QByteArray("\x01\xff"),
+            QDateTime::fromSecsSinceEpoch(1),
+            true,
+            4.5,
+            qlonglong(-7),
+            QStringLiteral("text")};
+}
+} // namespace
+
+class WayfoldDefaultsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void freshUserHasDefault_data();
+    void freshUserHasDefault();
+    void freshUserHasFourteenKeys();
+    void defaultsReachTheDisk();
+    void storedValuesStay();
+    void siteIconsFollowIconsWhenTheyWereNeverSet();
+    void boolIsOnOnlyForOne_data();
+    void boolIsOnOnlyForOne();
+    void boolSetterStoresZeroOrOne();
+    void floatGetterReadsNumbersAndText_data();
+    void floatGetterReadsNumbersAndText();
+    void floatSetterStoresNumber();
+    void stringSetterStoresText();
+    void nullStringTakesTheValueAway();
+    void foreignValuesAreNoError();
+
+    void defaultShortcut_data();
+    void defaultShortcut();
+    void defaultTableHasNothingElse();
+    void shortcutWithoutKeyIsFilledIn();
+    void shortcutWithEmptyKeyStays();
+    void shortcutWithKeyAloneKeepsNoModifier();
+    void shortcutTableOfForeignTypeIsReplaced();
+    void shortcutSettersWriteToTheHost();
+    void shortcutReachesTheDomainWithTheNextSetter();
+    void shortcutSettersWorkWithoutHost();
+    void foreignShortcutEntriesAreNoError();
+
+    void emptyFontNameGivesSmallSystemFont_data();
+    void emptyFontNameGivesSmallSystemFont();
+    void unknownFontNameGivesNone();
+    void knownFontNameGivesFontOfThatSize();
+    void fontNameMayHoldAStyle();
+    void fontNameOfFontIsFoundAgain();
+
+    void hostBoolean_data();
+    void hostBoolean();
+    void hostObject();
+    void noHostHasNoSettings();
+
+private:
+    std::optional<TemporaryHome> _home;
+};
+
+void WayfoldDefaultsTest::init()
+{
+    _home.emplace();
+    defaults().loadDefaults();
+}
+
+void WayfoldDefaultsTest::cleanup()
+{
+    UserDefaults::standardUserDefaults().reset();
+    _home.reset();
+}
+
+void WayfoldDefaultsTest::freshUserHasDefault_data()
+{
+    QTest::addColumn<QVariant>("expected");
+
+    QTest::newRow("WayfoldDefaultDrawerContentWidth") << QVariant(250.0);
+    QTest::newRow("WayfoldAutoFocusOnSiteChange") << QVariant(qlonglong(0));
+    QTest::newRow("WayfoldShowBookmarkIcons") << QVariant(qlonglong(1));
+    QTest::newRow("WayfoldOpenDrawerForKnownSite") << QVariant(qlonglong(0));
+    QTest::newRow("WayfoldOpenDrawerOnNewWindow") << QVariant(qlonglong(0));
+    QTest::newRow("WayfoldCloseDrawerForUnknownSite") << QVariant(qlonglong(0));
+    QTest::newRow("WayfoldHistoryGroupingKey") << QVariant(QStringLiteral("4"));
+    QTest::newRow("WayfoldListViewFontName") << QVariant(QStringLiteral("LucidaGrande"));
+    QTest::newRow("WayfoldListViewFontSize") << QVariant(12.0);
+    QTest::newRow("WayfoldConfirmItemDelete") << QVariant(qlonglong(1));
+    QTest::newRow("WayfoldMenuItemShortcuts") << QVariant(WayfoldDefaults::defaultMenuItemShortcuts());
+    QTest::newRow("WayfoldDefaultFirstTab") << QVariant(QStringLiteral("0"));
+    QTest::newRow("WayfoldCreateAutoFolders") << QVariant(qlonglong(1));
+    QTest::newRow("WayfoldShowFavIcons") << QVariant(qlonglong(1));
+}
+
+void WayfoldDefaultsTest::freshUserHasDefault()
+{
+    QFETCH(QVariant, expected);
+    QCOMPARE(domain().value(QString::fromLatin1(QTest::currentDataTag())), expected);
+}
+
+void WayfoldDefaultsTest::freshUserHasFourteenKeys()
+{
+    QCOMPARE(domain().size(), 14);
+}
+
+void WayfoldDefaultsTest::defaultsReachTheDisk()
+{
+    const QVariantMap inMemory = domain();
+    QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+    const QString file = _home->path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"));
+    QCOMPARE(PropertyList::readDictionaryFile(file), inMemory);
+
+    // Read back from the disk, everything means the same.
+    UserDefaults::standardUserDefaults().reset();
+    defaults().loadDefaults();
+    QCOMPARE(domain(), inMemory);
+    QVERIFY(defaults().showBookmarkIcons());
+    QVERIFY(!defaults().autoFocusOnSiteChange());
+    QCOMPARE(defaults().defaultDrawerContentWidth(), 250.0F);
+    QCOMPARE(defaults().shortcutModifierMaskForItem(7), 1179648U);
+}
+
+void WayfoldDefaultsTest::storedValuesStay()
+{
+    const QVariantMap stored = {{QStringLiteral("WayfoldDefaultDrawerContentWidth"), 0.0},
+                                {QStringLiteral("WayfoldHistoryGroupingKey"), QStringLiteral("")},
+                                {QStringLiteral("WayfoldConfirmItemDelete"), qlonglong(0)},
+                                {QStringLiteral("SomethingOfAnotherVersion"), QStringLiteral("kept")}};
+    startWith(stored);
+    const QVariantMap now = domain();
+    for (auto entry = stored.cbegin(); entry != stored.cend(); ++entry)
+        QCOMPARE(now.value(entry.key()), entry.value());
+    QCOMPARE(now.size(), 15);
+}
+
+void WayfoldDefaultsTest::siteIconsFollowIconsWhenTheyWereNeverSet()
+{
+    startWith({{QStringLiteral("WayfoldShowBookmarkIcons"), qlonglong(0)}});
+    QCOMPARE(domain().value(QStringLiteral("WayfoldShowFavIcons")), QVariant(qlonglong(0)));
+    QVERIFY(!defaults().showFavicons());
+
+    startWith({{QStringLiteral("WayfoldShowBookmarkIcons"), qlonglong(0)},
+               {QStringLiteral("WayfoldShowFavIcons"), qlonglong(1)}});
+    QVERIFY(defaults().showFavicons());
+}
+
+void WayfoldDefaultsTest::boolIsOnOnlyForOne_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<bool>("on");
+
+    QTest::newRow("number 1") << QVariant(qlonglong(1)) << true;
+    QTest::newRow("real 1") << QVariant(1.0) << true;
+    QTest::newRow("boolean true") << QVariant(true) << true;
+    QTest::newRow("text 1") << QVariant(QStringLiteral("1")) << true;
+    QTest::newRow("text 1.0") << QVariant(QStringLiteral("1.0")) << true;
+    QTest::newRow("number 0") << QVariant(qlonglong(0)) << false;
+    QTest::newRow("number 2") << QVariant(qlonglong(2)) << false;
+    QTest::newRow("number -1") << QVariant(qlonglong(-1)) << false;
+    QTest::newRow("real 0.5") << QVariant(0.5) << false;
+    QTest::newRow("boolean false") << QVariant(false) << false;
+    QTest::newRow("text yes") << QVariant(QStringLiteral("yes")) << false;
+    QTest::newRow("empty text") << QVariant(QStringLiteral("")) << false;
+    QTest::newRow("dictionary") << QVariant(QVariantMap{{QStringLiteral("a"), 1}}) << false;
+    QTest::newRow("array") << QVariant(QVariantList{1}) << false;
+    QTest::newRow("data") << QVariant(QByteArray("1")) << false;
+    QTest::newRow("date") << QVariant(QDateTime::fromSecsSinceEpoch(1)) << false;
+}
+
+void WayfoldDefaultsTest::boolIsOnOnlyForOne()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(bool, on);
+    for (const BoolSetting &setting : boolSettings) {
+        startWith({{QString::fromLatin1(setting.key), stored}});
+        QVERIFY2((defaults().*setting.get)() == on, setting.key);
+    }
+}
+
+void WayfoldDefaultsTest::boolSetterStoresZeroOrOne()
+{
+    for (const BoolSetting &setting : boolSettings) {
+        const QString key = QString::fromLatin1(setting.key);
+        const QVariantMap before = domain();
+        for (bool on : {true, false, true}) {
+            (defaults().*setting.set)(on);
+            QCOMPARE((defaults().*setting.get)(), on);
+            QVariantMap expected = before;
+            expected.insert(key, qlonglong(on ? 1 : 0));
+            QCOMPARE(domain(), expected); // at once, and nothing else
+        }
+    }
+}
+
+void WayfoldDefaultsTest::floatGetterReadsNumbersAndText_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<float>("expected");
+
+    QTest::newRow("real") << QVariant(312.5) << 312.5F;
+    QTest::newRow("integer") << QVariant(qlonglong(14)) << 14.0F;
+    QTest::newRow("negative") << QVariant(qlonglong(-3)) << -3.0F;
+    QTest::newRow("text") << QVariant(QStringLiteral("18.25")) << 18.25F;
+    QTest::newRow("text with more") << QVariant(QStringLiteral(" 18 points")) << 18.0F;
+    QTest::newRow("no number") << QVariant(QStringLiteral("wide")) << 0.0F;
+    QTest::newRow("boolean") << QVariant(true) << 1.0F;
+    QTest::newRow("array") << QVariant(QVariantList{3}) << 0.0F;
+    QTest::newRow("data") << QVariant(QByteArray("3")) << 0.0F;
+}
+
+void WayfoldDefaultsTest::floatGetterReadsNumbersAndText()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(float, expected);
+    for (const FloatSetting &setting : floatSettings) {
+        startWith({{QString::fromLatin1(setting.key), stored}});
+        QCOMPARE((defaults().*setting.get)(), expected);
+    }
+}
+
+void WayfoldDefaultsTest::floatSetterStoresNumber()
+{
+    for (const FloatSetting &setting : floatSettings) {
+        (defaults().*setting.set)(317.5F);
+        QCOMPARE((defaults().*setting.get)(), 317.5F);
+        QCOMPARE(domain().value(QString::fromLatin1(setting.key)), QVariant(317.5));
+    }
+}
+
+void WayfoldDefaultsTest::stringSetterStoresText()
+{
+    for (const StringSetting &setting : stringSettings) {
+        for (const QString &text : {QStringLiteral("2"), QStringLiteral(""), QStringLiteral("Größe")}) {
+            (defaults().*setting.set)(text);
+            QCOMPARE((defaults().*setting.get)(), text);
+            QCOMPARE(domain().value(QString::fromLatin1(setting.key)), QVariant(text));
+        }
+    }
+}
+
+void WayfoldDefaultsTest::nullStringTakesTheValueAway()
+{
+    for (const StringSetting &setting : stringSettings) {
+        (defaults().*setting.set)(QString());
+        QVERIFY((defaults().*setting.get)().isNull());
+        QVERIFY(!domain().contains(QString::fromLatin1(setting.key)));
+    }
+    QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+}
+
+void WayfoldDefaultsTest::foreignValuesAreNoError()
+{
+    const QVariantMap fresh = domain();
+    const QList<QVariant> values = foreignValues();
+    for (const QVariant &value : values) {
+        QVariantMap stored;
+        for (const QString &key : fresh.keys())
+            stored.insert(key, value);
+        startWith(stored);
+        for (const BoolSetting &setting : boolSettings)
+            QCOMPARE((defaults().*setting.get)(), value.typeId() == QMetaType::Bool);
+        for (const FloatSetting &setting : floatSettings)
+            QVERIFY(qIsFinite((defaults().*setting.get)()));
+        for (const StringSetting &setting : stringSettings) {
+            if (value.typeId() == QMetaType::QVariantMap || value.typeId() == QMetaType::QVariantList)
+                QVERIFY((defaults().*setting.get)().isNull());
+            else
+                QCOMPARE((defaults().*setting.get)(), value.toString());
+        }
+        defaults().listViewFont();
+        QCOMPARE(defaults().shortcutModifierMaskForItem(0) == 1048576U,
+                 value.typeId() != QMetaType::QVariantMap || !value.toMap().contains(QStringLiteral("0_KEY")));
+    }
+}
+
+void WayfoldDefaultsTest::defaultShortcut_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<unsigned>("modifierMask");
+
+    const QString none = QStringLiteral("");
+    QTest::newRow("0") << QStringLiteral("0") << 1048576U;
+    QTest::newRow("10") << QStringLiteral("*") << 1179648U;
+    QTest::newRow("11") << QStringLiteral("-") << 1179648U;
+    QTest::newRow("12") << QStringLiteral("+") << 1179648U;
+    QTest::newRow("1") << none << 0U;
+    QTest::newRow("2") << none << 0U;
+    QTest::newRow("3") << none << 0U;
+    QTest::newRow("4") << QStringLiteral("O") << 1179648U;
+    QTest::newRow("5") << QStringLiteral("E") << 1179648U;
+    QTest::newRow("6") << none << 0U;
+    QTest::newRow("13") << none << 0U;
+    QTest::newRow("7") << QStringLiteral("J") << 1179648U;
+    QTest::newRow("8") << QStringLiteral("K") << 1179648U;
+    QTest::newRow("9") << QStringLiteral("L") << 1179648U;
+}
+
+void WayfoldDefaultsTest::defaultShortcut()
+{
+    QFETCH(QString, key);
+    QFETCH(unsigned, modifierMask);
+    const QString item = QString::fromLatin1(QTest::currentDataTag());
+    QCOMPARE(defaults().shortcutKeyForItem(item.toUInt()), key);
+    QVERIFY(!defaults().shortcutKeyForItem(item.toUInt()).isNull());
+    QCOMPARE(defaults().shortcutModifierMaskForItem(item.toUInt()), modifierMask);
+    const QVariantMap table = domain().value(shortcutsKey).toMap();
+    QCOMPARE(table.value(item + QStringLiteral("_KEY")), QVariant(key));
+    QCOMPARE(table.value(item + QStringLiteral("_MODIFIER")), QVariant(qlonglong(modifierMask)));
+}
+
+void WayfoldDefaultsTest::defaultTableHasNothingElse()
+{
+    QCOMPARE(WayfoldDefaults::defaultMenuItemShortcuts().size(), 28);
+    QVERIFY(defaults().shortcutKeyForItem(14).isNull());
+    QCOMPARE(defaults().shortcutModifierMaskForItem(14), 0U);
+}
+
+void WayfoldDefaultsTest::shortcutWithoutKeyIsFilledIn()
+{
+    startWith({{shortcutsKey, QVariantMap{{QStringLiteral("7_MODIFIER"), qlonglong(0)}}}});
+    QCOMPARE(defaults().shortcutKeyForItem(7), QStringLiteral("J"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(7), 1179648U);
+    QCOMPARE(domain().value(shortcutsKey).toMap(), WayfoldDefaults::defaultMenuItemShortcuts());
+}
+
+void WayfoldDefaultsTest::shortcutWithEmptyKeyStays()
+{
+    startWith({{shortcutsKey, QVariantMap{{QStringLiteral("4_KEY"), QStringLiteral("")},
+                                          {QStringLiteral("4_MODIFIER"), qlonglong(0)}}}});
+    QCOMPARE(defaults().shortcutKeyForItem(4), QStringLiteral(""));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(4), 0U);
+    QCOMPARE(defaults().shortcutKeyForItem(5), QStringLiteral("E"));
+}
+
+void WayfoldDefaultsTest::shortcutWithKeyAloneKeepsNoModifier()
+{
+    startWith({{shortcutsKey, QVariantMap{{QStringLiteral("4_KEY"), QStringLiteral("P")}}}});
+    QCOMPARE(defaults().shortcutKeyForItem(4), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(4), 0U);
+    QVERIFY(!domain().value(shortcutsKey).toMap().contains(QStringLiteral("4_MODIFIER")));
+}
+
+void WayfoldDefaultsTest::shortcutTableOfForeignTypeIsReplaced()
+{
+    startWith({{shortcutsKey, QStringLiteral("no table")}});
+    QCOMPARE(defaults().shortcutKeyForItem(0), QStringLiteral("0"));
+    QCOMPARE(domain().value(shortcutsKey).toMap(), WayfoldDefaults::defaultMenuItemShortcuts());
+}
+
+void WayfoldDefaultsTest::shortcutSettersWriteToTheHost()
+{
+    FakeHostApplication host;
+    const QVariantMap before = domain();
+
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 6);
+    QVariantMap expected = WayfoldDefaults::defaultMenuItemShortcuts();
+    expected.insert(QStringLiteral("6_KEY"), QStringLiteral("P"));
+    QCOMPARE(host.hostSettings.values.value(shortcutsKey).toMap(), expected);
+
+    defaults().setShortcutModifierMaskForItemForItem(MenuItem::NSCommandKeyMask | MenuItem::NSAlternateKeyMask, 6);
+    expected.insert(QStringLiteral("6_MODIFIER"), qlonglong(1048576 + 524288));
+    QCOMPARE(host.hostSettings.values.value(shortcutsKey).toMap(), expected);
+    QCOMPARE(host.hostSettings.values.size(), 1);
+
+    QCOMPARE(defaults().shortcutKeyForItem(6), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(6), 1572864U);
+    QCOMPARE(domain(), before);
+}
+
+void WayfoldDefaultsTest::shortcutReachesTheDomainWithTheNextSetter()
+{
+    FakeHostApplication host;
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 6);
+    QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("6_KEY")), QVariant(QStringLiteral("")));
+    defaults().setConfirmItemDelete(false);
+    QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("6_KEY")), QVariant(QStringLiteral("P")));
+}
+
+void WayfoldDefaultsTest::shortcutSettersWorkWithoutHost()
+{
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 20);
+    defaults().setShortcutModifierMaskForItemForItem(MenuItem::NSControlKeyMask, 20);
+    QCOMPARE(defaults().shortcutKeyForItem(20), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(20), 262144U);
+    defaults().setShortcutKeyForItem(QString(), 20);
+    QVERIFY(defaults().shortcutKeyForItem(20).isNull());
+}
+
+void WayfoldDefaultsTest::foreignShortcutEntriesAreNoError()
+{
+    const QList<QVariant> values = foreignValues();
+    for (const QVariant &value : values) {
+        startWith(
+            {{shortcutsKey, QVariantMap{{QStringLiteral("3_KEY"), value}, {QStringLiteral("3_MODIFIER"), value}}}});
+        QCOMPARE(defaults().shortcutKeyForItem(3), value.toString());
+        defaults().shortcutModifierMaskForItem(3);
+    }
+    startWith({{shortcutsKey, QVariantMap{{QStringLiteral("3_KEY"), QStringLiteral("X")},
+                                          {QStringLiteral("3_MODIFIER"), QStringLiteral("1048576")}}}});
+    QCOMPARE(defaults().shortcutModifierMaskForItem(3), 1048576U);
+    startWith({{shortcutsKey,
+                QVariantMap{{QStringLiteral("3_KEY"), QStringLiteral("X")}, {QStringLiteral("3_MODIFIER"), 1e300}}}});
+    QCOMPARE(defaults().shortcutModifierMaskForItem(3), 0U);
+}
+
+void WayfoldDefaultsTest::emptyFontNameGivesSmallSystemFont_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("empty") << QStringLiteral("");
+    QTest::newRow("none") << QString();
+}
+
+void WayfoldDefaultsTest::emptyFontNameGivesSmallSystemFont()
+{
+    QFETCH(QString, name);
+    defaults().setListViewFontName(name);
+    defaults().setListViewFontSize(77);
+    const std::optional<QFont> font = defaults().listViewFont();
+    QVERIFY(font);
+    QCOMPARE(font->family(), QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
+    QCOMPARE(font->pointSizeF(),
+             QFontInfo(QFontDatabase::systemFont(QFontDatabase::SmallestReadableFont)).pointSizeF());
+}
+
+void WayfoldDefaultsTest::unknownFontNameGivesNone()
+{
+    for (const char *name : {"No Such Family", "No Such Family-Bold", "-", "-Bold"}) {
+        defaults().setListViewFontName(QString::fromLatin1(name));
+        QVERIFY2(!defaults().listViewFont(), name);
+    }
+    const QString family = QFontDatabase::families().constFirst();
+    QVERIFY(!WayfoldDefaults::fontWithNameSize(family + QStringLiteral("-No Such Style"), 12));
+}
+
+void WayfoldDefaultsTest::knownFontNameGivesFontOfThatSize()
+{
+    const QStringList families = QFontDatabase::families();
+    QVERIFY(!families.isEmpty());
+    for (const QString &family : families) {
+        defaults().setListViewFontName(family);
+        defaults().setListViewFontSize(15.5);
+        const std::optional<QFont> font = defaults().listViewFont();
+        QVERIFY2(font, qPrintable(family));
+        QCOMPARE(font->family(), family);
+        QCOMPARE(font->pointSizeF(), 15.5);
+    }
+    QVERIFY(WayfoldDefaults::fontWithNameSize(families.constFirst(), 0)->pointSizeF() > 0);
+    QVERIFY(WayfoldDefaults::fontWithNameSize(families.constFirst(), -4)->pointSizeF() > 0);
+}
+
+void WayfoldDefaultsTest::fontNameMayHoldAStyle()
+{
+    int checked = 0;
+    const QStringList families = QFontDatabase::families();
+    for (const QString &family : families) {
+        const QStringList styles = QFontDatabase::styles(family);
+        for (const QString &style : styles) {
+            const auto font = WayfoldDefaults::fontWithNameSize(family + QLatin1Char('-') + style, 9);
+            QVERIFY2(font, qPrintable(family + style));
+            QCOMPARE(font->family(), family);
+            QCOMPARE(int(font->weight()), QFontDatabase::weight(family, style));
+            QCOMPARE(font->pointSizeF(), 9.0);
+            ++checked;
+        }
+    }
+    QVERIFY(checked > 0);
+}
+
+void WayfoldDefaultsTest::fontNameOfFontIsFoundAgain()
+{
+    const QString family = QFontDatabase::families().constFirst();
+    QCOMPARE(WayfoldDefaults::nameOfFont(QFont(family)), family);
+    const QStringList styles = QFontDatabase::styles(family);
+    for (const QString &style : styles) {
+        const QFont font = QFontDatabase::font(family, style, 10);
+        const auto again = WayfoldDefaults::fontWithNameSize(WayfoldDefaults::nameOfFont(font), 10);
+        QVERIFY2(again, qPrintable(style));
+        QCOMPARE(again->weight(), font.weight());
+        QCOMPARE(again->italic(), font.italic());
+    }
+}
+
+void WayfoldDefaultsTest::hostBoolean_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<bool>("expected");
+
+    QTest::newRow("none") << QVariant() << false;
+    QTest::newRow("true") << QVariant(true) << true;
+    QTest::newRow("false") << QVariant(false) << false;
+    QTest::newRow("1") << QVariant(qlonglong(1)) << true;
+    QTest::newRow("2") << QVariant(qlonglong(2)) << true;
+    QTest::newRow("0") << QVariant(qlonglong(0)) << false;
+    QTest::newRow("text YES") << QVariant(QStringLiteral("YES")) << true;
+    QTest::newRow("text true") << QVariant(QStringLiteral("true")) << true;
+    QTest::newRow("text 1") << QVariant(QStringLiteral("1")) << true;
+    QTest::newRow("text NO") << QVariant(QStringLiteral("NO")) << false;
+    QTest::newRow("array") << QVariant(QVariantList{1}) << false;
+}
+
+void WayfoldDefaultsTest::hostBoolean()
+{
+    QFETCH(QVariant, stored);
+    QFETCH(bool, expected);
+    FakeHostApplication host;
+    if (stored.isValid())
+        host.hostSettings.values = {{QStringLiteral("TabbedBrowsing"), stored}};
+    QCOMPARE(WayfoldDefaults::fetchPrefBooleanForKey(QStringLiteral("TabbedBrowsing")), expected);
+    QCOMPARE(WayfoldDefaults::tabbedBrowsingEnabled(), expected);
+    QVERIFY(!WayfoldDefaults::fetchPrefBooleanForKey(QStringLiteral("Other")));
+}
+
+void WayfoldDefaultsTest::hostObject()
+{
+    FakeHostApplication host;
+    host.hostSettings.values = {{QStringLiteral("HomePage"), QStringLiteral("http://example.com/")}};
+    QCOMPARE(WayfoldDefaults::fetchPrefObjectForKey(QStringLiteral("HomePage")),
+             QVariant(QStringLiteral("http://example.com/")));
+    QVERIFY(!WayfoldDefaults::fetchPrefObjectForKey(QStringLiteral("WayfoldDefaultFirstTab")).isValid());
+}
+
+void WayfoldDefaultsTest::noHostHasNoSettings()
+{
+    QVERIFY(!WayfoldDefaults::fetchPrefObjectForKey(QStringLiteral("TabbedBrowsing")).isValid());
+    QVERIFY(!WayfoldDefaults::tabbedBrowsingEnabled());
+}
+
+QTEST_MAIN(WayfoldDefaultsTest)
+#include "WayfoldDefaultsTest.moc"
