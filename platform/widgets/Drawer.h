@@ -4,15 +4,23 @@
 #include <QList>
 #include <QPointer>
 #include <QSizeF>
+#include <QVariantAnimation>
 #include <memory>
 
+class DrawerGrip;
 class HostWindow;
-class QVariantAnimation;
 
 // A window of its own that is attached to an edge of a host window, slides out beside it and follows it: moved with it,
 // as high as it, hidden while it is minimised, gone when it closes, on the same workspace. Never taller than the
 // window, never over it. Posts NSDrawerWillOpenNotification, NSDrawerDidOpenNotification, NSDrawerWillCloseNotification
 // and NSDrawerDidCloseNotification with itself as the object.
+//
+// It will open is posted before anything of it shows, so that an observer can still choose the edge and move the
+// window; it did close is posted once it is out of sight. A drawer that is opened again while it closes turns round and
+// posts only that it did open.
+//
+// A drawer whose host window has a widget is a child of that widget and goes with it, if nobody has deleted it before:
+// hold it by a QPointer.
 class Drawer : public QFrame
 {
     Q_OBJECT
@@ -20,6 +28,9 @@ class Drawer : public QFrame
 public:
     enum State { Closed = 0, Opening = 1, Open = 2, Closing = 3 };
     enum Edge { NSMinXEdge = 0, NSMaxXEdge = 2 };
+
+    // How much wider a drawer is than its content.
+    static constexpr int frameWidth = 20;
 
     explicit Drawer(QWidget *parent = nullptr);
     ~Drawer() override;
@@ -33,12 +44,12 @@ public:
     // None detaches (and closes at once). Held weakly.
     void setParentWindow(const std::shared_ptr<HostWindow> &window);
     std::shared_ptr<HostWindow> parentWindow() const;
-    // The widget that fills the drawer; taken over.
+    // The widget that fills the drawer; taken over, and the former one deleted.
     void setContentView(QWidget *view);
     QWidget *contentView() const;
 
-    State state() const;
-    // Slides out at the preferred edge, unless it is open or opening.
+    State state() const { return _state; }
+    // Slides out at the preferred edge, unless it is open or opening, or has no parent window.
     void open();
     // Slides in, unless it is closed or closing.
     void close();
@@ -48,15 +59,53 @@ public:
     // Both in device-independent pixels. The height follows the parent window; the width is the user's to change by
     // dragging the free edge, between the minimum and three quarters of the screen.
     QSizeF contentSize() const;
+    // A width below the minimum is raised to it.
     void setContentSize(const QSizeF &size);
-    QSizeF minContentSize() const;
+    QSizeF minContentSize() const { return _minContentSize; }
     void setMinContentSize(const QSizeF &size);
-    Edge preferredEdge() const;
+    Edge preferredEdge() const { return _preferredEdge; }
     // Takes effect the next time the drawer opens.
-    void setPreferredEdge(Edge edge);
+    void setPreferredEdge(Edge edge) { _preferredEdge = edge; }
     // The edge that it is open on.
-    Edge edge() const;
+    Edge edge() const { return _edge; }
 
     // Time of one slide in milliseconds, 0 for none; the default follows the desktop's wish for animations.
-    void setSlideDuration(int milliseconds);
+    void setSlideDuration(int milliseconds) { _slideDuration = milliseconds; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void attach(const std::shared_ptr<HostWindow> &window);
+    void detach();
+    void parentWindowWillClose();
+    void followParent();
+
+    void slideTo(qreal goal);
+    void slideEnded();
+    void closeAtOnce();
+    int slideTime() const;
+
+    QRect openGeometry() const;
+    int openWidth() const;
+    void layOut();
+    void dragWidth(int distance);
+
+    std::weak_ptr<HostWindow> _parentWindow;
+    const HostWindow *_attachedTo = nullptr; // only compared: the window may be gone
+    QWidget *_body = nullptr;                // as large as the open drawer, behind the opening while it slides
+    DrawerGrip *_grip = nullptr;
+    QPointer<QWidget> _contentView;
+
+    State _state = Closed;
+    Edge _preferredEdge = NSMaxXEdge;
+    Edge _edge = NSMaxXEdge;
+    QSizeF _contentSize;
+    QSizeF _minContentSize;
+    qreal _widthBeforeDrag = 0;
+
+    QVariantAnimation _slide;
+    int _slideDuration = -1; // negative: the desktop's
+    qreal _shown = 0;        // how far it is out, 0 to 1
 };

@@ -1,0 +1,382 @@
+#include "platform/widgets/Drawer.h"
+
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/host/HostWindow.h"
+#include "platform/widgets/DrawerGrip.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QHash>
+#include <QPainter>
+#include <QScreen>
+#include <QStyle>
+#include <algorithm>
+
+namespace
+{
+constexpr int slideMilliseconds = 180;
+constexpr int gripWidth = 8;      // along the free edge
+constexpr int freeMargin = 10;    // between the content and the free edge, grip included
+constexpr int closeMargin = 10;   // between the content and the window's edge
+constexpr int verticalMargin = 8; // above and below the content
+constexpr int topInset = 10;      // how much lower than the window's contents the drawer begins
+constexpr int bottomInset = 14;
+constexpr int titleBarHeight = 28; // of a window of another process, which tells only its frame
+constexpr int shadowWidth = 6;
+
+using DrawerTable = QHash<const HostWindow *, QList<Drawer *>>;
+
+DrawerTable &drawerTable()
+{
+    static DrawerTable table;
+    return table;
+}
+
+QColor blended(const QColor &under, const QColor &over, float share)
+{
+    return QColor::fromRgbF(under.redF() + (over.redF() - under.redF()) * share,
+                            under.greenF() + (over.greenF() - under.greenF()) * share,
+                            under.blueF() + (over.blueF() - under.blueF()) * share);
+}
+
+// The window's contents on the screen: what its title bar leaves of its frame.
+QRect contentsOf(const HostWindow &window)
+{
+    const QRect frame = window.frame().toAlignedRect();
+    if (const QWidget *widget = window.widget()) {
+        QRect contents = frame;
+        contents.setTop(std::clamp(widget->window()->geometry().top(), frame.top(), frame.bottom()));
+        return contents;
+    }
+    return frame.adjusted(0, std::min(titleBarHeight, frame.height() / 2), 0, 0);
+}
+} // namespace
+
+Drawer::Drawer(QWidget *parent)
+    : QFrame(parent, Qt::Tool | Qt::FramelessWindowHint)
+    , _body(new QWidget(this))
+    , _grip(new DrawerGrip(_body))
+{
+    // Shown beside its window without taking the keyboard from it, and kept with it by window managers.
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_X11NetWmWindowTypeUtility);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    _slide.setEasingCurve(QEasingCurve::InOutQuad);
+    connect(&_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
+        _shown = value.toReal();
+        layOut();
+    });
+    connect(&_slide, &QVariantAnimation::finished, this, &Drawer::slideEnded);
+    connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthBeforeDrag = _contentSize.width(); });
+    connect(_grip, &DrawerGrip::dragged, this, &Drawer::dragWidth);
+}
+
+Drawer::~Drawer()
+{
+    _slide.disconnect(this);
+    detach();
+}
+
+QString Drawer::className() const
+{
+    return QStringLiteral("Drawer");
+}
+
+// --- The window -----------------------------------------------------------------------------------------------------
+
+const QList<Drawer *> &Drawer::drawersForWindow(const HostWindow *window)
+{
+    static const QList<Drawer *> none;
+    const auto found = drawerTable().constFind(window);
+    // A new window can stand where one was that went without a word; its drawers are not the new one's.
+    if (found == drawerTable().constEnd() || found->constFirst()->_parentWindow.expired())
+        return none;
+    return *found;
+}
+
+void Drawer::setParentWindow(const std::shared_ptr<HostWindow> &window)
+{
+    if (window && window == parentWindow())
+        return;
+    closeAtOnce();
+    detach();
+    if (window) {
+        attach(window);
+        return;
+    }
+    setParent(nullptr, windowFlags());
+}
+
+std::shared_ptr<HostWindow> Drawer::parentWindow() const
+{
+    return _parentWindow.lock();
+}
+
+void Drawer::attach(const std::shared_ptr<HostWindow> &window)
+{
+    _parentWindow = window;
+    _attachedTo = window.get();
+    QList<Drawer *> &drawers = drawerTable()[_attachedTo];
+    // What is left of a window that went without a word.
+    drawers.removeIf([&window](const Drawer *drawer) { return drawer->parentWindow() != window; });
+    drawers.append(this);
+    setParent(window->widget() ? window->widget()->window() : nullptr, windowFlags());
+
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.addObserver(
+        this, [this](const Notification &) { followParent(); }, PlatformNotifications::WindowFrameDidChangeNotification,
+        _attachedTo);
+    center.addObserver(
+        this, [this](const Notification &) { parentWindowWillClose(); },
+        PlatformNotifications::NSWindowWillCloseNotification, _attachedTo);
+}
+
+void Drawer::detach()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    const auto found = drawerTable().find(_attachedTo);
+    if (found != drawerTable().end()) {
+        found->removeOne(this);
+        if (found->isEmpty())
+            drawerTable().erase(found);
+    }
+    _attachedTo = nullptr;
+    _parentWindow.reset();
+}
+
+// Whoever else is told may still want to know how the drawer stands, so it only gets out of sight now.
+void Drawer::parentWindowWillClose()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    _slide.stop();
+    hide();
+    const auto letGo = [this, window = _attachedTo] {
+        if (_attachedTo == window)
+            setParentWindow(nullptr);
+    };
+    QMetaObject::invokeMethod(this, letGo, Qt::QueuedConnection);
+}
+
+void Drawer::followParent()
+{
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    if (_state == Closed || !window)
+        return;
+    layOut();
+    const bool visible = window->isVisible();
+    if (visible == isVisible())
+        return;
+    // A window manager may have minimised the drawer along with its window; shown like that, it would take the window
+    // down again.
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    setVisible(visible);
+}
+
+// --- Opening and closing --------------------------------------------------------------------------------------------
+
+void Drawer::open()
+{
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    if (_state == Opening || _state == Open || !window)
+        return;
+    const bool turnsRound = _state == Closing;
+    _state = Opening;
+    if (!turnsRound) {
+        const QPointer<Drawer> alive(this);
+        NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSDrawerWillOpenNotification,
+                                                                 this);
+        if (!alive || _state != Opening)
+            return;
+        _edge = _preferredEdge;
+        _shown = 0;
+    }
+    layOut();
+    if (window->isVisible())
+        show();
+    slideTo(1);
+}
+
+void Drawer::close()
+{
+    if (_state == Closed || _state == Closing)
+        return;
+    _state = Closing;
+    const QPointer<Drawer> alive(this);
+    NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSDrawerWillCloseNotification,
+                                                             this);
+    if (alive && _state == Closing)
+        slideTo(0);
+}
+
+void Drawer::toggle()
+{
+    if (_state == Closed || _state == Closing)
+        open();
+    else
+        close();
+}
+
+int Drawer::slideTime() const
+{
+    if (_slideDuration >= 0)
+        return _slideDuration;
+    return style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 ? slideMilliseconds : 0;
+}
+
+// From wherever it is, at the same speed.
+void Drawer::slideTo(qreal goal)
+{
+    _slide.stop();
+    const int time = isVisible() ? int(slideTime() * qAbs(goal - _shown)) : 0;
+    if (time == 0) {
+        _shown = goal;
+        layOut();
+        slideEnded();
+        return;
+    }
+    _slide.setStartValue(_shown);
+    _slide.setEndValue(goal);
+    _slide.setDuration(time);
+    _slide.start();
+}
+
+void Drawer::slideEnded()
+{
+    if (_state == Opening) {
+        _state = Open;
+        NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSDrawerDidOpenNotification,
+                                                                 this);
+    } else if (_state == Closing) {
+        const std::shared_ptr<HostWindow> window = parentWindow();
+        const bool hadKeyboard = isActiveWindow();
+        hide();
+        _state = Closed;
+        if (hadKeyboard && window)
+            window->makeKeyAndOrderFront();
+        NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSDrawerDidCloseNotification,
+                                                                 this);
+    }
+}
+
+void Drawer::closeAtOnce()
+{
+    const QPointer<Drawer> alive(this);
+    const int duration = std::exchange(_slideDuration, 0);
+    if (_state == Closing)
+        slideTo(0);
+    else
+        close();
+    if (alive)
+        _slideDuration = duration;
+}
+
+// The window manager asks for it, on behalf of the user.
+void Drawer::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+    close();
+}
+
+// --- Geometry -------------------------------------------------------------------------------------------------------
+
+QSizeF Drawer::contentSize() const
+{
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    if (!window || _state == Closed)
+        return _contentSize;
+    return {_contentSize.width(), qreal(openGeometry().height() - 2 * verticalMargin)};
+}
+
+void Drawer::setContentSize(const QSizeF &size)
+{
+    _contentSize = size.expandedTo(_minContentSize);
+    layOut();
+}
+
+void Drawer::setMinContentSize(const QSizeF &size)
+{
+    _minContentSize = size;
+    setContentSize(_contentSize);
+}
+
+void Drawer::setContentView(QWidget *view)
+{
+    if (_contentView != view)
+        delete _contentView;
+    _contentView = view;
+    if (!view)
+        return;
+    view->setParent(_body);
+    view->show();
+    layOut();
+}
+
+QWidget *Drawer::contentView() const
+{
+    return _contentView;
+}
+
+int Drawer::openWidth() const
+{
+    return qRound(_contentSize.width()) + frameWidth;
+}
+
+// Where it stands when it is all the way out.
+QRect Drawer::openGeometry() const
+{
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    if (!window)
+        return geometry();
+    const QRect contents = contentsOf(*window);
+    const int height = std::max(1, contents.height() - topInset - bottomInset);
+    const int x = _edge == NSMinXEdge ? contents.left() - openWidth() : contents.left() + contents.width();
+    return {x, contents.top() + topInset, openWidth(), height};
+}
+
+// A drawer that is partly out is a narrower window in which only the part farthest from the parent shows, so it comes
+// out from behind the parent's edge though windows of this kind lie above their parents.
+void Drawer::layOut()
+{
+    if (_state == Closed || !parentWindow())
+        return;
+    const QRect whole = openGeometry();
+    const int out = std::max(1, qRound(whole.width() * _shown));
+    const bool onLeft = _edge == NSMinXEdge;
+    setGeometry(onLeft ? whole.right() + 1 - out : whole.left(), whole.top(), out, whole.height());
+    _body->setGeometry(onLeft ? 0 : out - whole.width(), 0, whole.width(), whole.height());
+    _grip->setGeometry(onLeft ? 1 : whole.width() - gripWidth - 1, 1, gripWidth, whole.height() - 2);
+    if (_contentView)
+        _contentView->setGeometry(onLeft ? freeMargin : closeMargin, verticalMargin, whole.width() - frameWidth,
+                                  std::max(0, whole.height() - 2 * verticalMargin));
+    update();
+}
+
+void Drawer::dragWidth(int distance)
+{
+    const qreal width = _widthBeforeDrag + (_edge == NSMinXEdge ? -distance : distance);
+    const QScreen *onScreen = screen() ? screen() : QGuiApplication::primaryScreen();
+    const qreal widest = std::max(_minContentSize.width(), onScreen->geometry().width() * 0.75 - frameWidth);
+    setContentSize(QSizeF(std::clamp(width, _minContentSize.width(), widest), _contentSize.height()));
+}
+
+// The palette's own grounds with a line around the three free sides, and the parent's shadow on the fourth.
+void Drawer::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    const QColor ground = palette().color(QPalette::Window);
+    painter.fillRect(rect(), ground);
+
+    const bool onLeft = _edge == NSMinXEdge;
+    const qreal parentSide = onLeft ? width() : 0;
+    QLinearGradient shadow(parentSide, 0, onLeft ? parentSide - shadowWidth : shadowWidth, 0);
+    shadow.setColorAt(0, QColor(0, 0, 0, 56));
+    shadow.setColorAt(1, QColor(0, 0, 0, 0));
+    painter.fillRect(onLeft ? width() - shadowWidth : 0, 0, shadowWidth, height(), shadow);
+
+    painter.setPen(blended(ground, palette().color(QPalette::WindowText), 0.3F));
+    painter.drawLine(0, 0, width() - 1, 0);
+    painter.drawLine(0, height() - 1, width() - 1, height() - 1);
+    const int freeSide = onLeft ? 0 : width() - 1;
+    painter.drawLine(freeSide, 0, freeSide, height() - 1);
+}

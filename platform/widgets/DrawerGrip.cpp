@@ -1,0 +1,42 @@
+#include "platform/widgets/DrawerGrip.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace
+{
+constexpr int dots = 3;
+constexpr int dotSize = 2;
+constexpr int dotDistance = 6;
+} // namespace
+
+DrawerGrip::DrawerGrip(QWidget *parent) : QWidget(parent)
+{
+    setCursor(Qt::SplitHCursor);
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void DrawerGrip::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    _start = event->globalPosition().toPoint().x();
+    Q_EMIT grabbed();
+}
+
+void DrawerGrip::mouseMoveEvent(QMouseEvent *event)
+{
+    if (event->buttons() & Qt::LeftButton)
+        Q_EMIT dragged(event->globalPosition().toPoint().x() - _start);
+}
+
+void DrawerGrip::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    QColor color = palette().color(QPalette::WindowText);
+    color.setAlphaF(0.35F);
+    const int x = (width() - dotSize) / 2;
+    const int y = (height() - (dots - 1) * dotDistance - dotSize) / 2;
+    for (int i = 0; i < dots; ++i)
+        painter.fillRect(x, y + i * dotDistance, dotSize, dotSize, color);
+}
