@@ -13,11 +13,30 @@ bool isAscii(QStringView text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
+// Whether the character may stand for several letters when case is disregarded, as the sharp s does for "ss".
+bool mayUnfold(QChar character)
+{
+    const char16_t c = character.unicode();
+    return c == 0xdf || c == 0x149 || c == 0x587 || (c >= 0x1f80 && c <= 0x1fff) || (c >= 0xfb00 && c <= 0xfb17);
+}
+
+// Qt folds a character into one character only; what stands for several is found by way of the capital letters.
+QString unfolded(const QString &text)
+{
+    if (std::none_of(text.begin(), text.end(), mayUnfold))
+        return text;
+    QString result;
+    for (const QChar character : text)
+        result += mayUnfold(character) ? QString(character).toUpper().toCaseFolded() : QString(character);
+    return result;
+}
+
 // The form in which texts that differ only in letter case or in canonically equivalent spellings are the same. Text
 // that is in this form already, as most text is, is handed through without a copy.
 QString folded(const QString &text)
 {
-    return text.normalized(QString::NormalizationForm_C).toCaseFolded().normalized(QString::NormalizationForm_C);
+    const QString composed = text.normalized(QString::NormalizationForm_C);
+    return unfolded(composed.toCaseFolded()).normalized(QString::NormalizationForm_C);
 }
 
 // Whether a mark that belongs to the letter before it stands there: a bare letter is not found in an accented one.

@@ -1,0 +1,104 @@
+#include "platform/files/FileStamp.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+class FileStampTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nothingThere();
+    void plainFile();
+    void nanosecondsCount();
+    void sameSizeAndTimeButAnotherFile();
+    void timesBefore1970();
+    void followsLinks();
+    void otherThanPlainFiles();
+};
+
+static void setModificationTime(const QString &path, qint64 seconds, long nanoseconds)
+{
+    const timespec times[] = {{0, UTIME_OMIT}, {seconds, nanoseconds}};
+    QCOMPARE(::utimensat(AT_FDCWD, qPrintable(path), times, 0), 0);
+}
+
+void FileStampTest::nothingThere()
+{
+    const TemporaryHome home;
+    QVERIFY(!FileStamp::ofFile(home.path("nothing")));
+    QVERIFY(!FileStamp::ofFile(QString()));
+    QVERIFY(!FileStamp::ofFile(""));
+    QVERIFY(QFile::link(home.path("nothing"), home.path("link")));
+    QVERIFY(!FileStamp::ofFile(home.path("link")));
+}
+
+void FileStampTest::plainFile()
+{
+    const TemporaryHome home;
+    home.write("file", "12345");
+    setModificationTime(home.path("file"), 1000000000, 123456789);
+    const auto stamp = FileStamp::ofFile(home.path("file"));
+    QVERIFY(stamp);
+    QCOMPARE(stamp->modificationTime, 1000000000123456789);
+    QCOMPARE(stamp->size, 5);
+    QVERIFY(stamp->inode != 0);
+    QVERIFY(stamp->isPlainFile);
+    QCOMPARE(*FileStamp::ofFile(home.path("file")), *stamp);
+}
+
+void FileStampTest::nanosecondsCount()
+{
+    const TemporaryHome home;
+    home.write("file", "a");
+    setModificationTime(home.path("file"), 1000000000, 1);
+    const auto before = FileStamp::ofFile(home.path("file"));
+    setModificationTime(home.path("file"), 1000000000, 2);
+    const auto after = FileStamp::ofFile(home.path("file"));
+    QVERIFY(*before != *after);
+    QCOMPARE(after->modificationTime - before->modificationTime, 1);
+}
+
+void FileStampTest::sameSizeAndTimeButAnotherFile()
+{
+    const TemporaryHome home;
+    home.write("file", "old");
+    home.write("new", "new");
+    setModificationTime(home.path("file"), 1000000000, 0);
+    setModificationTime(home.path("new"), 1000000000, 0);
+    const auto before = FileStamp::ofFile(home.path("file"));
+    QCOMPARE(::rename(qPrintable(home.path("new")), qPrintable(home.path("file"))), 0);
+    QVERIFY(*before != *FileStamp::ofFile(home.path("file")));
+}
+
+void FileStampTest::timesBefore1970()
+{
+    const TemporaryHome home;
+    home.write("file", "");
+    setModificationTime(home.path("file"), -1, 500000000);
+    QCOMPARE(FileStamp::ofFile(home.path("file"))->modificationTime, -500000000);
+}
+
+void FileStampTest::followsLinks()
+{
+    const TemporaryHome home;
+    home.write("file", "12345");
+    QVERIFY(QFile::link(home.path("file"), home.path("link")));
+    QCOMPARE(*FileStamp::ofFile(home.path("link")), *FileStamp::ofFile(home.path("file")));
+}
+
+void FileStampTest::otherThanPlainFiles()
+{
+    const TemporaryHome home;
+    QCOMPARE(::mkfifo(qPrintable(home.path("pipe")), 0600), 0);
+    QVERIFY(!FileStamp::ofFile(home.path("pipe"))->isPlainFile);
+    QVERIFY(!FileStamp::ofFile(home.path())->isPlainFile);
+    QVERIFY(!FileStamp::ofFile("/dev/null")->isPlainFile);
+}
+
+QTEST_GUILESS_MAIN(FileStampTest)
+#include "FileStampTest.moc"

@@ -1,0 +1,265 @@
+#include "platform/base/StringRules.h"
+
+#include <QTest>
+#include <limits>
+
+class StringRulesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void containsIgnoringCase_data();
+    void containsIgnoringCase();
+    void compareIgnoringCase_data();
+    void compareIgnoringCase();
+    void replacingPercentEscapes_data();
+    void replacingPercentEscapes();
+    void addingPercentEscapes_data();
+    void addingPercentEscapes();
+    void addingPercentEscapesToEveryAsciiCharacter();
+    void trimmed_data();
+    void trimmed();
+    void integerValue_data();
+    void integerValue();
+    void doubleValue_data();
+    void doubleValue();
+};
+
+static void compare(const QString &answer, const QString &expected)
+{
+    QCOMPARE(answer, expected);
+    QCOMPARE(answer.isNull(), expected.isNull());
+}
+
+void StringRulesTest::containsIgnoringCase_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("part");
+    QTest::addColumn<bool>("answer");
+    QTest::newRow("same case") << "Related History"
+                               << "History" << true;
+    QTest::newRow("other case") << "Related History"
+                                << "hIsToRy" << true;
+    QTest::newRow("at the front") << "Related"
+                                  << "rel" << true;
+    QTest::newRow("whole") << "Related"
+                           << "RELATED" << true;
+    QTest::newRow("not there") << "Related"
+                               << "later" << false;
+    QTest::newRow("longer part") << "Rel"
+                                 << "Related" << false;
+    QTest::newRow("empty part") << "Related"
+                                << "" << false;
+    QTest::newRow("null part") << "Related" << QString() << false;
+    QTest::newRow("empty in empty") << ""
+                                    << "" << false;
+    QTest::newRow("null text") << QString() << "a" << false;
+    QTest::newRow("no regular expression") << "abc"
+                                           << "a.c" << false;
+    QTest::newRow("accent in other case") << QStringLiteral("CAF\u00c9") << QStringLiteral("caf\u00e9") << true;
+    QTest::newRow("one character in two")
+        << QStringLiteral("Cafe\u0301 au lait") << QStringLiteral("\u00e9 AU") << true;
+    QTest::newRow("two characters in one") << QStringLiteral("Caf\u00e9") << QStringLiteral("fE\u0301") << true;
+    QTest::newRow("marks in another order")
+        << QStringLiteral("a\u0323\u0302") << QStringLiteral("A\u0302\u0323") << true;
+    QTest::newRow("a letter is no accented letter") << QStringLiteral("Caf\u00e9") << "cafe" << false;
+    QTest::newRow("nor in two characters") << QStringLiteral("Cafe\u0301") << "cafe" << false;
+    QTest::newRow("nor where no character has both") << QStringLiteral("x\u0323") << "x" << false;
+    QTest::newRow("the later bare letter") << QStringLiteral("x\u0323x") << "X" << true;
+    QTest::newRow("Greek") << QStringLiteral("\u039f\u0394\u039f\u03a3") << QStringLiteral("\u03bf\u03b4\u03bf\u03c2")
+                           << true;
+    QTest::newRow("Cyrillic") << QStringLiteral("\u041c\u043e\u0441\u043a\u0432\u0430")
+                              << QStringLiteral("\u041c\u041e\u0421\u041a") << true;
+    QTest::newRow("sharp s") << QStringLiteral("Stra\u00dfe") << "STRASSE" << true;
+    QTest::newRow("capital sharp s") << QStringLiteral("STRA\u1e9eE") << QStringLiteral("stra\u00dfe") << true;
+    QTest::newRow("ligature") << QStringLiteral("of\ufb01ce") << "OFFICE" << false;
+    QTest::newRow("ligature as it is read") << QStringLiteral("\ufb01le") << "FILE" << true;
+    QTest::newRow("dotless i is no i") << QStringLiteral("\u0131") << "i" << false;
+    QTest::newRow("Kelvin sign") << "300 k" << QStringLiteral("300 \u212a") << true;
+    QTest::newRow("no Turkish rule") << "INDIGO"
+                                     << "indigo" << true;
+    QTest::newRow("beyond the first plane") << QStringLiteral("\U00010400") << QStringLiteral("\U00010428") << true;
+    QTest::newRow("Japanese") << QStringLiteral("\u65e5\u672c\u8a9e") << QStringLiteral("\u672c") << true;
+    QTest::newRow("half-voiced kana in two") << QStringLiteral("\u30cf\u309a") << QStringLiteral("\u30d1") << true;
+}
+
+void StringRulesTest::containsIgnoringCase()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, part);
+    QFETCH(bool, answer);
+    QCOMPARE(StringRules::containsIgnoringCase(text, part), answer);
+}
+
+void StringRulesTest::compareIgnoringCase_data()
+{
+    QTest::addColumn<QString>("a");
+    QTest::addColumn<QString>("b");
+    QTest::addColumn<int>("answer");
+    QTest::newRow("same") << "abc"
+                          << "ABC" << 0;
+    QTest::newRow("less") << "abc"
+                          << "ABD" << -1;
+    QTest::newRow("shorter") << "AB"
+                             << "abc" << -1;
+    QTest::newRow("empty first") << ""
+                                 << "a" << -1;
+    QTest::newRow("accents") << QStringLiteral("\u00c9") << QStringLiteral("e\u0301") << 0;
+    QTest::newRow("ASCII first") << "Z" << QStringLiteral("\u00e9") << -1;
+    QTest::newRow("sign between the cases") << "_"
+                                            << "A" << -1; // letters compare as small ones
+    QTest::newRow("the same beside another alphabet") << QStringLiteral("_\u00e9") << QStringLiteral("A\u00e9") << -1;
+}
+
+void StringRulesTest::compareIgnoringCase()
+{
+    QFETCH(QString, a);
+    QFETCH(QString, b);
+    QFETCH(int, answer);
+    const auto sign = [](int value) { return (value > 0) - (value < 0); };
+    QCOMPARE(sign(StringRules::compareIgnoringCase(a, b)), answer);
+    QCOMPARE(sign(StringRules::compareIgnoringCase(b, a)), -answer);
+}
+
+void StringRulesTest::replacingPercentEscapes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("null") << QString() << QString();
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("no escapes") << QStringLiteral("caf\u00e9") << QStringLiteral("caf\u00e9");
+    QTest::newRow("blank") << "Hello%20there"
+                           << "Hello there";
+    QTest::newRow("plus stays") << "a+b%2B"
+                                << "a+b+";
+    QTest::newRow("UTF-8") << "%C3%A9%f0%9f%98%80" << QStringLiteral("\u00e9\U0001f600");
+    QTest::newRow("beside plain UTF-8") << QStringLiteral("\u00e9%20") << QStringLiteral("\u00e9 ");
+    QTest::newRow("not UTF-8") << "%E9" << QString();
+    QTest::newRow("UTF-8 cut short") << "%C3" << QString();
+    QTest::newRow("no digits") << "100%" << QString();
+    QTest::newRow("one digit") << "%4" << QString();
+    QTest::newRow("other letters") << "%4g" << QString();
+    QTest::newRow("only once") << "%2541"
+                               << "%41";
+}
+
+void StringRulesTest::replacingPercentEscapes()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, answer);
+    compare(StringRules::replacingPercentEscapes(text), answer);
+}
+
+void StringRulesTest::addingPercentEscapes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("null") << QString() << QString();
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("people") << "ann@example.com,bob@example.com"
+                            << "ann@example.com,bob@example.com";
+    QTest::newRow("line ends") << "ann\nbob"
+                               << "ann%0Abob";
+    QTest::newRow("reserved") << "@,&=?:/;+$!"
+                              << "@,&=?:/;+$!";
+    QTest::newRow("escaped") << "100% #[]"
+                             << "100%25%20%23%5B%5D";
+    QTest::newRow("UTF-8") << QStringLiteral("\u00e9\U0001f600") << "%C3%A9%F0%9F%98%80";
+}
+
+void StringRulesTest::addingPercentEscapes()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, answer);
+    compare(StringRules::addingPercentEscapes(text), answer);
+}
+
+void StringRulesTest::addingPercentEscapesToEveryAsciiCharacter()
+{
+    const QString stays = QStringLiteral("-_.!~*'();/?:@&=+$,");
+    for (int c = 1; c < 0x80; c++) {
+        const QString text = QChar(c);
+        const bool isAlphanumeric = QChar(c).isLetterOrNumber();
+        const QString expected = isAlphanumeric || stays.contains(text)
+                                     ? text
+                                     : QStringLiteral("%%1").arg(c, 2, 16, QLatin1Char('0')).toUpper();
+        QCOMPARE(StringRules::addingPercentEscapes(text), expected);
+    }
+}
+
+void StringRulesTest::trimmed_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("null") << QString() << QString();
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("only blanks") << " \t\n"
+                                 << "";
+    QTest::newRow("around") << " \r\n a b\t\u2028"
+                            << "a b";
+    QTest::newRow("inside") << "a\n b"
+                            << "a\n b";
+}
+
+void StringRulesTest::trimmed()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, answer);
+    compare(StringRules::trimmed(text), answer);
+}
+
+void StringRulesTest::integerValue_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("answer");
+    QTest::newRow("null") << QString() << 0;
+    QTest::newRow("plain") << "203" << 203;
+    QTest::newRow("leading blank") << " 1" << 1;
+    QTest::newRow("leading zeros") << "007" << 7;
+    QTest::newRow("signs") << "-12" << -12;
+    QTest::newRow("plus") << "+12" << 12;
+    QTest::newRow("text behind") << "3b4" << 3;
+    QTest::newRow("fraction") << "2.9" << 2;
+    QTest::newRow("no digits") << "beta" << 0;
+    QTest::newRow("two signs") << "+-1" << 0;
+    QTest::newRow("too large") << "2147483648" << std::numeric_limits<int>::max();
+    QTest::newRow("too small") << "-2147483649" << std::numeric_limits<int>::min();
+    QTest::newRow("far too large") << "99999999999999999999999" << std::numeric_limits<int>::max();
+    QTest::newRow("far too small") << "-99999999999999999999999" << std::numeric_limits<int>::min();
+}
+
+void StringRulesTest::integerValue()
+{
+    QFETCH(QString, text);
+    QFETCH(int, answer);
+    QCOMPARE(StringRules::integerValue(text), answer);
+}
+
+void StringRulesTest::doubleValue_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("answer");
+    QTest::newRow("null") << QString() << 0.0;
+    QTest::newRow("integer") << "1" << 1.0;
+    QTest::newRow("fraction") << " 12.5 points" << 12.5;
+    QTest::newRow("point first") << ".5" << 0.5;
+    QTest::newRow("point last") << "5." << 5.0;
+    QTest::newRow("exponent") << "-1.5e3x" << -1500.0;
+    QTest::newRow("broken exponent") << "2e" << 2.0;
+    QTest::newRow("comma") << "1,5" << 1.0;
+    QTest::newRow("no number") << "yes" << 0.0;
+    QTest::newRow("infinity is no number") << "inf" << 0.0;
+}
+
+void StringRulesTest::doubleValue()
+{
+    QFETCH(QString, text);
+    QFETCH(double, answer);
+    QCOMPARE(StringRules::doubleValue(text), answer);
+}
+
+QTEST_GUILESS_MAIN(StringRulesTest)
+#include "StringRulesTest.moc"
