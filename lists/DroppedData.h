@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/Url.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -17,6 +19,9 @@ public:
     bool offersAnyOf(const QStringList &types) const;
     // Null when the type is not offered or holds no text.
     QString stringForType(const QString &type) const;
+    // The address in a text; some applications write characters that may not stand in one, they are escaped. None for
+    // an empty text and for what is no address even so.
+    static Url urlFromText(const QString &text);
     // Empty when the type is not offered or holds no list.
     QVariantList propertyListForType(const QString &type) const;
 

@@ -95,7 +95,7 @@ protected:
     // Sets up font, row height and tool tips; run by awakeFromNib.
     void initialize();
     void keyPressEvent(QKeyEvent *event) override;
-    void startDrag(Qt::DropActions supportedActions) override;
+    Qt::DropAction runDrag(QDrag *drag) override;
 
     KDRBookmarkPtr itemInRow(int row) const;
 
@@ -106,8 +106,9 @@ private:
     bool allSelectedItems(Predicate qualifies) const;
     bool validateOpenItem(QAction *item) const;
     bool validateOpenInTabsItem(QAction *item) const;
-    void restoreRowsOf(const std::vector<KDRBookmarkPtr> &expanded, const std::vector<KDRBookmarkPtr> &selected);
     std::vector<KDRBookmarkPtr> expandedItems() const;
+    void expandItems(const std::vector<KDRBookmarkPtr> &items);
+    void selectItems(const std::vector<KDRBookmarkPtr> &items);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip

@@ -3,7 +3,6 @@
 #include "lists/WayfoldOutlineViewDataSource.h"
 #include "platform/base/NotificationCenter.h"
 
-class DroppedData;
 class HostFrame;
 class QAbstractButton;
 class ScratchpadDrawer;
@@ -68,8 +67,6 @@ public:
     bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) override;
 
 private:
-    class Drop;
-
     std::shared_ptr<HostFrame> currentWebFrame() const;
     static WayfoldBookmarkFolderPtr rootForLabel(const QString &label);
     void releaseRoot();

@@ -35,6 +35,8 @@ public:
     void handleNewEmailRequest(QObject *sender);
     // Starts one mail to all selected people and e-mail links.
     void handleSendEmailRequest(QObject *sender);
+    // Whether a new item may go where the selection points.
+    bool canMakeItem() const;
     // The address of that mail; none when nobody is selected.
     Url mailURL() const;
 
@@ -55,7 +57,6 @@ private:
 
     InsertionPoint insertionPoint() const;
     void createItem(NewItemMaker newViaDialog);
-    bool validateNewItem() const;
     bool validateEditItem(QAction *item) const;
     bool validateDeleteItem(QAction *item) const;
 

@@ -1,0 +1,108 @@
+#include "lists/ItemMimeData.h"
+
+#include "lists/PasteboardTypes.h"
+#include "platform/files/PropertyList.h"
+
+#include <utility>
+
+namespace
+{
+QStringList strings(const QVariant &list)
+{
+    QStringList texts;
+    const QVariantList values = list.toList();
+    for (const QVariant &value : values)
+        texts.append(value.toString());
+    return texts;
+}
+} // namespace
+
+ItemMimeData::ItemMimeData(const QStringList &types, Provider provider) : _types(types), _provider(std::move(provider))
+{}
+
+QStringList ItemMimeData::formats() const
+{
+    QStringList formats = _types;
+    if (declares(PasteboardTypes::NSStringPboardType))
+        formats.append(PasteboardTypes::plainText);
+    if (!addresses().isEmpty()) {
+        formats.append(PasteboardTypes::uriList);
+        formats.append(PasteboardTypes::mozillaUrl);
+    }
+    if (declares(PasteboardTypes::NSVCardPboardType))
+        formats.append(PasteboardTypes::vCard);
+    return formats;
+}
+
+bool ItemMimeData::hasFormat(const QString &mimeType) const
+{
+    return formats().contains(mimeType);
+}
+
+QVariant ItemMimeData::retrieveData(const QString &mimeType, QMetaType /*type*/) const
+{
+    if (mimeType == PasteboardTypes::plainText && hasFormat(mimeType))
+        return _provider(PasteboardTypes::NSStringPboardType);
+    if (mimeType == PasteboardTypes::uriList && hasFormat(mimeType))
+        return uriListData(addresses());
+    if (mimeType == PasteboardTypes::mozillaUrl && hasFormat(mimeType))
+        return mozillaUrlData();
+    if (mimeType == PasteboardTypes::vCard && hasFormat(mimeType))
+        return _provider(PasteboardTypes::NSVCardPboardType).toString().toUtf8();
+    if (!declares(mimeType))
+        return {};
+    const QVariant value = _provider(mimeType);
+    if (!value.isValid())
+        return {};
+    return value.metaType() == QMetaType::fromType<QString>() ? value.toString().toUtf8() : PropertyList::toXml(value);
+}
+
+// One item travels as a link with its title; several as dictionaries of items, or as files.
+QStringList ItemMimeData::addresses() const
+{
+    QStringList found;
+    if (declares(PasteboardTypes::NSURLPboardType)) {
+        found.append(_provider(PasteboardTypes::NSURLPboardType).toString());
+    } else if (declares(PasteboardTypes::BookmarkDictionaryList)) {
+        const QVariantList items = _provider(PasteboardTypes::BookmarkDictionaryList).toList();
+        for (const QVariant &item : items)
+            found.append(item.toMap().value(QStringLiteral("URLString")).toString());
+    }
+    found.removeAll(QString());
+    return found;
+}
+
+QStringList ItemMimeData::titles() const
+{
+    if (declares(PasteboardTypes::WebURLsWithTitles))
+        return strings(_provider(PasteboardTypes::WebURLsWithTitles).toList().value(1));
+    QStringList found;
+    const QVariantList items = _provider(PasteboardTypes::BookmarkDictionaryList).toList();
+    for (const QVariant &item : items) {
+        const QVariantMap dictionary = item.toMap();
+        if (!dictionary.value(QStringLiteral("URLString")).toString().isEmpty())
+            found.append(
+                dictionary.value(QStringLiteral("URIDictionary")).toMap().value(QStringLiteral("title")).toString());
+    }
+    return found;
+}
+
+QByteArray ItemMimeData::uriListData(const QStringList &addresses)
+{
+    QByteArray data;
+    for (const QString &address : addresses)
+        data += address.toUtf8() + "\r\n";
+    return data;
+}
+
+// Lines of address and title in turn, in UTF-16.
+QByteArray ItemMimeData::mozillaUrlData() const
+{
+    const QStringList urls = addresses();
+    const QStringList names = titles();
+    QStringList lines;
+    for (qsizetype i = 0; i < urls.size(); ++i)
+        lines << urls.at(i) << names.value(i, urls.at(i)).simplified();
+    const QString text = lines.join(QLatin1Char('\n'));
+    return {reinterpret_cast<const char *>(text.utf16()), text.size() * qsizetype(sizeof(char16_t))};
+}

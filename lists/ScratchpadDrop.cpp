@@ -1,0 +1,160 @@
+#include "lists/ScratchpadDrop.h"
+
+#include "lists/PageTitle.h"
+#include "lists/PasteboardTypes.h"
+#include "model/WayfoldBookmarkNote.h"
+#include "model/WayfoldBookmarkURL.h"
+#include "platform/files/Paths.h"
+
+#include <QFileInfo>
+
+namespace
+{
+constexpr qsizetype longestWholeTitle = 29;
+constexpr qsizetype shortenedTitle = 30;
+
+QString noteTitle(const QString &text)
+{
+    return text.size() <= longestWholeTitle ? text : text.left(shortenedTitle) + QStringLiteral("...");
+}
+
+KDRBookmarkPtr itemFromDictionary(const QVariantMap &dictionary)
+{
+    if (dictionary.contains(QStringLiteral("Children")))
+        return WayfoldBookmarkFolder::bookmarkFromDictionary(dictionary);
+    return WayfoldBookmarkURL::bookmarkFromDictionary(dictionary);
+}
+} // namespace
+
+bool ScratchpadDrop::accept(const DroppedData &data)
+{
+    namespace Types = PasteboardTypes;
+    if (data.offers(Types::KDRBookmark))
+        return moveItem(data);
+    if (data.offers(Types::KDRBookmarkList))
+        return moveItems(data);
+    if (data.offers(Types::ABPeopleUIDs))
+        return addAddressBookItems(data, Types::ABPeopleUIDs);
+    if (data.offers(Types::ABGroupsUIDs))
+        return addAddressBookItems(data, Types::ABGroupsUIDs);
+    if (data.offers(Types::BookmarkDictionaryList))
+        return addFromDictionaries(data);
+    if (data.offers(Types::WebURLsWithTitles))
+        return addFromURLsWithTitles(data);
+    if (data.offers(Types::NSURLPboardType))
+        return addFromURL(data);
+    if (data.offers(Types::NSFilenamesPboardType))
+        return addFiles(data);
+    return data.offers(Types::NSStringPboardType) && addNote(data);
+}
+
+void ScratchpadDrop::adjustIndexFor(const KDRBookmark &item)
+{
+    if (item.parent() == _target && item.childIsAtIndex() < _index)
+        --_index;
+}
+
+bool ScratchpadDrop::isInOrAboveTarget(const KDRBookmarkPtr &item) const
+{
+    return item == _target || _target->isChildOf(item);
+}
+
+void ScratchpadDrop::insert(const KDRBookmarkPtr &item)
+{
+    _target->addChildAtIndex(item, _index++);
+    _droppedItems.push_back(item);
+}
+
+bool ScratchpadDrop::moveItem(const DroppedData &data)
+{
+    const QString uuid = data.stringForType(PasteboardTypes::KDRBookmark);
+    const KDRBookmarkPtr item = uuid.isEmpty() ? nullptr : _root->findByUUID(uuid);
+    if (!item || isInOrAboveTarget(item))
+        return false;
+    adjustIndexFor(*item);
+    _oldParent = item->parent();
+    if (_oldParent)
+        _oldParent->removeChild(item);
+    insert(item);
+    return true;
+}
+
+bool ScratchpadDrop::moveItems(const DroppedData &data)
+{
+    const QVariantList uuids = data.propertyListForType(PasteboardTypes::KDRBookmarkList);
+    for (const QVariant &uuid : uuids) {
+        const KDRBookmarkPtr item = _root->findByUUID(uuid.toString());
+        if (!item)
+            continue;
+        adjustIndexFor(*item); // even for one that stays where it is
+        if (isInOrAboveTarget(item))
+            continue;
+        if (const WayfoldBookmarkFolderPtr parent = item->parent())
+            parent->removeChild(item);
+        insert(item);
+    }
+    return !uuids.isEmpty();
+}
+
+// There are no contacts here to make items of, so every identifier is one that the contacts do not know.
+bool ScratchpadDrop::addAddressBookItems(const DroppedData &data, const QString &type)
+{
+    return !data.propertyListForType(type).isEmpty();
+}
+
+bool ScratchpadDrop::addFromDictionaries(const DroppedData &data)
+{
+    const QVariantList dictionaries = data.propertyListForType(PasteboardTypes::BookmarkDictionaryList);
+    for (const QVariant &dictionary : dictionaries) {
+        if (const KDRBookmarkPtr item = itemFromDictionary(dictionary.toMap()))
+            insert(item);
+    }
+    return !_droppedItems.empty();
+}
+
+bool ScratchpadDrop::addFromURLsWithTitles(const DroppedData &data)
+{
+    const QVariantList lists = data.propertyListForType(PasteboardTypes::WebURLsWithTitles);
+    const QVariantList addresses = lists.value(0).toList();
+    const QVariantList titles = lists.value(1).toList();
+    for (qsizetype i = 0; i < addresses.size(); ++i) {
+        const Url url = DroppedData::urlFromText(addresses.at(i).toString());
+        if (url.isNull())
+            continue;
+        const QString title = titles.value(i).toString();
+        insert(WayfoldBookmarkURL::bookmarkWithTitleAndURL(title.isEmpty() ? PageTitle::forURL(url) : title, url));
+    }
+    return !_droppedItems.empty();
+}
+
+bool ScratchpadDrop::addFromURL(const DroppedData &data)
+{
+    const Url url = DroppedData::urlFromText(data.stringForType(PasteboardTypes::NSURLPboardType));
+    if (url.isNull())
+        return false;
+    insert(WayfoldBookmarkURL::bookmarkWithTitleAndURL(PageTitle::forURL(url), url));
+    return true;
+}
+
+bool ScratchpadDrop::addFiles(const DroppedData &data)
+{
+    const QVariantList paths = data.propertyListForType(PasteboardTypes::NSFilenamesPboardType);
+    for (const QVariant &path : paths) {
+        const QString expanded = Paths::expandingTilde(path.toString());
+        const Url url = Url::fileURLWithPath(expanded);
+        if (url.isNull())
+            continue;
+        const QString name = expanded.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+        insert(WayfoldBookmarkURL::bookmarkWithTitleAndURL(name.isEmpty() ? expanded : name, url));
+    }
+    return !paths.isEmpty();
+}
+
+bool ScratchpadDrop::addNote(const DroppedData &data)
+{
+    const QString text = data.stringForType(PasteboardTypes::NSStringPboardType);
+    if (text.isEmpty())
+        return false;
+    insert(WayfoldBookmarkNote::bookmarkWithTitleAndNote(noteTitle(text), text));
+    return true;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "lists/DroppedData.h"
+#include "model/WayfoldBookmarkFolder.h"
+
+// One drop on the Scratchpad: items of the Scratchpad move, anything else becomes new items.
+class ScratchpadDrop
+{
+public:
+    // `root` is what the list shows; the items go into `target`, which is the root or lies in it, from `index` on.
+    ScratchpadDrop(const WayfoldBookmarkFolderPtr &root, const WayfoldBookmarkFolderPtr &target, int index)
+        : _root(root)
+        , _target(target)
+        , _index(index)
+    {}
+
+    // Acts on the first type, in the order of preference, that the data offers. False when the drop is refused; the
+    // tree is as it was then.
+    bool accept(const DroppedData &data);
+
+    // What was moved or made, in order.
+    const std::vector<KDRBookmarkPtr> &droppedItems() const { return _droppedItems; }
+    // The folder that a single item was moved out of; none for every other drop.
+    const WayfoldBookmarkFolderPtr &oldParent() const { return _oldParent; }
+
+private:
+    bool moveItem(const DroppedData &data);
+    bool moveItems(const DroppedData &data);
+    bool addAddressBookItems(const DroppedData &data, const QString &type);
+    bool addFromDictionaries(const DroppedData &data);
+    bool addFromURLsWithTitles(const DroppedData &data);
+    bool addFromURL(const DroppedData &data);
+    bool addFiles(const DroppedData &data);
+    bool addNote(const DroppedData &data);
+
+    // Taking an item out before the place in its own folder moves the place up.
+    void adjustIndexFor(const KDRBookmark &item);
+    bool isInOrAboveTarget(const KDRBookmarkPtr &item) const;
+    void insert(const KDRBookmarkPtr &item);
+
+    WayfoldBookmarkFolderPtr _root;
+    WayfoldBookmarkFolderPtr _target;
+    int _index;
+    std::vector<KDRBookmarkPtr> _droppedItems;
+    WayfoldBookmarkFolderPtr _oldParent;
+};

@@ -1,0 +1,436 @@
+#include "lists/WayfoldOutlineView.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "core/Notifications.h"
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "lists/WayfoldOutlineViewDelegate.h"
+
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QFontMetricsF>
+#include <QHash>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QScrollBar>
+#include <algorithm>
+
+namespace
+{
+constexpr qreal rowGap = 3;
+
+const QString resolveAction = QStringLiteral("handleResolveBookmarkRequest:");
+const QString openInTabsAction = QStringLiteral("handleOpenBookmarksInTabsRequest:");
+
+// The lists share one menu; its items act on the list that showed it last, as long as there is that list.
+class ListMenuTarget : public MenuItemTarget
+{
+public:
+    void attach(QMenu *menu, WayfoldOutlineView *view)
+    {
+        _view = view;
+        if (menu == _menu)
+            return;
+        _menu = menu;
+        const QList<QAction *> items = menu->actions();
+        for (QAction *item : items)
+            MenuItem::setTarget(item, this);
+        MenuItem::validateOnShow(menu);
+    }
+
+    bool validateMenuItem(QAction *item) override
+    {
+        return _view && _view->respondsToAction(MenuItem::action(item)) && _view->validateMenuItem(item);
+    }
+
+    void performMenuItem(QAction *item) override
+    {
+        if (_view)
+            _view->performMenuItem(item);
+    }
+
+private:
+    QPointer<QMenu> _menu;
+    QPointer<WayfoldOutlineView> _view;
+};
+
+ListMenuTarget &listMenuTarget()
+{
+    static ListMenuTarget target;
+    return target;
+}
+
+QString localized(const char *key)
+{
+    return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+bool isAddressBookItem(const KDRBookmark &item)
+{
+    return item.type() == KDRBookmark::PersonType || item.type() == KDRBookmark::GroupType;
+}
+
+bool isDeletable(const KDRBookmark &item)
+{
+    const WayfoldBookmarkFolderPtr parent = item.parent();
+    return item.canBePersistent() && parent && parent->canBePersistent();
+}
+
+bool isEditable(const KDRBookmark &item)
+{
+    return isAddressBookItem(item) || isDeletable(item);
+}
+
+bool isEmailable(const KDRBookmark &item)
+{
+    return isAddressBookItem(item) || item.type() == KDRBookmark::EmailLinkType;
+}
+
+bool isWebURL(const KDRBookmark &item)
+{
+    return item.type() == KDRBookmark::WebLinkType || item.type() == KDRBookmark::HistoryEntryType;
+}
+} // namespace
+
+WayfoldOutlineView::WayfoldOutlineView(QWidget *parent) : OutlineView(parent) {}
+
+WayfoldOutlineView::~WayfoldOutlineView()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+// --- Appearance -----------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineView::awakeFromNib()
+{
+    initialize();
+}
+
+void WayfoldOutlineView::initialize()
+{
+    useFont(WayfoldDefaults::sharedInstance().listViewFont().value_or(font()));
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification &notification) { handleChangeOfFontNotify(notification); },
+        Notifications::ListViewFontChangeNotification);
+}
+
+void WayfoldOutlineView::handleChangeOfFontNotify(const Notification & /*notification*/)
+{
+    const WayfoldDefaults &settings = WayfoldDefaults::sharedInstance();
+    const std::optional<QFont> changed =
+        WayfoldDefaults::fontWithNameSize(settings.listViewFontName(), settings.listViewFontSize());
+    if (!changed)
+        return;
+    useFont(*changed);
+    viewport()->update();
+}
+
+void WayfoldOutlineView::useFont(const QFont &font)
+{
+    const std::lock_guard<std::mutex> guard(_listViewFontLock);
+    _listViewFont = font;
+    setRowHeight(QFontMetricsF(font).lineSpacing() + rowGap);
+}
+
+QFont WayfoldOutlineView::currentListViewFont() const
+{
+    return _listViewFont.value_or(font());
+}
+
+QMenu *WayfoldOutlineView::defaultMenu()
+{
+    return KDRDrawerBundle::sharedInstance().menu();
+}
+
+QMenu *WayfoldOutlineView::menuForEvent(QContextMenuEvent *event)
+{
+    const int row = rowAtPoint(event->pos());
+    const std::vector<int> selected = selectedRows();
+    if (row >= 0 && !std::binary_search(selected.cbegin(), selected.cend(), row))
+        selectIndividualRow(row);
+    QMenu *menu = defaultMenu();
+    if (menu)
+        listMenuTarget().attach(menu, this);
+    return menu;
+}
+
+Qt::DropActions WayfoldOutlineView::draggingSourceOperationMaskForLocal(bool local) const
+{
+    const Qt::DropActions copyOrMove = Qt::CopyAction | Qt::MoveAction;
+    return local ? copyOrMove | Qt::LinkAction : copyOrMove;
+}
+
+// A drag is offered once, to this application and to the others; nobody here makes links of it.
+Qt::DropAction WayfoldOutlineView::runDrag(QDrag *drag)
+{
+    return drag->exec(draggingSourceOperationMaskForLocal(false), Qt::CopyAction);
+}
+
+// --- Reload with memory ---------------------------------------------------------------------------------------------
+
+void WayfoldOutlineView::prepForReloadData()
+{
+    _savedUUIDSelections = getSelectedItemsUUIDList();
+    _savedUUIDExpansions = getExpandedItemsUUIDList();
+    deselectAll();
+}
+
+void WayfoldOutlineView::reloadData()
+{
+    const bool hasMemory = _savedUUIDExpansions || _savedUUIDSelections;
+    const std::vector<KDRBookmarkPtr> expanded = hasMemory ? std::vector<KDRBookmarkPtr>() : expandedItems();
+    const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
+    const int scrollPosition = verticalScrollBar()->value();
+
+    OutlineView::reloadData();
+    removeAllToolTips();
+    expandItems(expanded);
+    selectItems(selected);
+    if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDExpansions, std::nullopt))
+        reexpandItemsFromUUIDList(*uuids);
+    if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDSelections, std::nullopt))
+        reselectItemsFromUUIDList(*uuids);
+
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(scrollPosition);
+}
+
+std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedItems() const
+{
+    std::vector<KDRBookmarkPtr> items;
+    const int rows = numberOfRows();
+    for (int row = 0; row < rows; ++row) {
+        KDRBookmarkPtr item = itemInRow(row);
+        if (item && item->isFolder() && isItemExpanded(item))
+            items.push_back(std::move(item));
+    }
+    return items;
+}
+
+// Folders come before what is in them. One that collects its contents must have done so before it is opened.
+void WayfoldOutlineView::expandItems(const std::vector<KDRBookmarkPtr> &items)
+{
+    for (const KDRBookmarkPtr &item : items) {
+        item->ensureUpToDate();
+        expandItem(item);
+    }
+}
+
+void WayfoldOutlineView::selectItems(const std::vector<KDRBookmarkPtr> &items)
+{
+    for (const KDRBookmarkPtr &item : items)
+        selectItem(item);
+}
+
+QStringList WayfoldOutlineView::getExpandedItemsUUIDList() const
+{
+    QStringList uuids;
+    for (const KDRBookmarkPtr &item : expandedItems())
+        uuids.append(item->uuid());
+    return uuids;
+}
+
+QStringList WayfoldOutlineView::getSelectedItemsUUIDList() const
+{
+    QStringList uuids;
+    for (const KDRBookmarkPtr &item : selectedItemList())
+        uuids.append(item->uuid());
+    return uuids;
+}
+
+void WayfoldOutlineView::reexpandItemsFromUUIDList(const QStringList &uuids)
+{
+    const WayfoldBookmarkFolderPtr root = _delegate ? _delegate->localRootFolder() : nullptr;
+    if (!root)
+        return;
+    for (const QString &uuid : uuids) {
+        if (const KDRBookmarkPtr item = root->findByUUID(uuid))
+            expandItems({item});
+    }
+}
+
+void WayfoldOutlineView::reselectItemsFromUUIDList(const QStringList &uuids)
+{
+    const WayfoldBookmarkFolderPtr root = _delegate ? _delegate->localRootFolder() : nullptr;
+    if (!root)
+        return;
+    for (const QString &uuid : uuids)
+        selectItem(root->findByUUID(uuid));
+}
+
+// --- Tool tips ------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineView::ensureToolTipPresentForItem(const KDRBookmarkPtr &item)
+{
+    _tooltipRects = std::max(_tooltipRects, rowForItem(item) + 1);
+}
+
+void WayfoldOutlineView::removeAllToolTips()
+{
+    _tooltipRects = 0;
+}
+
+QString WayfoldOutlineView::toolTipAtPoint(const QPoint &point)
+{
+    const int row = rowAtPoint(point);
+    const KDRBookmarkPtr item = row < _tooltipRects ? itemInRow(row) : nullptr;
+    return item ? item->tooltipText() : QString();
+}
+
+// --- Selection ------------------------------------------------------------------------------------------------------
+
+KDRBookmarkPtr WayfoldOutlineView::itemInRow(int row) const
+{
+    return std::static_pointer_cast<KDRBookmark>(itemAtRow(row));
+}
+
+void WayfoldOutlineView::selectRow(int row)
+{
+    selectRowExtending(row, true);
+}
+
+void WayfoldOutlineView::selectIndividualRow(int row)
+{
+    selectRowExtending(row, false);
+}
+
+void WayfoldOutlineView::selectItem(const KDRBookmarkPtr &item)
+{
+    if (item)
+        selectRow(rowForItem(item));
+}
+
+void WayfoldOutlineView::selectIndividualItem(const KDRBookmarkPtr &item)
+{
+    const int row = item ? rowForItem(item) : -1;
+    if (row >= 0)
+        selectIndividualRow(row);
+}
+
+KDRBookmarkPtr WayfoldOutlineView::selectedItem() const
+{
+    return itemInRow(selectedRow());
+}
+
+int WayfoldOutlineView::selectedItemCount() const
+{
+    return numberOfSelectedRows();
+}
+
+std::vector<KDRBookmarkPtr> WayfoldOutlineView::selectedItemList() const
+{
+    std::vector<KDRBookmarkPtr> items;
+    for (const int row : selectedRows()) {
+        if (KDRBookmarkPtr item = itemInRow(row))
+            items.push_back(std::move(item));
+    }
+    return items;
+}
+
+bool WayfoldOutlineView::allSelectedItems(Predicate qualifies) const
+{
+    const std::vector<KDRBookmarkPtr> items = selectedItemList();
+    return !items.empty() && std::all_of(items.cbegin(), items.cend(),
+                                         [qualifies](const KDRBookmarkPtr &item) { return qualifies(*item); });
+}
+
+bool WayfoldOutlineView::allSelectedItemsAreEditable() const
+{
+    return allSelectedItems(isEditable);
+}
+
+bool WayfoldOutlineView::allSelectedItemsAreDeletable() const
+{
+    return allSelectedItems(isDeletable);
+}
+
+bool WayfoldOutlineView::allSelectedItemsAreAddressBookItems() const
+{
+    return allSelectedItems(isAddressBookItem);
+}
+
+bool WayfoldOutlineView::allSelectedItemsAreEmailable() const
+{
+    return allSelectedItems(isEmailable);
+}
+
+bool WayfoldOutlineView::allSelectedItemsAreWebURLs() const
+{
+    return allSelectedItems(isWebURL);
+}
+
+// --- Commands -------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineView::handleResolveBookmarkRequest(QObject *sender)
+{
+    if (_delegate)
+        _delegate->handleResolveBookmarkRequest(sender);
+}
+
+void WayfoldOutlineView::handleOpenBookmarksInTabsRequest(QObject *sender)
+{
+    if (_delegate)
+        _delegate->handleOpenBookmarksInTabsRequest(sender);
+}
+
+void WayfoldOutlineView::keyPressEvent(QKeyEvent *event)
+{
+    const bool opens = event->key() == Qt::Key_Space ||
+                       (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::ControlModifier));
+    const KDRBookmarkPtr item = opens ? selectedItem() : nullptr;
+    if (!item || item->isFolder() || !doubleAction) {
+        OutlineView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    doubleAction();
+}
+
+bool WayfoldOutlineView::respondsToAction(const QString &action) const
+{
+    return action == resolveAction || action == openInTabsAction;
+}
+
+bool WayfoldOutlineView::validateOpenItem(QAction *item) const
+{
+    const std::vector<KDRBookmarkPtr> items = selectedItemList();
+    item->setText(localized(items.size() > 1 ? "Open Items" : "Open Item"));
+    if (items.empty())
+        return false;
+    const bool areAllPeople = std::all_of(items.cbegin(), items.cend(), [](const KDRBookmarkPtr &selected) {
+        return selected->type() == KDRBookmark::PersonType;
+    });
+    if (!areAllPeople)
+        return true;
+    if (items.size() > 1)
+        return false;
+    item->setText(localized("Open Item in Address Book"));
+    return true;
+}
+
+bool WayfoldOutlineView::validateOpenInTabsItem(QAction *item) const
+{
+    const bool enabled = WayfoldDefaults::tabbedBrowsingEnabled() && allSelectedItemsAreWebURLs();
+    item->setText(localized(enabled && selectedItemCount() > 1 ? "Open Items in New Tabs" : "Open Item in New Tab"));
+    return enabled;
+}
+
+bool WayfoldOutlineView::validateMenuItem(QAction *item)
+{
+    const QString action = MenuItem::action(item);
+    if (action == resolveAction)
+        return validateOpenItem(item);
+    if (action == openInTabsAction)
+        return validateOpenInTabsItem(item);
+    return action != u"handleNewSubFolderRequest:" && action != u"handleNewNoteRequest:" &&
+           action != u"handleNewEmailRequest:" && action != u"handleSendEmailRequest:";
+}
+
+void WayfoldOutlineView::performMenuItem(QAction *item)
+{
+    const QString action = MenuItem::action(item);
+    if (action == resolveAction)
+        handleResolveBookmarkRequest(item);
+    else if (action == openInTabsAction)
+        handleOpenBookmarksInTabsRequest(item);
+}

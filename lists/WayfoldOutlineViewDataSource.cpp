@@ -1,0 +1,329 @@
+#include "lists/WayfoldOutlineViewDataSource.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "core/SiteDrawer.h"
+#include "lists/ItemMimeData.h"
+#include "lists/NoteViewer.h"
+#include "lists/PasteboardTypes.h"
+#include "lists/WayfoldOutlineView.h"
+#include "model/WayfoldBookmarkURL.h"
+#include "platform/host/HostFrame.h"
+#include "platform/host/HostWebView.h"
+#include "platform/host/HostWindow.h"
+#include "platform/widgets/Workspace.h"
+
+#include <QHash>
+
+namespace
+{
+KDRBookmarkPtr bookmark(const OutlineItemPtr &item)
+{
+    return std::static_pointer_cast<KDRBookmark>(item); // a list's rows are items, nothing else
+}
+
+Url urlOf(const KDRBookmark &item)
+{
+    return item.value().value<Url>();
+}
+
+// Every kind may travel as itself where the lists' own types are allowed.
+QStringList typesOfOneItem(KDRBookmark::Type type)
+{
+    namespace Types = PasteboardTypes;
+    switch (type) {
+    case KDRBookmark::FolderType:
+        return {Types::NSStringPboardType, Types::BookmarkDictionaryList};
+    case KDRBookmark::WebLinkType:
+    case KDRBookmark::HistoryEntryType:
+        return {Types::NSStringPboardType, Types::NSURLPboardType, Types::WebURLsWithTitles};
+    case KDRBookmark::FileLinkType:
+        return {Types::NSStringPboardType, Types::NSURLPboardType, Types::WebURLsWithTitles,
+                Types::NSFilenamesPboardType};
+    case KDRBookmark::NoteType:
+        return {Types::NSStringPboardType};
+    case KDRBookmark::EmailLinkType:
+        return {Types::NSStringPboardType, Types::NSURLPboardType};
+    case KDRBookmark::PersonType:
+        return {Types::ABPeopleUIDs, Types::NSVCardPboardType};
+    case KDRBookmark::GroupType:
+        return {Types::ABGroupsUIDs};
+    default:
+        return {};
+    }
+}
+
+QStringList typesOfOneItem(KDRBookmark::Type type, bool privateTypesAllowed)
+{
+    QStringList types = typesOfOneItem(type);
+    if (privateTypesAllowed && type != KDRBookmark::NoType)
+        types.append(PasteboardTypes::KDRBookmark);
+    return types;
+}
+
+// Several people or groups travel under the name for a single item, so that only the first of them is moved.
+QStringList typesOfItemAmongSeveral(KDRBookmark::Type type, bool privateTypesAllowed)
+{
+    namespace Types = PasteboardTypes;
+    QStringList types;
+    switch (type) {
+    case KDRBookmark::FolderType:
+    case KDRBookmark::WebLinkType:
+    case KDRBookmark::EmailLinkType:
+    case KDRBookmark::HistoryEntryType:
+        types = {Types::BookmarkDictionaryList};
+        break;
+    case KDRBookmark::FileLinkType:
+        types = {Types::BookmarkDictionaryList, Types::NSFilenamesPboardType};
+        break;
+    case KDRBookmark::PersonType:
+    case KDRBookmark::GroupType:
+        return typesOfOneItem(type, privateTypesAllowed);
+    default:
+        return {};
+    }
+    if (privateTypesAllowed)
+        types.append(Types::KDRBookmarkList);
+    return types;
+}
+
+// The types that every one of the items can be written as.
+QStringList commonTypes(const std::vector<OutlineItemPtr> &items, bool privateTypesAllowed)
+{
+    QHash<QString, std::size_t> counts;
+    for (const OutlineItemPtr &item : items) {
+        const KDRBookmark::Type type = bookmark(item)->type();
+        const QStringList types = items.size() == 1 ? typesOfOneItem(type, privateTypesAllowed)
+                                                    : typesOfItemAmongSeveral(type, privateTypesAllowed);
+        for (const QString &name : types)
+            ++counts[name];
+    }
+    QStringList common;
+    for (auto count = counts.cbegin(); count != counts.cend(); ++count) {
+        if (count.value() == items.size())
+            common.append(count.key());
+    }
+    return common;
+}
+
+QVariantList urlWithTitle(const KDRBookmark &item)
+{
+    return {QVariant(QVariantList{urlOf(item).absoluteString()}), QVariant(QVariantList{item.title()})};
+}
+
+void openInCurrentTab(const Url &url)
+{
+    const SiteDrawer *drawer = KDRDrawerBundle::sharedInstance().frontDrawer();
+    const SiteDrawerController *controller = drawer ? drawer->controller() : nullptr;
+    if (const std::shared_ptr<HostFrame> frame = controller ? controller->currentWebFrame() : nullptr)
+        frame->loadRequest(url);
+    else
+        Workspace::openURL(url);
+}
+
+// Whether the window shows a page, or is about to: an empty one takes the address itself.
+bool showsPage(const HostWindow &window)
+{
+    const std::shared_ptr<HostWebView> view = window.currentWebView();
+    const std::shared_ptr<HostFrame> frame = view ? view->mainFrame() : nullptr;
+    return frame && (frame->dataSource() || frame->provisionalDataSource());
+}
+} // namespace
+
+void WayfoldOutlineViewDataSource::deselectAllItems()
+{
+    if (WayfoldOutlineView *view = myOutlineView())
+        view->deselectAll();
+}
+
+bool WayfoldOutlineViewDataSource::anyItemSelected() const
+{
+    const WayfoldOutlineView *view = myOutlineView();
+    return view && view->selectedRow() >= 0;
+}
+
+const QStringList &WayfoldOutlineViewDataSource::acceptableDragTypes()
+{
+    return PasteboardTypes::acceptableDragTypes();
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+KDRBookmarkPtr WayfoldOutlineViewDataSource::itemOrRoot(const OutlineItemPtr &item) const
+{
+    return item ? bookmark(item) : localRootFolder();
+}
+
+int WayfoldOutlineViewDataSource::outlineViewNumberOfChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
+    return folder ? int(folder->childCount()) : 0;
+}
+
+bool WayfoldOutlineViewDataSource::outlineViewIsItemExpandable(OutlineView & /*view*/, const OutlineItemPtr &item)
+{
+    const KDRBookmarkPtr shown = itemOrRoot(item);
+    return shown && shown->isFolder();
+}
+
+OutlineItemPtr WayfoldOutlineViewDataSource::outlineViewChildOfItem(OutlineView & /*view*/, int index,
+                                                                    const OutlineItemPtr &item)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
+    if (!folder)
+        return nullptr;
+    folder->ensureUpToDate();
+    return folder->childAtIndex(unsigned(index));
+}
+
+QString WayfoldOutlineViewDataSource::outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item)
+{
+    const KDRBookmarkPtr shown = itemOrRoot(item);
+    if (!shown)
+        return {};
+    if (auto *list = qobject_cast<WayfoldOutlineView *>(&view))
+        list->ensureToolTipPresentForItem(shown);
+    shown->ensureUpToDate();
+    return shown->title();
+}
+
+void WayfoldOutlineViewDataSource::outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell,
+                                                              const OutlineItemPtr &item)
+{
+    const qreal height = view.rowHeight();
+    if (item)
+        cell.image = bookmark(item)->imageForCellSize(QSizeF(height, height));
+    if (const auto *list = qobject_cast<WayfoldOutlineView *>(&view))
+        cell.font = list->currentListViewFont();
+}
+
+bool WayfoldOutlineViewDataSource::outlineViewShouldEdit(OutlineView & /*view*/, const OutlineItemPtr & /*item*/)
+{
+    return false;
+}
+
+void WayfoldOutlineViewDataSource::outlineViewSelectionDidChange(OutlineView & /*view*/) {}
+
+// --- Dragging out ---------------------------------------------------------------------------------------------------
+
+QMimeData *WayfoldOutlineViewDataSource::outlineViewWriteItems(OutlineView &view,
+                                                               const std::vector<OutlineItemPtr> &items)
+{
+    const auto *list = qobject_cast<WayfoldOutlineView *>(&view);
+    const QStringList types = commonTypes(items, list && list->allowIncomingDrops());
+    if (types.isEmpty())
+        return nullptr;
+    _dragSource = &view;
+    _dragItems.clear();
+    for (const OutlineItemPtr &item : items)
+        _dragItems.push_back(bookmark(item));
+    // The data may outlive this source, when the window closes during the drag.
+    return new ItemMimeData(types, [source = QPointer<WayfoldOutlineViewDataSource>(this)](const QString &type) {
+        return source ? source->pasteboardProvideDataForType(type) : QVariant();
+    });
+}
+
+void WayfoldOutlineViewDataSource::outlineViewDraggingEnded(OutlineView & /*view*/)
+{
+    _dragSource.clear();
+    _dragItems.clear();
+}
+
+QVariantList WayfoldOutlineViewDataSource::valuesOfDragItems(QVariant (*value)(const KDRBookmark &item)) const
+{
+    QVariantList values;
+    for (const KDRBookmarkPtr &item : _dragItems)
+        values.append(value(*item));
+    return values;
+}
+
+QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QString &type) const
+{
+    namespace Types = PasteboardTypes;
+    if (!_dragSource || _dragItems.empty())
+        return {};
+    const KDRBookmark &first = *_dragItems.front();
+    if (type == Types::NSStringPboardType)
+        return first.valueAsString();
+    if (type == Types::NSURLPboardType)
+        return urlOf(first).absoluteString();
+    if (type == Types::WebURLsWithTitles)
+        return urlWithTitle(first);
+    if (type == Types::KDRBookmark)
+        return first.uuid();
+    if (type == Types::NSFilenamesPboardType)
+        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(urlOf(item).path()); });
+    if (type == Types::BookmarkDictionaryList)
+        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(item.createDictionary(false)); });
+    if (type == Types::KDRBookmarkList || type == Types::ABPeopleUIDs || type == Types::ABGroupsUIDs)
+        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(item.uuid()); });
+    return {};
+}
+
+// --- Dropping -------------------------------------------------------------------------------------------------------
+
+Qt::DropAction WayfoldOutlineViewDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/,
+                                                                     bool /*isLocal*/, OutlineDropTarget & /*target*/)
+{
+    return Qt::IgnoreAction;
+}
+
+bool WayfoldOutlineViewDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, const QMimeData & /*data*/,
+                                                         const OutlineDropTarget & /*target*/)
+{
+    return false;
+}
+
+// --- Opening --------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewDataSource::openItem(const KDRBookmarkPtr &item)
+{
+    switch (item->type()) {
+    case KDRBookmark::FolderType:
+    case KDRBookmark::GroupType:
+        if (myOutlineView()->isItemExpanded(item))
+            myOutlineView()->collapseItem(item);
+        else
+            myOutlineView()->expandItem(item);
+        break;
+    case KDRBookmark::WebLinkType:
+    case KDRBookmark::HistoryEntryType:
+        openInCurrentTab(urlOf(*item));
+        break;
+    case KDRBookmark::FileLinkType:
+    case KDRBookmark::EmailLinkType:
+        Workspace::openURL(urlOf(*item));
+        break;
+    case KDRBookmark::NoteType:
+        NoteViewer::showNote(std::static_pointer_cast<WayfoldBookmarkNote>(item));
+        break;
+    default:
+        break;
+    }
+}
+
+void WayfoldOutlineViewDataSource::handleResolveBookmarkRequest(QObject * /*sender*/)
+{
+    if (!anyItemSelected())
+        return;
+    const std::shared_ptr<const void> keeper = keptAlive();
+    for (const KDRBookmarkPtr &item : myOutlineView()->selectedItemList())
+        openItem(item);
+}
+
+void WayfoldOutlineViewDataSource::handleOpenBookmarksInTabsRequest(QObject * /*sender*/)
+{
+    if (!anyItemSelected())
+        return;
+    const SiteDrawer *drawer = KDRDrawerBundle::sharedInstance().frontDrawer();
+    const std::shared_ptr<HostWindow> window = drawer ? drawer->parentWindow() : nullptr;
+    if (!window)
+        return;
+    for (const KDRBookmarkPtr &item : myOutlineView()->selectedItemList()) {
+        if (item->type() != KDRBookmark::WebLinkType && item->type() != KDRBookmark::HistoryEntryType)
+            continue;
+        if (showsPage(*window))
+            window->openURLInNewTab(urlOf(*item));
+        else
+            window->windowShouldGoToURL(urlOf(*item));
+    }
+}

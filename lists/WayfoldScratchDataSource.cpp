@@ -1,0 +1,390 @@
+#include "lists/WayfoldScratchDataSource.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "core/Notifications.h"
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "lists/DroppedData.h"
+#include "lists/PageTitle.h"
+#include "lists/ScratchpadDrawer.h"
+#include "lists/ScratchpadDrop.h"
+#include "lists/WayfoldScratchOutlineView.h"
+#include "lists/WayfoldSitePopupButton.h"
+#include "model/WayfoldAutoFolder.h"
+#include "model/WayfoldBookmarkURL.h"
+#include "platform/host/HostFrame.h"
+#include "platform/host/HostWebView.h"
+#include "platform/host/HostWindow.h"
+#include "platform/widgets/Alert.h"
+#include "platform/widgets/Image.h"
+
+#include <QAbstractButton>
+
+namespace
+{
+constexpr int buttonImageSize = 16;
+
+QString localized(const char *key)
+{
+    return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+void setImage(QAbstractButton *button, const char *name)
+{
+    const std::shared_ptr<Image> image =
+        WayfoldToolkit::loadImageNamedScaledTo(QString::fromLatin1(name), QSizeF(buttonImageSize, buttonImageSize));
+    if (!button || !image)
+        return;
+    button->setIcon(image->icon());
+    button->setIconSize(QSize(buttonImageSize, buttonImageSize));
+}
+
+void setToolTip(QAbstractButton *button, const char *key)
+{
+    if (!button)
+        return;
+    button->setToolTip(localized(key));
+    button->setAccessibleName(localized(key));
+}
+
+void setEnabled(QAbstractButton *button, bool enabled)
+{
+    if (button)
+        button->setEnabled(enabled);
+}
+
+QString deleteQuestion(const std::vector<KDRBookmarkPtr> &items)
+{
+    if (items.size() == 1)
+        return localized("Are you sure you want to delete \"%@\"?").replace(QStringLiteral("%@"), items[0]->title());
+    return localized("Are you sure you want to delete these %u items ?")
+        .replace(QStringLiteral("%u"), QString::number(items.size()));
+}
+
+QString pageTitleOfFrame(const HostFrame &frame)
+{
+    const std::shared_ptr<HostWebView> view = frame.webView();
+    const std::shared_ptr<HostWindow> window = view ? view->hostWindow() : nullptr;
+    return window ? window->title() : QString();
+}
+} // namespace
+
+WayfoldScratchDataSource::WayfoldScratchDataSource(const Outlets &outlets)
+    : _scratchOutlineView(outlets.scratchOutlineView)
+    , _drawer(outlets.drawer)
+    , _newSubfolderButton(outlets.newSubfolderButton)
+    , _newNoteButton(outlets.newNoteButton)
+    , _newEmailButton(outlets.newEmailButton)
+    , _deleteItemButton(outlets.deleteItemButton)
+    , _editItemButton(outlets.editItemButton)
+    , _switchbackButton(outlets.switchbackButton)
+{}
+
+WayfoldScratchDataSource::~WayfoldScratchDataSource()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    if (_scratchOutlineView)
+        _scratchOutlineView->setOutlineDataSource(nullptr);
+    releaseRoot();
+}
+
+void WayfoldScratchDataSource::awakeFromNib()
+{
+    _prevLabel = QString();
+    _scratchBookmarkRoot.reset();
+    if (_scratchOutlineView) {
+        _scratchOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_scratchOutlineView); };
+        _scratchOutlineView->setAcceptDrops(true);
+    }
+    setDrawerLabelUsingFrame(QStringLiteral(""), nullptr);
+    decorateButtons();
+    observeOutsideChanges();
+    if (_scratchOutlineView)
+        outlineViewSelectionDidChange(*_scratchOutlineView);
+}
+
+void WayfoldScratchDataSource::decorateButtons()
+{
+    setImage(_newSubfolderButton, "WayfoldButtonNewFolder");
+    setImage(_newNoteButton, "WayfoldBookmarkImageNote");
+    setImage(_newEmailButton, "WayfoldBookmarkImageMail");
+    setImage(_deleteItemButton, "WayfoldButtonDelete");
+    setImage(_editItemButton, "WayfoldButtonEdit");
+    setImage(_switchbackButton, "WayfoldButtonSwitchback");
+    setToolTip(_newSubfolderButton, "New Subfolder");
+    setToolTip(_newNoteButton, "New Note");
+    setToolTip(_newEmailButton, "New Email Link");
+    setToolTip(_deleteItemButton, "Delete Item");
+    setToolTip(_editItemButton, "Edit Item");
+    setToolTip(_switchbackButton, "Show Previous Site List");
+}
+
+void WayfoldScratchDataSource::observeOutsideChanges()
+{
+    for (const QString &name :
+         {Notifications::SafariBookmarkFileModNotification, Notifications::SafariHistoryFileModNotification,
+          QStringLiteral("kABDatabaseChangedNotification"),
+          QStringLiteral("kABDatabaseChangedExternallyNotification")}) {
+        NotificationCenter::defaultCenter().addObserver(
+            this, [this](const Notification &notification) { safariFileUpdated(notification); }, name);
+    }
+}
+
+WayfoldOutlineView *WayfoldScratchDataSource::myOutlineView() const
+{
+    return _scratchOutlineView;
+}
+
+// --- Site list ------------------------------------------------------------------------------------------------------
+
+QString WayfoldScratchDataSource::currentDrawerLabel() const
+{
+    return _scratchOutlineView ? _scratchOutlineView->currentSitePopupTitle() : QString();
+}
+
+std::shared_ptr<HostFrame> WayfoldScratchDataSource::currentWebFrame() const
+{
+    const SiteDrawerController *controller = _drawer ? _drawer->controller() : nullptr;
+    return controller ? controller->currentWebFrame() : nullptr;
+}
+
+WayfoldBookmarkFolderPtr WayfoldScratchDataSource::rootForLabel(const QString &label)
+{
+    KDRDrawerBundle &store = KDRDrawerBundle::sharedInstance();
+    if (label.isEmpty() || label == localized("Sites"))
+        return store.bookmarkRoot();
+    for (const KDRBookmarkPtr &child : store.bookmarkRoot()->children()) {
+        if (child->isFolder() && child->title() == label)
+            return WayfoldBookmarkFolder::fromItem(child);
+    }
+    return store.newProvisionalBookmarkWithTitle(label);
+}
+
+// The store lets go of a provisional folder only when nobody else holds it, so this has to let go first.
+void WayfoldScratchDataSource::releaseRoot()
+{
+    const KDRBookmark *root = _scratchBookmarkRoot.get();
+    _scratchBookmarkRoot.reset();
+    KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(root);
+}
+
+void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, const std::shared_ptr<HostFrame> &frame)
+{
+    const QString newLabel = label; // the caller's may be the previous label, which changes here
+    const bool hadRoot = _scratchBookmarkRoot != nullptr;
+    const QString oldLabel = hadRoot ? _scratchBookmarkRoot->title() : QString();
+    if (_drawer && _drawer->controller())
+        _drawer->controller()->setCurrentWebFrame(frame);
+    if (newLabel.isNull() || (!oldLabel.isNull() && newLabel == oldLabel))
+        return;
+
+    saveScratchBookmarkRoot();
+    if (_scratchOutlineView)
+        _scratchOutlineView->prepForReloadData();
+    releaseRoot();
+    _scratchBookmarkRoot = rootForLabel(newLabel);
+    if (_scratchOutlineView) {
+        _scratchOutlineView->reloadData();
+        _scratchOutlineView->setSitePopupTitle(newLabel);
+    }
+    if (!oldLabel.isEmpty()) {
+        _prevLabel = oldLabel;
+        setEnabled(_switchbackButton, true);
+    }
+}
+
+void WayfoldScratchDataSource::handleSiteChange(WayfoldSitePopupButton *sender)
+{
+    if (!sender->title().isNull())
+        setDrawerLabelUsingFrame(sender->title(), currentWebFrame());
+}
+
+void WayfoldScratchDataSource::handleSwitchbackRequest(QObject * /*sender*/)
+{
+    if (_prevLabel.isEmpty())
+        return;
+    setDrawerLabelUsingFrame(_prevLabel, currentWebFrame());
+    if (_drawer)
+        _drawer->open();
+}
+
+void WayfoldScratchDataSource::saveScratchBookmarkRoot()
+{
+    if (!_scratchBookmarkRoot)
+        return;
+    KDRDrawerBundle &store = KDRDrawerBundle::sharedInstance();
+    if (store.isProvisionalBookmark(_scratchBookmarkRoot.get()) && _scratchBookmarkRoot->persistentChildCount() != 0)
+        store.adoptProvisionalBookmark(_scratchBookmarkRoot);
+    store.saveBookmarkFile();
+}
+
+// --- Items ----------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSource::handleSaveCurrentURLRequest(QObject * /*sender*/)
+{
+    const std::shared_ptr<HostFrame> frame = currentWebFrame();
+    const HostDataSource *page = frame ? frame->dataSource() : nullptr;
+    if (!page || page->requestUrl.absoluteString().isEmpty() || !_scratchBookmarkRoot)
+        return;
+    const Url url = page->requestUrl;
+    QString title = pageTitleOfFrame(*frame);
+    if (title.isEmpty())
+        title = PageTitle::forURL(url);
+    const KDRBookmarkPtr link = WayfoldBookmarkURL::bookmarkWithTitleAndURL(title, url);
+    _scratchBookmarkRoot->addChild(link);
+    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
+    if (_scratchOutlineView)
+        _scratchOutlineView->selectIndividualItem(link);
+    if (_drawer)
+        _drawer->open();
+    saveScratchBookmarkRoot();
+}
+
+void WayfoldScratchDataSource::handleNewSubFolderRequest(QObject *sender)
+{
+    if (canTakeNewItem())
+        _drawer->handleNewSubFolderRequest(sender);
+}
+
+void WayfoldScratchDataSource::handleNewNoteRequest(QObject *sender)
+{
+    if (canTakeNewItem())
+        _drawer->handleNewNoteRequest(sender);
+}
+
+void WayfoldScratchDataSource::handleNewEmailRequest(QObject *sender)
+{
+    if (canTakeNewItem())
+        _drawer->handleNewEmailRequest(sender);
+}
+
+bool WayfoldScratchDataSource::canTakeNewItem() const
+{
+    return _drawer && _drawer->state() == Drawer::Open;
+}
+
+bool WayfoldScratchDataSource::confirmDelete(const std::vector<KDRBookmarkPtr> &items)
+{
+    if (!WayfoldDefaults::sharedInstance().confirmItemDelete())
+        return true;
+    Alert alert;
+    alert.messageText = localized("Confirm");
+    alert.informativeText = deleteQuestion(items);
+    alert.defaultButton = localized("OK");
+    alert.alternateButton = localized("Cancel");
+    alert.style = Alert::NSCriticalAlertStyle;
+    return alert.runModal(_scratchOutlineView->window()) == Alert::NSAlertDefaultReturn;
+}
+
+void WayfoldScratchDataSource::handleDeleteItemRequest(QObject * /*sender*/)
+{
+    const std::shared_ptr<const void> keeper = keptAlive();
+    const std::vector<KDRBookmarkPtr> items =
+        _scratchOutlineView ? _scratchOutlineView->selectedItemList() : std::vector<KDRBookmarkPtr>();
+    if (items.empty() || !confirmDelete(items))
+        return;
+    deselectAllItems();
+    for (const KDRBookmarkPtr &item : items)
+        KDRDrawerBundle::sharedInstance().deleteBookmark(item);
+    saveScratchBookmarkRoot();
+}
+
+void WayfoldScratchDataSource::handleItemEditRequest(QObject * /*sender*/)
+{
+    const std::shared_ptr<const void> keeper = keptAlive();
+    if (!_scratchOutlineView || _scratchOutlineView->selectedItemCount() != 1)
+        return;
+    const KDRBookmarkPtr item = _scratchOutlineView->selectedItem();
+    const bool changed = item->editViaDialog();
+    if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item); folder && changed) {
+        for (const KDRBookmarkPtr &child : folder->children()) {
+            if (auto smartFolder = std::dynamic_pointer_cast<WayfoldAutoFolder>(child))
+                smartFolder->setFilterString(folder->title());
+        }
+    }
+    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
+}
+
+// --- Observing ------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSource::outlineViewSelectionDidChange(OutlineView & /*view*/)
+{
+    if (!_scratchOutlineView)
+        return;
+    const WayfoldScratchOutlineView &view = *_scratchOutlineView;
+    setEnabled(_deleteItemButton, view.allSelectedItemsAreDeletable());
+    setEnabled(_editItemButton, view.selectedItemCount() == 1 && view.allSelectedItemsAreEditable());
+    const bool canMakeItem = view.canMakeItem();
+    setEnabled(_newSubfolderButton, canMakeItem);
+    setEnabled(_newNoteButton, canMakeItem);
+    setEnabled(_newEmailButton, canMakeItem);
+}
+
+void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notification*/)
+{
+    if (!_scratchOutlineView || !_scratchBookmarkRoot)
+        return;
+    const std::vector<KDRBookmarkPtr> selected = _scratchOutlineView->selectedItemList();
+    const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();
+    for (const KDRBookmarkPtr &child : children)
+        child->refresh();
+    _scratchOutlineView->reloadData();
+    for (const KDRBookmarkPtr &item : selected)
+        _scratchOutlineView->selectItem(_scratchBookmarkRoot->findByUUID(item->uuid()));
+}
+
+// --- Dropping -------------------------------------------------------------------------------------------------------
+
+Qt::DropAction WayfoldScratchDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData &data,
+                                                                 bool isLocal, OutlineDropTarget &target)
+{
+    if (!_scratchBookmarkRoot || !DroppedData(data).offersAnyOf(acceptableDragTypes()))
+        return Qt::IgnoreAction;
+    const Qt::DropAction operation = isLocal ? Qt::MoveAction : Qt::CopyAction;
+    const auto proposed = std::static_pointer_cast<KDRBookmark>(target.item);
+    if (!proposed) {
+        if (target.childIndex < 0 && _scratchBookmarkRoot->childCount() > 0)
+            target.childIndex = int(_scratchBookmarkRoot->childCount());
+        return operation;
+    }
+    if (!proposed->acceptsDroppedItems())
+        return Qt::IgnoreAction;
+    if (proposed->isFolder())
+        return operation;
+    const WayfoldBookmarkFolderPtr parent = proposed->parent();
+    if (!parent || !parent->acceptsDroppedItems())
+        return Qt::IgnoreAction;
+    if (parent == _scratchBookmarkRoot)
+        target.item.reset();
+    else
+        target = {parent, proposed->childIsAtIndex()};
+    return operation;
+}
+
+bool WayfoldScratchDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, const QMimeData &data,
+                                                     const OutlineDropTarget &target)
+{
+    const auto folder =
+        target.item ? std::dynamic_pointer_cast<WayfoldBookmarkFolder>(target.item) : _scratchBookmarkRoot;
+    if (!folder || !folder->acceptsDroppedItems() || !_scratchOutlineView)
+        return false;
+    const int index = target.childIndex >= 0 ? target.childIndex : target.item ? 0 : int(folder->childCount());
+    ScratchpadDrop drop(_scratchBookmarkRoot, folder, index);
+    if (!drop.accept(DroppedData(data)))
+        return false;
+
+    const WayfoldBookmarkFolderPtr oldParent = drop.oldParent();
+    if (oldParent)
+        _scratchOutlineView->reloadItem(oldParent == _scratchBookmarkRoot ? nullptr : oldParent, true);
+    if (oldParent != folder)
+        _scratchOutlineView->reloadItem(target.item, true);
+    const std::shared_ptr<HostWindow> window = _drawer ? _drawer->parentWindow() : nullptr;
+    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(window.get());
+    if (!drop.droppedItems().empty()) {
+        deselectAllItems();
+        for (const KDRBookmarkPtr &item : drop.droppedItems())
+            _scratchOutlineView->selectItem(item);
+        saveScratchBookmarkRoot();
+    }
+    return true;
+}

@@ -1,0 +1,333 @@
+#include "lists/WayfoldScratchOutlineView.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "lists/PasteboardTypes.h"
+#include "lists/WayfoldOutlineViewDelegate.h"
+#include "lists/WayfoldSitePopupButton.h"
+#include "model/WayfoldBookmarkEmail.h"
+#include "model/WayfoldBookmarkNote.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/base/StringRules.h"
+#include "platform/base/Url.h"
+#include "platform/widgets/Workspace.h"
+
+#include <QHash>
+#include <QKeyEvent>
+
+namespace
+{
+using Command = void (WayfoldScratchOutlineView::*)(QObject *sender);
+
+const QHash<QString, Command> &commands()
+{
+    static const QHash<QString, Command> table = {
+        {QStringLiteral("handleItemEditRequest:"), &WayfoldScratchOutlineView::handleItemEditRequest},
+        {QStringLiteral("handleDeleteItemRequest:"), &WayfoldScratchOutlineView::handleDeleteItemRequest},
+        {QStringLiteral("handleNewSubFolderRequest:"), &WayfoldScratchOutlineView::handleNewSubFolderRequest},
+        {QStringLiteral("handleNewNoteRequest:"), &WayfoldScratchOutlineView::handleNewNoteRequest},
+        {QStringLiteral("handleNewEmailRequest:"), &WayfoldScratchOutlineView::handleNewEmailRequest},
+        {QStringLiteral("handleSendEmailRequest:"), &WayfoldScratchOutlineView::handleSendEmailRequest},
+    };
+    return table;
+}
+
+QString localized(const char *key)
+{
+    return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+QStringList folderTitles(const WayfoldBookmarkFolder &root)
+{
+    QStringList titles;
+    for (const KDRBookmarkPtr &child : root.children()) {
+        if (child->isFolder())
+            titles.append(child->title());
+    }
+    return titles;
+}
+
+void replaceFirstPlaceholder(QString &text, const QString &value)
+{
+    const qsizetype at = text.indexOf(QLatin1String("%@"));
+    if (at >= 0)
+        text.replace(at, 2, value);
+}
+
+// A site folder that is only shown becomes part of the tree with what is put into it, whichever site is shown by then.
+void adoptSiteFolderOf(const KDRBookmarkPtr &item)
+{
+    for (KDRBookmarkPtr folder = item; folder; folder = folder->parent())
+        KDRDrawerBundle::sharedInstance().adoptProvisionalBookmark(folder);
+}
+
+// The recipients of one mail, each address once in all.
+struct Mail
+{
+    QStringList to;
+    QStringList cc;
+    QStringList bcc;
+    QString subject;
+
+    void add(QStringList Mail::*list, const QStringList &addresses)
+    {
+        for (const QString &address : addresses) {
+            if (address.isEmpty() || _taken.contains(address))
+                continue;
+            _taken.append(address);
+            (this->*list).append(address);
+        }
+    }
+
+    bool isEmpty() const { return _taken.isEmpty(); }
+
+private:
+    QStringList _taken;
+};
+
+void addRecipients(const WayfoldBookmarkEmail &link, Mail &mail)
+{
+    QStringList to;
+    QStringList cc;
+    QStringList bcc;
+    QString subject;
+    link.parseMailToLinkIntoToListCCListBCCListSubject(to, cc, bcc, subject);
+    mail.add(&Mail::to, to);
+    mail.add(&Mail::cc, cc);
+    mail.add(&Mail::bcc, bcc);
+    if (mail.subject.isEmpty())
+        mail.subject = subject;
+}
+
+QString mailText(const Mail &mail)
+{
+    const QChar comma(u',');
+    QString text = QStringLiteral("mailto:") + mail.to.join(comma);
+    QChar separator(u'?');
+    const auto append = [&text, &separator](const QString &name, const QString &value) {
+        if (value.isEmpty())
+            return;
+        text += separator + name + QLatin1Char('=') + value;
+        separator = QChar(u'&');
+    };
+    append(QStringLiteral("cc"), mail.cc.join(comma));
+    append(QStringLiteral("bcc"), mail.bcc.join(comma));
+    append(QStringLiteral("subject"), mail.subject);
+    return text;
+}
+} // namespace
+
+WayfoldScratchOutlineView::~WayfoldScratchOutlineView() = default;
+
+void WayfoldScratchOutlineView::setSitePopupMenu(WayfoldSitePopupButton *popup)
+{
+    _sitePopupMenu = popup;
+}
+
+void WayfoldScratchOutlineView::awakeFromNib()
+{
+    initialize();
+    if (!_sitePopupMenu)
+        return;
+    _sitePopupMenu->registerForDraggedTypes(PasteboardTypes::acceptableDragTypes());
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification & /*notification*/) { refreshSitePopup(); },
+        PlatformNotifications::NSPopUpButtonWillPopUpNotification, _sitePopupMenu);
+}
+
+// --- Site pop-up ----------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineView::refreshSitePopup()
+{
+    if (!_sitePopupMenu)
+        return;
+    const QString first = _sitePopupMenu->itemText(0);
+    const QString selected = _sitePopupMenu->title().isEmpty() ? first : _sitePopupMenu->title();
+    const KDRDrawerBundle &store = KDRDrawerBundle::sharedInstance();
+    _sitePopupMenu->setEntries(QStringList(first) + folderTitles(*store.bookmarkRoot()) +
+                                   folderTitles(*store.provisionalBookmarkRoot()),
+                               selected);
+}
+
+void WayfoldScratchOutlineView::setSitePopupTitle(const QString &label)
+{
+    if (_sitePopupMenu)
+        _sitePopupMenu->setTitle(label.isEmpty() ? localized("Sites") : label);
+}
+
+QString WayfoldScratchOutlineView::currentSitePopupTitle() const
+{
+    return _sitePopupMenu ? _sitePopupMenu->title() : QString();
+}
+
+// --- Commands -------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineView::handleItemEditRequest(QObject *sender)
+{
+    if (delegate())
+        delegate()->handleItemEditRequest(sender);
+}
+
+void WayfoldScratchOutlineView::handleDeleteItemRequest(QObject *sender)
+{
+    if (delegate())
+        delegate()->handleDeleteItemRequest(sender);
+}
+
+void WayfoldScratchOutlineView::handleNewSubFolderRequest(QObject * /*sender*/)
+{
+    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkFolder::newViaDialog(); });
+}
+
+void WayfoldScratchOutlineView::handleNewNoteRequest(QObject * /*sender*/)
+{
+    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkNote::newViaDialog(); });
+}
+
+void WayfoldScratchOutlineView::handleNewEmailRequest(QObject * /*sender*/)
+{
+    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkEmail::newViaDialog(); });
+}
+
+WayfoldScratchOutlineView::InsertionPoint WayfoldScratchOutlineView::insertionPoint() const
+{
+    const KDRBookmarkPtr selected = selectedItem();
+    if (!selected) {
+        const WayfoldBookmarkFolderPtr root = delegate()->localRootFolder();
+        return {root, root ? int(root->childCount()) : 0};
+    }
+    if (selected->isFolder() && selected->canBePersistent() && isItemExpanded(selected) &&
+        selected->acceptsDroppedItems())
+        return {WayfoldBookmarkFolder::fromItem(selected), 0};
+    return {selected->parent(), selected->childIsAtIndex() + 1};
+}
+
+void WayfoldScratchOutlineView::createItem(NewItemMaker newViaDialog)
+{
+    if (!delegate())
+        return;
+    const std::shared_ptr<const void> keeper = delegate()->keptAlive();
+    const InsertionPoint place = insertionPoint();
+    // What is put into a smart folder would not be saved.
+    if (!place.folder || !place.folder->canBePersistent())
+        return;
+    const bool inRoot = place.folder == delegate()->localRootFolder();
+    const KDRBookmarkPtr item = newViaDialog();
+    if (!item)
+        return;
+    if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item); folder && inRoot)
+        folder->addAutoFolders();
+    place.folder->addChildAtIndex(item, place.index);
+    adoptSiteFolderOf(item);
+    expandItem(place.folder);
+    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
+    selectIndividualItem(item);
+    delegate()->saveScratchBookmarkRoot();
+}
+
+Url WayfoldScratchOutlineView::mailURL() const
+{
+    Mail mail;
+    for (const KDRBookmarkPtr &item : selectedItemList()) {
+        if (item->type() == KDRBookmark::EmailLinkType)
+            addRecipients(static_cast<const WayfoldBookmarkEmail &>(*item), mail);
+    }
+    if (mail.isEmpty())
+        return {};
+    return Url::URLWithString(StringRules::addingPercentEscapes(StringRules::trimmed(mailText(mail))));
+}
+
+void WayfoldScratchOutlineView::handleSendEmailRequest(QObject * /*sender*/)
+{
+    const Url url = mailURL();
+    if (!url.isNull())
+        Workspace::openURL(url);
+}
+
+void WayfoldScratchOutlineView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (!isPlain || !selectedItem()) {
+        WayfoldOutlineView::keyPressEvent(event);
+        return;
+    }
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        event->accept();
+        handleItemEditRequest(this);
+        break;
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        event->accept();
+        handleDeleteItemRequest(this);
+        break;
+    default:
+        WayfoldOutlineView::keyPressEvent(event);
+    }
+}
+
+// --- Menu -----------------------------------------------------------------------------------------------------------
+
+bool WayfoldScratchOutlineView::respondsToAction(const QString &action) const
+{
+    return commands().contains(action) || WayfoldOutlineView::respondsToAction(action);
+}
+
+bool WayfoldScratchOutlineView::validateEditItem(QAction *item) const
+{
+    const bool enabled = selectedItemCount() == 1 && allSelectedItemsAreEditable();
+    const bool isPerson = enabled && selectedItem()->type() == KDRBookmark::PersonType;
+    item->setText(localized(isPerson ? "Edit Item in Address Book" : "Edit Item..."));
+    return enabled;
+}
+
+bool WayfoldScratchOutlineView::validateDeleteItem(QAction *item) const
+{
+    QString title = localized("Delete Item%@%@");
+    for (const char *part :
+         {selectedItemCount() >= 2 ? "s" : "", WayfoldDefaults::sharedInstance().confirmItemDelete() ? "..." : ""})
+        replaceFirstPlaceholder(title, QLatin1String(part));
+    item->setText(title);
+    return allSelectedItemsAreDeletable();
+}
+
+bool WayfoldScratchOutlineView::canMakeItem() const
+{
+    const int count = selectedItemCount();
+    if (count > 1)
+        return false;
+    if (count == 0) {
+        const WayfoldBookmarkFolderPtr root = delegate() ? delegate()->localRootFolder() : nullptr;
+        return root && root->canBePersistent();
+    }
+    const KDRBookmarkPtr item = selectedItem();
+    if (isItemExpanded(item) && item->canBePersistent())
+        return true;
+    const WayfoldBookmarkFolderPtr parent = item->parent();
+    return parent && parent->canBePersistent();
+}
+
+bool WayfoldScratchOutlineView::validateMenuItem(QAction *item)
+{
+    const QString action = MenuItem::action(item);
+    if (action == u"handleItemEditRequest:")
+        return validateEditItem(item);
+    if (action == u"handleDeleteItemRequest:")
+        return validateDeleteItem(item);
+    if (action == u"handleNewSubFolderRequest:" || action == u"handleNewNoteRequest:" ||
+        action == u"handleNewEmailRequest:")
+        return canMakeItem();
+    if (action == u"handleSendEmailRequest:")
+        return allSelectedItemsAreEmailable();
+    return WayfoldOutlineView::validateMenuItem(item);
+}
+
+void WayfoldScratchOutlineView::performMenuItem(QAction *item)
+{
+    if (const Command command = commands().value(MenuItem::action(item)))
+        (this->*command)(item);
+    else
+        WayfoldOutlineView::performMenuItem(item);
+}
