@@ -130,15 +130,6 @@ QMenu *submenuOfFirstItem(const QMenu *container)
     return container && !container->isEmpty() ? container->actions().constFirst()->menu() : nullptr;
 }
 
-void localizeTitles(const QMenu *menu)
-{
-    const QList<QAction *> items = menu ? menu->actions() : QList<QAction *>();
-    for (QAction *item : items) {
-        if (!item->isSeparator())
-            item->setText(WayfoldToolkit::localizedString(item->text()));
-    }
-}
-
 // Tags are numbered from 0; the first that is missing ends the list.
 void applyStoredShortcuts(const QMenu *menu)
 {
@@ -194,10 +185,8 @@ void KDRDrawerBundle::loadMenuAdditions()
     _contextualMenuRef = interface.outlet<QMenu>(QStringLiteral("contextualMenu"));
     _wayfoldMenu = submenuOfFirstItem(_mainMenuRef);
     _contextualMenu = submenuOfFirstItem(_contextualMenuRef);
-    localizeTitles(_contextualMenu);
     if (!_wayfoldMenu)
         return;
-    localizeTitles(_wayfoldMenu);
     applyStoredShortcuts(_wayfoldMenu);
     setTargetOfItems(_wayfoldMenu, this);
     MenuItem::validateOnShow(_wayfoldMenu);

@@ -1,0 +1,1060 @@
+#include "core/KDRDrawerBundle.h"
+
+#include "core/Notifications.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/files/PropertyList.h"
+#include "platform/host/CurrentHost.h"
+#include "tests/core/StoreInTemporaryHome.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMenu>
+#include <optional>
+
+namespace
+{
+const QString itemFile = QStringLiteral("Library/Wayfold/Bookmarks.plist");
+
+// An item file whose root holds a site folder with a note, and a note beside it.
+const QByteArray storedItems = R"(<plist version="1.0"><dict>
+    <key>WebBookmarkType</key><string>WebBookmarkTypeList</string>
+    <key>WebBookmarkUUID</key><string>ROOT</string>
+    <key>Title</key><string></string>
+    <key>Children</key><array>
+        <dict>
+            <key>WebBookmarkType</key><string>WebBookmarkTypeList</string>
+            <key>WebBookmarkUUID</key><string>SITE</string>
+            <key>Title</key><string>example.com</string>
+            <key>SearchString</key><string>example.com</string>
+            <key>Children</key><array>
+                <dict>
+                    <key>WebBookmarkType</key><string>WebBookmarkTypeNote</string>
+                    <key>WebBookmarkUUID</key><string>NOTE1</string>
+                    <key>URIDictionary</key><dict><key>title</key><string>Milk</string><key></key><string></string></dict>
+                    <key>Note</key><string>two bottles</string>
+                </dict>
+            </array>
+        </dict>
+        <dict>
+            <key>WebBookmarkType</key><string>WebBookmarkTypeNote</string>
+            <key>WebBookmarkUUID</key><string>NOTE2</string>
+            <key>URIDictionary</key><dict><key>title</key><string>Loose</string><key></key><string></string></dict>
+            <key>Note</key><string>beside</string>
+        </dict>
+    </array>
+</dict></plist>
+)";
+
+const QStringList smartFolders = {QStringLiteral("Related Bookmarks"), QStringLiteral("Related History")};
+
+const QStringList drawerRequests = {Notifications::DrawerShouldOpenForLocationChange,
+                                    Notifications::DrawerShouldCloseForLocationChange};
+} // namespace
+
+class KDRDrawerBundleTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { _fresh.emplace(); }
+    void cleanup() { _fresh.reset(); }
+
+    // Start-up
+    void thereIsOneInstance();
+    void firstStartMakesTheDataDirectory();
+    void fileInPlaceOfTheDataDirectory();
+    void dataDirectoryThatCannotBeMade();
+    void startReadsTheItemFile();
+    void smartFoldersAreNotAddedWhenSwitchedOff();
+    void missingItemFileGivesAnEmptyTree();
+    void unreadableItemFileGivesAnEmptyTree();
+    void directoryInPlaceOfTheItemFile();
+    void hooksAreInstalledOnce();
+    void hostWithoutClassesIsNoError();
+    void startsWithoutHost();
+    void timerAsksForChecks();
+    void releasedStoreObservesNothing();
+
+    // The item file
+    void saveWritesTheTree();
+    void saveLeavesSmartFoldersOut();
+    void saveThatFailsAnswersFalse();
+
+    // Provisional items
+    void newProvisionalFolder();
+    void newProvisionalFolderIsFoundAgain();
+    void releaseLetsUnheldFolderGo();
+    void releaseKeepsFolderHeldElsewhere();
+    void releaseOfOtherItemsDoesNothing();
+    void adoptMovesTheFolder();
+    void adoptOfOtherItemsDoesNothing();
+
+    // Other operations on the trees
+    void deleteLeaf();
+    void deleteTopLevelFolderMakesItProvisional();
+    void deleteTopLevelLeafIsGone();
+    void deleteNestedFolderIsGone();
+    void deleteProvisionalFolder();
+    void deleteReloadsAllDrawers();
+    void deleteOfNoneOrParentlessItem();
+    void knownSite_data();
+    void knownSite();
+    void smartFoldersOfTheTopLevel();
+    void updateAllDrawersExceptOne();
+
+    // Windows and drawers
+    void trackedWindows();
+    void windowThatVanishedIsForgotten();
+    void drawerOfWindow();
+    void drawerIsKnownByItsExactClass();
+    void frontDrawer();
+    void openDrawer_data();
+    void openDrawer();
+    void closeDrawer_data();
+    void closeDrawer();
+    void windowThatBecomesKey_data();
+    void windowThatBecomesKey();
+    void windowGetsOneDrawer();
+    void enlargedWindowGetsItsDrawerLater();
+    void keyNotificationWithoutWindow();
+    void newWindowOpensItsDrawerWhenSet_data();
+    void newWindowOpensItsDrawerWhenSet();
+    void windowWithoutDrawerRoom();
+
+    // Page loads
+    void subFrameChangesNothing();
+    void backgroundTabChangesNothing();
+    void frameWithoutViewOrWindowChangesNothing();
+    void windowWithoutDrawerChangesNothing();
+    void frameIsKept();
+    void autoFocusRelabels();
+    void labelStaysWithoutAutoFocus();
+    void pageWithoutHostIsNoSite();
+    void nullKeyEqualsNullLabelOnly();
+    void reloadOfTheSamePagePostsNothing();
+    void otherPageOfUnknownSiteClosesAgain();
+    void decision_data();
+    void decision();
+    void provisionalSiteIsKnownWhenItHoldsSomething();
+    void requestsAreCoalesced();
+
+private:
+    KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
+
+    std::optional<StoreInTemporaryHome> _fresh;
+};
+
+// ---- Start-up
+
+void KDRDrawerBundleTest::thereIsOneInstance()
+{
+    KDRDrawerBundle::load();
+    QCOMPARE(_fresh->host.menuBar.menus.size(), 1);
+    KDRDrawerBundle *first = &KDRDrawerBundle::sharedInstance();
+    KDRDrawerBundle::load();
+    QCOMPARE(&KDRDrawerBundle::sharedInstance(), first);
+    QCOMPARE(_fresh->host.menuBar.menus.size(), 1);
+}
+
+void KDRDrawerBundleTest::firstStartMakesTheDataDirectory()
+{
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(QStringLiteral("Library"))));
+    QCOMPARE(store().bookmarkFilePath(), _fresh->home.path(itemFile));
+    QVERIFY(QFileInfo(_fresh->home.path(QStringLiteral("Library/Wayfold"))).isDir());
+    QCOMPARE(KDRDrawerBundle::dataDir(), _fresh->home.path(QStringLiteral("Library/Wayfold")));
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QVERIFY(store().bookmarkRoot()->title().isNull());
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile))); // starting saves nothing
+}
+
+void KDRDrawerBundleTest::fileInPlaceOfTheDataDirectory()
+{
+    _fresh->home.write(QStringLiteral("Library/Wayfold"), "in the way");
+    const QString oldDirectory = QDir::currentPath();
+    QDir::setCurrent(_fresh->home.path());
+    QVERIFY(KDRDrawerBundle::dataDir().isNull());
+    QCOMPARE(store().bookmarkFilePath(), QStringLiteral("Bookmarks.plist"));
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(QFileInfo::exists(_fresh->home.path(QStringLiteral("Bookmarks.plist"))));
+    QDir::setCurrent(oldDirectory);
+}
+
+void KDRDrawerBundleTest::dataDirectoryThatCannotBeMade()
+{
+    _fresh->home.write(QStringLiteral("Library"), "in the way");
+    QVERIFY(KDRDrawerBundle::dataDir().isNull());
+    QCOMPARE(store().bookmarkFilePath(), QStringLiteral("Bookmarks.plist"));
+}
+
+void KDRDrawerBundleTest::startReadsTheItemFile()
+{
+    _fresh->home.write(itemFile, storedItems);
+    const WayfoldBookmarkFolderPtr root = store().bookmarkRoot();
+    QCOMPARE(StoreInTemporaryHome::titles(root), (QStringList{"example.com", "Loose"}));
+    QCOMPARE(root->uuid(), QStringLiteral("ROOT"));
+    // Every folder at the top gets its smart folders.
+    const auto site = WayfoldBookmarkFolder::fromItem(root->childAtIndex(0));
+    QCOMPARE(StoreInTemporaryHome::titles(site), QStringList{"Milk"} + smartFolders);
+    QVERIFY(store().loadBookmarkFile());
+    QVERIFY(store().bookmarkRoot() != root);
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), (QStringList{"example.com", "Loose"}));
+}
+
+void KDRDrawerBundleTest::smartFoldersAreNotAddedWhenSwitchedOff()
+{
+    _fresh->home.write(itemFile, storedItems);
+    _fresh->settings().setCreateAutoFolders(false);
+    const auto site = WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->childAtIndex(0));
+    QCOMPARE(StoreInTemporaryHome::titles(site), QStringList{"Milk"});
+}
+
+void KDRDrawerBundleTest::missingItemFileGivesAnEmptyTree()
+{
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    QVERIFY(!store().loadBookmarkFile());
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::unreadableItemFileGivesAnEmptyTree()
+{
+    _fresh->home.write(itemFile, "<plist><dict><key>Children</key>");
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QVERIFY(!store().loadBookmarkFile());
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QCOMPARE(_fresh->home.read(itemFile), QByteArray("<plist><dict><key>Children</key>")); // untouched
+}
+
+void KDRDrawerBundleTest::directoryInPlaceOfTheItemFile()
+{
+    QVERIFY(QDir().mkpath(_fresh->home.path(itemFile)));
+    QVERIFY(store().bookmarkRoot());
+    QVERIFY(!store().loadBookmarkFile());
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::hooksAreInstalledOnce()
+{
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    int checks = 0;
+    _fresh->controller().onFrameCheck = [&checks] { ++checks; };
+    _fresh->host.finishLoad(*view, view->frame);
+    QCOMPARE(checks, 1);
+    QCOMPARE(_fresh->host.baseFinishLoadCount, 1);
+    _fresh->host.draw(*view);
+    QCOMPARE(checks, 2);
+    QCOMPARE(_fresh->host.baseDrawCount, 1);
+}
+
+void KDRDrawerBundleTest::hostWithoutClassesIsNoError()
+{
+    _fresh->host.hostClasses = HostClasses();
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    int checks = 0;
+    _fresh->controller().onFrameCheck = [&checks] { ++checks; };
+    _fresh->host.finishLoad(*view, view->frame);
+    _fresh->host.draw(*view);
+    QCOMPARE(checks, 0);
+    QCOMPARE(_fresh->host.baseFinishLoadCount, 1);
+
+    // One class of the two is enough for its own hook.
+    KDRDrawerBundle::releaseSharedInstance();
+    _fresh->host.hostClasses.add(QStringLiteral("WebView"), &_fresh->host.webViewClass);
+    _fresh->room.controllers.clear();
+    window->becomeKey();
+    store();
+    window->becomeKey();
+    _fresh->controller().onFrameCheck = [&checks] { ++checks; };
+    _fresh->host.finishLoad(*view, view->frame);
+    QCOMPARE(checks, 0);
+    _fresh->host.draw(*view);
+    QCOMPARE(checks, 1);
+}
+
+void KDRDrawerBundleTest::startsWithoutHost()
+{
+    setCurrentHost(nullptr);
+    QVERIFY(store().bookmarkRoot());
+    QVERIFY(store().wayfoldMenu());
+    QVERIFY(!store().frontDrawer());
+    QVERIFY(!store().openKDRDrawer());
+    QVERIFY(!store().closeKDRDrawer());
+    setCurrentHost(&_fresh->host);
+}
+
+void KDRDrawerBundleTest::timerAsksForChecks()
+{
+    NotificationLog log({Notifications::TagSafariFilesNotification});
+    store();
+    QVERIFY(log.received.empty());
+    QTRY_VERIFY_WITH_TIMEOUT(log.received.size() >= 2, 20000);
+    QCOMPARE(log.received.front().object, static_cast<const void *>(&store()));
+}
+
+void KDRDrawerBundleTest::releasedStoreObservesNothing()
+{
+    store().tagSafariFilesNextEvent();
+    KDRDrawerBundle::releaseSharedInstance();
+    NotificationLog log({Notifications::TagSafariFilesNotification});
+    _fresh->host.openWindow()->becomeKey();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QVERIFY(_fresh->room.controllers.empty());
+}
+
+// ---- The item file
+
+void KDRDrawerBundleTest::saveWritesTheTree()
+{
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    QVERIFY(store().saveBookmarkFile());
+    const QVariantMap written = PropertyList::readDictionaryFile(_fresh->home.path(itemFile));
+    QCOMPARE(written, store().bookmarkRoot()->createDictionary(true));
+
+    _fresh->restart();
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), QStringList{"example.com"});
+    const auto again = WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->childAtIndex(0));
+    QCOMPARE(StoreInTemporaryHome::titles(again), QStringList{"Milk"} + smartFolders);
+}
+
+void KDRDrawerBundleTest::saveLeavesSmartFoldersOut()
+{
+    _fresh->home.write(itemFile, storedItems);
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(!_fresh->home.read(itemFile).contains("Related"));
+    QVERIFY(_fresh->home.read(itemFile).contains("two bottles"));
+}
+
+void KDRDrawerBundleTest::saveThatFailsAnswersFalse()
+{
+    QVERIFY(QDir().mkpath(_fresh->home.path(itemFile)));
+    QVERIFY(!store().saveBookmarkFile());
+    QVERIFY(QFileInfo(_fresh->home.path(itemFile)).isDir());
+}
+
+// ---- Provisional items
+
+void KDRDrawerBundleTest::newProvisionalFolder()
+{
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    QCOMPARE(folder->title(), QStringLiteral("example.com"));
+    QCOMPARE(StoreInTemporaryHome::titles(folder), smartFolders);
+    QCOMPARE(store().provisionalBookmarkRoot()->children(), std::vector<KDRBookmarkPtr>{folder});
+    QVERIFY(store().isProvisionalBookmark(folder.get()));
+    QVERIFY(!store().isProvisionalBookmark(folder->childAtIndex(0).get()));
+    QVERIFY(!store().isProvisionalBookmark(nullptr));
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+
+    _fresh->settings().setCreateAutoFolders(false);
+    QCOMPARE(store().newProvisionalBookmarkWithTitle(QStringLiteral("other.org"))->childCount(), 0U);
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
+}
+
+void KDRDrawerBundleTest::newProvisionalFolderIsFoundAgain()
+{
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    QCOMPARE(store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com")), folder);
+    QCOMPARE(folder->childCount(), 2U); // no second pair of smart folders
+    QVERIFY(store().newProvisionalBookmarkWithTitle(QStringLiteral("Example.com")) != folder);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 2U);
+}
+
+void KDRDrawerBundleTest::releaseLetsUnheldFolderGo()
+{
+    auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    const std::weak_ptr<WayfoldBookmarkFolder> watched = folder;
+    const KDRBookmark *item = folder.get();
+    folder.reset();
+    store().releaseProvisionalBookmark(item);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+    QVERIFY(watched.expired());
+    store().releaseProvisionalBookmark(item); // gone already
+}
+
+void KDRDrawerBundleTest::releaseKeepsFolderHeldElsewhere()
+{
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    store().releaseProvisionalBookmark(folder.get());
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 1U);
+}
+
+void KDRDrawerBundleTest::releaseOfOtherItemsDoesNothing()
+{
+    StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    store().newProvisionalBookmarkWithTitle(QStringLiteral("other.org"));
+    const auto provisional = store().provisionalBookmarkRoot()->childAtIndex(0);
+    store().releaseProvisionalBookmark(store().bookmarkRoot()->childAtIndex(0).get());
+    store().releaseProvisionalBookmark(
+        WayfoldBookmarkFolder::fromItem(provisional)->childAtIndex(0).get()); // a provisional item's child
+    store().releaseProvisionalBookmark(nullptr);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 1U);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 1U);
+}
+
+void KDRDrawerBundleTest::adoptMovesTheFolder()
+{
+    StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("first.org"));
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    store().adoptProvisionalBookmark(folder);
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), (QStringList{"first.org", "example.com"}));
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+    QCOMPARE(folder->parent(), store().bookmarkRoot());
+    QVERIFY(!store().isProvisionalBookmark(folder.get()));
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile))); // the caller saves
+
+    // With the provisional tree's own reference as the argument.
+    store().newProvisionalBookmarkWithTitle(QStringLiteral("third.org"));
+    store().adoptProvisionalBookmark(store().provisionalBookmarkRoot()->children().front());
+    QCOMPARE(store().bookmarkRoot()->lastChild()->title(), QStringLiteral("third.org"));
+}
+
+void KDRDrawerBundleTest::adoptOfOtherItemsDoesNothing()
+{
+    const auto saved = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    store().adoptProvisionalBookmark(saved);
+    store().adoptProvisionalBookmark(WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral("nowhere")));
+    store().adoptProvisionalBookmark(nullptr);
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), QStringList{"example.com"});
+}
+
+// ---- Other operations on the trees
+
+void KDRDrawerBundleTest::deleteLeaf()
+{
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    StoreInTemporaryHome::addNote(site, QStringLiteral("Bread"));
+    store().deleteBookmark(site->children().front());
+    QCOMPARE(StoreInTemporaryHome::titles(site), QStringList{"Bread"});
+    QVERIFY(_fresh->home.read(itemFile).contains("Bread"));
+    QVERIFY(!_fresh->home.read(itemFile).contains("Milk"));
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::deleteTopLevelFolderMakesItProvisional()
+{
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("other.org"));
+    const auto note = StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    store().deleteBookmark(site);
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), QStringList{"other.org"});
+    QCOMPARE(store().provisionalBookmarkRoot()->children(), std::vector<KDRBookmarkPtr>{site});
+    QVERIFY(store().isProvisionalBookmark(site.get()));
+    QVERIFY(!_fresh->home.read(itemFile).contains("example.com"));
+
+    // Known as long as there is something in it.
+    QVERIFY(store().isKnownSite(QStringLiteral("example.com")));
+    store().deleteBookmark(note);
+    QVERIFY(!store().isKnownSite(QStringLiteral("example.com")));
+}
+
+void KDRDrawerBundleTest::deleteTopLevelLeafIsGone()
+{
+    const auto note = StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    store().deleteBookmark(note);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::deleteNestedFolderIsGone()
+{
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    const auto nested = StoreInTemporaryHome::addFolder(site, QStringLiteral("nested"));
+    store().deleteBookmark(nested);
+    QCOMPARE(site->childCount(), 0U);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::deleteProvisionalFolder()
+{
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    store().deleteBookmark(folder);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::deleteReloadsAllDrawers()
+{
+    _fresh->openWindow();
+    _fresh->openWindow();
+    const auto note = StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    store().deleteBookmark(note);
+    QCOMPARE(_fresh->room.controllers.size(), size_t(2));
+    for (const auto &controller : _fresh->room.controllers)
+        QCOMPARE(controller->drawer.reloadCount, 1);
+}
+
+void KDRDrawerBundleTest::deleteOfNoneOrParentlessItem()
+{
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    store().deleteBookmark(nullptr);
+    store().deleteBookmark(WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral("nowhere")));
+    QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), QStringList{"Milk"});
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::knownSite_data()
+{
+    QTest::addColumn<QString>("siteKey");
+    QTest::addColumn<bool>("known");
+
+    QTest::newRow("saved folder") << "saved.org" << true;
+    QTest::newRow("saved note of that title") << "a note" << true;
+    QTest::newRow("provisional, smart folders only") << "empty.org" << false;
+    QTest::newRow("provisional, with a note") << "filled.org" << true;
+    QTest::newRow("below the top level") << "nested.org" << false;
+    QTest::newRow("other letter case") << "Saved.org" << false;
+    QTest::newRow("nowhere") << "unknown.org" << false;
+    QTest::newRow("empty") << "" << false;
+}
+
+void KDRDrawerBundleTest::knownSite()
+{
+    QFETCH(QString, siteKey);
+    QFETCH(bool, known);
+    const auto saved = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("saved.org"));
+    StoreInTemporaryHome::addFolder(saved, QStringLiteral("nested.org"));
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("a note"));
+    store().newProvisionalBookmarkWithTitle(QStringLiteral("empty.org"));
+    StoreInTemporaryHome::addNote(store().newProvisionalBookmarkWithTitle(QStringLiteral("filled.org")),
+                                  QStringLiteral("Milk"));
+    QCOMPARE(store().isKnownSite(siteKey), known);
+}
+
+void KDRDrawerBundleTest::smartFoldersOfTheTopLevel()
+{
+    _fresh->openWindow();
+    const auto saved = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("saved.org"));
+    const auto nested = StoreInTemporaryHome::addFolder(saved, QStringLiteral("nested"));
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    const auto provisional = store().newProvisionalBookmarkWithTitle(QStringLiteral("new.org"));
+
+    store().removeSmartFoldersFromTopLevel();
+    QCOMPARE(StoreInTemporaryHome::titles(saved), QStringList{"nested"});
+    QCOMPARE(provisional->childCount(), 0U);
+    QCOMPARE(_fresh->controller().drawer.reloadCount, 1);
+
+    store().addSmartFoldersToTopLevel();
+    QCOMPARE(StoreInTemporaryHome::titles(saved), QStringList{"nested"} + smartFolders);
+    QCOMPARE(StoreInTemporaryHome::titles(provisional), smartFolders);
+    QCOMPARE(nested->childCount(), 0U);
+    QCOMPARE(_fresh->controller().drawer.reloadCount, 2);
+
+    QVERIFY(_fresh->settings().createAutoFolders());
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
+}
+
+void KDRDrawerBundleTest::updateAllDrawersExceptOne()
+{
+    const auto first = _fresh->openWindow();
+    _fresh->openWindow();
+    FakeSiteDrawer otherKind(QStringLiteral("OtherDrawer"));
+    otherKind.setParentWindow(first);
+    FakeSiteDrawer second(QStringLiteral("KDRDrawer")); // a window's other drawers of the right class count too
+    second.setParentWindow(first);
+    const auto reloads = [this] {
+        return QList<int>{_fresh->room.controllers[0]->drawer.reloadCount,
+                          _fresh->room.controllers[1]->drawer.reloadCount};
+    };
+
+    store().updateAllDrawerContentsExceptFor(first.get());
+    QCOMPARE(reloads(), (QList<int>{0, 1}));
+    store().updateAllDrawerContentsExceptFor(nullptr);
+    QCOMPARE(reloads(), (QList<int>{1, 2}));
+    QCOMPARE(second.reloadCount, 1);
+    QCOMPARE(otherKind.reloadCount, 0);
+    store().untrackWindow(first);
+    store().updateAllDrawerContentsExceptFor(nullptr);
+    QCOMPARE(reloads(), (QList<int>{1, 3}));
+}
+
+// ---- Windows and drawers
+
+void KDRDrawerBundleTest::trackedWindows()
+{
+    const auto a = _fresh->host.openWindow();
+    const auto b = _fresh->host.openWindow();
+    QVERIFY(store().trackedWindows().empty());
+    store().trackWindow(b);
+    store().trackWindow(a);
+    auto windows = store().trackedWindows();
+    QCOMPARE(windows, (std::vector<std::shared_ptr<HostWindow>>{b, a}));
+    windows.clear(); // a copy
+    QVERIFY(store().isWindowTracked(a.get()));
+    QVERIFY(store().isWindowTracked(b.get()));
+    store().untrackWindow(b);
+    QVERIFY(!store().isWindowTracked(b.get()));
+    QCOMPARE(store().trackedWindows(), std::vector<std::shared_ptr<HostWindow>>{a});
+    QVERIFY(!store().isWindowTracked(nullptr));
+    store().trackWindow(nullptr);
+    QCOMPARE(store().trackedWindows().size(), size_t(1));
+}
+
+void KDRDrawerBundleTest::windowThatVanishedIsForgotten()
+{
+    auto window = _fresh->host.openWindow();
+    store().trackWindow(window);
+    _fresh->host.windows.clear();
+    _fresh->host.key.reset();
+    const HostWindow *address = window.get();
+    window.reset();
+    QVERIFY(!store().isWindowTracked(address));
+    QVERIFY(store().trackedWindows().empty());
+    QVERIFY(!store().drawerForWindow(address));
+    store().updateAllDrawerContentsExceptFor(nullptr);
+    QVERIFY(!store().isWindowTracked(nullptr));
+}
+
+void KDRDrawerBundleTest::drawerOfWindow()
+{
+    const auto window = _fresh->openWindow();
+    QCOMPARE(store().drawerForWindow(window.get()), &_fresh->controller().drawer);
+    QVERIFY(!store().drawerForWindow(nullptr));
+    store().untrackWindow(window);
+    QVERIFY(!store().drawerForWindow(window.get()));
+    store().trackWindow(window);
+    _fresh->controller().drawer.setParentWindow(nullptr);
+    QVERIFY(!store().drawerForWindow(window.get()));
+}
+
+void KDRDrawerBundleTest::drawerIsKnownByItsExactClass()
+{
+    const auto window = _fresh->host.openWindow();
+    store().trackWindow(window);
+    FakeSiteDrawer other(QStringLiteral("KDRDrawerOfAnother"));
+    other.setParentWindow(window);
+    QVERIFY(!store().drawerForWindow(window.get()));
+    FakeSiteDrawer first;
+    first.setParentWindow(window);
+    FakeSiteDrawer second;
+    second.setParentWindow(window);
+    QCOMPARE(store().drawerForWindow(window.get()), &first);
+}
+
+void KDRDrawerBundleTest::frontDrawer()
+{
+    QVERIFY(!store().frontDrawer());
+    const auto first = _fresh->openWindow();
+    _fresh->openWindow();
+    QCOMPARE(store().frontDrawer(), &_fresh->room.controllers[1]->drawer);
+    _fresh->host.key = first;
+    QCOMPARE(store().frontDrawer(), &_fresh->room.controllers[0]->drawer);
+    _fresh->host.key.reset();
+    QVERIFY(!store().frontDrawer());
+    _fresh->host.key = _fresh->host.openWindow(); // not tracked yet
+    QVERIFY(!store().frontDrawer());
+}
+
+namespace
+{
+void bringInto(Drawer &drawer, Drawer::State state)
+{
+    constexpr int foreverInMilliseconds = 1000000;
+    drawer.setSlideDuration(state == Drawer::Opening ? foreverInMilliseconds : 0);
+    if (state != Drawer::Closed)
+        drawer.open();
+    drawer.setSlideDuration(foreverInMilliseconds);
+    if (state == Drawer::Closing)
+        drawer.close();
+    QCOMPARE(drawer.state(), state);
+}
+} // namespace
+
+void KDRDrawerBundleTest::openDrawer_data()
+{
+    QTest::addColumn<Drawer::State>("before");
+    QTest::addColumn<Drawer::State>("after");
+    QTest::addColumn<bool>("result");
+
+    QTest::newRow("closed") << Drawer::Closed << Drawer::Opening << true;
+    QTest::newRow("opening") << Drawer::Opening << Drawer::Opening << false;
+    QTest::newRow("open") << Drawer::Open << Drawer::Open << false;
+    QTest::newRow("closing") << Drawer::Closing << Drawer::Opening << true;
+}
+
+void KDRDrawerBundleTest::openDrawer()
+{
+    QFETCH(Drawer::State, before);
+    QFETCH(Drawer::State, after);
+    QFETCH(bool, result);
+    _fresh->openWindow();
+    FakeDrawerController &controller = _fresh->controller();
+    bringInto(controller.drawer, before);
+    controller.openedManually = true;
+    QCOMPARE(store().openKDRDrawer(), result);
+    QCOMPARE(controller.drawer.state(), after);
+    QCOMPARE(controller.openedManually, !result);
+}
+
+void KDRDrawerBundleTest::closeDrawer_data()
+{
+    QTest::addColumn<Drawer::State>("before");
+    QTest::addColumn<Drawer::State>("after");
+    QTest::addColumn<bool>("result");
+
+    QTest::newRow("closed") << Drawer::Closed << Drawer::Closed << false;
+    QTest::newRow("opening") << Drawer::Opening << Drawer::Closing << true;
+    QTest::newRow("open") << Drawer::Open << Drawer::Closing << true;
+    QTest::newRow("closing") << Drawer::Closing << Drawer::Closing << false;
+}
+
+void KDRDrawerBundleTest::closeDrawer()
+{
+    QFETCH(Drawer::State, before);
+    QFETCH(Drawer::State, after);
+    QFETCH(bool, result);
+    _fresh->openWindow();
+    FakeDrawerController &controller = _fresh->controller();
+    bringInto(controller.drawer, before);
+    controller.openedManually = true;
+    QCOMPARE(store().closeKDRDrawer(), result);
+    QCOMPARE(controller.drawer.state(), after);
+    QCOMPARE(controller.openedManually, !result);
+}
+
+void KDRDrawerBundleTest::windowThatBecomesKey_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QSizeF>("size");
+    QTest::addColumn<bool>("getsDrawer");
+
+    const QString browser = QStringLiteral("BrowserWindow");
+    QTest::newRow("browser window") << browser << QSizeF(800, 600) << true;
+    QTest::newRow("exactly the least size") << browser << QSizeF(350, 200) << true;
+    QTest::newRow("too narrow") << browser << QSizeF(349.9, 600) << false;
+    QTest::newRow("too low") << browser << QSizeF(800, 199.9) << false;
+    QTest::newRow("a panel") << "Panel" << QSizeF(800, 600) << false;
+    QTest::newRow("a window of a derived class") << "BrowserWindowWithMore" << QSizeF(800, 600) << false;
+    QTest::newRow("other letter case") << "browserwindow" << QSizeF(800, 600) << false;
+}
+
+void KDRDrawerBundleTest::windowThatBecomesKey()
+{
+    QFETCH(QString, kind);
+    QFETCH(QSizeF, size);
+    QFETCH(bool, getsDrawer);
+    store();
+    const auto window = _fresh->host.openWindow(QRectF(QPointF(10, 10), size));
+    window->kind = kind;
+    QVERIFY(_fresh->room.controllers.empty());
+    window->becomeKey();
+    QCOMPARE(_fresh->room.controllers.size(), size_t(getsDrawer ? 1 : 0));
+    QCOMPARE(store().isWindowTracked(window.get()), getsDrawer);
+    if (getsDrawer)
+        QCOMPARE(_fresh->controller().drawer.parentWindow(), window);
+}
+
+void KDRDrawerBundleTest::windowGetsOneDrawer()
+{
+    const auto window = _fresh->openWindow();
+    window->becomeKey();
+    window->becomeKey();
+    QCOMPARE(_fresh->room.controllers.size(), size_t(1));
+}
+
+void KDRDrawerBundleTest::enlargedWindowGetsItsDrawerLater()
+{
+    const auto window = _fresh->openWindow(QRectF(0, 0, 200, 150));
+    QVERIFY(_fresh->room.controllers.empty());
+    window->windowFrame = QRectF(0, 0, 800, 600);
+    window->frameDidChange();
+    QVERIFY(_fresh->room.controllers.empty());
+    window->becomeKey();
+    QCOMPARE(_fresh->room.controllers.size(), size_t(1));
+}
+
+void KDRDrawerBundleTest::keyNotificationWithoutWindow()
+{
+    store();
+    NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSWindowDidBecomeKeyNotification,
+                                                             nullptr);
+    QVERIFY(_fresh->room.controllers.empty());
+}
+
+void KDRDrawerBundleTest::newWindowOpensItsDrawerWhenSet_data()
+{
+    QTest::addColumn<bool>("set");
+    QTest::newRow("set") << true;
+    QTest::newRow("not set") << false;
+}
+
+void KDRDrawerBundleTest::newWindowOpensItsDrawerWhenSet()
+{
+    QFETCH(bool, set);
+    _fresh->settings().setOpenDrawerOnNewWindow(set);
+    _fresh->openWindow();
+    QCOMPARE(_fresh->controller().drawer.state(), set ? Drawer::Open : Drawer::Closed);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+}
+
+void KDRDrawerBundleTest::windowWithoutDrawerRoom()
+{
+    SiteDrawerFactory::setMaker({});
+    _fresh->settings().setOpenDrawerOnNewWindow(true);
+    const auto window = _fresh->openWindow();
+    QVERIFY(!store().isWindowTracked(window.get()));
+}
+
+// ---- Page loads
+
+void KDRDrawerBundleTest::subFrameChangesNothing()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    const auto subFrame = FakeHostWebView::makeSubFrame(view);
+    subFrame->commit(QStringLiteral("http://ads.example.org/"));
+    store().updateDrawerForFrame(subFrame);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+    QVERIFY(!_fresh->controller().currentWebFrame());
+}
+
+void KDRDrawerBundleTest::backgroundTabChangesNothing()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto background = window->addTab(QStringLiteral("http://www.example.com/"));
+    const auto front = window->addTab(QStringLiteral("http://www.example.org/"));
+    store().updateDrawerForFrame(background->frame);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+    QVERIFY(!_fresh->controller().currentWebFrame());
+    store().updateDrawerForFrame(front->frame);
+    QCOMPARE(_fresh->controller().calls, QStringList{"label:example.org"});
+}
+
+void KDRDrawerBundleTest::frameWithoutViewOrWindowChangesNothing()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    store().updateDrawerForFrame(nullptr);
+
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    view->window.reset(); // being moved to another window
+    store().updateDrawerForFrame(view->frame);
+
+    const auto orphan = FakeHostWebView::makeSubFrame(nullptr);
+    orphan->commit(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(orphan);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+}
+
+void KDRDrawerBundleTest::windowWithoutDrawerChangesNothing()
+{
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto small = _fresh->openWindow(QRectF(0, 0, 200, 150));
+    const auto view = small->addTab(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    QVERIFY(_fresh->room.controllers.empty());
+
+    const auto window = _fresh->openWindow();
+    const auto page = window->addTab(QStringLiteral("http://www.example.com/"));
+    _fresh->controller().drawer.setController(nullptr);
+    store().updateDrawerForFrame(page->frame);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+}
+
+void KDRDrawerBundleTest::frameIsKept()
+{
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    QCOMPARE(_fresh->controller().currentWebFrame(), view->frame);
+    const auto other = window->addTab();
+    store().updateDrawerForFrame(other->frame);
+    QCOMPARE(_fresh->controller().currentWebFrame(), other->frame);
+}
+
+void KDRDrawerBundleTest::autoFocusRelabels()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto view = window->addTab(QStringLiteral("http://news.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    // The fake says so when the frame given is not the current one yet.
+    QCOMPARE(_fresh->controller().calls, QStringList{"label:example.com"});
+    view->frame->commit(QStringLiteral("http://mail.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    QCOMPARE(_fresh->controller().calls.size(), 1); // the same site
+    view->frame->commit(QStringLiteral("http://www.example.org/"));
+    store().updateDrawerForFrame(view->frame);
+    QCOMPARE(_fresh->controller().calls, (QStringList{"label:example.com", "label:example.org"}));
+}
+
+void KDRDrawerBundleTest::labelStaysWithoutAutoFocus()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setOpenDrawerForKnownSite(true);
+    StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    NotificationLog log(drawerRequests);
+    _fresh->controller().label = QStringLiteral("example.com"); // set by the user
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(view->frame); // the site of the label
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+
+    _fresh->controller().label = QStringLiteral("example.org");
+    store().updateDrawerForFrame(view->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{Notifications::DrawerShouldOpenForLocationChange});
+    QVERIFY(_fresh->controller().calls.isEmpty());
+}
+
+void KDRDrawerBundleTest::pageWithoutHostIsNoSite()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    NotificationLog log(drawerRequests);
+    FakeDrawerController &controller = _fresh->controller();
+    controller.label = QStringLiteral("example.com");
+
+    const auto view = window->addTab(QStringLiteral("file:///home/ann/a.html"));
+    store().updateDrawerForFrame(view->frame);
+    const auto empty = window->addTab();
+    store().updateDrawerForFrame(empty->frame);
+    QCOMPARE(controller.calls, (QStringList{"label:", "label:"}));
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+}
+
+void KDRDrawerBundleTest::nullKeyEqualsNullLabelOnly()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    FakeDrawerController &controller = _fresh->controller();
+    const auto view = window->addTab(QStringLiteral("about:blank"));
+    controller.frame = view->frame;
+
+    QVERIFY(controller.label.isNull());
+    store().updateDrawerForFrame(view->frame); // no site, no label, the same frame
+    QVERIFY(controller.calls.isEmpty());
+
+    controller.label = QStringLiteral("");
+    store().updateDrawerForFrame(view->frame); // an empty label is one
+    QCOMPARE(controller.calls, QStringList{"label:"});
+
+    view->frame->commit(QStringLiteral("http://www.example.com/"));
+    controller.label = QString();
+    store().updateDrawerForFrame(view->frame);
+    QCOMPARE(controller.calls, (QStringList{"label:", "label:example.com"}));
+}
+
+void KDRDrawerBundleTest::reloadOfTheSamePagePostsNothing()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    NotificationLog log(drawerRequests);
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{Notifications::DrawerShouldCloseForLocationChange});
+    store().updateDrawerForFrame(view->frame);
+    view->frame->commit(QStringLiteral("http://www.example.com/another"));
+    store().updateDrawerForFrame(view->frame); // same host, same frame
+    NotificationLog::deliverPending();
+    QCOMPARE(log.received.size(), size_t(1));
+}
+
+void KDRDrawerBundleTest::otherPageOfUnknownSiteClosesAgain()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    NotificationLog log(drawerRequests);
+    store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/"))->frame);
+    NotificationLog::deliverPending();
+    store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/other"))->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.received.size(), size_t(2)); // same site, another frame
+}
+
+void KDRDrawerBundleTest::decision_data()
+{
+    QTest::addColumn<bool>("known");
+    QTest::addColumn<bool>("sameSite");
+    QTest::addColumn<bool>("openForKnown");
+    QTest::addColumn<bool>("closeForUnknown");
+    QTest::addColumn<QStringList>("posted");
+
+    const QStringList open = {Notifications::DrawerShouldOpenForLocationChange};
+    const QStringList close = {Notifications::DrawerShouldCloseForLocationChange};
+    for (bool known : {true, false}) {
+        for (bool same : {true, false}) {
+            for (bool openForKnown : {true, false}) {
+                for (bool closeForUnknown : {true, false}) {
+                    QStringList posted;
+                    if (known && !same && openForKnown)
+                        posted = open;
+                    if (!known && closeForUnknown)
+                        posted = close;
+                    QTest::addRow("%s site, %s site, open %s, close %s", known ? "known" : "unknown",
+                                  same ? "same" : "other", openForKnown ? "on" : "off", closeForUnknown ? "on" : "off")
+                        << known << same << openForKnown << closeForUnknown << posted;
+                }
+            }
+        }
+    }
+}
+
+void KDRDrawerBundleTest::decision()
+{
+    QFETCH(bool, known);
+    QFETCH(bool, sameSite);
+    QFETCH(bool, openForKnown);
+    QFETCH(bool, closeForUnknown);
+    QFETCH(QStringList, posted);
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setOpenDrawerForKnownSite(openForKnown);
+    _fresh->settings().setCloseDrawerForUnknownSite(closeForUnknown);
+    if (known)
+        StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    _fresh->controller().label = sameSite ? QStringLiteral("example.com") : QStringLiteral("example.org");
+    NotificationLog log(drawerRequests);
+
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    store().updateDrawerForFrame(view->frame);
+    QVERIFY(log.received.empty()); // nothing before the event loop is idle
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), posted);
+    const Drawer *drawer = &_fresh->controller().drawer;
+    for (const Notification &notification : log.received)
+        QCOMPARE(notification.object, static_cast<const void *>(drawer));
+}
+
+void KDRDrawerBundleTest::provisionalSiteIsKnownWhenItHoldsSomething()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setOpenDrawerForKnownSite(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    NotificationLog log(drawerRequests);
+    store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/"))->frame);
+    NotificationLog::deliverPending();
+    StoreInTemporaryHome::addNote(folder, QStringLiteral("Milk"));
+    store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/"))->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), (QStringList{Notifications::DrawerShouldCloseForLocationChange,
+                                       Notifications::DrawerShouldOpenForLocationChange}));
+}
+
+void KDRDrawerBundleTest::requestsAreCoalesced()
+{
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    const auto first = _fresh->openWindow();
+    const auto second = _fresh->openWindow();
+    NotificationLog log(drawerRequests);
+    for (const auto &window : {first, second}) {
+        store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/"))->frame);
+        store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.org/"))->frame);
+    }
+    NotificationLog::deliverPending();
+    QCOMPARE(log.received.size(), size_t(2)); // one a drawer
+    QVERIFY(log.received[0].object != log.received[1].object);
+}
+
+QTEST_MAIN(KDRDrawerBundleTest)
+#include "KDRDrawerBundleTest.moc"
