@@ -326,7 +326,7 @@ QModelIndexList OutlineModel::reloadItem(const OutlineItemPtr &item, bool reload
         sumUpFrom(row->parent);
     }
     for (Row *row : rows)
-        collectReopened(*row, reload);
+        collectReopened(*row, row->expanded, reload);
     _allShownAsked = false;
     movePersistentIndexes(reload);
     Q_EMIT layoutChanged();
@@ -422,28 +422,25 @@ void OutlineModel::buryBelow(Row &row, Reload &reload)
 
 // A folder that was moved within what is reloaded has a new row; it is opened again as it was. A folder within itself
 // is not, or this would never end.
-void OutlineModel::collectReopened(Row &row, Reload &reload)
+void OutlineModel::collectReopened(Row &row, bool isOpen, Reload &reload)
 {
-    if (!row.branch)
+    if (!row.branch || reload.expanded.empty())
         return;
     for (int i = 0; i < int(row.branch->children.size()); ++i) {
-        Row *child = row.branch->children[std::size_t(i)].get();
-        if (!child)
+        const bool isNew = !row.branch->children[std::size_t(i)];
+        if (isNew && !isOpen)
             continue;
-        bool withinItself = false;
-        for (const Row *above = child->parent; above; above = above->parent)
-            withinItself = withinItself || above->item == child->item;
-        if (reload.fresh.count(child) && child->expandable && reload.expanded.count(child->item.get()) &&
-            !withinItself) {
-            reload.reopened.append(indexOf(*child));
-            count(*child);
-            for (int j = 0; j < int(child->branch->children.size()); ++j) {
-                Row &below = childOf(*child, j);
-                ask(below);
-                reload.fresh.insert(&below);
-            }
+        Row &child = childOf(row, i);
+        ask(child);
+        bool reopens =
+            (isNew || reload.fresh.count(&child)) && child.expandable && reload.expanded.count(child.item.get());
+        for (const Row *above = &row; above && reopens; above = above->parent)
+            reopens = above->item != child.item;
+        if (reopens) {
+            count(child);
+            reload.reopened.append(indexOf(child));
         }
-        collectReopened(*child, reload);
+        collectReopened(child, reopens || child.expanded, reload);
     }
 }
 

@@ -83,7 +83,7 @@ private:
     void replaceChildren(Row &row, Reload &reload);
     void bury(std::unique_ptr<Row> row, Reload &reload);
     void buryBelow(Row &row, Reload &reload);
-    void collectReopened(Row &row, Reload &reload);
+    void collectReopened(Row &row, bool isOpen, Reload &reload);
     void movePersistentIndexes(const Reload &reload);
 
     OutlineView &_view;

@@ -28,7 +28,7 @@ constexpr int widestDragPicture = 260;
 // The tip as text that is wrapped and not taken for markup.
 QString wrapped(const QString &tip)
 {
-    return Qt::convertFromPlainText(tip);
+    return Qt::convertFromPlainText(tip, Qt::WhiteSpaceNormal);
 }
 
 // What the drag allows of what was answered: a copy may be made by a source that knows only links, and a move may
@@ -269,9 +269,14 @@ void OutlineView::deselectAll()
 
 void OutlineView::scrollRowToVisible(int row)
 {
-    const QModelIndex index = _model->indexAtRow(row);
-    if (index.isValid())
-        scrollTo(index);
+    const QRect rect = rectOfRow(row);
+    const int below = rect.bottom() - viewport()->rect().bottom();
+    if (rect.isEmpty())
+        return;
+    if (rect.top() < 0)
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + rect.top());
+    else if (below > 0)
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + std::min(below, rect.top()));
 }
 
 void OutlineView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
@@ -287,7 +292,18 @@ void OutlineView::tellSelectionDidChange()
         source->outlineViewSelectionDidChange(*this);
 }
 
-// --- Mouse ----------------------------------------------------------------------------------------------------------
+// --- Keyboard and mouse ---------------------------------------------------------------------------------------------
+
+void OutlineView::keyPressEvent(QKeyEvent *event)
+{
+    QTreeView::keyPressEvent(event);
+    // A list that got the keyboard stands on its first row without selecting it; a key that would go there selects it.
+    static constexpr Qt::Key steps[] = {Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
+                                        Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+    const bool isStep = std::find(std::begin(steps), std::end(steps), event->key()) != std::end(steps);
+    if (isStep && !(event->modifiers() & Qt::ControlModifier) && !selectionModel()->hasSelection())
+        selectionModel()->select(currentIndex(), QItemSelectionModel::Select);
+}
 
 QString OutlineView::toolTipAtPoint(const QPoint & /*point*/)
 {

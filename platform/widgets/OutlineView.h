@@ -82,6 +82,7 @@ protected:
     // Carries the drag out and answers what was done; the drag belongs to Qt.
     virtual Qt::DropAction runDrag(QDrag *drag);
 
+    void keyPressEvent(QKeyEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;

@@ -1,0 +1,968 @@
+#include "platform/widgets/OutlineView.h"
+
+#include "platform/widgets/Image.h"
+#include "platform/widgets/OutlineDelegate.h"
+#include "tests/support/OutlineTree.h"
+
+#include <QAccessible>
+#include <QDrag>
+#include <QMenu>
+#include <QRandomGenerator>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
+#include <QtMath>
+
+namespace
+{
+// A view whose drags and menus a test decides.
+class TestedView : public OutlineView
+{
+public:
+    QString tip;
+    QMenu *menu = nullptr;
+    QList<QPoint> menuPoints;
+    std::function<void(QDrag &)> duringDrag;
+    int reloads = 0;
+
+    using OutlineView::startDrag;
+
+    QString toolTipAtPoint(const QPoint &point) override { return rowAtPoint(point) == 1 ? tip : QString(); }
+    QMenu *menuForEvent(QContextMenuEvent *event) override
+    {
+        menuPoints.append(event->pos());
+        return menu;
+    }
+    void reloadData() override
+    {
+        ++reloads;
+        OutlineView::reloadData();
+    }
+
+protected:
+    Qt::DropAction runDrag(QDrag *drag) override
+    {
+        if (duringDrag)
+            duringDrag(*drag);
+        delete drag;
+        return Qt::CopyAction;
+    }
+};
+
+void showList(OutlineView &view, const QSize &size = QSize(240, 400))
+{
+    view.resize(size);
+    view.setRowHeight(20);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+}
+
+// Each of these enters the list first, as every drag does.
+void enterList(OutlineView &view, const QMimeData &data, Qt::DropActions possible)
+{
+    QDragEnterEvent enter(QPoint(60, 1), possible, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view.viewport(), &enter);
+    QVERIFY(enter.isAccepted());
+}
+
+// The action that the list answered, none when it refused.
+Qt::DropAction dragTo(OutlineView &view, int y, const QMimeData &data, Qt::DropActions possible = Qt::CopyAction)
+{
+    enterList(view, data, possible);
+    QDragMoveEvent move(QPoint(60, y), possible, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view.viewport(), &move);
+    return move.isAccepted() ? move.dropAction() : Qt::IgnoreAction;
+}
+
+Qt::DropAction dropAt(OutlineView &view, int y, const QMimeData &data, Qt::DropActions possible = Qt::CopyAction)
+{
+    enterList(view, data, possible);
+    QDropEvent drop(QPointF(60, y), possible, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view.viewport(), &drop);
+    return drop.isAccepted() ? drop.dropAction() : Qt::IgnoreAction;
+}
+
+QStringList shownTitles(const OutlineView &view, const OutlineTree &tree)
+{
+    QStringList titles;
+    for (int row = 0; row < view.numberOfRows(); ++row)
+        titles.append(QString(view.levelForRow(row), QLatin1Char(' ')) + tree.nodeOf(view.itemAtRow(row)).title);
+    return titles;
+}
+
+QStringList selectedTitles(const OutlineView &view, const OutlineTree &tree)
+{
+    QStringList titles;
+    for (const int row : view.selectedRows())
+        titles.append(tree.nodeOf(view.itemAtRow(row)).title);
+    return titles;
+}
+} // namespace
+
+class OutlineViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void countsRowsOverWhatIsOpen();
+    void asksOnlyForWhatIsOpen();
+    void hasNoRowsWithoutASource();
+    void answersNothingForRowsThatDoNotExist();
+    void findsTheFirstOfSeveralRowsWithAnItem();
+    void mapsRowsBothWays_data();
+    void mapsRowsBothWays();
+    void remembersWhatWasOpenInAClosedFolder();
+    void doesNotOpenLeaves();
+
+    void reloadForgetsExpansionAndSelection();
+    void reloadTellsOfALostSelection();
+    void reloadItemAsksForTheTitleAgain();
+    void reloadItemTurnsALeafIntoAFolder();
+    void reloadItemWithoutChildrenKeepsTheRowsBelow();
+    void reloadItemKeepsWhatIsOpenBelow();
+    void reloadItemOpensMovedFolders();
+    void reloadItemEndsForAFolderWithinItself();
+    void reloadItemKeepsTheSelection();
+    void reloadItemTellsWhenSelectedItemsAreGone();
+    void reloadOfNoneReloadsEverything();
+    void reloadOfAnUnknownItemChangesNothing();
+    void keepsNoItemThatIsGone();
+
+    void selectsRows();
+    void collapsingDeselectsWhatIsHidden();
+    void tellsOfSelectionChanges();
+
+    void rowsAreAsHighAsTold();
+    void mapsPointsToRows();
+    void scrollsRowsIntoView();
+
+    void keysWalkAndFold();
+    void typingFindsTitles();
+    void doubleClickActsOnRowsOnly();
+    void showsToolTips();
+    void showsContextMenus();
+    void menuKeyAsksForTheSelectedRow();
+
+    void dragsTheSelectionInRowOrder();
+    void startsNoDragWithoutData();
+    void survivesBeingDeletedWhileDragging();
+    void mapsDropsToPlaces_data();
+    void mapsDropsToPlaces();
+    void sourceMayRetargetADrop();
+    void refusedDropsAreIgnored_data();
+    void refusedDropsAreIgnored();
+    void dropIndicatorGoesWithTheDrag();
+    void offersOnlyActionsThatTheDragAllows_data();
+    void offersOnlyActionsThatTheDragAllows();
+    void opensFoldersUnderADrag();
+
+    void cellFrames();
+    void paintsTheImageAsASquare();
+    void elidesLongTitles();
+    void rowsHaveAccessibleNames();
+
+private:
+    void buildGarden();
+
+    std::unique_ptr<OutlineTree> _tree;
+    std::unique_ptr<TestedView> _view;
+    OutlineTree::Node _fruit;
+    OutlineTree::Node _apple;
+    OutlineTree::Node _citrus;
+    OutlineTree::Node _lemon;
+    OutlineTree::Node _pear;
+    OutlineTree::Node _herb;
+    OutlineTree::Node _tools;
+    OutlineTree::Node _rake;
+};
+
+void OutlineViewTest::init()
+{
+    _tree = std::make_unique<OutlineTree>();
+    _view = std::make_unique<TestedView>();
+    buildGarden();
+}
+
+void OutlineViewTest::cleanup()
+{
+    _view.reset();
+    _tree.reset();
+}
+
+// fruit (apple, citrus (lemon), pear), herb, tools (rake)
+void OutlineViewTest::buildGarden()
+{
+    _fruit = _tree->add("fruit");
+    _apple = _tree->add("apple", _fruit);
+    _citrus = _tree->add("citrus", _fruit);
+    _lemon = _tree->add("lemon", _citrus);
+    _pear = _tree->add("pear", _fruit);
+    _herb = _tree->add("herb");
+    _tools = _tree->add("tools");
+    _rake = _tree->add("rake", _tools);
+    _view->setOutlineDataSource(_tree.get());
+}
+
+// --- Rows -----------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::countsRowsOverWhatIsOpen()
+{
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", "herb", "tools"}));
+    _view->expandItem(_fruit);
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", " apple", " citrus", " pear", "herb", "tools"}));
+    _view->expandItem(_citrus);
+    QCOMPARE(shownTitles(*_view, *_tree),
+             QStringList({"fruit", " apple", " citrus", "  lemon", " pear", "herb", "tools"}));
+    QVERIFY(_view->isItemExpanded(_citrus));
+    _view->collapseItem(_citrus);
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", " apple", " citrus", " pear", "herb", "tools"}));
+    QVERIFY(!_view->isItemExpanded(_citrus));
+}
+
+void OutlineViewTest::asksOnlyForWhatIsOpen()
+{
+    OutlineTree tree;
+    auto folder = tree.add("folder");
+    for (int i = 0; i < 50; ++i)
+        tree.add(QString::number(i), folder);
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    showList(view);
+    QCOMPARE(view.numberOfRows(), 1);
+    QCOMPARE(tree.countCalls, 1);
+    QCOMPARE(tree.childCalls, 1);
+
+    view.expandItem(folder);
+    QCOMPARE(view.numberOfRows(), 51);
+    QCOMPARE(tree.countCalls, 2);
+    view.collapseItem(folder);
+    view.expandItem(folder);
+    QCOMPARE(view.numberOfRows(), 51);
+    QCOMPARE(tree.countCalls, 2);
+    QCOMPARE(tree.childCalls, 51);
+}
+
+void OutlineViewTest::hasNoRowsWithoutASource()
+{
+    _view->setOutlineDataSource(nullptr);
+    QCOMPARE(_view->numberOfRows(), 0);
+    QVERIFY(!_view->outlineDataSource());
+    _view->reloadData();
+    _view->reloadItem(_fruit, true);
+    _view->expandItem(_fruit);
+    QVERIFY(!_view->isExpandable(_fruit));
+    QCOMPARE(_view->rowForItem(_fruit), -1);
+}
+
+void OutlineViewTest::answersNothingForRowsThatDoNotExist()
+{
+    QVERIFY(!_view->itemAtRow(-1));
+    QVERIFY(!_view->itemAtRow(3));
+    QCOMPARE(_view->levelForRow(-1), -1);
+    QCOMPARE(_view->levelForRow(3), -1);
+    QVERIFY(_view->rectOfRow(-1).isEmpty());
+    QVERIFY(_view->rectOfRow(3).isEmpty());
+    QCOMPARE(_view->rowForItem(nullptr), -1);
+    QCOMPARE(_view->rowForItem(_apple), -1); // its folder is closed
+    QVERIFY(!_view->isItemExpanded(nullptr));
+    _view->expandItem(nullptr);
+    _view->scrollRowToVisible(99);
+    QCOMPARE(_view->numberOfRows(), 3);
+}
+
+void OutlineViewTest::findsTheFirstOfSeveralRowsWithAnItem()
+{
+    _tools->children.push_back(_citrus); // now in two folders
+    _view->expandItem(_tools);
+    QCOMPARE(_view->rowForItem(_citrus), 4);
+    _view->expandItem(_fruit);
+    QCOMPARE(_view->rowForItem(_citrus), 2);
+    QCOMPARE(_view->itemAtRow(7), OutlineItemPtr(_citrus));
+
+    _view->expandItem(_citrus); // the first one only
+    QCOMPARE(shownTitles(*_view, *_tree),
+             QStringList({"fruit", " apple", " citrus", "  lemon", " pear", "herb", "tools", " rake", " citrus"}));
+    _view->collapseItem(_fruit);
+    QCOMPARE(_view->rowForItem(_citrus), 4);
+    QVERIFY(!_view->isItemExpanded(_citrus));
+}
+
+void OutlineViewTest::mapsRowsBothWays_data()
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed = 1; seed <= 8; ++seed)
+        QTest::addRow("tree %u", seed) << seed;
+}
+
+// Against a plain walk over a random tree that is opened and closed at random.
+void OutlineViewTest::mapsRowsBothWays()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    OutlineTree tree;
+    std::vector<OutlineTree::Node> folders = {nullptr};
+    for (int i = 0; i < 300; ++i) {
+        auto node = tree.add(QString::number(i), folders[random.bounded(quint32(folders.size()))]);
+        if (random.bounded(3) == 0) {
+            node->isFolder = true;
+            folders.push_back(node);
+        }
+    }
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+
+    QSet<OutlineItem *> open;
+    std::vector<OutlineItemPtr> expected;
+    const std::function<void(const OutlineTreeItem &)> walk = [&](const OutlineTreeItem &folder) {
+        for (const auto &child : folder.children) {
+            expected.push_back(child);
+            if (open.contains(child.get()))
+                walk(*child);
+        }
+    };
+    for (int step = 0; step < 120; ++step) {
+        expected.clear();
+        walk(*tree.root);
+        const OutlineItemPtr item = expected[random.bounded(quint32(expected.size()))];
+        if (!tree.nodeOf(item).isFolder)
+            continue;
+        if (open.remove(item.get())) {
+            view.collapseItem(item);
+        } else {
+            open.insert(item.get());
+            view.expandItem(item);
+        }
+        expected.clear();
+        walk(*tree.root);
+        QCOMPARE(view.numberOfRows(), int(expected.size()));
+        for (int row = 0; row < int(expected.size()); ++row) {
+            QCOMPARE(view.itemAtRow(row), expected[std::size_t(row)]);
+            QCOMPARE(view.rowForItem(expected[std::size_t(row)]), row);
+        }
+    }
+}
+
+void OutlineViewTest::remembersWhatWasOpenInAClosedFolder()
+{
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    _view->collapseItem(_fruit);
+    QCOMPARE(_view->numberOfRows(), 3);
+    _view->expandItem(_fruit);
+    QCOMPARE(_view->numberOfRows(), 7);
+}
+
+void OutlineViewTest::doesNotOpenLeaves()
+{
+    QVERIFY(_view->isExpandable(_fruit));
+    QVERIFY(!_view->isExpandable(_herb));
+    QVERIFY(!_view->isExpandable(nullptr));
+    _view->expandItem(_herb);
+    QVERIFY(!_view->isItemExpanded(_herb));
+    QCOMPARE(_view->numberOfRows(), 3);
+}
+
+// --- Reloading ------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::reloadForgetsExpansionAndSelection()
+{
+    _view->expandItem(_fruit);
+    _view->selectRowExtending(1, false);
+    _tree->add("seeds");
+    QCOMPARE(_view->numberOfRows(), 6);
+    _view->reloadData();
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", "herb", "tools", "seeds"}));
+    QCOMPARE(_view->numberOfSelectedRows(), 0);
+}
+
+void OutlineViewTest::reloadTellsOfALostSelection()
+{
+    _view->reloadData();
+    QCOMPARE(_tree->selectionChanges, 0);
+    _view->selectRowExtending(1, false);
+    _tree->selectionChanges = 0;
+    _view->reloadData();
+    QCOMPARE(_tree->selectionChanges, 1);
+}
+
+void OutlineViewTest::reloadItemAsksForTheTitleAgain()
+{
+    showList(*_view);
+    const QModelIndex index = _view->model()->index(1, 0);
+    QCOMPARE(index.data().toString(), QString("herb"));
+    QSignalSpy changes(_view->model(), &QAbstractItemModel::dataChanged);
+    _herb->title = "mint";
+    _view->reloadItem(_herb, false);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes[0][0].toModelIndex(), index);
+    QCOMPARE(index.data().toString(), QString("mint"));
+}
+
+void OutlineViewTest::reloadItemTurnsALeafIntoAFolder()
+{
+    _view->rowForItem(_herb);
+    _tree->add("mint", _herb);
+    _view->expandItem(_herb);
+    QCOMPARE(_view->numberOfRows(), 3);
+    _view->reloadItem(_herb, false);
+    _view->expandItem(_herb);
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", "herb", " mint", "tools"}));
+
+    _herb->isFolder = false;
+    _herb->children.clear();
+    _view->reloadItem(_herb, true);
+    QCOMPARE(shownTitles(*_view, *_tree), QStringList({"fruit", "herb", "tools"}));
+    QVERIFY(!_view->isItemExpanded(_herb));
+}
+
+void OutlineViewTest::reloadItemWithoutChildrenKeepsTheRowsBelow()
+{
+    _view->expandItem(_fruit);
+    _tree->add("plum", _fruit);
+    _view->reloadItem(_fruit, false);
+    QCOMPARE(_view->numberOfRows(), 6);
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(_view->numberOfRows(), 7);
+}
+
+void OutlineViewTest::reloadItemKeepsWhatIsOpenBelow()
+{
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    _tree->add("lime", _citrus);
+    _fruit->children = {_citrus, _pear, _tree->add("plum", _fruit)}; // apple is gone, citrus comes first
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(shownTitles(*_view, *_tree),
+             QStringList({"fruit", " citrus", "  lemon", "  lime", " pear", " plum", "herb", "tools"}));
+    QVERIFY(_view->isExpanded(_view->model()->index(0, 0, _view->model()->index(0, 0))));
+    QCOMPARE(_view->rowForItem(_apple), -1);
+    QCOMPARE(_view->rowForItem(_tools), 7);
+}
+
+void OutlineViewTest::reloadItemOpensMovedFolders()
+{
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    const auto basket = _tree->add("basket", _fruit);
+    basket->isFolder = true;
+    _view->reloadItem(_fruit, true);
+    _view->expandItem(basket);
+    _fruit->children = {_apple, _pear, basket};
+    basket->children = {_citrus};
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(shownTitles(*_view, *_tree),
+             QStringList({"fruit", " apple", " pear", " basket", "  citrus", "   lemon", "herb", "tools"}));
+}
+
+void OutlineViewTest::reloadItemEndsForAFolderWithinItself()
+{
+    _fruit->children.push_back(_fruit);
+    _view->expandItem(_fruit);
+    _view->expand(_view->model()->index(3, 0, _view->model()->index(0, 0))); // the fruit in the fruit
+    QCOMPARE(_view->numberOfRows(), 3 + 4 + 4);
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(_view->numberOfRows(), 3 + 4 + 4);
+    _fruit->children.pop_back();
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(_view->numberOfRows(), 3 + 3);
+}
+
+void OutlineViewTest::reloadItemKeepsTheSelection()
+{
+    _view->expandItem(_fruit);
+    _view->selectRowExtending(1, false); // apple
+    _view->selectRowExtending(3, true);  // pear
+    _view->selectRowExtending(4, true);  // herb
+    _tree->selectionChanges = 0;
+    _fruit->children = {_citrus, _pear, _apple};
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"pear", "apple", "herb"}));
+}
+
+void OutlineViewTest::reloadItemTellsWhenSelectedItemsAreGone()
+{
+    _view->expandItem(_fruit);
+    _view->selectRowExtending(1, false);
+    _view->selectRowExtending(4, true);
+    _tree->selectionChanges = 0;
+    _fruit->children = {_citrus, _pear};
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"herb"}));
+    QCOMPARE(_tree->selectionChanges, 1);
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(_tree->selectionChanges, 1);
+}
+
+void OutlineViewTest::reloadOfNoneReloadsEverything()
+{
+    _view->expandItem(_fruit);
+    _view->reloadItem(nullptr, false);
+    QCOMPARE(_view->reloads, 1);
+    QCOMPARE(_view->numberOfRows(), 3);
+}
+
+void OutlineViewTest::reloadOfAnUnknownItemChangesNothing()
+{
+    const auto stranger = std::make_shared<OutlineTreeItem>();
+    _view->expandItem(_fruit);
+    _view->reloadItem(stranger, true);
+    QCOMPARE(_view->numberOfRows(), 6);
+}
+
+// What a list holds is counted by those who ask whether anyone still needs it.
+void OutlineViewTest::keepsNoItemThatIsGone()
+{
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    _view->selectRowExtending(3, false);
+    const std::weak_ptr<OutlineTreeItem> citrus = _citrus;
+    const std::weak_ptr<OutlineTreeItem> lemon = _lemon;
+    _fruit->children = {_apple, _pear};
+    _citrus.reset();
+    _lemon.reset();
+    _view->reloadItem(_fruit, true);
+    QVERIFY(citrus.expired());
+    QVERIFY(lemon.expired());
+
+    const std::weak_ptr<OutlineTreeItem> apple = _apple;
+    _fruit->children.clear();
+    _apple.reset();
+    QVERIFY(!apple.expired());
+    _view->reloadData();
+    QVERIFY(apple.expired());
+}
+
+// --- Selection ------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::selectsRows()
+{
+    QCOMPARE(_view->selectedRow(), -1);
+    QVERIFY(_view->selectedRows().empty());
+    _view->expandItem(_fruit);
+    _view->selectRowExtending(5, false);
+    _view->selectRowExtending(2, true);
+    _view->selectRowExtending(0, true);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({0, 2, 5}));
+    QCOMPARE(_view->selectedRow(), 0);
+    QCOMPARE(_view->numberOfSelectedRows(), 3);
+
+    _view->selectRowExtending(-1, false);
+    _view->selectRowExtending(6, true);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({0, 2, 5}));
+
+    _view->selectRowExtending(4, false);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({4}));
+    _view->deselectAll();
+    QCOMPARE(_view->numberOfSelectedRows(), 0);
+}
+
+void OutlineViewTest::collapsingDeselectsWhatIsHidden()
+{
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    _view->selectRowExtending(5, false); // herb
+    _view->selectRowExtending(3, true);  // lemon
+    _tree->selectionChanges = 0;
+    _view->collapseItem(_fruit);
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"herb"}));
+    QCOMPARE(_tree->selectionChanges, 1);
+    QCOMPARE(_view->currentIndex(), _view->model()->index(0, 0));
+}
+
+void OutlineViewTest::tellsOfSelectionChanges()
+{
+    _view->selectRowExtending(1, false);
+    QCOMPARE(_tree->selectionChanges, 1);
+    _view->selectRowExtending(1, true);
+    QCOMPARE(_tree->selectionChanges, 1);
+    _view->deselectAll();
+    QCOMPARE(_tree->selectionChanges, 2);
+}
+
+// --- Geometry -------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::rowsAreAsHighAsTold()
+{
+    QCOMPARE(_view->rowHeight(), QFontMetricsF(_view->font()).height() + 3.0);
+    _view->setRowHeight(17.5);
+    QCOMPARE(_view->rowHeight(), 17.5);
+    QCOMPARE(_view->rectOfRow(1).height(), 18);
+    QCOMPARE(_view->rectOfRow(1).top(), 18);
+    QCOMPARE(_view->visualRect(_view->model()->index(1, 0)).height(), 18);
+    _view->setRowHeight(30);
+    QCOMPARE(_view->visualRect(_view->model()->index(1, 0)).top(), 30);
+}
+
+void OutlineViewTest::mapsPointsToRows()
+{
+    showList(*_view);
+    _view->expandItem(_fruit);
+    for (int row = 0; row < _view->numberOfRows(); ++row) {
+        const QRect rect = _view->rectOfRow(row);
+        QCOMPARE(rect, QRect(0, 20 * row, _view->viewport()->width(), 20));
+        QCOMPARE(_view->rowAtPoint(rect.topLeft()), row);
+        QCOMPARE(_view->rowAtPoint(rect.bottomRight()), row);
+        QCOMPARE(_view->visualRect(_view->indexAt(rect.center())).top(), rect.top());
+    }
+    QCOMPARE(_view->rowAtPoint(QPoint(5, 20 * 6)), -1);
+    QCOMPARE(_view->rowAtPoint(QPoint(5, -1)), -1);
+    QCOMPARE(_view->rowAtPoint(QPoint(-1, 5)), -1);
+}
+
+void OutlineViewTest::scrollsRowsIntoView()
+{
+    for (int i = 0; i < 100; ++i)
+        _tree->add(QString::number(i));
+    _view->reloadData();
+    showList(*_view);
+    _view->scrollRowToVisible(90);
+    const QRect rect = _view->rectOfRow(90);
+    QVERIFY(_view->viewport()->rect().contains(rect));
+    QCOMPARE(_view->rowAtPoint(rect.center()), 90);
+    QVERIFY(_view->rectOfRow(0).bottom() < 0);
+    _view->scrollRowToVisible(91); // by just one row
+    QCOMPARE(_view->rectOfRow(91), rect);
+    _view->scrollRowToVisible(0);
+    QCOMPARE(_view->rectOfRow(0).top(), 0);
+}
+
+// --- Keyboard and mouse ---------------------------------------------------------------------------------------------
+
+void OutlineViewTest::keysWalkAndFold()
+{
+    showList(*_view);
+    _view->setFocus();
+    QTest::keyClick(_view.get(), Qt::Key_Home);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({0}));
+    QTest::keyClick(_view.get(), Qt::Key_Right);
+    QVERIFY(_view->isItemExpanded(_fruit));
+    QTest::keyClick(_view.get(), Qt::Key_Down);
+    QTest::keyClick(_view.get(), Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({1, 2}));
+    QTest::keyClick(_view.get(), Qt::Key_End);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({5}));
+    QTest::keyClick(_view.get(), Qt::Key_Home);
+    QTest::keyClick(_view.get(), Qt::Key_Left);
+    QVERIFY(!_view->isItemExpanded(_fruit));
+    QCOMPARE(_view->numberOfRows(), 3);
+}
+
+void OutlineViewTest::typingFindsTitles()
+{
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->setFocus();
+    QTest::keyClicks(_view.get(), "pe");
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"pear"}));
+}
+
+void OutlineViewTest::doubleClickActsOnRowsOnly()
+{
+    showList(*_view);
+    int actions = 0;
+    _view->doubleAction = [&actions] { ++actions; };
+    QTest::mouseDClick(_view->viewport(), Qt::LeftButton, {}, _view->rectOfRow(0).center());
+    QCOMPARE(actions, 1);
+    QVERIFY(!_view->isItemExpanded(_fruit)); // that is for the action to do
+    QTest::mouseDClick(_view->viewport(), Qt::LeftButton, {}, QPoint(4, _view->rectOfRow(1).center().y()));
+    QTest::mouseDClick(_view->viewport(), Qt::LeftButton, {}, QPoint(50, 200));
+    QTest::mouseDClick(_view->viewport(), Qt::RightButton, {}, _view->rectOfRow(0).center());
+    QCOMPARE(actions, 1);
+}
+
+void OutlineViewTest::showsToolTips()
+{
+    showList(*_view);
+    _view->tip = "<b>mint & thyme</b>";
+    const auto pointAt = [this](int row) {
+        const QPoint point = _view->rectOfRow(row).center();
+        QHelpEvent help(QEvent::ToolTip, point, _view->viewport()->mapToGlobal(point));
+        QCoreApplication::sendEvent(_view->viewport(), &help);
+    };
+    pointAt(1);
+    QVERIFY(QToolTip::isVisible());
+    // The text as it is, not what it would mean as markup.
+    QVERIFY2(QToolTip::text().contains("&lt;b&gt;mint &amp; thyme&lt;/b&gt;"), qPrintable(QToolTip::text()));
+    pointAt(2);
+    QTRY_VERIFY(!QToolTip::isVisible());
+}
+
+void OutlineViewTest::showsContextMenus()
+{
+    showList(*_view);
+    QMenu menu;
+    menu.addAction("Open");
+    const QPoint point = _view->rectOfRow(1).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, point, _view->viewport()->mapToGlobal(point));
+
+    QCoreApplication::sendEvent(_view->viewport(), &event);
+    QCOMPARE(_view->menuPoints, QList<QPoint>({point}));
+    QVERIFY(!menu.isVisible());
+
+    _view->menu = &menu;
+    QCoreApplication::sendEvent(_view->viewport(), &event);
+    QVERIFY(menu.isVisible());
+    menu.close();
+}
+
+void OutlineViewTest::menuKeyAsksForTheSelectedRow()
+{
+    showList(*_view);
+    _view->selectRowExtending(2, false);
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(3, 3), _view->mapToGlobal(QPoint(3, 3)));
+    QCoreApplication::sendEvent(_view.get(), &event);
+    QCOMPARE(_view->menuPoints.size(), 1);
+    QCOMPARE(_view->rowAtPoint(_view->menuPoints[0]), 2);
+}
+
+// --- Drag and drop --------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::dragsTheSelectionInRowOrder()
+{
+    _view->expandItem(_fruit);
+    _view->selectRowExtending(4, false);
+    _view->selectRowExtending(0, true);
+    _view->selectRowExtending(3, true);
+    QString text;
+    bool endedBefore = true;
+    _view->duringDrag = [&](QDrag &drag) {
+        text = drag.mimeData()->text();
+        QCOMPARE(drag.source(), _view.get());
+        QVERIFY(!drag.pixmap().isNull());
+        endedBefore = _tree->draggingEnded > 0;
+    };
+    _view->startDrag(Qt::MoveAction);
+    QCOMPARE(_tree->dragged, std::vector<OutlineItemPtr>({_fruit, _pear, _herb}));
+    QCOMPARE(text, QString("fruit"));
+    QVERIFY(!endedBefore);
+    QCOMPARE(_tree->draggingEnded, 1);
+    QCOMPARE(_view->numberOfRows(), 6); // nothing is taken out of the list by the view
+}
+
+void OutlineViewTest::startsNoDragWithoutData()
+{
+    bool ran = false;
+    _view->duringDrag = [&ran](QDrag &) { ran = true; };
+    _view->startDrag(Qt::CopyAction); // nothing selected
+    QVERIFY(_tree->dragged.empty());
+    _tree->refusesDrag = true;
+    _view->selectRowExtending(1, false);
+    _view->startDrag(Qt::CopyAction);
+    QVERIFY(!ran);
+    QCOMPARE(_tree->draggingEnded, 0);
+}
+
+void OutlineViewTest::survivesBeingDeletedWhileDragging()
+{
+    auto *view = new TestedView;
+    view->setOutlineDataSource(_tree.get());
+    view->selectRowExtending(0, false);
+    class Deleting : public TestedView
+    {
+    protected:
+        Qt::DropAction runDrag(QDrag * /*drag*/) override
+        {
+            delete this; // and the drag, which is its child, with it
+            return Qt::IgnoreAction;
+        }
+    };
+    delete view;
+    auto *deleting = new Deleting;
+    deleting->setOutlineDataSource(_tree.get());
+    deleting->selectRowExtending(0, false);
+    deleting->startDrag(Qt::CopyAction);
+    QCOMPARE(_tree->draggingEnded, 0);
+}
+
+void OutlineViewTest::mapsDropsToPlaces_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<int>("childIndex");
+
+    // Rows of 20: fruit, apple, citrus, lemon, pear, herb, tools.
+    QTest::newRow("above the first row") << 1 << "" << 0;
+    QTest::newRow("on a folder") << 10 << "fruit" << -1;
+    QTest::newRow("below an open folder") << 19 << "fruit" << 0;
+    QTest::newRow("above its first child") << 21 << "fruit" << 0;
+    QTest::newRow("on a leaf") << 30 << "apple" << -1;
+    QTest::newRow("below a leaf") << 38 << "fruit" << 1;
+    QTest::newRow("above an inner folder") << 41 << "fruit" << 1;
+    QTest::newRow("in an inner folder") << 61 << "citrus" << 0;
+    QTest::newRow("below the last child") << 99 << "fruit" << 3;
+    QTest::newRow("above a later row") << 101 << "" << 1;
+    QTest::newRow("below a closed folder") << 139 << "" << 3;
+    QTest::newRow("where no row is") << 200 << "" << -1;
+}
+
+void OutlineViewTest::mapsDropsToPlaces()
+{
+    QFETCH(int, y);
+    QFETCH(QString, item);
+    QFETCH(int, childIndex);
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+
+    QMimeData data;
+    QCOMPARE(dropAt(*_view, y, data, Qt::CopyAction | Qt::MoveAction), Qt::CopyAction);
+    QCOMPARE(_tree->accepted.size(), std::size_t(1));
+    const OutlineDropTarget target = _tree->accepted[0];
+    QCOMPARE(target.item ? _tree->nodeOf(target.item).title : QString(), item);
+    QCOMPARE(target.childIndex, childIndex);
+}
+
+void OutlineViewTest::sourceMayRetargetADrop()
+{
+    showList(*_view);
+    _view->expandItem(_tools);
+    _tree->retarget = [this](OutlineDropTarget &target) { target = {_tools, 1}; };
+    QMimeData data;
+    dragTo(*_view, 10, data);
+    QVERIFY(qAbs(_view->dropIndicatorRect().center().y() - _view->rectOfRow(3).bottom()) <= 1); // below the rake
+
+    QCOMPARE(dropAt(*_view, 10, data), Qt::CopyAction);
+    QCOMPARE(_tree->accepted[0].item, OutlineItemPtr(_tools));
+    QCOMPARE(_tree->accepted[0].childIndex, 1);
+}
+
+void OutlineViewTest::refusedDropsAreIgnored_data()
+{
+    QTest::addColumn<Qt::DropAction>("answer");
+    QTest::addColumn<bool>("accepts");
+    QTest::newRow("refused while dragging") << Qt::IgnoreAction << true;
+    QTest::newRow("refused at the drop") << Qt::CopyAction << false;
+}
+
+void OutlineViewTest::refusedDropsAreIgnored()
+{
+    QFETCH(Qt::DropAction, answer);
+    QFETCH(bool, accepts);
+    showList(*_view);
+    _tree->answer = answer;
+    _tree->accepts = accepts;
+    QMimeData data;
+    QCOMPARE(dropAt(*_view, 10, data), Qt::IgnoreAction);
+    QCOMPARE(_tree->accepted.empty(), answer == Qt::IgnoreAction);
+    QVERIFY(_view->dropIndicatorRect().isEmpty());
+}
+
+void OutlineViewTest::dropIndicatorGoesWithTheDrag()
+{
+    showList(*_view);
+    QMimeData data;
+    const auto moveTo = [&](int y) { dragTo(*_view, y, data); };
+    moveTo(10);
+    QCOMPARE(_view->dropIndicatorRect(), _view->rectOfRow(0));
+    moveTo(21); // between the first two rows
+    QCOMPARE(_view->dropIndicatorRect().top(), 19);
+    QVERIFY(_view->dropIndicatorRect().height() < 5);
+    moveTo(300);
+    QCOMPARE(_view->dropIndicatorRect(), _view->viewport()->rect());
+    _tree->answer = Qt::IgnoreAction;
+    moveTo(10);
+    QVERIFY(_view->dropIndicatorRect().isEmpty());
+    _tree->answer = Qt::CopyAction;
+    moveTo(10);
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(_view->viewport(), &leave);
+    QVERIFY(_view->dropIndicatorRect().isEmpty());
+}
+
+void OutlineViewTest::offersOnlyActionsThatTheDragAllows_data()
+{
+    QTest::addColumn<Qt::DropAction>("answer");
+    QTest::addColumn<Qt::DropActions>("possible");
+    QTest::addColumn<Qt::DropAction>("action");
+    const Qt::DropActions copyOrMove = Qt::CopyAction | Qt::MoveAction;
+    QTest::newRow("copy") << Qt::CopyAction << copyOrMove << Qt::CopyAction;
+    QTest::newRow("move") << Qt::MoveAction << copyOrMove << Qt::MoveAction;
+    QTest::newRow("move from one who copies") << Qt::MoveAction << Qt::DropActions(Qt::CopyAction) << Qt::CopyAction;
+    QTest::newRow("copy from one who links") << Qt::CopyAction << Qt::DropActions(Qt::LinkAction) << Qt::LinkAction;
+    QTest::newRow("copy from one who moves") << Qt::CopyAction << Qt::DropActions(Qt::MoveAction) << Qt::IgnoreAction;
+}
+
+void OutlineViewTest::offersOnlyActionsThatTheDragAllows()
+{
+    QFETCH(Qt::DropAction, answer);
+    QFETCH(Qt::DropActions, possible);
+    QFETCH(Qt::DropAction, action);
+    showList(*_view);
+    _tree->answer = answer;
+    QMimeData data;
+    QCOMPARE(dragTo(*_view, 10, data, possible), action);
+}
+
+void OutlineViewTest::opensFoldersUnderADrag()
+{
+    showList(*_view);
+    QMimeData data;
+    dragTo(*_view, 10, data);
+    QVERIFY(!_view->isItemExpanded(_fruit));
+    QTRY_VERIFY(_view->isItemExpanded(_fruit));
+}
+
+// --- Cells ----------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::cellFrames()
+{
+    const QRect cell(40, 32, 150, 16);
+    QCOMPARE(OutlineDelegate::imageFrame(cell), QRect(43, 32, 16, 16));
+    QCOMPARE(OutlineDelegate::textFrame(cell, true), QRect(59, 32, 131, 16));
+    QCOMPARE(OutlineDelegate::textFrame(cell, false), cell);
+}
+
+void OutlineViewTest::paintsTheImageAsASquare()
+{
+    QImage red(32, 32, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    _tree->image = Image::imageWithPicture(red);
+    _herb->title = QString();
+    showList(*_view);
+    const QRect cell = _view->visualRect(_view->model()->index(1, 0));
+    QCOMPARE(cell.height(), 20);
+    const QImage shot = _view->viewport()->grab().toImage();
+    QRect painted;
+    for (int y = cell.top(); y <= cell.bottom(); ++y) {
+        for (int x = 0; x < shot.width(); ++x) {
+            if (shot.pixelColor(x, y) == QColor(Qt::red))
+                painted |= QRect(x, y, 1, 1);
+        }
+    }
+    QCOMPARE(painted, QRect(cell.left() + 3, cell.top(), 20, 20));
+}
+
+void OutlineViewTest::elidesLongTitles()
+{
+    _herb->title = QString(5000, QLatin1Char('m'));
+    showList(*_view, QSize(200, 100));
+    const QRect cell = _view->visualRect(_view->model()->index(1, 0));
+    QVERIFY(cell.right() <= _view->viewport()->rect().right());
+    const QImage shot = _view->viewport()->grab().toImage();
+    // An ellipsis leaves the upper half of the row's right end free, a letter cut off would not.
+    const QColor ground = _view->palette().color(QPalette::Base);
+    for (int y = cell.top(); y < cell.center().y() - 2; ++y)
+        QCOMPARE(shot.pixelColor(cell.right() - 5, y), ground);
+}
+
+void OutlineViewTest::rowsHaveAccessibleNames()
+{
+    showList(*_view);
+    _view->expandItem(_fruit);
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(_view.get());
+    QVERIFY(list);
+    QStringList names;
+    for (int i = 0; i < list->childCount(); ++i)
+        names.append(list->child(i)->text(QAccessible::Name));
+    for (const char *title : {"fruit", "apple", "pear", "herb"})
+        QVERIFY2(names.contains(QLatin1String(title)), qPrintable(names.join(',')));
+}
+
+QTEST_MAIN(OutlineViewTest)
+#include "OutlineViewTest.moc"
