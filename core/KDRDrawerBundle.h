@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ItemFile.h"
+#include "core/ItemFileStore.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/FileStamp.h"
 #include "platform/widgets/MenuItem.h"
@@ -66,7 +66,7 @@ public:
     QString bookmarkFilePath() const { return _itemFile.path(); }
     // Reads the item file; an empty tree and false when there is none or it cannot be read.
     bool loadBookmarkFile();
-    // Writes the item file, see ItemFile::save.
+    // Writes the item file, see ItemFileStore::save.
     bool saveBookmarkFile();
 
     // ---- Provisional items: site folders that are shown but not saved
@@ -160,7 +160,7 @@ private:
     FolderPtr _bookmarkRoot;
     FolderPtr _provisionalBookmarkRoot;
     std::vector<std::weak_ptr<HostWindow>> _windowTracker;
-    ItemFile _itemFile;
+    ItemFileStore _itemFile;
     QMenu *_contextualMenu = nullptr;
     std::optional<FileStamp> _safariBookmarkFileModDate;
     FolderPtr _safariBookmarkRoot;

@@ -10,7 +10,7 @@ class WayfoldBookmarkFolder;
 
 // The user's own file on disk. Whatever it holds that the tree in memory does not (it could not be read, some entries
 // are of kinds unknown here, another program has changed it) is copied aside before it is first written over.
-class ItemFile
+class ItemFileStore
 {
 public:
     void setPath(const QString &path) { _path = path; }

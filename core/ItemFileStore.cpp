@@ -1,10 +1,10 @@
-#include "core/ItemFile.h"
+#include "core/ItemFileStore.h"
 
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/Log.h"
 #include "platform/files/KeptCopy.h"
 
-std::shared_ptr<WayfoldBookmarkFolder> ItemFile::load()
+std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 {
     // Stamped first: a change that arrives while the file is read is then noticed before it is written over.
     _stamp = FileStamp::ofFile(_path);
@@ -17,7 +17,7 @@ std::shared_ptr<WayfoldBookmarkFolder> ItemFile::load()
     return reading.readable ? root : nullptr;
 }
 
-bool ItemFile::save(const WayfoldBookmarkFolder &root)
+bool ItemFileStore::save(const WayfoldBookmarkFolder &root)
 {
     if (!keepWhatWouldBeLost() || !root.writeDictionaryFile(_path))
         return false;
@@ -25,7 +25,7 @@ bool ItemFile::save(const WayfoldBookmarkFolder &root)
     return true;
 }
 
-bool ItemFile::keepWhatWouldBeLost()
+bool ItemFileStore::keepWhatWouldBeLost()
 {
     const std::optional<FileStamp> stamp = FileStamp::ofFile(_path);
     const bool holdsWhatWeKnow = stamp == _stamp && !_holdsMore;

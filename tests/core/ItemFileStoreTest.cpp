@@ -1,0 +1,287 @@
+#include "core/ItemFileStore.h"
+
+#include "model/WayfoldBookmarkFolder.h"
+#include "model/WayfoldBookmarkNote.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QtTest>
+#include <optional>
+#include <sys/stat.h>
+
+namespace
+{
+const QString name = QStringLiteral("Wayfold/Bookmarks.plist");
+
+QByteArray fileWith(const QByteArray &children)
+{
+    return "<plist version=\"1.0\"><dict><key>WebBookmarkType</key><string>WebBookmarkTypeList</string>"
+           "<key>WebBookmarkUUID</key><string>ROOT</string><key>Title</key><string></string>"
+           "<key>Children</key><array>" +
+           children + "</array></dict></plist>\n";
+}
+
+QByteArray note(const QByteArray &title)
+{
+    return "<dict><key>WebBookmarkType</key><string>WebBookmarkTypeNote</string>"
+           "<key>WebBookmarkUUID</key><string>" +
+           title + "</string><key>URIDictionary</key><dict><key>title</key><string>" + title +
+           "</string><key></key><string></string></dict><key>Note</key><string>text of " + title + "</string></dict>";
+}
+} // namespace
+
+// What the user wrote must never be lost: whatever the file holds that is not in the tree is kept beside it.
+class ItemFileStoreTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { _home.reset(); }
+
+    void missingFileIsWritten();
+    void readFileIsWrittenWithoutCopy();
+    void ownChangesAreWrittenWithoutCopy();
+    void unreadableFileIsKept_data();
+    void unreadableFileIsKept();
+    void fileWithSkippedEntriesIsKept_data();
+    void fileWithSkippedEntriesIsKept();
+    void fileChangedByAnotherProgramIsKept();
+    void fileThatAppearedIsKept();
+    void fileReplacedWithTheSameContentsIsKept();
+    void fileThatVanishedIsWrittenAnew();
+    void everyStateIsKeptOnce();
+    void saveIsRefusedWhenNothingCanBeKept();
+    void failedSaveKeepsNoSecondCopy();
+    void copyIsLogged();
+    void directoryIsNoFile();
+
+private:
+    QStringList keptCopies() const
+    {
+        return QDir(_home->path(QStringLiteral("Wayfold"))).entryList({QStringLiteral("*.kept-*")}, QDir::Files);
+    }
+    QByteArray keptContents(int index) const
+    {
+        return _home->read(QStringLiteral("Wayfold/") + keptCopies().value(index));
+    }
+    static WayfoldBookmarkFolderPtr treeWith(const QString &title)
+    {
+        auto root = WayfoldBookmarkFolder::bookmarkWithTitle(QString());
+        root->addChild(WayfoldBookmarkNote::bookmarkWithTitleAndNote(title, QStringLiteral("text")));
+        return root;
+    }
+
+    std::optional<TemporaryHome> _home;
+    ItemFileStore _file;
+};
+
+void ItemFileStoreTest::init()
+{
+    _home.emplace();
+    QVERIFY(QDir().mkpath(_home->path(QStringLiteral("Wayfold"))));
+    _file = ItemFileStore();
+    _file.setPath(_home->path(name));
+}
+
+void ItemFileStoreTest::missingFileIsWritten()
+{
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
+    QVERIFY(_home->read(name).contains("Milk"));
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::readFileIsWrittenWithoutCopy()
+{
+    _home->write(name, fileWith(note("Milk") + note("Bread")));
+    const auto root = _file.load();
+    QVERIFY(root);
+    QCOMPARE(root->childCount(), 2U);
+    root->removeChild(root->childAtIndex(0));
+    QVERIFY(_file.save(*root));
+    QVERIFY(!_home->read(name).contains("Milk"));
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::ownChangesAreWrittenWithoutCopy()
+{
+    QVERIFY(!_file.load());
+    for (const char *title : {"Milk", "Bread", "Salt"})
+        QVERIFY(_file.save(*treeWith(QString::fromLatin1(title))));
+    QVERIFY(_home->read(name).contains("Salt"));
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::unreadableFileIsKept_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::newRow("cut off") << fileWith(note("Milk")).left(200);
+    QTest::newRow("no property list") << QByteArray("these are my notes");
+    QTest::newRow("no dictionary") << QByteArray("<plist version=\"1.0\"><array/></plist>");
+    QTest::newRow("empty") << QByteArray("");
+}
+
+void ItemFileStoreTest::unreadableFileIsKept()
+{
+    QFETCH(QByteArray, contents);
+    _home->write(name, contents);
+    QVERIFY(!_file.load());
+    QCOMPARE(_home->read(name), contents);
+    QVERIFY(keptCopies().isEmpty()); // reading alone changes nothing
+
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Bread"))));
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(keptContents(0), contents);
+    static const QRegularExpression pattern(QStringLiteral("^Bookmarks\\.plist\\.kept-\\d{8}-\\d{6}$"));
+    QVERIFY2(pattern.match(keptCopies().constFirst()).hasMatch(), qPrintable(keptCopies().constFirst()));
+    QVERIFY(_home->read(name).contains("Bread"));
+}
+
+void ItemFileStoreTest::fileWithSkippedEntriesIsKept_data()
+{
+    QTest::addColumn<QByteArray>("children");
+    QTest::addColumn<unsigned>("entriesRead");
+
+    QTest::newRow("unknown kind") << note("Milk") + "<dict><key>WebBookmarkType</key><string>Drawing</string></dict>"
+                                  << 1U;
+    QTest::newRow("no title") << note("Milk") + note("") << 1U;
+    QTest::newRow("no dictionary") << note("Milk") + "<string>loose text</string>" << 1U;
+    QTest::newRow("unknown key") << note("Milk").replace("</string></dict>",
+                                                         "</string><key>Colour</key><string>red</string></dict>")
+                                 << 1U;
+}
+
+void ItemFileStoreTest::fileWithSkippedEntriesIsKept()
+{
+    QFETCH(QByteArray, children);
+    QFETCH(unsigned, entriesRead);
+    _home->write(name, fileWith(children));
+    const auto root = _file.load();
+    QVERIFY(root);
+    QCOMPARE(root->childCount(), entriesRead);
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(keptContents(0), fileWith(children));
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+}
+
+void ItemFileStoreTest::fileChangedByAnotherProgramIsKept()
+{
+    _home->write(name, fileWith(note("Milk")));
+    const auto root = _file.load();
+    const QByteArray others = fileWith(note("Milk") + note("Theirs"));
+    _home->write(name, others);
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(keptContents(0), others);
+    QVERIFY(!_home->read(name).contains("Theirs"));
+
+    // And again after a save of our own.
+    const QByteArray later = fileWith(note("Later"));
+    _home->write(name, later);
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 2);
+    QVERIFY(keptContents(0) == later || keptContents(1) == later);
+}
+
+void ItemFileStoreTest::fileThatAppearedIsKept()
+{
+    QVERIFY(!_file.load());
+    _home->write(name, fileWith(note("Theirs")));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Ours"))));
+    QCOMPARE(keptContents(0), fileWith(note("Theirs")));
+}
+
+void ItemFileStoreTest::fileReplacedWithTheSameContentsIsKept()
+{
+    // Another file under the same name is not looked into; a copy too many is no loss.
+    _home->write(name, fileWith(note("Milk")));
+    const auto root = _file.load();
+    _home->write(QStringLiteral("Wayfold/other"), fileWith(note("Milk")));
+    QVERIFY(QFile::remove(_home->path(name)));
+    QVERIFY(QFile::rename(_home->path(QStringLiteral("Wayfold/other")), _home->path(name)));
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+}
+
+void ItemFileStoreTest::fileThatVanishedIsWrittenAnew()
+{
+    _home->write(name, fileWith(note("Milk")));
+    const auto root = _file.load();
+    QVERIFY(QFile::remove(_home->path(name)));
+    QVERIFY(_file.save(*root));
+    QVERIFY(_home->read(name).contains("Milk"));
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::everyStateIsKeptOnce()
+{
+    _home->write(name, "unreadable");
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Bread"))));
+    QCOMPARE(keptCopies().size(), 1);
+
+    // Reading it again makes a new state, which is ours.
+    QVERIFY(_file.load());
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Salt"))));
+    QCOMPARE(keptCopies().size(), 1);
+}
+
+void ItemFileStoreTest::saveIsRefusedWhenNothingCanBeKept()
+{
+    // A pipe in place of the file can be neither read nor copied, whoever runs this.
+    QVERIFY(!_file.load());
+    QCOMPARE(::mkfifo(QFile::encodeName(_home->path(name)).constData(), 0600), 0);
+    QVERIFY(!_file.save(*treeWith(QStringLiteral("Milk"))));
+    QVERIFY(QFileInfo::exists(_home->path(name)));
+    QVERIFY(!QFileInfo(_home->path(name)).isFile());
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::failedSaveKeepsNoSecondCopy()
+{
+    _home->write(name, "unreadable");
+    QVERIFY(!_file.load());
+    const QByteArray before = _home->read(name);
+    // A tree that a property list cannot hold deeply enough to be read back is not written.
+    auto root = WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral("0"));
+    auto deepest = root;
+    for (int depth = 0; depth < 1200; ++depth) {
+        auto folder = WayfoldBookmarkFolder::bookmarkWithTitle(QString::number(depth));
+        deepest->addChild(folder);
+        deepest = folder;
+    }
+    QVERIFY(!_file.save(*root));
+    QVERIFY(!_file.save(*root));
+    QCOMPARE(_home->read(name), before);
+    QCOMPARE(keptCopies().size(), 1);
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
+    QCOMPARE(keptCopies().size(), 1);
+}
+
+void ItemFileStoreTest::copyIsLogged()
+{
+    _home->write(name, "unreadable");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("Could not read")));
+    QVERIFY(!_file.load());
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("kept aside before it is written over")));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("Kept a copy of .*Bookmarks\\.plist")));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
+}
+
+void ItemFileStoreTest::directoryIsNoFile()
+{
+    QVERIFY(QDir().mkpath(_home->path(name)));
+    QVERIFY(!_file.load());
+    QVERIFY(!_file.save(*treeWith(QStringLiteral("Milk"))));
+    QVERIFY(QFileInfo(_home->path(name)).isDir());
+}
+
+QTEST_GUILESS_MAIN(ItemFileStoreTest)
+#include "ItemFileStoreTest.moc"
