@@ -30,6 +30,11 @@
 
 namespace
 {
+bool isRoot()
+{
+    return geteuid() == 0;
+}
+
 QString dataFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
@@ -104,10 +109,8 @@ void Browser::prepareProcess()
     QGuiApplication::setDesktopFileName(QStringLiteral("wayfold-browser"));
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     StartPage::registerScheme();
-    if (geteuid() == 0 && !qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX")) {
-        qCWarning(logWayfold) << "Running as root: pages are not kept in a sandbox";
+    if (isRoot())
         qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    }
     // A drawer has to be put beside its window, which Wayland lets nobody do.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
         !qEnvironmentVariableIsEmpty("DISPLAY"))
@@ -146,6 +149,8 @@ Browser::~Browser()
 
 void Browser::start(const QStringList &arguments)
 {
+    if (isRoot())
+        qCWarning(logWayfold) << "Running as root: pages are not kept in a sandbox";
     QStringList addresses;
     for (const QString &argument : arguments) {
         if (!argument.startsWith(QLatin1String("--")))

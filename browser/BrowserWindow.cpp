@@ -155,10 +155,17 @@ void BrowserWindow::showDownload(QWebEngineDownloadRequest *download)
 
 void BrowserWindow::showPageAt(const QRect &geometry)
 {
+    // Before it is shown, nothing has been laid out, and a pop-up window is all page.
+    const QSize around = isVisible() ? size() - _pages->size() : QSize(0, 0);
+    const QRect screen = this->screen()->availableGeometry();
     if (geometry.width() > 0 && geometry.height() > 0)
-        resize(geometry.size() + size() - _pages->size());
-    if (!geometry.topLeft().isNull())
-        move(geometry.topLeft());
+        resize((geometry.size() + around).boundedTo(screen.size()));
+    if (geometry.topLeft().isNull())
+        return;
+    // No page may hide its window beyond the edge of the screen.
+    const QSize room = (screen.size() - frameGeometry().size()).expandedTo(QSize(0, 0));
+    const QPoint place = geometry.topLeft() - screen.topLeft();
+    move(screen.topLeft() + QPoint(qBound(0, place.x(), room.width()), qBound(0, place.y(), room.height())));
 }
 
 void BrowserWindow::newTab()

@@ -146,6 +146,8 @@ bool WebView::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Paint || event->type() == QEvent::UpdateRequest)
         announceDrawing();
+    else if (event->type() == QEvent::Hide || event->type() == QEvent::Show)
+        keepKeyboard(static_cast<QWidget *>(watched));
     return QWebEngineView::eventFilter(watched, event);
 }
 
@@ -187,6 +189,19 @@ void WebView::watchChild(QObject *child)
 {
     if (child->isWidgetType())
         child->installEventFilter(this);
+}
+
+// A page from another site comes with another child, and the keyboard would go astray: to the next button of the window
+// or, as if by Tab, to the first link of the page.
+void WebView::keepKeyboard(QWidget *child)
+{
+    if (child->isHidden() && child->hasFocus()) {
+        _formerChildHadKeyboard = true;
+        child->clearFocus();
+    } else if (!child->isHidden() && _formerChildHadKeyboard) {
+        _formerChildHadKeyboard = false;
+        child->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void WebView::loadingChanged(const QWebEngineLoadingInfo &info)

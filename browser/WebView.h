@@ -68,6 +68,7 @@ protected:
 private:
     void connectPage();
     void watchChild(QObject *child);
+    void keepKeyboard(QWidget *child);
     void loadingChanged(const QWebEngineLoadingInfo &info);
     void urlChanged(const QUrl &url);
     void titleChanged(const QString &title);
@@ -85,5 +86,6 @@ private:
     std::unique_ptr<HostWebViewDrawing> _drawing;
     QUrl _askedFor; // what the user has asked for here and what has not come yet
     bool _pageHasFinished = false;
+    bool _formerChildHadKeyboard = false;
     int _progress = 100;
 };
