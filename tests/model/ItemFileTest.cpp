@@ -1,0 +1,537 @@
+#include "tests/model/ModelTestSupport.h"
+
+#include "model/WayfoldBookmarkAutoFolder.h"
+#include "platform/files/PropertyList.h"
+
+#include <QtTest>
+
+// The item file as a whole: what is written, and what is made of any file that is found in its place.
+class ItemFileTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<FreshHome> _home;
+    QString path() const { return _home->path("Bookmarks.plist"); }
+    WayfoldBookmarkFolderPtr readBack(ItemFileReading *reading = nullptr) const
+    {
+        return WayfoldBookmarkFolder::readDictionaryFile(path(), reading);
+    }
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void writesEveryKind();
+    void writesAnEmptyRoot();
+    void readsWhatItWrote();
+    void smartFoldersAreLeftOut();
+    void historyEntriesTravelEmpty();
+    void rawSearchStringIsWritten();
+    void missingSearchStringBecomesTheTitle();
+    void loadingReplacesTheContents();
+    void entries_data();
+    void entries();
+    void foldersOfTheBrowser();
+    void withoutInsertAFolderIsLoadedIntoThisOne();
+    void missingFile();
+    void unreadableFiles_data();
+    void unreadableFiles();
+    void rootOfAnotherKind();
+    void report_data();
+    void report();
+    void valuesOfOtherTypes();
+    void truncatedFiles();
+    void oddTexts();
+    void cannotBeWritten();
+    void deepestTree();
+};
+
+void ItemFileTest::init()
+{
+    _home = std::make_unique<FreshHome>();
+}
+
+void ItemFileTest::cleanup()
+{
+    QLoggingCategory::setFilterRules({});
+    _home.reset();
+}
+
+static WayfoldBookmarkFolderPtr sampleTree()
+{
+    const auto site =
+        makeFolder("example.com", {makeLink("Page", "http://www.example.com/a?b=c&d"),
+                                   makeLink("Report", "file:///tmp/report.txt"), makeLink("Mail", "mailto:ann"),
+                                   WayfoldBookmarkNote::bookmarkWithTitleAndNote("Note", "Two\nlines")});
+    site->setFilterString("example");
+    const auto empty = makeFolder("Empty");
+    empty->setFilterString("Empty");
+    const auto root = makeFolder("Root", {site, empty});
+    root->setFilterString("Root");
+    return root;
+}
+
+// The dictionary without the entries that have no value.
+static QVariantMap known(QVariantMap dictionary)
+{
+    dictionary.removeIf([](const auto entry) { return !entry.value().isValid(); });
+    return dictionary;
+}
+
+static QVariantMap leaf(const QVariant &title, const QVariant &address)
+{
+    return known({{"WebBookmarkType", "WebBookmarkTypeLeaf"},
+                  {"URLString", address},
+                  {"URIDictionary", known({{"title", title}, {"", address}})}});
+}
+
+static QVariantMap list(const QVariant &title, const QVariantList &children)
+{
+    return known({{"WebBookmarkType", "WebBookmarkTypeList"}, {"Title", title}, {"Children", children}});
+}
+
+void ItemFileTest::writesEveryKind()
+{
+    const auto root = sampleTree();
+    QVERIFY(root->writeDictionaryFile(path()));
+    const auto site = WayfoldBookmarkFolder::fromItem(root->childAtIndex(0));
+    const auto uuid = [&](unsigned index) { return site->childAtIndex(index)->uuid(); };
+    const auto linkDictionary = [&](unsigned index, const QString &title, const QString &address) {
+        return QVariantMap{{"WebBookmarkType", "WebBookmarkTypeLeaf"},
+                           {"WebBookmarkUUID", uuid(index)},
+                           {"URLString", address},
+                           {"URIDictionary", QVariantMap{{"title", title}, {"", address}}}};
+    };
+    const QVariantMap note{{"WebBookmarkType", "WebBookmarkTypeNote"},
+                           {"WebBookmarkUUID", uuid(3)},
+                           {"Note", "Two\nlines"},
+                           {"URIDictionary", QVariantMap{{"title", "Note"}, {"", ""}}}};
+    const QVariantMap siteDictionary{
+        {"WebBookmarkType", "WebBookmarkTypeList"},
+        {"WebBookmarkUUID", site->uuid()},
+        {"Title", "example.com"},
+        {"SearchString", "example"},
+        {"Children", QVariantList{linkDictionary(0, "Page", "http://www.example.com/a?b=c&d"),
+                                  linkDictionary(1, "Report", "file:///tmp/report.txt"),
+                                  linkDictionary(2, "Mail", "mailto:ann"), note}}};
+    const QVariantMap empty{{"WebBookmarkType", "WebBookmarkTypeList"},
+                            {"WebBookmarkUUID", root->childAtIndex(1)->uuid()},
+                            {"Title", "Empty"},
+                            {"SearchString", "Empty"},
+                            {"Children", QVariantList()}};
+    const QVariantMap expected{{"WebBookmarkType", "WebBookmarkTypeList"},
+                               {"WebBookmarkUUID", root->uuid()},
+                               {"Title", "Root"},
+                               {"SearchString", "Root"},
+                               {"Children", QVariantList{siteDictionary, empty}}};
+    QCOMPARE(PropertyList::readDictionaryFile(path()), expected);
+    QVERIFY(_home->read("Bookmarks.plist").startsWith("<?xml"));
+}
+
+void ItemFileTest::writesAnEmptyRoot()
+{
+    QVERIFY(std::make_shared<WayfoldBookmarkFolder>()->writeDictionaryFile(path()));
+    const QVariantMap dictionary = PropertyList::readDictionaryFile(path());
+    QCOMPARE(dictionary["Title"], QVariant(""));
+    QCOMPARE(dictionary["SearchString"], QVariant(""));
+    QCOMPARE(dictionary["Children"], QVariant(QVariantList()));
+    const auto root = readBack();
+    QVERIFY(root->title().isEmpty() && !root->title().isNull()); // what was none is an empty text now
+    QCOMPARE(root->uuid(), dictionary["WebBookmarkUUID"].toString());
+}
+
+void ItemFileTest::readsWhatItWrote()
+{
+    const auto root = sampleTree();
+    QVERIFY(root->writeDictionaryFile(path()));
+    ItemFileReading reading;
+    const auto read = readBack(&reading);
+    QVERIFY(root->isEqual(read));
+    QVERIFY(read->isEqual(root));
+    QVERIFY(reading.readable);
+    QVERIFY(reading.complete);
+    QCOMPARE(reading.skippedEntries, 0);
+    QCOMPARE(read->childAtIndex(0)->parent(), read);
+    const auto site = WayfoldBookmarkFolder::fromItem(read->childAtIndex(0));
+    for (unsigned i = 0; i < 4; ++i)
+        QCOMPARE(int(site->childAtIndex(i)->type()), (std::array{2, 3, 5, 4})[i]);
+    QVERIFY(root->isEqual(WayfoldBookmarkFolder::bookmarkFromDictionaryFile(path())));
+    // Written once more it is the same file.
+    const QByteArray first = _home->read("Bookmarks.plist");
+    QVERIFY(read->writeDictionaryFile(path()));
+    QCOMPARE(_home->read("Bookmarks.plist"), first);
+}
+
+void ItemFileTest::smartFoldersAreLeftOut()
+{
+    const auto site = makeFolder("example.com", {makeLink("Page")});
+    site->addAutoFolders();
+    const auto smart = WayfoldBookmarkFolder::fromItem(site->childAtIndex(1));
+    smart->addChild(makeLink("Inside"));
+    const auto root = makeFolder("Root", {site});
+    QCOMPARE(root->createDictionary(true)["Children"].toList()[0].toMap()["Children"].toList().size(), 1);
+    const QVariantList all = root->createDictionary(false)["Children"].toList()[0].toMap()["Children"].toList();
+    QCOMPARE(all.size(), 3);
+    QCOMPARE(all[1].toMap()["Title"], QVariant("Related Bookmarks"));
+    QCOMPARE(all[1].toMap()["Children"].toList().size(), 1);
+    QCOMPARE(all[2].toMap()["Title"], QVariant("Related History"));
+    QVERIFY(root->writeDictionaryFile(path()));
+    const QByteArray file = _home->read("Bookmarks.plist");
+    QVERIFY(!file.contains("Related"));
+    QVERIFY(!file.contains("Inside"));
+    QVERIFY(file.contains("Page"));
+}
+
+void ItemFileTest::historyEntriesTravelEmpty()
+{
+    const auto root = makeFolder("Root");
+    root->parseHistoryDictionary({{"", "http://a.example/"}, {"title", "T"}, {"lastVisitedDate", "1"}});
+    QCOMPARE(root->createDictionary(true)["Children"], QVariant(QVariantList{QVariantMap()}));
+}
+
+void ItemFileTest::rawSearchStringIsWritten()
+{
+    const auto site = makeFolder("example.com");
+    QCOMPARE(site->createDictionary(true)["SearchString"], QVariant(""));
+    QVERIFY(!site->createDictionary(true)["SearchString"].toString().isNull());
+    site->setFilterString("exam");
+    QCOMPARE(site->createDictionary(true)["SearchString"], QVariant("exam"));
+}
+
+void ItemFileTest::missingSearchStringBecomesTheTitle()
+{
+    for (const QVariant &stored : {QVariant(), QVariant("")}) {
+        const auto site = WayfoldBookmarkFolder::bookmarkFromDictionary({{"Title", "A"}, {"SearchString", stored}});
+        QCOMPARE(site->filterString(), "A");
+        QCOMPARE(site->createDictionary(true)["SearchString"], QVariant("A"));
+        site->setTitle("B");
+        QCOMPARE(site->filterString(), "A");
+    }
+    QCOMPARE(WayfoldBookmarkFolder::bookmarkFromDictionary({{"Title", "A"}, {"SearchString", "B"}})->filterString(),
+             "B");
+}
+
+void ItemFileTest::loadingReplacesTheContents()
+{
+    const auto site = makeFolder("Old", {makeLink("Old link")});
+    const QString oldUUID = site->uuid();
+    site->setFilterString("old");
+    site->setTimestamp({});
+    site->loadFromDictionary(list("New", {leaf("New link", "http://a.example/")}));
+    QCOMPARE(site->title(), "New");
+    QCOMPARE(childTitles(*site), QStringList{"New link"});
+    QCOMPARE(site->filterString(), "New");
+    QVERIFY(site->uuid() != oldUUID);
+    QVERIFY(site->timestamp().isValid());
+    site->loadFromDictionary({{"Title", "T"}, {"WebBookmarkUUID", ""}});
+    QCOMPARE(site->uuid().size(), 36);
+    site->initFromDictionary({{"Title", "T"}, {"WebBookmarkUUID", "Kept"}});
+    QCOMPARE(site->uuid(), "Kept");
+    QCOMPARE(site->childCount(), 0u);
+}
+
+void ItemFileTest::entries_data()
+{
+    QTest::addColumn<QVariant>("entry");
+    QTest::addColumn<int>("type"); // of the item, 0: left out
+    const auto with = [](QVariantMap dictionary, const QString &key, const QVariant &value) {
+        dictionary[key] = value;
+        return QVariant(known(dictionary));
+    };
+    const QVariantMap note{{"WebBookmarkType", "WebBookmarkTypeNote"}, {"URIDictionary", QVariantMap{{"title", "T"}}}};
+    QTest::newRow("folder") << QVariant(list("T", {})) << 1;
+    QTest::newRow("bookmarks bar") << with(list("T", {}), "WebBookmarkType", "BookmarksBar") << 1;
+    QTest::newRow("bookmarks menu") << with(list("T", {}), "WebBookmarkType", "BookmarksMenu") << 1;
+    QTest::newRow("folder, empty title") << QVariant(list("", {leaf("T", "http://a.example/")})) << 0;
+    QTest::newRow("folder, no title") << QVariant(list(QVariant(), {leaf("T", "http://a.example/")})) << 0;
+    QTest::newRow("web link") << QVariant(leaf("T", "http://a.example/")) << 2;
+    QTest::newRow("file link") << QVariant(leaf("T", "file:///tmp/a")) << 3;
+    QTest::newRow("e-mail link") << QVariant(leaf("T", "mailto:ann")) << 5;
+    QTest::newRow("link, no address") << QVariant(leaf("T", QVariant())) << 2;
+    QTest::newRow("link, empty title") << QVariant(leaf("", "http://a.example/")) << 0;
+    QTest::newRow("link, no title") << QVariant(leaf(QVariant(), "http://a.example/")) << 0;
+    QTest::newRow("e-mail link, no title") << QVariant(leaf(QVariant(), "mailto:ann")) << 0;
+    QTest::newRow("link, no dictionary") << with(leaf("T", "http://a.example/"), "URIDictionary", QVariant()) << 0;
+    QTest::newRow("note") << QVariant(note) << 4;
+    QTest::newRow("note, no title") << with(note, "URIDictionary", QVariantMap()) << 0;
+    QTest::newRow("note, empty title") << with(note, "URIDictionary", QVariantMap{{"title", ""}}) << 0;
+    QTest::newRow("proxy") << with(list("T", {}), "WebBookmarkType", "WebBookmarkTypeProxy") << 0;
+    QTest::newRow("other case") << with(list("T", {}), "WebBookmarkType", "webbookmarktypelist") << 0;
+    QTest::newRow("no type") << with(list("T", {}), "WebBookmarkType", QVariant()) << 0;
+    QTest::newRow("type of another type") << with(list("T", {}), "WebBookmarkType", 1) << 0;
+    QTest::newRow("empty dictionary") << QVariant(QVariantMap()) << 0;
+    QTest::newRow("a text") << QVariant("WebBookmarkTypeList") << 0;
+    QTest::newRow("a list") << QVariant(QVariantList{list("T", {})}) << 0;
+}
+
+void ItemFileTest::entries()
+{
+    QFETCH(QVariant, entry);
+    QFETCH(int, type);
+    const QVariantList children{leaf("Before", "http://a.example/"), entry, leaf("After", "http://a.example/")};
+    QVERIFY(PropertyList::writeFile(list("Root", children), path()));
+    const auto root = readBack();
+    QCOMPARE(root->childCount(), type == 0 ? 2u : 3u);
+    QCOMPARE(root->childAtIndex(0)->title(), "Before");
+    QCOMPARE(root->lastChild()->title(), "After");
+    if (type == 0)
+        return;
+    QCOMPARE(int(root->childAtIndex(1)->type()), type);
+    QCOMPARE(root->childAtIndex(1)->title(), "T");
+    QCOMPARE(root->childAtIndex(1)->parent(), root);
+}
+
+void ItemFileTest::foldersOfTheBrowser()
+{
+    const QVariantMap bar{{"WebBookmarkType", "WebBookmarkTypeList"},
+                          {"Title", "BookmarksBar"},
+                          {"WebBookmarkUUID", "Bookmarks Bar ID"},
+                          {"Children", QVariantList{leaf("News", "http://news.example/")}}};
+    const QVariantMap proxy{{"WebBookmarkType", "WebBookmarkTypeProxy"}, {"Title", "History"}};
+    const QVariantMap file{{"WebBookmarkFileVersion", 1},
+                           {"WebBookmarkType", "WebBookmarkTypeList"},
+                           {"WebBookmarkUUID", "Root"},
+                           {"Children", QVariantList{proxy, bar, list("", {leaf("Gone", "http://a.example/")}),
+                                                     list("Folder", {leaf("Mail", "mailto:ann")})}}};
+    QVERIFY(PropertyList::writeFile(file, path()));
+    ItemFileReading reading;
+    const auto root = readBack(&reading);
+    QVERIFY(root->title().isNull());
+    QCOMPARE(root->uuid(), "Root");
+    QCOMPARE(childTitles(*root), (QStringList{"BookmarksBar", "Folder"}));
+    QCOMPARE(root->childAtIndex(0)->uuid(), "Bookmarks Bar ID");
+    QCOMPARE(WayfoldBookmarkFolder::fromItem(root->childAtIndex(0))->filterString(), "BookmarksBar");
+    QVERIFY(root->bookmarksWithSubstring("Gone").empty());
+    QCOMPARE(reading.skippedEntries, 3);
+    QVERIFY(!reading.complete);
+}
+
+void ItemFileTest::withoutInsertAFolderIsLoadedIntoThisOne()
+{
+    const auto root = makeFolder("Old", {makeLink("Old link")});
+    root->parseBookmarkDictionaryInsert(list("New", {leaf("New link", "http://a.example/")}), false);
+    QCOMPARE(root->title(), "New");
+    QCOMPARE(childTitles(*root), QStringList{"New link"});
+    root->parseBookmarkDictionaryInsert(leaf("Another", "http://a.example/"), false);
+    QCOMPARE(childTitles(*root), (QStringList{"New link", "Another"}));
+}
+
+void ItemFileTest::missingFile()
+{
+    ItemFileReading reading;
+    const auto root = readBack(&reading);
+    QVERIFY(root);
+    QVERIFY(root->title().isNull());
+    QCOMPARE(root->childCount(), 0u);
+    QVERIFY(!reading.readable);
+    QVERIFY(!reading.complete);
+    QVERIFY(WayfoldBookmarkFolder::bookmarkFromDictionaryFile(QString())->title().isNull());
+}
+
+void ItemFileTest::unreadableFiles_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no property list") << QByteArray("This is no property list.");
+    QTest::newRow("another top level") << PropertyList::toXml(QVariantList{"text"});
+    QTest::newRow("damaged") << PropertyList::toXml(list("T", {})).replace("</dict>", "</array>");
+    QTest::newRow("zeros") << QByteArray(100, '\0');
+}
+
+void ItemFileTest::unreadableFiles()
+{
+    QFETCH(QByteArray, contents);
+    _home->write("Bookmarks.plist", contents);
+    ItemFileReading reading{true, 7, true};
+    const auto root = readBack(&reading);
+    QVERIFY(root->title().isNull());
+    QCOMPARE(root->childCount(), 0u);
+    QVERIFY(!reading.readable);
+    QVERIFY(!reading.complete);
+    QCOMPARE(reading.skippedEntries, 0);
+}
+
+void ItemFileTest::rootOfAnotherKind()
+{
+    // The top level is taken for a folder whatever it says.
+    QVERIFY(PropertyList::writeFile(QVariantMap{{"WebBookmarkType", "Other"}, {"Title", "T"}}, path()));
+    ItemFileReading reading;
+    QCOMPARE(readBack(&reading)->title(), "T");
+    QVERIFY(reading.readable);
+    QVERIFY(!reading.complete);
+}
+
+void ItemFileTest::report_data()
+{
+    QTest::addColumn<QVariantMap>("file");
+    QTest::addColumn<int>("skipped");
+    QTest::addColumn<bool>("complete");
+    const auto with = [](QVariantMap dictionary, const QString &key, const QVariant &value) {
+        dictionary[key] = value;
+        return dictionary;
+    };
+    const QVariantMap page = leaf("T", "http://a.example/");
+    QTest::newRow("nothing in it") << QVariantMap() << 0 << true;
+    QTest::newRow("no search strings, no identifiers") << list("R", {page, list("F", {page})}) << 0 << true;
+    QTest::newRow("empty texts") << with(with(list("R", {page}), "SearchString", ""), "WebBookmarkUUID", "") << 0
+                                 << true;
+    QTest::newRow("unknown kind") << list("R", {page, with(page, "WebBookmarkType", "Newer")}) << 1 << false;
+    QTest::newRow("untitled link") << list("R", {leaf("", "http://a.example/")}) << 1 << false;
+    QTest::newRow("untitled folder and all in it") << list("R", {list("", {page, list("F", {page})})}) << 4 << false;
+    QTest::newRow("no dictionary") << list("R", {page, "text"}) << 1 << false;
+    QTest::newRow("unknown key") << list("R", {with(page, "Colour", "red")}) << 0 << false;
+    QTest::newRow("unknown key at the top") << with(list("R", {page}), "Version", 1) << 0 << false;
+    QTest::newRow("address that is none") << list("R", {leaf("T", "http://a b/")}) << 0 << false;
+    QTest::newRow("children of another type") << with(list("R", {}), "Children", "text") << 0 << false;
+    QTest::newRow("children of a link") << list("R", {with(page, "Children", QVariantList{page})}) << 1 << false;
+    QTest::newRow("long note") << list("R", {QVariantMap{{"WebBookmarkType", "WebBookmarkTypeNote"},
+                                                         {"URIDictionary", QVariantMap{{"title", "T"}}},
+                                                         {"Note", QString(40000, 'a')}}})
+                               << 0 << false;
+    QTest::newRow("two addresses") << list("R", {with(page, "URLString", "http://b.example/")}) << 0 << false;
+}
+
+void ItemFileTest::report()
+{
+    QFETCH(QVariantMap, file);
+    QVERIFY(PropertyList::writeFile(file, path()));
+    ItemFileReading reading;
+    const auto root = readBack(&reading);
+    QVERIFY(reading.readable);
+    QTEST(reading.skippedEntries, "skipped");
+    QTEST(reading.complete, "complete");
+    // Written again, nothing is left to lose.
+    QVERIFY(root->writeDictionaryFile(path()));
+    readBack(&reading);
+    QCOMPARE(reading.skippedEntries, 0);
+    QVERIFY(reading.complete);
+}
+
+// Calls `visit` with a copy of the value for every place in it, that place taken by `replacement`.
+static void replaceEach(const QVariant &value, const QVariant &replacement,
+                        const std::function<void(const QVariant &, const QVariant &)> &visit)
+{
+    if (value.typeId() == QMetaType::QVariantMap) {
+        const QVariantMap dictionary = value.toMap();
+        for (auto entry = dictionary.begin(); entry != dictionary.end(); ++entry) {
+            const auto visitWhole = [&](const QVariant &changed, const QVariant &old) {
+                QVariantMap whole = dictionary;
+                whole[entry.key()] = changed;
+                visit(whole, old);
+            };
+            visitWhole(replacement, entry.value());
+            replaceEach(entry.value(), replacement, visitWhole);
+        }
+    } else if (value.typeId() == QMetaType::QVariantList) {
+        const QVariantList list = value.toList();
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            const auto visitWhole = [&](const QVariant &changed, const QVariant &old) {
+                QVariantList whole = list;
+                whole[i] = changed;
+                visit(whole, old);
+            };
+            visitWhole(replacement, list[i]);
+            replaceEach(list[i], replacement, visitWhole);
+        }
+    }
+}
+
+void ItemFileTest::valuesOfOtherTypes()
+{
+    const auto root = sampleTree();
+    const QVariantMap file = root->createDictionary(true);
+    const QVariantList replacements{"text",
+                                    7LL,
+                                    quint64(-1),
+                                    7.5,
+                                    true,
+                                    QDateTime(QDate(2004, 5, 1), QTime(8, 0), Qt::UTC),
+                                    QByteArray("data"),
+                                    QVariantList{"text", 7LL, QVariantMap{{"Title", "T"}}},
+                                    QVariantMap{{"title", 7LL}, {"Children", "text"}}};
+    int count = 0;
+    for (const QVariant &replacement : replacements) {
+        replaceEach(file, replacement, [&](const QVariant &changed, const QVariant &old) {
+            if (old.typeId() == replacement.typeId())
+                return;
+            ++count;
+            _home->write("Bookmarks.plist", PropertyList::toXml(changed));
+            ItemFileReading reading;
+            const auto read = readBack(&reading);
+            QVERIFY(reading.readable);
+            QVERIFY(!reading.complete);
+            QVERIFY(reading.skippedEntries >= 0);
+            QVERIFY(read->deepChildCount() <= root->deepChildCount());
+            const QVariantMap rewritten = read->createDictionary(true);
+            QCOMPARE(WayfoldBookmarkFolder::bookmarkFromDictionary(rewritten)->createDictionary(true), rewritten);
+        });
+        if (QTest::currentTestFailed())
+            return;
+    }
+    QVERIFY(count > 200);
+}
+
+void ItemFileTest::truncatedFiles()
+{
+    QVERIFY(sampleTree()->writeDictionaryFile(path()));
+    const QByteArray whole = _home->read("Bookmarks.plist");
+    const qsizetype end = whole.lastIndexOf("</plist>");
+    QVERIFY(end > 0);
+    QLoggingCategory::setFilterRules("wayfold.files=false"); // a line for each of them
+    for (qsizetype length = 0; length < end; length += 7) {
+        _home->write("Bookmarks.plist", whole.left(length));
+        ItemFileReading reading;
+        const auto root = readBack(&reading);
+        QVERIFY2(!reading.readable, qPrintable(QString::number(length)));
+        QCOMPARE(root->childCount(), 0u);
+        QVERIFY(root->title().isNull());
+    }
+}
+
+void ItemFileTest::oddTexts()
+{
+    const QStringList texts{" ",   "\n",    "<&>\"'", QString::fromUtf8("Ünïcödé 😀 \u202e"),
+                            "]]>", "%1 %n", "/",      QString(5000, 'x')};
+    for (const QString &text : texts) {
+        const auto root =
+            makeFolder(text, {WayfoldBookmarkNote::bookmarkWithTitleAndNote(text, text), makeFolder(text)});
+        root->setFilterString(text);
+        WayfoldBookmarkFolder::fromItem(root->lastChild())->setFilterString(text);
+        QVERIFY(root->writeDictionaryFile(path()));
+        ItemFileReading reading;
+        QVERIFY2(root->isEqual(readBack(&reading)), qPrintable(text));
+        QVERIFY(reading.complete);
+    }
+}
+
+void ItemFileTest::cannotBeWritten()
+{
+    const auto root = sampleTree();
+    QVERIFY(!root->writeDictionaryFile(_home->path("missing/Bookmarks.plist")));
+    QVERIFY(!root->writeDictionaryFile(_home->path()));
+    QVERIFY(!root->writeDictionaryFile(QString()));
+    QVERIFY(root->writeDictionaryFile(path()));
+}
+
+void ItemFileTest::deepestTree()
+{
+    // Whatever is written can be read again; what could not is not written.
+    int deepest = 0;
+    auto root = makeFolder("T", {makeLink("L")});
+    for (int depth = 1; depth < 600; ++depth) {
+        if (depth >= 500) {
+            const bool written = root->writeDictionaryFile(path());
+            if (!written)
+                break;
+            deepest = depth;
+            QCOMPARE(readBack()->deepChildCount(), root->deepChildCount());
+        }
+        root = makeFolder("T", {root});
+    }
+    QVERIFY(deepest >= 500);
+    QVERIFY(deepest < 520);
+}
+
+QTEST_MAIN(ItemFileTest)
+#include "ItemFileTest.moc"

@@ -1,0 +1,145 @@
+#include "tests/model/ModelTestSupport.h"
+
+#include "model/WayfoldBookmarkAutoFolder.h"
+
+#include <QtTest>
+
+class WayfoldBookmarkAutoFolderTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<FreshHome> _home;
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void collectsForASite();
+    void foldersAreNotShownButTheirContents();
+    void contacts();
+    void groupsOfContactsAreLeftOut();
+    void sortedByTitle();
+    void contentsAreReplaced();
+    void searchStringChanges();
+    void givenRoot();
+    void withoutSources();
+};
+
+void WayfoldBookmarkAutoFolderTest::init()
+{
+    _home = std::make_unique<FreshHome>();
+}
+
+void WayfoldBookmarkAutoFolderTest::cleanup()
+{
+    _home.reset();
+}
+
+void WayfoldBookmarkAutoFolderTest::collectsForASite()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("Zebra at EXAMPLE.com"));
+    sources.bookmarks->addChild(makeFolder("Inner", {makeLink("Ant", "http://www.example.com/"), makeLink("Other")}));
+    const auto site = makeFolder("example.com");
+    site->addAutoFolders();
+    const KDRBookmarkPtr related = site->childAtIndex(0);
+    const auto smart = WayfoldBookmarkFolder::fromItem(related);
+    QCOMPARE(smart->childCount(), 0u);
+    smart->ensureUpToDate();
+    QCOMPARE(childTitles(*smart), (QStringList{"Ant", "Zebra at EXAMPLE.com"}));
+    QCOMPARE(sources.contactSearches, QStringList{"example.com"});
+    QCOMPARE(smart->childAtIndex(1)->uuid(), sources.bookmarks->childAtIndex(0)->uuid());
+    QVERIFY(smart->childAtIndex(1) != sources.bookmarks->childAtIndex(0));
+    QVERIFY(!smart->childAtIndex(0)->acceptsDroppedItems());
+    QCOMPARE(sources.bookmarks->deepChildCount(), 4u);
+}
+
+void WayfoldBookmarkAutoFolderTest::foldersAreNotShownButTheirContents()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeFolder("News", {makeLink("news here"), makeLink("nothing")}));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    QVERIFY(smart->refresh());
+    QCOMPARE(childTitles(*smart), QStringList{"news here"});
+}
+
+void WayfoldBookmarkAutoFolderTest::contacts()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("m news"));
+    const auto person = KDRBookmark::bookmarkWithTitle("Ann");
+    sources.contacts = {KDRBookmark::bookmarkWithTitle("Zoe"), person};
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), (QStringList{"Ann", "m news", "Zoe"}));
+    QVERIFY(smart->childAtIndex(0) != person); // a copy, as all of them
+    QCOMPARE(smart->childAtIndex(0)->uuid(), person->uuid());
+}
+
+void WayfoldBookmarkAutoFolderTest::groupsOfContactsAreLeftOut()
+{
+    FakeSmartFolderSources sources;
+    sources.contacts = {makeFolder("Group", {makeLink("Member")}), KDRBookmark::bookmarkWithTitle("Person")};
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"Person"});
+}
+
+void WayfoldBookmarkAutoFolderTest::sortedByTitle()
+{
+    FakeSmartFolderSources sources;
+    for (const char *title : {"x C", "x a", "x B", "X b"})
+        sources.bookmarks->addChild(makeLink(title));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("x ");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), (QStringList{"x a", "x B", "X b", "x C"}));
+}
+
+void WayfoldBookmarkAutoFolderTest::contentsAreReplaced()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("news 1"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->ensureUpToDate();
+    sources.bookmarks = makeFolder("Bookmarks", {makeLink("news 2")});
+    smart->ensureUpToDate();
+    QCOMPARE(childTitles(*smart), QStringList{"news 1"});
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"news 2"});
+    sources.bookmarks = nullptr;
+    smart->refresh();
+    QCOMPARE(smart->childCount(), 0u);
+}
+
+void WayfoldBookmarkAutoFolderTest::searchStringChanges()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("cats"));
+    sources.bookmarks->addChild(makeLink("dogs"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("Related Bookmarks");
+    smart->setFilterString("cats");
+    QCOMPARE(smart->childCount(), 0u);
+    smart->ensureUpToDate();
+    QCOMPARE(childTitles(*smart), QStringList{"cats"});
+    smart->setFilterString("dogs");
+    QCOMPARE(childTitles(*smart), QStringList{"dogs"});
+}
+
+void WayfoldBookmarkAutoFolderTest::givenRoot()
+{
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("x");
+    smart->refreshFromBookmarkRoot(makeFolder("Root", {makeLink("xb"), makeLink("xa")}));
+    QCOMPARE(childTitles(*smart), (QStringList{"xa", "xb"}));
+}
+
+void WayfoldBookmarkAutoFolderTest::withoutSources()
+{
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("x");
+    smart->ensureUpToDate();
+    QCOMPARE(smart->childCount(), 0u);
+    QCOMPARE(int(WayfoldBookmarkAutoFolder::bookmarkFromDictionary({{"Title", "T"}})->type()), 1);
+}
+
+QTEST_MAIN(WayfoldBookmarkAutoFolderTest)
+#include "WayfoldBookmarkAutoFolderTest.moc"
