@@ -76,7 +76,7 @@ bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
     quint64 count = 0;
     if (!readCount(&position, &count) || count > _end)
         return refuse("a damaged size");
-    quint64 length = count;
+    object->length = count;
     switch (kind) {
     case 0x4: // data
         object->bytes = count;
@@ -87,24 +87,25 @@ bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
         break;
     case 0x6: // text in UTF-16, which takes up to three bytes for two when it is unfolded
         object->kind = Object::Text;
-        length = count * 2;
+        object->isWide = true;
+        object->length = count * 2;
         object->bytes = count * 3;
         break;
     case 0xa:
         object->kind = Object::Array;
         object->references = count;
-        length = count * _referenceSize;
+        object->length = count * _referenceSize;
         break;
     case 0xd:
         object->kind = Object::Dictionary;
         object->references = count * 2;
-        length = count * 2 * _referenceSize;
+        object->length = count * 2 * _referenceSize;
         break;
     default:
         return refuse("an object of an unknown kind");
     }
     object->position = position;
-    return isInside(position, length) || refuse("an object that is cut short");
+    return isInside(position, object->length) || refuse("an object that is cut short");
 }
 
 // Steps over an object's marker and, for a count of fifteen and more, over the integer that follows it.
@@ -189,13 +190,9 @@ bool BinaryPropertyListCheck::follow(Visit &visit)
 
 bool BinaryPropertyListCheck::add(const Visit &visit, quint64 child)
 {
-    if (visit.object.kind == Object::Dictionary && visit.next < visit.object.references / 2) {
-        Object key;
-        if (!readObject(child, &key))
-            return false;
-        if (key.kind != Object::Text)
-            return refuse("a key that is no text");
-    }
+    const bool isKey = visit.object.kind == Object::Dictionary && visit.next < visit.object.references / 2;
+    if (isKey && !checkKey(child))
+        return false;
     Known &known = _known[visit.number];
     const quint64 values = quint64(known.values) + _known[child].values;
     const quint64 bytes = quint64(known.bytes) + _known[child].bytes;
@@ -204,6 +201,22 @@ bool BinaryPropertyListCheck::add(const Visit &visit, quint64 child)
         return refuse("more than the file could hold, by objects that are referred to over and over");
     known.values = static_cast<quint32>(values);
     known.bytes = static_cast<quint32>(bytes);
+    return true;
+}
+
+// libplist ends the whole program when it meets a key that holds a NUL.
+bool BinaryPropertyListCheck::checkKey(quint64 number)
+{
+    Object key;
+    if (!readObject(number, &key))
+        return false;
+    if (key.kind != Object::Text)
+        return refuse("a key that is no text");
+    const int size = key.isWide ? 2 : 1;
+    for (quint64 i = 0; i < key.length; i += size) {
+        if (integerAt(key.position + i, size) == 0)
+            return refuse("a key that holds a NUL");
+    }
     return true;
 }
 

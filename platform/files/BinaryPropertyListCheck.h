@@ -27,9 +27,11 @@ private:
     struct Object
     {
         enum Kind { Scalar, Text, Array, Dictionary } kind = Scalar;
-        quint64 bytes = 0;      // of text or data
+        bool isWide = false;    // text in UTF-16 instead of ASCII
+        quint64 bytes = 0;      // of text or data, once it is unfolded
         quint64 references = 0; // to keys, then values, of a dictionary; to the values of an array
-        quint64 position = 0;   // of the first reference
+        quint64 position = 0;   // of the first reference, or of the text
+        quint64 length = 0;     // from there, in bytes of the file
     };
     // A container whose references are being followed.
     struct Visit
@@ -47,6 +49,7 @@ private:
     bool enter(quint64 number);
     bool follow(Visit &visit);
     bool add(const Visit &visit, quint64 child);
+    bool checkKey(quint64 number);
     bool refuse(const char *reason);
 
     const QByteArray &_data;

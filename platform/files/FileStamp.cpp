@@ -6,7 +6,7 @@
 std::optional<FileStamp> FileStamp::ofFile(const QString &path)
 {
     struct stat status;
-    if (path.isEmpty() || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return std::nullopt;
     FileStamp stamp;
     stamp.modificationTime = qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec;

@@ -12,7 +12,7 @@ struct FileStamp
     quint64 inode = 0;
     bool isPlainFile = false;
 
-    // None when nothing is there (or a link leads nowhere).
+    // None when nothing is there (or a link leads nowhere); `errno` tells why.
     static std::optional<FileStamp> ofFile(const QString &path);
     friend bool operator==(const FileStamp &, const FileStamp &) = default;
 };

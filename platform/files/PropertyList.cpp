@@ -214,12 +214,21 @@ QString openPlainFile(const QString &path, QFile *file)
 QString replaceFile(const QString &path, const QByteArray &contents)
 {
     const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
+    if (!stamp && errno != ENOENT)
+        return qt_error_string(errno);
     if (stamp && !stamp->isPlainFile)
         return QStringLiteral("not a plain file");
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.flush())
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return file.errorString();
+    // A disk that fills up takes a part first, and gives its reason when it is asked to take the rest.
+    for (qsizetype written = 0; written < contents.size();) {
+        const qint64 taken = file.write(contents.constData() + written, contents.size() - written);
+        if (taken <= 0)
+            return file.errorString();
+        written += taken;
+    }
     if (::fsync(file.handle()) != 0)
         return qt_error_string(errno);
     if (!file.commit())

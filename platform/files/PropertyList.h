@@ -13,7 +13,7 @@
 //
 // Reading takes files up to 1 GiB and values nested up to `maximumDepth` deep; what is larger, deeper, damaged, or
 // would unfold to more than the file could hold (entities, objects referred to over and over) is refused. Each refusal
-// goes to the log with its reason.
+// goes to the log with its reason. Text in the binary form ends at its first NUL, which no text of ours holds.
 namespace PropertyList
 {
 constexpr qint64 maximumFileSize = qint64(1) << 30;

@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QLocale>
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -57,6 +58,14 @@ QByteArray escaped(const QString &text)
     }
     return result.toUtf8();
 }
+
+// As many digits as it takes to read exactly this number again.
+QByteArray realText(double value)
+{
+    if (value == 0 && std::signbit(value))
+        return "-0.0";
+    return QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+}
 } // namespace
 
 QByteArray XmlPropertyListWriter::write(const QVariant &value)
@@ -96,8 +105,7 @@ bool XmlPropertyListWriter::writeValue(const QVariant &value, int depth)
         return true;
     case QMetaType::Float:
     case QMetaType::Double:
-        // As many digits as it takes to read exactly this number again.
-        writeElement("real", QByteArray::number(value.toDouble(), 'g', QLocale::FloatingPointShortest), depth);
+        writeElement("real", realText(value.toDouble()), depth);
         return true;
     case QMetaType::QDateTime:
         return writeDate(value.toDateTime(), depth);

@@ -425,7 +425,7 @@ void NotificationQueueTest::windowModalDialogHoldsNothing()
 
 void NotificationQueueTest::leavesNoFilterBehind()
 {
-    // An event of another thread's object would do too; the filter must not see anything once nothing is pending.
+    // Once nothing is pending, events must cost nothing.
     observe("Idle");
     enqueue("Idle", idle);
     QTRY_COMPARE(_told, QStringList("Idle"));
