@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QTreeView>
 #include <functional>
 
@@ -24,11 +25,29 @@ QPoint Eyes::middleOf(QWidget *widget)
     return Stage::onMain([&] { return widget ? widget->mapToGlobal(widget->rect().center()) : QPoint(); });
 }
 
+QWidget *Eyes::dialog()
+{
+    return Stage::onMain([] { return QApplication::activeModalWidget(); });
+}
+
+QString Eyes::dialogText()
+{
+    return Stage::onMain([] {
+        const QWidget *front = dialog();
+        QStringList texts;
+        for (const QLabel *label : front ? front->findChildren<QLabel *>() : QList<QLabel *>()) {
+            if (label->isVisible() && !label->text().isEmpty())
+                texts += label->text();
+        }
+        return texts.join(QLatin1Char('\n'));
+    });
+}
+
 QAbstractButton *Eyes::dialogButton(const QString &text)
 {
     return Stage::onMain([&]() -> QAbstractButton * {
-        const QWidget *dialog = QApplication::activeModalWidget();
-        const auto buttons = dialog ? dialog->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
+        const QWidget *front = dialog();
+        const auto buttons = front ? front->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
         for (QAbstractButton *button : buttons) {
             if (button->isVisible() && button->text().remove(QLatin1Char('&')) == text)
                 return button;

@@ -28,10 +28,31 @@ T *widgetNamed(QWidget *within, const QString &name)
     });
 }
 
+// The first visible widget of a kind within another, in the order of the tab key; null when there is none.
+template <class T>
+T *firstOf(QWidget *within)
+{
+    return Stage::onMain([&]() -> T * {
+        for (QWidget *widget = within; widget;) {
+            T *found = qobject_cast<T *>(widget);
+            if (found && found->isVisible() && within->isAncestorOf(found))
+                return found;
+            widget = widget->nextInFocusChain();
+            if (widget == within)
+                break;
+        }
+        return nullptr;
+    });
+}
+
 // In global coordinates; (0, 0) for null.
 QPoint middleOf(QWidget *widget);
-// The button of the dialog in front with that text; null when there is none.
+// The dialog that is to be answered first; null when there is none.
+QWidget *dialog();
+// The button of that dialog with this text; null when there is none.
 QAbstractButton *dialogButton(const QString &text);
+// All that the dialog says, a label a line.
+QString dialogText();
 
 // The texts of the rows that can be seen, from the top to the bottom.
 QStringList rowTexts(QTreeView *list);

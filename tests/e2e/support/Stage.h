@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QThread>
 #include <QtTest>
 #include <functional>
 #include <type_traits>
@@ -14,17 +15,20 @@ namespace Stage
 // what he returned. The application may quit and its last window may close meanwhile.
 int perform(const std::function<int()> &play);
 
-// Asks on the main thread and waits for the answer.
+// Asks on the main thread and waits for the answer; on the main thread itself it just asks.
 template <class Question>
 auto onMain(Question question)
 {
     using Answer = std::invoke_result_t<Question>;
+    QCoreApplication *application = QCoreApplication::instance();
+    if (QThread::currentThread() == application->thread())
+        return question();
     if constexpr (std::is_void_v<Answer>) {
-        QMetaObject::invokeMethod(QCoreApplication::instance(), question, Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(application, question, Qt::BlockingQueuedConnection);
     } else {
         Answer answer{};
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [&] { answer = question(); }, Qt::BlockingQueuedConnection);
+            application, [&] { answer = question(); }, Qt::BlockingQueuedConnection);
         return answer;
     }
 }

@@ -1,0 +1,148 @@
+#include "browser/Browser.h"
+#include "browser/BrowserWindow.h"
+#include "platform/files/PropertyList.h"
+#include "tests/e2e/support/Eyes.h"
+#include "tests/e2e/support/Hands.h"
+#include "tests/e2e/support/Play.h"
+
+#include <QLineEdit>
+#include <QProcess>
+#include <QTextEdit>
+#include <QTreeView>
+
+// What was kept is found again after a real quit and a real start: each session of the browser is a process of its own,
+// which this program starts from itself, with the same home.
+class RestartTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsWhatWasSaved();
+    void findsItAgain();
+    void findsItOnceMore();
+
+private:
+    QVariantMap itemFile() const
+    {
+        return PropertyList::readDictionaryFile(QDir::homePath() + QStringLiteral("/Library/Wayfold/Bookmarks.plist"));
+    }
+    // Its exit code.
+    int session(const QString &name)
+    {
+        QProcess browser;
+        browser.setProcessChannelMode(QProcess::ForwardedChannels);
+        browser.setStandardInputFile(QProcess::nullDevice());
+        browser.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--session"), name});
+        return browser.waitForFinished(240000) && browser.exitStatus() == QProcess::NormalExit ? browser.exitCode()
+                                                                                               : -1;
+    }
+
+    TemporaryHome _home;
+};
+
+// One session: plays a function of this and quits.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Session(Play &play) : _play(play) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void save();
+    void find();
+    void cleanupTestCase();
+
+private:
+    Play &_play;
+    BrowserWindow *_window = nullptr;
+};
+
+void RestartTest::keepsWhatWasSaved()
+{
+    QCOMPARE(session(QStringLiteral("save")), 0);
+    const QVariantList sites = itemFile().value(QStringLiteral("Children")).toList();
+    QCOMPARE(sites.size(), 1);
+    QCOMPARE(sites.first().toMap().value(QStringLiteral("Title")), QVariant(QStringLiteral("garden.localhost")));
+}
+
+void RestartTest::findsItAgain()
+{
+    const QVariantMap before = itemFile();
+    QCOMPARE(session(QStringLiteral("find")), 0);
+    QCOMPARE(itemFile(), before);
+}
+
+void RestartTest::findsItOnceMore()
+{
+    QCOMPARE(session(QStringLiteral("find")), 0);
+}
+
+void Session::initTestCase()
+{
+    EVENTUALLY(_play.window());
+    _window = _play.window();
+    _play.web().setPage(QStringLiteral("www.garden.localhost"), QStringLiteral("/"),
+                        "<!doctype html><title>The garden</title>");
+    QVERIFY(_play.visit(QStringLiteral("http://www.garden.localhost/")));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+o")));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("garden.localhost"));
+}
+
+void Session::save()
+{
+    QVERIFY(_play.choose({QStringLiteral("Wayfold"), QStringLiteral("Save Current Page")}));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+k")));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
+    QVERIFY(Hands::type(QStringLiteral("Seeds")));
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::type(QStringLiteral("Beans, peas & <beets>")));
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::dialogButton(QStringLiteral("OK")))));
+    EVENTUALLY(!Eyes::dialog());
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Seeds")));
+}
+
+void Session::find()
+{
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Seeds")));
+    // The note still says what it said.
+    QVERIFY(Hands::clickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Seeds")).value()));
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(Eyes::dialog());
+    EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == QLatin1String("Beans, peas & <beets>"));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(!Eyes::dialog());
+    // And the link still leads to its page.
+    QVERIFY(_play.visit(QStringLiteral("http://www.elsewhere.localhost/")));
+    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("The garden")).value()));
+    EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.garden.localhost/")));
+}
+
+void Session::cleanupTestCase()
+{
+    bool hasQuit = false;
+    Stage::onMain([&] { QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [&] { hasQuit = true; }); });
+    QVERIFY(_play.bringToFront(_window));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+q")));
+    EVENTUALLY(_play.windows().isEmpty());
+    EVENTUALLY(hasQuit);
+}
+
+int main(int argc, char **argv)
+{
+    if (argc == 3 && qstrcmp(argv[1], "--session") == 0) {
+        argv[1] = argv[2]; // the one function to play
+        return Play::performAtHome<Session>(2, argv);
+    }
+    const QCoreApplication application(argc, argv);
+    RestartTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "RestartTest.moc"

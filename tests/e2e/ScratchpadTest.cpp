@@ -1,0 +1,235 @@
+#include "browser/Browser.h"
+#include "browser/BrowserWindow.h"
+#include "browser/WebView.h"
+#include "platform/files/PropertyList.h"
+#include "tests/e2e/support/Eyes.h"
+#include "tests/e2e/support/Hands.h"
+#include "tests/e2e/support/Play.h"
+
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QTextEdit>
+#include <QTreeView>
+
+// What a user keeps for a site: saving, writing, opening and deleting with the real controls.
+class ScratchpadTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ScratchpadTest(Play &play) : _play(play) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void savesThePage();
+    void writesANote();
+    void cancelledNoteLeavesNothing();
+    void makesASubfolder();
+    void opensByDoubleClick();
+    void opensBySpace();
+    void deletesAfterConfirmation();
+    void deletesByKey();
+    void switchesBack();
+    void choosesASite();
+
+private:
+    // Visits the site and asks for its list, as a user does who has not told the list to follow him.
+    bool focusOn(const QString &site);
+    QAbstractButton *button(const QString &toolTip) { return Play::drawerButton(_window, toolTip); }
+    bool press(QAbstractButton *button);
+    bool save();
+    bool select(const QString &row);
+    // The titles of what the item file holds for the site that is shown now.
+    QStringList savedTitles();
+
+    Play &_play;
+    BrowserWindow *_window = nullptr;
+    QString _host; // one for each test
+};
+
+void ScratchpadTest::initTestCase()
+{
+    EVENTUALLY(_play.window());
+}
+
+void ScratchpadTest::init()
+{
+    _host = QString::fromLatin1(QTest::currentTestFunction()).toLower() + QStringLiteral(".localhost");
+    _play.web().setPage(QStringLiteral("www.") + _host, QStringLiteral("/"),
+                        "<!doctype html><title>Front page</title>");
+    _play.web().setPage(QStringLiteral("www.") + _host, QStringLiteral("/two"),
+                        "<!doctype html><title>Page two</title>");
+    QVERIFY(_window = _play.startOver());
+    QVERIFY(focusOn(_host));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+}
+
+bool ScratchpadTest::focusOn(const QString &site)
+{
+    return _play.visit(QStringLiteral("http://www.%1/").arg(site)) && Hands::press(QStringLiteral("ctrl+shift+o")) &&
+           Stage::eventually([&] { return Play::siteLabel(_window) == site; });
+}
+
+bool ScratchpadTest::press(QAbstractButton *button)
+{
+    return button && Stage::eventually([&] { return button->isEnabled(); }) && Hands::clickAt(Eyes::middleOf(button));
+}
+
+bool ScratchpadTest::save()
+{
+    return _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Save Current Page")}) &&
+           Stage::eventually([this] { return Play::scratchRows(_window).contains(QLatin1String("Front page")); });
+}
+
+bool ScratchpadTest::select(const QString &row)
+{
+    const auto place = Eyes::rowWithText(Play::scratchList(_window), row);
+    const auto isSelected = [&] {
+        const auto selected = Play::scratchList(_window)->selectionModel()->selectedIndexes();
+        return !selected.isEmpty() && selected.first().data().toString() == row;
+    };
+    return place && Hands::clickAt(*place) && Stage::eventually(isSelected);
+}
+
+QStringList ScratchpadTest::savedTitles()
+{
+    const QString file = QDir::homePath() + QStringLiteral("/Library/Wayfold/Bookmarks.plist");
+    QStringList titles;
+    for (const QVariant &site : PropertyList::readDictionaryFile(file).value(QStringLiteral("Children")).toList()) {
+        if (site.toMap().value(QStringLiteral("Title")).toString() != _host)
+            continue;
+        for (const QVariant &child : site.toMap().value(QStringLiteral("Children")).toList()) {
+            const QVariantMap item = child.toMap();
+            const QVariantMap uri = item.value(QStringLiteral("URIDictionary")).toMap();
+            titles += uri.value(QStringLiteral("title"), item.value(QStringLiteral("Title"))).toString();
+        }
+    }
+    return titles;
+}
+
+void ScratchpadTest::savesThePage()
+{
+    QVERIFY(savedTitles().isEmpty());
+    QVERIFY(save());
+    EVENTUALLY(savedTitles() == QStringList{QStringLiteral("Front page")});
+}
+
+void ScratchpadTest::writesANote()
+{
+    QVERIFY(press(button(QStringLiteral("New Note"))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
+    QVERIFY(Hands::type(QStringLiteral("Remember")));
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::type(QStringLiteral("Good shoes, a red light.")));
+    EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == QLatin1String("Good shoes, a red light."));
+    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    EVENTUALLY(!Eyes::dialog());
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Remember")));
+    EVENTUALLY(savedTitles() == QStringList{QStringLiteral("Remember")});
+}
+
+void ScratchpadTest::cancelledNoteLeavesNothing()
+{
+    const QStringList before = Play::scratchRows(_window);
+    QVERIFY(press(button(QStringLiteral("New Note"))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::type(QStringLiteral("Forget")));
+    QVERIFY(press(Eyes::dialogButton(QStringLiteral("Cancel"))));
+    EVENTUALLY(!Eyes::dialog());
+    Stage::settle();
+    QCOMPARE(Play::scratchRows(_window), before);
+    QVERIFY(savedTitles().isEmpty());
+}
+
+void ScratchpadTest::makesASubfolder()
+{
+    QVERIFY(press(button(QStringLiteral("New Subfolder"))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
+    QVERIFY(Hands::type(QStringLiteral("To read")));
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(!Eyes::dialog());
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("To read")));
+    EVENTUALLY(savedTitles() == QStringList{QStringLiteral("To read")});
+}
+
+void ScratchpadTest::opensByDoubleClick()
+{
+    QVERIFY(save());
+    QVERIFY(_play.visit(QStringLiteral("http://www.%1/two").arg(_host)));
+    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Front page")).value()));
+    EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.%1/").arg(_host)));
+    QCOMPARE(Stage::onMain([this] { return _window->tabCount(); }), 1);
+}
+
+void ScratchpadTest::opensBySpace()
+{
+    QVERIFY(save());
+    QVERIFY(_play.visit(QStringLiteral("http://www.%1/two").arg(_host)));
+    QVERIFY(select(QStringLiteral("Front page")));
+    QVERIFY(Hands::press(QStringLiteral("space")));
+    EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.%1/").arg(_host)));
+}
+
+void ScratchpadTest::deletesAfterConfirmation()
+{
+    QVERIFY(save());
+    QVERIFY(select(QStringLiteral("Front page")));
+    QVERIFY(press(button(QStringLiteral("Delete Item"))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY2(Eyes::dialogText().contains(QLatin1String("Are you sure you want to delete \"Front page\"?")),
+             qPrintable(Eyes::dialogText()));
+    QVERIFY(press(Eyes::dialogButton(QStringLiteral("Cancel"))));
+    EVENTUALLY(!Eyes::dialog());
+    Stage::settle();
+    QVERIFY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    QCOMPARE(savedTitles(), QStringList{QStringLiteral("Front page")});
+
+    QVERIFY(press(button(QStringLiteral("Delete Item"))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    EVENTUALLY(savedTitles().isEmpty());
+}
+
+void ScratchpadTest::deletesByKey()
+{
+    QVERIFY(save());
+    QVERIFY(select(QStringLiteral("Front page")));
+    QVERIFY(Hands::press(QStringLiteral("Delete")));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    EVENTUALLY(savedTitles().isEmpty());
+}
+
+void ScratchpadTest::switchesBack()
+{
+    QVERIFY(save());
+    QVERIFY(focusOn(QStringLiteral("elsewhere.localhost")));
+    EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    QVERIFY(press(button(QStringLiteral("Show Previous Site List"))));
+    EVENTUALLY(Play::siteLabel(_window) == _host);
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
+}
+
+void ScratchpadTest::choosesASite()
+{
+    QVERIFY(save());
+    QVERIFY(focusOn(QStringLiteral("elsewhere.localhost")));
+    EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    QVERIFY(_play.chooseSite(_host));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
+}
+
+int main(int argc, char **argv)
+{
+    return Play::perform<ScratchpadTest>(argc, argv);
+}
+
+#include "ScratchpadTest.moc"

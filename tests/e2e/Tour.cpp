@@ -1,0 +1,383 @@
+#include "browser/Browser.h"
+#include "browser/BrowserWindow.h"
+#include "platform/files/PropertyList.h"
+#include "tests/e2e/support/Camera.h"
+#include "tests/e2e/support/Desk.h"
+#include "tests/e2e/support/Eyes.h"
+#include "tests/e2e/support/Hands.h"
+#include "tests/e2e/support/Play.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QProcess>
+#include <QTextEdit>
+#include <QTreeView>
+#include <cstdio>
+
+// The guided tour: plays what Wayfold is for, as a user would, with real pointer and keys on real pages, and leaves a
+// picture of each step and the home directory that comes of it.
+//
+//     run-in-display.sh wayfold-tour DIR    gives DIR/01-first-start.png ... and DIR/home
+//
+// The browser is quit and started again in between; each of its sessions is a process of its own, which this program
+// starts from itself. The exit status is 0 only when every step has come about.
+
+namespace
+{
+const QString news = QStringLiteral("http://news.fernhill.localhost/");
+const QString kitchen = QStringLiteral("http://www.kettle.localhost/");
+const QString trains = QStringLiteral("http://times.marshline.localhost/");
+const QString story = QStringLiteral("The old observatory opens its dome again");
+const QString noteTitle = QStringLiteral("First Friday");
+const QString noteText = QStringLiteral("Eight o'clock, north shoulder of the hill.\n"
+                                        "Bring good shoes and a torch with a red cloth.");
+
+QByteArray page(const QString &name)
+{
+    QFile file(QStringLiteral(":/pages/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the page %s is missing", qPrintable(name));
+    return file.readAll();
+}
+
+void furnish(PageServer &web)
+{
+    const auto furnishSite = [&](const QString &address, const QString &name) {
+        const QString host = QUrl(address).host();
+        web.setPage(host, QStringLiteral("/"), page(name + QStringLiteral(".html")));
+        web.setFile(host, QStringLiteral("/icon.svg"), "image/svg+xml", page(name + QStringLiteral(".svg")));
+    };
+    furnishSite(news, QStringLiteral("fernhill"));
+    furnishSite(kitchen, QStringLiteral("kettle"));
+    furnishSite(trains, QStringLiteral("marshline"));
+    const QString host = QUrl(news).host();
+    web.setPage(host, QStringLiteral("/observatory"), page(QStringLiteral("observatory.html")));
+    web.setFile(host, QStringLiteral("/fernhill.css"), "text/css", page(QStringLiteral("fernhill.css")));
+}
+
+QPalette darkPalette()
+{
+    QPalette palette(QColor(48, 50, 54));
+    palette.setColor(QPalette::Base, QColor(34, 36, 39));
+    palette.setColor(QPalette::AlternateBase, QColor(41, 43, 47));
+    palette.setColor(QPalette::Highlight, QColor(62, 118, 178));
+    palette.setColor(QPalette::Link, QColor(120, 176, 236));
+    palette.setColor(QPalette::ToolTipBase, QColor(60, 62, 67));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    return palette;
+}
+} // namespace
+
+// What the sessions have in common: a window beside which the drawer fits the screen, and pictures. A step that fails
+// ends its session.
+class TourSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TourSession(Play &play) : _play(play), _camera(QDir::current().path(), takenSoFar()) {}
+
+protected:
+    bool arrange();
+    bool shoot(const QString &name);
+    bool focus();
+    bool savePage(const QString &title);
+    bool expand(const QString &row);
+    bool quit();
+
+    Play &_play;
+    BrowserWindow *_window = nullptr;
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { _hasFailed = QTest::currentTestFailed(); }
+
+private:
+    static int takenSoFar() { return int(QDir::current().entryList({QStringLiteral("*.png")}).size()); }
+
+    Camera _camera;
+    bool _hasFailed = false;
+};
+
+void TourSession::init()
+{
+    if (_hasFailed)
+        QFAIL("an earlier step has failed");
+    if (!_window) {
+        EVENTUALLY(_play.window());
+        QVERIFY(arrange());
+    }
+}
+
+bool TourSession::arrange()
+{
+    furnish(_play.web());
+    _window = _play.window();
+    const WId id = Stage::onMain([this] { return _window->winId(); });
+    const QSize size(972, 772);
+    return Desk::moveTo(id, QPoint(0, 0)) && Desk::resize(id, size) &&
+           Stage::eventually([&] { return _window->size() == size && _window->frameGeometry().topLeft().isNull(); });
+}
+
+bool TourSession::shoot(const QString &name)
+{
+    Stage::settle();
+    return _camera.shoot(name);
+}
+
+bool TourSession::focus()
+{
+    const QString host = Stage::onMain([this] { return QUrl(Play::address(_window)).host(); });
+    return _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Focus on ") + host}) &&
+           Stage::eventually([this] { return Play::isDrawerOpen(_window); }) &&
+           Stage::eventually([&] { return host.endsWith(Play::siteLabel(_window)); });
+}
+
+bool TourSession::savePage(const QString &title)
+{
+    return _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Save Current Page")}) &&
+           Stage::eventually([&] { return Play::scratchRows(_window).contains(title); });
+}
+
+bool TourSession::expand(const QString &row)
+{
+    const auto place = Eyes::rowWithText(Play::scratchList(_window), row);
+    const qsizetype before = Play::scratchRows(_window).size();
+    return place && Hands::clickAt(*place) && Hands::press(QStringLiteral("Right")) &&
+           Stage::eventually([&] { return Play::scratchRows(_window).size() > before; });
+}
+
+bool TourSession::quit()
+{
+    return _play.bringToFront(_window) && Hands::press(QStringLiteral("ctrl+q")) &&
+           Stage::eventually([this] { return _play.windows().isEmpty(); });
+}
+
+// A new user finds his way.
+class FirstSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void start();
+    void openTheDrawer();
+    void visitASite();
+    void saveAPage();
+    void writeANote();
+    void visitAnotherSite();
+    void switchBack();
+    void seeAllSites();
+    void letItFollow();
+    void findInHistory();
+    void leave() { QVERIFY(quit()); }
+};
+
+void FirstSession::start()
+{
+    EVENTUALLY(Play::isDrawerClosed(_window));
+    QVERIFY(shoot(QStringLiteral("first-start")));
+}
+
+void FirstSession::openTheDrawer()
+{
+    QVERIFY(_play.openDrawer());
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("Sites"));
+    QVERIFY(shoot(QStringLiteral("drawer-opened")));
+}
+
+void FirstSession::visitASite()
+{
+    QVERIFY(_play.visit(news));
+    QVERIFY(focus());
+    QVERIFY(shoot(QStringLiteral("site-visited")));
+}
+
+void FirstSession::saveAPage()
+{
+    QVERIFY(_play.clickLink(story));
+    EVENTUALLY(Play::isShown(_window, news + QStringLiteral("observatory")));
+    QVERIFY(savePage(story));
+    QVERIFY(shoot(QStringLiteral("page-saved")));
+}
+
+void FirstSession::writeANote()
+{
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Play::drawerButton(_window, QStringLiteral("New Note")))));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
+    QVERIFY(Hands::type(noteTitle));
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::type(noteText));
+    EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == noteText);
+    QVERIFY(shoot(QStringLiteral("note-being-written")));
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::dialogButton(QStringLiteral("OK")))));
+    EVENTUALLY(Play::scratchRows(_window).contains(noteTitle));
+    QVERIFY(shoot(QStringLiteral("note-kept")));
+}
+
+void FirstSession::visitAnotherSite()
+{
+    QVERIFY(_play.visit(kitchen));
+    QVERIFY(focus());
+    QVERIFY(savePage(QStringLiteral("Plum cake from the tin")));
+    QVERIFY(shoot(QStringLiteral("second-site")));
+}
+
+void FirstSession::switchBack()
+{
+    QVERIFY(Hands::clickAt(Eyes::middleOf(Play::drawerButton(_window, QStringLiteral("Show Previous Site List")))));
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("fernhill.localhost"));
+    EVENTUALLY(Play::scratchRows(_window).contains(story));
+    QVERIFY(shoot(QStringLiteral("switched-back")));
+}
+
+void FirstSession::seeAllSites()
+{
+    QVERIFY(_play.chooseSite(QStringLiteral("Sites")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("fernhill.localhost")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("kettle.localhost")));
+    QVERIFY(expand(QStringLiteral("kettle.localhost")));
+    QVERIFY(expand(QStringLiteral("fernhill.localhost")));
+    QVERIFY(shoot(QStringLiteral("all-sites")));
+}
+
+// Two ticks in the preferences, and no command is needed any more.
+void FirstSession::letItFollow()
+{
+    QVERIFY(_play.choose({QStringLiteral("Wayfold"), QStringLiteral("Preferences...")}));
+    QVERIFY(shoot(QStringLiteral("preferences")));
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("fernhill.localhost"));
+    QVERIFY(shoot(QStringLiteral("following-the-site")));
+}
+
+void FirstSession::findInHistory()
+{
+    QVERIFY(_play.visit(trains));
+    QVERIFY(shoot(QStringLiteral("history-searched")));
+}
+
+// The next day everything is where it was.
+class SecondSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void findAgain();
+    void readTheNote();
+    void leave() { QVERIFY(quit()); }
+};
+
+void SecondSession::findAgain()
+{
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    EVENTUALLY(Play::scratchRows(_window).contains(story));
+    EVENTUALLY(Play::scratchRows(_window).contains(noteTitle));
+    QVERIFY(shoot(QStringLiteral("found-again-after-restart")));
+}
+
+void SecondSession::readTheNote()
+{
+    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), noteTitle).value()));
+    QVERIFY(shoot(QStringLiteral("note-read-again")));
+}
+
+// The same in a dark palette.
+class DarkSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void visitInTheDark();
+    void leave() { QVERIFY(quit()); }
+};
+
+void DarkSession::visitInTheDark()
+{
+    QVERIFY(_play.visit(kitchen));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    QVERIFY(shoot(QStringLiteral("dark-palette")));
+}
+
+namespace
+{
+int playSession(const QString &name, int argc, char **argv)
+{
+    if (name == QLatin1String("first"))
+        return Play::performAtHome<FirstSession>(argc, argv);
+    if (name == QLatin1String("second"))
+        return Play::performAtHome<SecondSession>(argc, argv);
+    const QPalette dark = darkPalette();
+    return Play::performAtHome<DarkSession>(argc, argv, &dark);
+}
+
+// Clears away what an earlier tour has left, and nothing else: a home without the tour's mark is left alone.
+bool prepare(const QDir &directory)
+{
+    QDir home(directory.filePath(QStringLiteral("home")));
+    const QString mark = QStringLiteral(".wayfold-tour");
+    if (home.exists() && !home.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot) && !home.exists(mark)) {
+        std::fprintf(stderr, "%s is not a tour's; it stays as it is\n", qPrintable(home.path()));
+        return false;
+    }
+    for (const QString &picture : directory.entryList({QStringLiteral("[0-9][0-9]-*.png")}, QDir::Files))
+        QFile::remove(directory.filePath(picture));
+    home.removeRecursively();
+    QFile markFile(home.filePath(mark));
+    return directory.mkpath(home.path()) && markFile.open(QIODevice::WriteOnly);
+}
+
+bool runSession(const QString &name, const QDir &directory)
+{
+    QProcess browser;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), directory.filePath(QStringLiteral("home")));
+    browser.setProcessEnvironment(environment);
+    browser.setWorkingDirectory(directory.path());
+    browser.setProcessChannelMode(QProcess::ForwardedChannels);
+    browser.setStandardInputFile(QProcess::nullDevice());
+    browser.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--session"), name});
+    return browser.waitForFinished(-1) && browser.exitStatus() == QProcess::NormalExit && browser.exitCode() == 0;
+}
+
+bool hasKept(const QDir &directory)
+{
+    const QString file = directory.filePath(QStringLiteral("home/Library/Wayfold/Bookmarks.plist"));
+    const QByteArray contents = PropertyList::toXml(PropertyList::readDictionaryFile(file));
+    return contents.contains(story.toUtf8()) && contents.contains(noteTitle.toUtf8());
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 3 && qstrcmp(argv[1], "--session") == 0)
+        return playSession(QString::fromUtf8(argv[2]), 1, argv);
+    const QCoreApplication application(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: wayfold-tour DIR\n");
+        return 64;
+    }
+    const QDir directory(QDir(QString::fromUtf8(argv[1])).absolutePath());
+    if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
+        return 73;
+    for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("dark")}) {
+        if (!runSession(name, directory))
+            return 1;
+    }
+    return hasKept(directory) ? 0 : 1;
+}
+
+#include "Tour.moc"

@@ -1,0 +1,313 @@
+#include "tests/e2e/support/Play.h"
+
+#include "browser/AddressField.h"
+#include "browser/Browser.h"
+#include "browser/BrowserWindow.h"
+#include "browser/WebView.h"
+#include "platform/files/PropertyList.h"
+#include "tests/e2e/support/Desk.h"
+#include "tests/e2e/support/Eyes.h"
+#include "tests/e2e/support/Hands.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTabBar>
+#include <QTreeView>
+#include <optional>
+
+namespace
+{
+// The drawer's parts are known to the browser's process by their class names only: they belong to the plug-in.
+template <class T>
+T *childOfClass(QWidget *parent, const char *className)
+{
+    const auto children = parent ? parent->findChildren<T *>() : QList<T *>();
+    for (T *child : children) {
+        if (child->inherits(className))
+            return child;
+    }
+    return nullptr;
+}
+
+QAction *actionWithText(const QList<QAction *> &actions, const QString &text)
+{
+    for (QAction *action : actions) {
+        if (action->text().remove(QLatin1Char('&')) == text)
+            return action;
+    }
+    return nullptr;
+}
+
+// Where a menu, or a menu bar, shows the entry; none while it does not.
+template <class Menu>
+std::optional<QPoint> entryOf(const Menu *menu, const QString &text)
+{
+    QAction *action = menu && menu->isVisible() ? actionWithText(menu->actions(), text) : nullptr;
+    if (!action || !action->isVisible() || !action->isEnabled())
+        return std::nullopt;
+    return menu->mapToGlobal(menu->actionGeometry(action).center());
+}
+bool isComplete(const BrowserWindow *window)
+{
+    const WebView *view = window->currentWebView();
+    return view && !view->isLoading();
+}
+} // namespace
+
+void Play::storeSettings(const Settings &settings)
+{
+    const QString folder = QDir::homePath() + QStringLiteral("/Library/Preferences");
+    const bool stored = QDir().mkpath(folder) &&
+                        PropertyList::writeFile(settings, folder + QStringLiteral("/org.wayfold.Wayfold.plist"));
+    if (!stored)
+        qFatal("cannot store the settings");
+}
+
+void Play::prepareProcess()
+{
+    Browser::prepareProcess();
+}
+
+Play::Play()
+{
+    // Flags that the process has been given already stay.
+    const QByteArray flags = qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") + ' ' + _web.browserFlags();
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", flags.trimmed());
+    QApplication::setCursorFlashTime(0); // or no picture would be like another
+    _browser = std::make_unique<Browser>();
+    _browser->start({});
+}
+
+Play::~Play() = default;
+
+QList<BrowserWindow *> Play::windows() const
+{
+    return Stage::onMain([this] { return _browser->windows(); });
+}
+
+BrowserWindow *Play::window() const
+{
+    return Stage::onMain([this] { return _browser->keyWindow(); });
+}
+
+BrowserWindow *Play::openWindow()
+{
+    const QList<BrowserWindow *> before = windows();
+    BrowserWindow *opened = nullptr;
+    const auto isThere = [&] {
+        opened = window();
+        return opened && !before.contains(opened) && isComplete(opened);
+    };
+    return Hands::press(QStringLiteral("ctrl+n")) && Stage::eventually(isThere) ? opened : nullptr;
+}
+
+bool Play::closeWindow(BrowserWindow *window)
+{
+    return bringToFront(window) && Hands::press(QStringLiteral("ctrl+shift+w")) &&
+           Stage::eventually([&] { return !windows().contains(window); });
+}
+
+bool Play::bringToFront(BrowserWindow *window)
+{
+    const WId id = Stage::onMain([&] { return window->winId(); });
+    return Desk::activate(id) && Stage::eventually([&] { return window->isActiveWindow(); });
+}
+
+BrowserWindow *Play::startOver()
+{
+    const QList<BrowserWindow *> before = windows();
+    BrowserWindow *fresh = openWindow();
+    for (BrowserWindow *window : before) {
+        if (!fresh || !closeWindow(window))
+            return nullptr;
+    }
+    return fresh && bringToFront(fresh) ? fresh : nullptr;
+}
+
+bool Play::openTab()
+{
+    const BrowserWindow *front = window();
+    const int before = front ? Stage::onMain([&] { return front->tabCount(); }) : 0;
+    const auto isThere = [&] {
+        return front->tabCount() == before + 1 && front->currentTab() == before && isComplete(front);
+    };
+    return front && Hands::press(QStringLiteral("ctrl+t")) && Stage::eventually(isThere);
+}
+
+bool Play::chooseTab(int index)
+{
+    const BrowserWindow *front = window();
+    if (!front)
+        return false;
+    const QPoint place = Stage::onMain([&] {
+        const auto *bar = front->findChild<QTabBar *>();
+        return bar->mapToGlobal(bar->tabRect(index).center());
+    });
+    return Hands::clickAt(place) && Stage::eventually([&] { return front->currentTab() == index; });
+}
+
+bool Play::visit(const QString &address)
+{
+    const BrowserWindow *front = window();
+    if (!front || !Hands::press(QStringLiteral("ctrl+l")))
+        return false;
+    if (!Stage::eventually([&] { return front->addressField()->hasFocus(); }))
+        return false;
+    return Hands::type(address) && Hands::press(QStringLiteral("Return")) &&
+           Stage::eventually([&] { return isShown(front, address); });
+}
+
+bool Play::clickLink(const QString &text)
+{
+    const BrowserWindow *front = window();
+    if (!front)
+        return false;
+    const QString script = QStringLiteral("(() => { const link = [...document.links].find(a => a.textContent == '%1');"
+                                          "const box = link.getBoundingClientRect();"
+                                          "return [box.x + box.width / 2, box.y + box.height / 2]; })()");
+    const auto middle = std::make_shared<QVariantList>();
+    Stage::onMain([&] {
+        front->currentWebView()->page()->runJavaScript(script.arg(text),
+                                                       [middle](const QVariant &answer) { *middle = answer.toList(); });
+    });
+    if (!Stage::eventually([&] { return middle->size() == 2; }))
+        return false;
+    const QPointF place(middle->at(0).toDouble(), middle->at(1).toDouble());
+    return Hands::clickAt(pagePosition(front, place.toPoint()));
+}
+
+bool Play::choose(const QStringList &titles)
+{
+    const BrowserWindow *front = window();
+    if (!front)
+        return false;
+    std::optional<QPoint> place;
+    const auto isInMenuBar = [&] { return (place = entryOf(front->menuBar(), titles.first())).has_value(); };
+    if (!Stage::eventually(isInMenuBar))
+        return false;
+    for (const QString &title : titles.mid(1)) {
+        const auto isInMenu = [&] {
+            place = entryOf(qobject_cast<QMenu *>(QApplication::activePopupWidget()), title);
+            return place.has_value();
+        };
+        if (!Hands::clickAt(*place) || !Stage::eventually(isInMenu))
+            return false;
+    }
+    return Hands::clickAt(*place) && Stage::eventually([] { return !QApplication::activePopupWidget(); });
+}
+
+bool Play::openDrawer()
+{
+    const BrowserWindow *front = window();
+    return front && !isDrawerOpen(front) && Hands::press(QStringLiteral("ctrl+0")) &&
+           Stage::eventually([&] { return isDrawerOpen(front); });
+}
+
+bool Play::closeDrawer()
+{
+    const BrowserWindow *front = window();
+    return front && !isDrawerClosed(front) && Hands::press(QStringLiteral("ctrl+0")) &&
+           Stage::eventually([&] { return isDrawerClosed(front); });
+}
+
+bool Play::chooseSite(const QString &title)
+{
+    QComboBox *popup = sitePopup(window());
+    std::optional<QPoint> place;
+    const auto isInList = [&] {
+        const QAbstractItemView *list = popup->view();
+        const QModelIndex entry = popup->model()->index(popup->findText(title), 0);
+        if (!list->isVisible() || !entry.isValid())
+            return false;
+        place = list->viewport()->mapToGlobal(list->visualRect(entry).center());
+        return true;
+    };
+    return popup && Hands::clickAt(Eyes::middleOf(popup)) && Stage::eventually(isInList) && Hands::clickAt(*place) &&
+           Stage::eventually([&] { return !popup->view()->isVisible(); });
+}
+
+bool Play::isShown(const BrowserWindow *window, const QString &address)
+{
+    return Stage::onMain([&] { return isComplete(window) && window->currentWebView()->url() == QUrl(address); });
+}
+
+QString Play::address(const BrowserWindow *window)
+{
+    return Stage::onMain([&] { return window->currentWebView()->url().toString(); });
+}
+
+QPoint Play::pagePosition(const BrowserWindow *window, const QPoint &position)
+{
+    return Stage::onMain([&] { return window->currentWebView()->mapToGlobal(position); });
+}
+
+QWidget *Play::drawer(const BrowserWindow *window)
+{
+    return Stage::onMain([&]() -> QWidget * {
+        for (QWidget *widget : QApplication::allWidgets()) {
+            if (widget->inherits("KDRDrawer") && widget->parentWidget() == window)
+                return widget;
+        }
+        return nullptr;
+    });
+}
+
+bool Play::isDrawerOpen(const BrowserWindow *window)
+{
+    return Stage::onMain([&] {
+        const QWidget *beside = drawer(window);
+        if (!beside || !beside->isVisible())
+            return false;
+        // While it slides, the drawer is narrower than what it holds.
+        const auto *body = beside->findChild<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        return body && body->geometry() == beside->rect();
+    });
+}
+
+bool Play::isDrawerClosed(const BrowserWindow *window)
+{
+    return Stage::onMain([&] {
+        const QWidget *beside = drawer(window);
+        return beside && !beside->isVisible();
+    });
+}
+
+QString Play::siteLabel(const BrowserWindow *window)
+{
+    return Stage::onMain([&] {
+        const QComboBox *popup = sitePopup(window);
+        return popup ? popup->currentText() : QString();
+    });
+}
+
+QComboBox *Play::sitePopup(const BrowserWindow *window)
+{
+    return Stage::onMain([&] { return childOfClass<QComboBox>(drawer(window), "WayfoldSitePopupButton"); });
+}
+
+QAbstractButton *Play::drawerButton(const BrowserWindow *window, const QString &toolTip)
+{
+    return Stage::onMain([&]() -> QAbstractButton * {
+        const QWidget *beside = drawer(window);
+        const auto buttons = beside ? beside->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
+        for (QAbstractButton *button : buttons) {
+            if (button->isVisible() && button->toolTip() == toolTip)
+                return button;
+        }
+        return nullptr;
+    });
+}
+
+QTreeView *Play::scratchList(const BrowserWindow *window)
+{
+    return Stage::onMain([&] { return childOfClass<QTreeView>(drawer(window), "WayfoldScratchOutlineView"); });
+}
+
+QStringList Play::scratchRows(const BrowserWindow *window)
+{
+    return Eyes::rowTexts(scratchList(window));
+}
