@@ -44,7 +44,6 @@ AddBookmarkDialog::AddBookmarkDialog(const QString &title, const QList<BookmarkF
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     auto *add = buttons->addButton(tr("Add"), QDialogButtonBox::AcceptRole);
-    add->setDefault(true);
     // A bookmark without a title would be shown nowhere.
     const auto enableAdd = [this, add] { add->setEnabled(!_title->text().trimmed().isEmpty()); };
     connect(_title, &QLineEdit::textChanged, this, enableAdd);
@@ -56,6 +55,7 @@ AddBookmarkDialog::AddBookmarkDialog(const QString &title, const QList<BookmarkF
     layout->addRow(tr("&Title:"), _title);
     layout->addRow(tr("&Folder:"), _folder);
     layout->addRow(buttons);
+    add->setDefault(true); // counts only once the button lies in its dialog
 }
 
 QString AddBookmarkDialog::title() const

@@ -224,8 +224,12 @@ BrowserServices &Browser::services()
 
 void Browser::quit()
 {
-    if (!mayLoseDownloads(lastKeyWindow()))
-        return;
+    if (mayLoseDownloads(lastKeyWindow()))
+        quitAtOnce();
+}
+
+void Browser::quitAtOnce()
+{
     _parts->isQuitting = true;
     const QList<BrowserWindow *> open = _parts->windows;
     for (BrowserWindow *window : open)

@@ -57,8 +57,10 @@ public:
     BrowserServices &services();
 
 public Q_SLOTS:
-    // Closes every window, and with the last one the program.
+    // Closes every window and ends the program; asks first when something would be lost.
     void quit();
+    // The same without asking.
+    void quitAtOnce();
 
 private:
     struct Parts;

@@ -21,6 +21,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QScreen>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -137,6 +138,7 @@ void BrowserWindow::closeTab(int index)
 
 void BrowserWindow::goTo(const QUrl &url)
 {
+    showMessage(QString());
     if (WebView *view = currentWebView()) {
         view->goTo(url);
         view->setFocus();
@@ -273,7 +275,9 @@ void BrowserWindow::addBookmark()
     auto *dialog = new AddBookmarkDialog(view->shownTitle(), _services.bookmarks->folders(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog, address] {
-        if (!_services.bookmarks->addBookmark(dialog->title(), address, dialog->folder()))
+        if (_services.bookmarks->addBookmark(dialog->title(), address, dialog->folder()))
+            showMessage(tr("Added a bookmark for this page."));
+        else
             QMessageBox::warning(this, tr("Add Bookmark"), tr("The bookmark could not be saved."));
     });
     dialog->open();
@@ -301,7 +305,7 @@ void BrowserWindow::viewSource()
 void BrowserWindow::toggleFullScreen()
 {
     if (_pageIsFullScreen)
-        currentWebView()->triggerPageAction(QWebEnginePage::ExitFullScreen);
+        leavePageFullScreen();
     else
         setWindowState(windowState() ^ Qt::WindowFullScreen);
 }
@@ -415,9 +419,19 @@ void BrowserWindow::buildPages()
     layout->setSpacing(0);
     layout->addWidget(_tabRow);
     layout->addWidget(_pages, 1);
-    layout->addWidget(_findBar);
-    layout->addWidget(_downloadBar);
+    _bars = new QWidget;
+    auto *barLayout = new QVBoxLayout(_bars);
+    barLayout->setContentsMargins(0, 0, 0, 0);
+    barLayout->setSpacing(0);
+    barLayout->addWidget(_findBar);
+    barLayout->addWidget(_downloadBar);
+    layout->addWidget(_bars);
     setCentralWidget(content);
+
+    // While a page fills the screen, Escape is not the page's.
+    _leaveFullScreenShortcut = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    _leaveFullScreenShortcut->setEnabled(false);
+    connect(_leaveFullScreenShortcut, &QShortcut::activated, this, &BrowserWindow::leavePageFullScreen);
 
     connect(_tabBar, &QTabBar::currentChanged, this, &BrowserWindow::currentTabChanged);
     connect(_tabBar, &QTabBar::tabCloseRequested, this, &BrowserWindow::closeTab);
@@ -574,7 +588,16 @@ void BrowserWindow::setPageFullScreen(bool fullScreen)
     menuBar()->setVisible(showsControls);
     _toolBar->setVisible(showsControls);
     _tabRow->setVisible(showsControls);
+    _bars->setVisible(!fullScreen);
+    _leaveFullScreenShortcut->setEnabled(fullScreen);
+    showMessage(fullScreen ? tr("Press Esc to leave full screen.") : QString());
     setWindowState(fullScreen ? windowState() | Qt::WindowFullScreen : _statesBeforeFullScreen);
+}
+
+void BrowserWindow::leavePageFullScreen()
+{
+    if (WebView *view = currentWebView())
+        view->triggerPageAction(QWebEnginePage::ExitFullScreen);
 }
 
 void BrowserWindow::setZoom(qreal factor)

@@ -11,6 +11,7 @@ class DownloadBar;
 class FindBar;
 class HostWindow;
 class HoverLabel;
+class QShortcut;
 class QStackedWidget;
 class QToolBar;
 class QToolButton;
@@ -114,6 +115,7 @@ private:
     void viewChanged(WebView *view);
     void updateControls();
     void setPageFullScreen(bool fullScreen);
+    void leavePageFullScreen();
     void setZoom(qreal factor);
 
     BrowserServices &_services;
@@ -133,6 +135,8 @@ private:
     QWidget *_tabRow = nullptr;
     TabBar *_tabBar = nullptr;
     QStackedWidget *_pages = nullptr;
+    QShortcut *_leaveFullScreenShortcut = nullptr;
+    QWidget *_bars = nullptr; // below the page
     FindBar *_findBar = nullptr;
     DownloadBar *_downloadBar = nullptr;
     HoverLabel *_hoverLabel = nullptr;

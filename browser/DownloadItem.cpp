@@ -55,6 +55,7 @@ DownloadItem::DownloadItem(QWebEngineDownloadRequest *download, QWidget *parent)
     connect(_button, &QToolButton::clicked, this, &DownloadItem::cancelOrDismiss);
     connect(download, &QWebEngineDownloadRequest::receivedBytesChanged, this, &DownloadItem::update);
     connect(download, &QWebEngineDownloadRequest::stateChanged, this, &DownloadItem::update);
+    connect(download, &QWebEngineDownloadRequest::isFinishedChanged, this, &DownloadItem::update);
     update();
 }
 

@@ -34,8 +34,10 @@ void HoverLabel::showText(const QString &text)
 
 void HoverLabel::showMessage(const QString &text)
 {
+    _hideTimer.stop();
     showText(text);
-    _hideTimer.start();
+    if (!text.isEmpty())
+        _hideTimer.start();
 }
 
 bool HoverLabel::eventFilter(QObject *watched, QEvent *event)

@@ -13,7 +13,7 @@ public:
 
     // Stays until it is replaced; an empty text hides the label.
     void showText(const QString &text);
-    // Goes by itself after a few seconds.
+    // Goes by itself after a few seconds; an empty text takes the one before it away.
     void showMessage(const QString &text);
 
 protected:

@@ -40,7 +40,7 @@ SignInDialog::SignInDialog(const QUrl &url, const QString &host, const QString &
     _password->setEchoMode(QLineEdit::Password);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-    buttons->addButton(tr("Sign In"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    auto *signIn = buttons->addButton(tr("Sign In"), QDialogButtonBox::AcceptRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
@@ -49,6 +49,7 @@ SignInDialog::SignInDialog(const QUrl &url, const QString &host, const QString &
     layout->addRow(tr("&Name:"), _user);
     layout->addRow(tr("&Password:"), _password);
     layout->addRow(buttons);
+    signIn->setDefault(true); // counts only once the button lies in its dialog
 }
 
 QString SignInDialog::user() const

@@ -101,10 +101,10 @@ QString WebView::shownTitle() const
 
 QIcon WebView::shownIcon() const
 {
-    const QIcon own = icon();
+    const QIcon own = _askedFor.isEmpty() ? icon() : QIcon();
     if (!own.isNull())
         return own;
-    const QIcon seen = _services.siteIcons->iconForHost(url().host());
+    const QIcon seen = _services.siteIcons->iconForHost(shownAddress().host());
     return seen.isNull() ? SymbolIcon::named(QStringLiteral("page")) : seen;
 }
 

@@ -1,6 +1,7 @@
 #include "browser/Browser.h"
 #include "browser/CommandLine.h"
 #include "browser/RunningInstance.h"
+#include "browser/TerminationSignals.h"
 
 #include <QApplication>
 #include <cstdio>
@@ -20,6 +21,8 @@ int main(int argc, char **argv)
         return 0;
     Browser browser;
     QObject::connect(&instance, &RunningInstance::addressesReceived, &browser, &Browser::openAddresses);
+    const TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &browser, &Browser::quitAtOnce);
     browser.start(QApplication::arguments().mid(1));
     return QApplication::exec();
 }
