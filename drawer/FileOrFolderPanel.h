@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QFileDialog>
+
+// A file chooser in which folders can be chosen just like files.
+class FileOrFolderPanel : public QFileDialog
+{
+    Q_OBJECT
+
+public:
+    // Opens in the path's folder, with its last component proposed.
+    FileOrFolderPanel(QWidget *parent, const QString &path);
+
+    void accept() override;
+
+private:
+    QString _highlighted;
+};

@@ -1,0 +1,75 @@
+#include "drawer/ItemEditors.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "drawer/KDREditFileController.h"
+#include "drawer/KDREditFolderController.h"
+#include "drawer/KDREditItemController.h"
+#include "drawer/KDREditMailController.h"
+#include "drawer/KDREditNoteController.h"
+
+namespace
+{
+bool editAndSave(KDREditController &controller)
+{
+    const bool accepted = controller.doEdit();
+    if (accepted)
+        KDRDrawerBundle::sharedInstance().saveBookmarkFile();
+    return accepted;
+}
+} // namespace
+
+bool ItemEditors::editURL(const std::shared_ptr<WayfoldBookmarkURL> &link)
+{
+    KDREditItemController controller;
+    controller.initEditingBookmark(link);
+    return editAndSave(controller);
+}
+
+bool ItemEditors::editFile(const std::shared_ptr<WayfoldBookmarkFile> &link)
+{
+    KDREditFileController controller;
+    controller.initEditingBookmark(link);
+    return editAndSave(controller);
+}
+
+bool ItemEditors::editEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link)
+{
+    KDREditMailController controller;
+    controller.initForEditing(link);
+    return editAndSave(controller);
+}
+
+bool ItemEditors::editNote(const std::shared_ptr<WayfoldBookmarkNote> &note)
+{
+    KDREditNoteController controller;
+    controller.initEditingNote(note);
+    return editAndSave(controller);
+}
+
+bool ItemEditors::editFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder)
+{
+    KDREditFolderController controller;
+    controller.initForEditing(folder);
+    return editAndSave(controller);
+}
+
+bool ItemEditors::newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link)
+{
+    KDREditMailController controller;
+    controller.initForNew(link);
+    return controller.doEdit();
+}
+
+bool ItemEditors::newNote(const std::shared_ptr<WayfoldBookmarkNote> &note)
+{
+    KDREditNoteController controller;
+    controller.initNewNote(note);
+    return controller.doEdit();
+}
+
+bool ItemEditors::newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder)
+{
+    KDREditFolderController controller;
+    controller.initForNew(folder);
+    return controller.doEdit();
+}
