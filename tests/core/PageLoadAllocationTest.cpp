@@ -1,0 +1,137 @@
+#include "tests/core/StoreInTemporaryHome.h"
+
+#include <cstdlib>
+#include <optional>
+
+// Counts what this program takes from the heap: its own `malloc` stands in front of the C library's, which everything
+// else (operator new, Qt's strings and lists) comes down to.
+namespace
+{
+std::size_t allocationCount = 0;
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/allocator_interface.h>
+namespace
+{
+void countAllocation(const volatile void * /*memory*/, std::size_t /*size*/)
+{
+    ++allocationCount;
+}
+void ignoreRelease(const volatile void * /*memory*/) {}
+[[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
+} // namespace
+#else
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void *__libc_realloc(void *memory, std::size_t size);
+
+__attribute__((visibility("default"))) void *malloc(std::size_t size)
+{
+    ++allocationCount;
+    return __libc_malloc(size);
+}
+
+__attribute__((visibility("default"))) void *calloc(std::size_t count, std::size_t size)
+{
+    ++allocationCount;
+    return __libc_calloc(count, size);
+}
+
+__attribute__((visibility("default"))) void *realloc(void *memory, std::size_t size)
+{
+    ++allocationCount;
+    return __libc_realloc(memory, size);
+}
+}
+#endif
+
+// The page-load reaction runs at every drawing of every page, so its early exits take nothing from the heap.
+class PageLoadAllocationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { _fresh.emplace(); }
+    void cleanup() { _fresh.reset(); }
+
+    void countingWorks();
+    void samePageAllocatesNothing_data();
+    void samePageAllocatesNothing();
+    void otherFramesAllocateNothing();
+    void drawingAllocatesNothing();
+
+private:
+    std::optional<StoreInTemporaryHome> _fresh;
+};
+
+void PageLoadAllocationTest::countingWorks()
+{
+    const std::size_t before = allocationCount;
+    const QString text(100, QLatin1Char('a'));
+    const auto number = std::make_unique<int>(text.size());
+    QVERIFY(allocationCount >= before + 2);
+    QCOMPARE(*number, 100);
+}
+
+void PageLoadAllocationTest::samePageAllocatesNothing_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<bool>("autoFocus");
+
+    QTest::newRow("site shown") << "http://news.some-rather-long-name.example.com:8080/index.html" << true;
+    QTest::newRow("numeric address") << "http://192.168.100.100/" << true;
+    QTest::newRow("no host, no label") << "file:///home/ann/a.html" << false;
+}
+
+void PageLoadAllocationTest::samePageAllocatesNothing()
+{
+    QFETCH(QString, address);
+    QFETCH(bool, autoFocus);
+    _fresh->settings().setAutoFocusOnSiteChange(autoFocus);
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(address);
+    KDRDrawerBundle &store = StoreInTemporaryHome::store();
+    store.updateDrawerForFrame(view->frame);
+    const QStringList calls = _fresh->controller().calls;
+
+    const std::shared_ptr<HostFrame> frame = view->frame;
+    const std::size_t before = allocationCount;
+    store.updateDrawerForFrame(frame);
+    QCOMPARE(allocationCount, before);
+    QCOMPARE(_fresh->controller().calls, calls);
+}
+
+void PageLoadAllocationTest::otherFramesAllocateNothing()
+{
+    const auto window = _fresh->openWindow();
+    const auto background = window->addTab(QStringLiteral("http://www.example.com/"));
+    const auto view = window->addTab(QStringLiteral("http://www.example.org/"));
+    const std::shared_ptr<HostFrame> subFrame = FakeHostWebView::makeSubFrame(view);
+    const std::shared_ptr<HostFrame> behind = background->frame;
+    KDRDrawerBundle &store = StoreInTemporaryHome::store();
+    const std::size_t before = allocationCount;
+    store.updateDrawerForFrame(nullptr);
+    store.updateDrawerForFrame(subFrame);
+    store.updateDrawerForFrame(behind);
+    QCOMPARE(allocationCount, before);
+}
+
+void PageLoadAllocationTest::drawingAllocatesNothing()
+{
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    const auto drawing = _fresh->host.makeWebViewDrawing();
+    drawing->lockFocus(*view);
+    _fresh->host.order.reserve(100); // the fake's own record
+    const std::size_t before = allocationCount;
+    for (int i = 0; i < 10; ++i)
+        drawing->lockFocus(*view);
+    QCOMPARE(allocationCount, before);
+    QCOMPARE(_fresh->host.baseDrawCount, 11);
+}
+
+QTEST_MAIN(PageLoadAllocationTest)
+#include "PageLoadAllocationTest.moc"

@@ -1,0 +1,424 @@
+#include "core/KDRDrawerBundle.h"
+
+#include "core/Notifications.h"
+#include "model/WayfoldHistoryURL.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/files/PropertyList.h"
+#include "platform/host/CurrentHost.h"
+#include "tests/core/StoreInTemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <optional>
+
+namespace
+{
+const QString bookmarkFile = QStringLiteral("Library/Safari/Bookmarks.plist");
+const QString historyFile = QStringLiteral("Library/Safari/History.plist");
+const QString bookmarksChanged = Notifications::SafariBookmarkFileModNotification;
+const QString historyChanged = Notifications::SafariHistoryFileModNotification;
+
+QByteArray bookmarksWith(const QByteArray &title)
+{
+    return "<plist version=\"1.0\"><dict><key>WebBookmarkFileVersion</key><integer>1</integer>"
+           "<key>WebBookmarkType</key><string>WebBookmarkTypeList</string>"
+           "<key>WebBookmarkUUID</key><string>ROOT</string><key>Children</key><array><dict>"
+           "<key>WebBookmarkType</key><string>WebBookmarkTypeLeaf</string><key>WebBookmarkUUID</key>"
+           "<string>LEAF</string><key>URLString</key><string>http://www.example.com/</string>"
+           "<key>URIDictionary</key><dict><key>title</key><string>" +
+           title + "</string></dict></dict></array></dict></plist>\n";
+}
+
+QByteArray historyEntry(const QByteArray &title, const QByteArray &address)
+{
+    return "<dict><key></key><string>" + address + "</string><key>title</key><string>" + title +
+           "</string><key>lastVisitedDate</key><string>100.0</string></dict>";
+}
+
+QByteArray historyWith(const QByteArray &entries)
+{
+    return "<plist version=\"1.0\"><dict><key>WebHistoryDates</key><array>" + entries + "</array></dict></plist>\n";
+}
+} // namespace
+
+class SafariFilesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { _fresh.emplace(); }
+    void cleanup() { _fresh.reset(); }
+
+    void pathsAreTheHosts();
+    void startReadsBothFilesAndSaysSo();
+    void missingFilesAreNoNews();
+    void changedFileIsReadAgain();
+    void touchedFileIsReadAgain();
+    void unchangedFileIsLeftAlone();
+    void fileBehindALinkIsFollowed();
+    void vanishedFileKeepsTheTreeUntilItIsBack();
+    void fileThatAppearsIsRead();
+    void unreadableFileGivesAnEmptyTree_data();
+    void unreadableFileGivesAnEmptyTree();
+    void directoryGivesAnEmptyTree();
+    void loadWithoutFileGivesAnEmptyTree();
+    void treesAreReplacedWhole();
+    void historyIsInFileOrder();
+    void historyWithoutDatesIsEmpty();
+    void nothingIsReadAfterQuitting();
+    void tickIsPostedWhenIdle();
+    void tickChecksTheFiles();
+
+    void writeBackKeepsTheFilesOwnKeys();
+    void writeBackWithoutReadableFileWritesNothing_data();
+    void writeBackWithoutReadableFileWritesNothing();
+    void writeBackToFileWithoutItsKeys();
+    void writeBackIsNoticedAsAChange();
+
+private:
+    KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
+    QStringList bookmarkTitles() { return StoreInTemporaryHome::titles(store().safariBookmarkRoot()); }
+    QStringList historyTitles() { return StoreInTemporaryHome::titles(store().historyBookmarkRoot()); }
+    // Gives a file another date, whatever the clock says.
+    void touch(const QString &file, int seconds)
+    {
+        QFile opened(_fresh->home.path(file));
+        QVERIFY(opened.open(QIODevice::ReadWrite));
+        QVERIFY(opened.setFileTime(QDateTime::fromSecsSinceEpoch(1000000000 + seconds), QFile::FileModificationTime));
+    }
+
+    std::optional<StoreInTemporaryHome> _fresh;
+};
+
+void SafariFilesTest::pathsAreTheHosts()
+{
+    QCOMPARE(KDRDrawerBundle::safariBookmarkFilePath(), _fresh->home.path(bookmarkFile));
+    QCOMPARE(KDRDrawerBundle::safariHistoryFilePath(), _fresh->home.path(historyFile));
+    _fresh->host.bookmarkPath = QStringLiteral("~/.other/../browser/marks.plist");
+    QCOMPARE(KDRDrawerBundle::safariBookmarkFilePath(), _fresh->home.path(QStringLiteral("browser/marks.plist")));
+    setCurrentHost(nullptr);
+    QCOMPARE(KDRDrawerBundle::safariBookmarkFilePath(), _fresh->home.path(bookmarkFile));
+    QCOMPARE(KDRDrawerBundle::safariHistoryFilePath(), _fresh->home.path(historyFile));
+    setCurrentHost(&_fresh->host);
+}
+
+void SafariFilesTest::startReadsBothFilesAndSaysSo()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    _fresh->home.write(historyFile, historyWith(historyEntry("Page", "http://www.example.com/")));
+    NotificationLog log({bookmarksChanged, historyChanged});
+    store();
+    QCOMPARE(store().safariBookmarkRoot()->title(), QStringLiteral("Bookmarks"));
+    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+    QCOMPARE(store().historyBookmarkRoot()->title(), QStringLiteral("History"));
+    QCOMPARE(historyTitles(), QStringList{"Page"});
+    QVERIFY(log.received.empty()); // told later, when both are there
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), (QStringList{bookmarksChanged, historyChanged}));
+    for (const Notification &notification : log.received)
+        QCOMPARE(notification.object, static_cast<const void *>(&store()));
+}
+
+void SafariFilesTest::missingFilesAreNoNews()
+{
+    NotificationLog log({bookmarksChanged, historyChanged});
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QVERIFY(!store().safariBookmarkRoot());
+    QVERIFY(!store().historyBookmarkRoot());
+}
+
+void SafariFilesTest::changedFileIsReadAgain()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    _fresh->home.write(historyFile, historyWith(historyEntry("Page", "http://www.example.com/")));
+    store();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+
+    _fresh->home.write(bookmarkFile, bookmarksWith("Two"));
+    touch(bookmarkFile, 1);
+    store().tagSafariFiles();
+    QCOMPARE(bookmarkTitles(), QStringList{"Two"});
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{bookmarksChanged});
+
+    _fresh->home.write(historyFile, historyWith(historyEntry("Other", "http://www.example.org/")));
+    touch(historyFile, 2);
+    store().tagSafariFiles();
+    QCOMPARE(historyTitles(), QStringList{"Other"});
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), (QStringList{bookmarksChanged, historyChanged}));
+}
+
+void SafariFilesTest::touchedFileIsReadAgain()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    _fresh->home.write(historyFile, historyWith(historyEntry("Page", "http://www.example.com/")));
+    const auto oldRoot = store().historyBookmarkRoot();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    touch(historyFile, 1);
+    store().tagSafariFiles();
+    QVERIFY(store().historyBookmarkRoot() != oldRoot);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{historyChanged});
+    touch(historyFile, 0); // an older date is another date
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QCOMPARE(log.received.size(), size_t(2));
+}
+
+void SafariFilesTest::unchangedFileIsLeftAlone()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    _fresh->home.write(historyFile, historyWith(""));
+    const auto bookmarks = store().safariBookmarkRoot();
+    const auto history = store().historyBookmarkRoot();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    store().tagSafariFiles();
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QCOMPARE(store().safariBookmarkRoot(), bookmarks);
+    QCOMPARE(store().historyBookmarkRoot(), history);
+}
+
+void SafariFilesTest::fileBehindALinkIsFollowed()
+{
+    _fresh->home.write(QStringLiteral("elsewhere.plist"), bookmarksWith("One"));
+    QVERIFY(QDir().mkpath(_fresh->home.path(QStringLiteral("Library/Safari"))));
+    QVERIFY(QFile::link(_fresh->home.path(QStringLiteral("elsewhere.plist")), _fresh->home.path(bookmarkFile)));
+    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+    _fresh->home.write(QStringLiteral("elsewhere.plist"), bookmarksWith("Two"));
+    touch(QStringLiteral("elsewhere.plist"), 1);
+    store().tagSafariFiles();
+    QCOMPARE(bookmarkTitles(), QStringList{"Two"});
+}
+
+void SafariFilesTest::vanishedFileKeepsTheTreeUntilItIsBack()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    touch(bookmarkFile, 1);
+    const auto root = store().safariBookmarkRoot();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    const QString path = _fresh->home.path(bookmarkFile);
+    QVERIFY(QFile::rename(path, path + QStringLiteral(".away")));
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QCOMPARE(store().safariBookmarkRoot(), root);
+
+    // The very same file is read again when it comes back.
+    QVERIFY(QFile::rename(path + QStringLiteral(".away"), path));
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{bookmarksChanged});
+    QVERIFY(store().safariBookmarkRoot() != root);
+    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+}
+
+void SafariFilesTest::fileThatAppearsIsRead()
+{
+    store();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    _fresh->home.write(historyFile, historyWith(historyEntry("Page", "http://www.example.com/")));
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{historyChanged});
+    QCOMPARE(historyTitles(), QStringList{"Page"});
+}
+
+void SafariFilesTest::unreadableFileGivesAnEmptyTree_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::newRow("no property list") << QByteArray("hello");
+    QTest::newRow("no dictionary") << QByteArray("<plist version=\"1.0\"><array/></plist>");
+    QTest::newRow("cut off") << bookmarksWith("One").left(100);
+}
+
+void SafariFilesTest::unreadableFileGivesAnEmptyTree()
+{
+    QFETCH(QByteArray, contents);
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    _fresh->home.write(historyFile, historyWith(historyEntry("Page", "http://www.example.com/")));
+    store();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    _fresh->home.write(bookmarkFile, contents);
+    _fresh->home.write(historyFile, contents);
+    touch(bookmarkFile, 1);
+    touch(historyFile, 1);
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), (QStringList{bookmarksChanged, historyChanged}));
+    for (const auto &root : {store().safariBookmarkRoot(), store().historyBookmarkRoot()}) {
+        QVERIFY(root);
+        QCOMPARE(root->childCount(), 0U);
+        QVERIFY(root->title().isNull());
+    }
+    QVERIFY(!store().loadSafariBookmarkFile());
+    QVERIFY(!store().loadHistoryBookmarkFile());
+}
+
+void SafariFilesTest::directoryGivesAnEmptyTree()
+{
+    QVERIFY(QDir().mkpath(_fresh->home.path(bookmarkFile)));
+    QVERIFY(QDir().mkpath(_fresh->home.path(historyFile)));
+    QVERIFY(!store().loadSafariBookmarkFile());
+    QVERIFY(!store().loadHistoryBookmarkFile());
+    QCOMPARE(store().safariBookmarkRoot()->childCount(), 0U);
+    QVERIFY(store().safariBookmarkRoot()->title().isNull());
+    QVERIFY(store().historyBookmarkRoot()->title().isNull());
+}
+
+void SafariFilesTest::loadWithoutFileGivesAnEmptyTree()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    QVERIFY(store().loadSafariBookmarkFile());
+    QVERIFY(QFile::remove(_fresh->home.path(bookmarkFile)));
+    QVERIFY(!store().loadSafariBookmarkFile());
+    QCOMPARE(store().safariBookmarkRoot()->childCount(), 0U);
+    QVERIFY(!store().loadHistoryBookmarkFile());
+    QCOMPARE(store().historyBookmarkRoot()->childCount(), 0U);
+}
+
+void SafariFilesTest::treesAreReplacedWhole()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    const std::weak_ptr<WayfoldBookmarkFolder> old = store().safariBookmarkRoot();
+    QVERIFY(store().loadSafariBookmarkFile());
+    QVERIFY(old.expired());
+    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+}
+
+void SafariFilesTest::historyIsInFileOrder()
+{
+    _fresh->home.write(historyFile,
+                       historyWith(historyEntry("B", "http://b.example.com/") + "<string>no entry</string>" +
+                                   historyEntry("A", "http://a.example.com/") +
+                                   historyEntry("", "http://untitled.example.com/") + historyEntry("No address", "") +
+                                   historyEntry("B", "http://b.example.com/")));
+    QCOMPARE(historyTitles(), (QStringList{"B", "A", "B"}));
+    const auto entry = std::dynamic_pointer_cast<WayfoldHistoryURL>(store().historyBookmarkRoot()->childAtIndex(0));
+    QVERIFY(entry);
+    QCOMPARE(entry->valueAsString(), QStringLiteral("http://b.example.com/"));
+    QCOMPARE(entry->parent(), store().historyBookmarkRoot());
+}
+
+void SafariFilesTest::historyWithoutDatesIsEmpty()
+{
+    for (const QByteArray &contents : {QByteArray("<plist version=\"1.0\"><dict/></plist>"),
+                                       QByteArray("<plist version=\"1.0\"><dict><key>WebHistoryDates</key>"
+                                                  "<string>none</string></dict></plist>")}) {
+        _fresh->home.write(historyFile, contents);
+        QVERIFY(store().loadHistoryBookmarkFile());
+        QCOMPARE(store().historyBookmarkRoot()->childCount(), 0U);
+        QCOMPARE(store().historyBookmarkRoot()->title(), QStringLiteral("History"));
+    }
+}
+
+void SafariFilesTest::nothingIsReadAfterQuitting()
+{
+    store();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    NotificationCenter::defaultCenter().postNotificationName(
+        PlatformNotifications::NSApplicationWillTerminateNotification, nullptr);
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    store().tagSafariFiles();
+    store().tagSafariFilesNextEvent();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QVERIFY(!store().safariBookmarkRoot());
+    // Quitting saves nothing either.
+    QVERIFY(!QFileInfo::exists(store().bookmarkFilePath()));
+}
+
+void SafariFilesTest::tickIsPostedWhenIdle()
+{
+    store();
+    NotificationLog log({Notifications::TagSafariFilesNotification});
+    store().tagSafariFilesNextEvent();
+    QVERIFY(log.received.empty());
+    NotificationLog::deliverPending();
+    QVERIFY(!log.received.empty());
+    QCOMPARE(log.received.front().object, static_cast<const void *>(&store()));
+}
+
+void SafariFilesTest::tickChecksTheFiles()
+{
+    store();
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    NotificationLog log({bookmarksChanged});
+    QTRY_COMPARE_WITH_TIMEOUT(log.received.size(), size_t(1), 20000); // by the timer alone
+    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+}
+
+void SafariFilesTest::writeBackKeepsTheFilesOwnKeys()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    store();
+    const QVariantMap tree = {
+        {QStringLiteral("WebBookmarkFileVersion"), qlonglong(99)},
+        {QStringLiteral("WebBookmarkType"), QStringLiteral("WebBookmarkTypeProxy")},
+        {QStringLiteral("WebBookmarkUUID"), QStringLiteral("OTHER")},
+        {QStringLiteral("Title"), QStringLiteral("Bookmarks")},
+        {QStringLiteral("Children"), QVariantList()},
+    };
+    QVERIFY(store().saveSafariBookmarkFile(tree));
+    QVariantMap expected = tree;
+    expected.insert(QStringLiteral("WebBookmarkFileVersion"), qlonglong(1));
+    expected.insert(QStringLiteral("WebBookmarkType"), QStringLiteral("WebBookmarkTypeList"));
+    expected.insert(QStringLiteral("WebBookmarkUUID"), QStringLiteral("ROOT"));
+    QCOMPARE(PropertyList::readDictionaryFile(_fresh->home.path(bookmarkFile)), expected);
+}
+
+void SafariFilesTest::writeBackWithoutReadableFileWritesNothing_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::newRow("missing") << QByteArray();
+    QTest::newRow("no property list") << QByteArray("hello");
+    QTest::newRow("no dictionary") << QByteArray("<plist version=\"1.0\"><array/></plist>");
+}
+
+void SafariFilesTest::writeBackWithoutReadableFileWritesNothing()
+{
+    QFETCH(QByteArray, contents);
+    if (!contents.isEmpty())
+        _fresh->home.write(bookmarkFile, contents);
+    QVERIFY(!store().saveSafariBookmarkFile({{QStringLiteral("Title"), QStringLiteral("x")}}));
+    QCOMPARE(_fresh->home.read(bookmarkFile), contents);
+    QCOMPARE(QFileInfo::exists(_fresh->home.path(bookmarkFile)), !contents.isEmpty());
+}
+
+void SafariFilesTest::writeBackToFileWithoutItsKeys()
+{
+    _fresh->home.write(bookmarkFile,
+                       "<plist version=\"1.0\"><dict><key>Title</key><string>old</string></dict></plist>");
+    const QVariantMap tree = {{QStringLiteral("WebBookmarkUUID"), QStringLiteral("OURS")}};
+    QVERIFY(store().saveSafariBookmarkFile(tree));
+    QCOMPARE(PropertyList::readDictionaryFile(_fresh->home.path(bookmarkFile)), tree);
+}
+
+void SafariFilesTest::writeBackIsNoticedAsAChange()
+{
+    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+    touch(bookmarkFile, 1);
+    store();
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged});
+    const auto copy = WayfoldBookmarkFolder::fromItem(store().safariBookmarkRoot()->copy());
+    copy->childAtIndex(0)->setTitle(QStringLiteral("Renamed"));
+    QVERIFY(store().saveSafariBookmarkFile(copy->createDictionary(false)));
+    store().tagSafariFiles();
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{bookmarksChanged});
+    QCOMPARE(bookmarkTitles(), QStringList{"Renamed"});
+}
+
+QTEST_MAIN(SafariFilesTest)
+#include "SafariFilesTest.moc"
