@@ -99,13 +99,13 @@ void Drawer::setParentWindow(const std::shared_ptr<HostWindow> &window)
 {
     if (window && window == parentWindow())
         return;
-    closeAtOnce();
-    detach();
-    if (window) {
-        attach(window);
+    if (!closeAtOnce())
         return;
-    }
-    setParent(nullptr, windowFlags());
+    detach();
+    if (window)
+        attach(window);
+    else
+        setParent(nullptr, windowFlags());
 }
 
 std::shared_ptr<HostWindow> Drawer::parentWindow() const
@@ -259,7 +259,8 @@ void Drawer::slideEnded()
     }
 }
 
-void Drawer::closeAtOnce()
+// False when somebody who was told has deleted the drawer.
+bool Drawer::closeAtOnce()
 {
     const QPointer<Drawer> alive(this);
     const int duration = std::exchange(_slideDuration, 0);
@@ -267,8 +268,10 @@ void Drawer::closeAtOnce()
         slideTo(0);
     else
         close();
-    if (alive)
-        _slideDuration = duration;
+    if (!alive)
+        return false;
+    _slideDuration = duration;
+    return true;
 }
 
 // The window manager asks for it, on behalf of the user.

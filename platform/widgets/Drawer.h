@@ -84,7 +84,7 @@ private:
 
     void slideTo(qreal goal);
     void slideEnded();
-    void closeAtOnce();
+    bool closeAtOnce();
     int slideTime() const;
 
     QRect openGeometry() const;

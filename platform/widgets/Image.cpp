@@ -9,7 +9,7 @@ Image::Image(QIcon icon, const QSizeF &size) : _icon(std::move(icon)), _naturalS
 std::shared_ptr<Image> Image::imageWithContentsOfFile(const QString &path)
 {
     QImageReader reader(path);
-    if (!reader.canRead())
+    if (path.isEmpty() || !reader.canRead())
         return nullptr;
     QSize size = reader.size();
     if (!size.isValid())

@@ -34,6 +34,14 @@ private:
     FakeHostApplication &_host;
 };
 
+// Frame and all, as window managers count.
+void place(QWidget &widget, const QRectF &frame)
+{
+    const QRect wanted = frame.toAlignedRect();
+    widget.move(wanted.topLeft());
+    widget.resize(wanted.size() - (widget.frameGeometry().size() - widget.size()));
+}
+
 QImage scaled(const QImage &image, const QSize &size)
 {
     if (image.isNull() || size.isEmpty())
@@ -104,8 +112,8 @@ QWidget *FakeHostWindow::makeWidget()
     if (!_widget) {
         _widget = new QWidget;
         _widget->setWindowTitle(QStringLiteral("Browser"));
-        _widget->setGeometry(windowFrame.toAlignedRect());
         _widget->show();
+        place(*_widget, windowFrame);
     }
     return _widget;
 }
@@ -165,7 +173,7 @@ void FakeHostWindow::setFrame(const QRectF &frame, bool animate)
     frameRequests.push_back({frame, animate});
     windowFrame = frame;
     if (_widget)
-        _widget->setGeometry(frame.toAlignedRect());
+        place(*_widget, frame);
     frameDidChange();
 }
 

@@ -1,0 +1,271 @@
+#include "platform/widgets/MenuItem.h"
+
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+
+namespace
+{
+class Target : public MenuItemTarget
+{
+public:
+    bool enabled = true;
+    QString newTitle;
+    QList<QAction *> validated;
+    QList<QAction *> performed;
+
+    bool validateMenuItem(QAction *item) override
+    {
+        validated.append(item);
+        if (!newTitle.isNull())
+            item->setText(newTitle);
+        return enabled;
+    }
+    void performMenuItem(QAction *item) override { performed.append(item); }
+};
+
+constexpr unsigned command = MenuItem::NSCommandKeyMask;
+constexpr unsigned shift = MenuItem::NSShiftKeyMask;
+constexpr unsigned control = MenuItem::NSControlKeyMask;
+constexpr unsigned option = MenuItem::NSAlternateKeyMask;
+} // namespace
+
+class MenuItemTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hasNothingAtFirst();
+    void keepsTagAndAction();
+    void readsWhatAnInterfaceFileSets();
+    void findsItemsByTag();
+
+    void masksHaveThePlatformsValues();
+    void keyEquivalentIsAShortcut_data();
+    void keyEquivalentIsAShortcut();
+    void emptyKeyRemovesTheShortcut_data();
+    void emptyKeyRemovesTheShortcut();
+    void keyEquivalentOfAShortcut_data();
+    void keyEquivalentOfAShortcut();
+
+    void targetPerforms();
+    void refusedItemIsNotPerformed();
+    void targetCanBeExchanged();
+    void validatesEachTimeTheMenuShows();
+    void keyEquivalentsWorkAfterAMenuWithDisabledItems();
+};
+
+void MenuItemTest::hasNothingAtFirst()
+{
+    QAction item;
+    QCOMPARE(MenuItem::tag(&item), 0);
+    QVERIFY(MenuItem::action(&item).isNull());
+    QVERIFY(!MenuItem::target(&item));
+    QVERIFY(MenuItem::keyEquivalent(&item).isEmpty());
+    QCOMPARE(MenuItem::keyEquivalentModifierMask(&item), 0U);
+}
+
+void MenuItemTest::keepsTagAndAction()
+{
+    QAction item;
+    MenuItem::setTag(&item, 7);
+    MenuItem::setAction(&item, "handleDeleteItemRequest:");
+    QCOMPARE(MenuItem::tag(&item), 7);
+    QCOMPARE(MenuItem::action(&item), QString("handleDeleteItemRequest:"));
+}
+
+void MenuItemTest::readsWhatAnInterfaceFileSets()
+{
+    QAction item;
+    item.setProperty("tag", 3);
+    item.setProperty("action", "handleShowPrefsWindow:");
+    QCOMPARE(MenuItem::tag(&item), 3);
+    QCOMPARE(MenuItem::action(&item), QString("handleShowPrefsWindow:"));
+}
+
+void MenuItemTest::findsItemsByTag()
+{
+    QMenu menu;
+    menu.addAction("untagged");
+    QAction *two = menu.addAction("two");
+    MenuItem::setTag(two, 2);
+    QAction *zero = menu.addAction("zero");
+    MenuItem::setTag(zero, 0);
+    MenuItem::setTag(menu.addAction("another two"), 2);
+    QCOMPARE(MenuItem::itemWithTag(&menu, 0), zero);
+    QCOMPARE(MenuItem::itemWithTag(&menu, 2), two);
+    QVERIFY(!MenuItem::itemWithTag(&menu, 1));
+}
+
+void MenuItemTest::masksHaveThePlatformsValues()
+{
+    QCOMPARE(shift, 0x20000U);
+    QCOMPARE(control, 0x40000U);
+    QCOMPARE(option, 0x80000U);
+    QCOMPARE(command, 0x100000U);
+}
+
+void MenuItemTest::keyEquivalentIsAShortcut_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<unsigned>("mask");
+    QTest::addColumn<QString>("shortcut");
+    QTest::newRow("command") << "j" << command << "Ctrl+J";
+    QTest::newRow("capital with shift") << "J" << (command | shift) << "Ctrl+Shift+J";
+    QTest::newRow("control") << "s" << control << "Meta+S";
+    QTest::newRow("option and command") << "1" << (command | option) << "Ctrl+Alt+1";
+    QTest::newRow("a sign") << "/" << command << "Ctrl+/";
+    QTest::newRow("down arrow") << QString(QChar(0xF701)) << command << "Ctrl+Down";
+    QTest::newRow("F1") << QString(QChar(0xF704)) << shift << "Shift+F1";
+    QTest::newRow("F35") << QString(QChar(0xF726)) << shift << "Shift+F35";
+    QTest::newRow("Return") << "\r" << command << "Ctrl+Return";
+    QTest::newRow("bits of other keys") << "k" << (command | 0x800000U) << "Ctrl+K";
+}
+
+void MenuItemTest::keyEquivalentIsAShortcut()
+{
+    QFETCH(QString, key);
+    QFETCH(unsigned, mask);
+    QFETCH(QString, shortcut);
+    QAction item;
+    MenuItem::setKeyEquivalent(&item, key, mask);
+    QCOMPARE(item.shortcut(), QKeySequence(shortcut, QKeySequence::PortableText));
+    QCOMPARE(MenuItem::keyEquivalent(&item), key);
+    QCOMPARE(MenuItem::keyEquivalentModifierMask(&item), mask);
+}
+
+void MenuItemTest::emptyKeyRemovesTheShortcut_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::newRow("empty") << "";
+    QTest::newRow("none") << QString();
+}
+
+void MenuItemTest::emptyKeyRemovesTheShortcut()
+{
+    QFETCH(QString, key);
+    QAction item;
+    item.setShortcut(QKeySequence("Ctrl+J"));
+    MenuItem::setKeyEquivalent(&item, key, 0);
+    QVERIFY(item.shortcut().isEmpty());
+    QVERIFY(MenuItem::keyEquivalent(&item).isEmpty());
+    QVERIFY(!MenuItem::keyEquivalent(&item).isNull());
+    QCOMPARE(MenuItem::keyEquivalentModifierMask(&item), 0U);
+}
+
+void MenuItemTest::keyEquivalentOfAShortcut_data()
+{
+    QTest::addColumn<QString>("shortcut");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<unsigned>("mask");
+    QTest::newRow("letter") << "Ctrl+Shift+D"
+                            << "d" << (command | shift);
+    QTest::newRow("digit") << "Ctrl+Alt+2"
+                           << "2" << (command | option);
+    QTest::newRow("control") << "Meta+B"
+                             << "b" << control;
+    QTest::newRow("F5") << "F5" << QString(QChar(0xF708)) << 0U;
+    QTest::newRow("up") << "Ctrl+Up" << QString(QChar(0xF700)) << command;
+}
+
+void MenuItemTest::keyEquivalentOfAShortcut()
+{
+    QFETCH(QString, shortcut);
+    QFETCH(QString, key);
+    QFETCH(unsigned, mask);
+    QAction item;
+    item.setShortcut(QKeySequence(shortcut, QKeySequence::PortableText));
+    QCOMPARE(MenuItem::keyEquivalent(&item), key);
+    QCOMPARE(MenuItem::keyEquivalentModifierMask(&item), mask);
+}
+
+void MenuItemTest::targetPerforms()
+{
+    QAction item;
+    Target target;
+    MenuItem::setTarget(&item, &target);
+    QCOMPARE(MenuItem::target(&item), static_cast<MenuItemTarget *>(&target));
+    item.trigger();
+    QCOMPARE(target.validated, QList<QAction *>({&item}));
+    QCOMPARE(target.performed, QList<QAction *>({&item}));
+}
+
+void MenuItemTest::refusedItemIsNotPerformed()
+{
+    QAction item;
+    Target target;
+    target.enabled = false;
+    MenuItem::setTarget(&item, &target);
+    item.trigger();
+    QCOMPARE(target.validated.size(), 1);
+    QVERIFY(target.performed.isEmpty());
+}
+
+void MenuItemTest::targetCanBeExchanged()
+{
+    QAction item;
+    Target first;
+    Target second;
+    MenuItem::setTarget(&item, &first);
+    MenuItem::setTarget(&item, &second);
+    item.trigger();
+    QVERIFY(first.performed.isEmpty());
+    QCOMPARE(second.performed.size(), 1);
+    MenuItem::setTarget(&item, nullptr);
+    item.trigger();
+    QVERIFY(!MenuItem::target(&item));
+    QCOMPARE(second.performed.size(), 1);
+}
+
+void MenuItemTest::validatesEachTimeTheMenuShows()
+{
+    QMenu menu;
+    QAction *item = menu.addAction("Open Item");
+    QAction *foreign = menu.addAction("Foreign");
+    foreign->setEnabled(false);
+    Target target;
+    MenuItem::setTarget(item, &target);
+    MenuItem::validateOnShow(&menu);
+    QVERIFY(target.validated.isEmpty());
+
+    target.newTitle = "Open Items";
+    menu.popup(QPoint(10, 10));
+    QCOMPARE(target.validated.size(), 1);
+    QVERIFY(item->isEnabled());
+    QCOMPARE(item->text(), QString("Open Items"));
+    menu.hide();
+
+    target.enabled = false;
+    menu.popup(QPoint(10, 10));
+    QCOMPARE(target.validated.size(), 2);
+    QVERIFY(!item->isEnabled());
+    menu.hide();
+    QVERIFY(!foreign->isEnabled());
+}
+
+void MenuItemTest::keyEquivalentsWorkAfterAMenuWithDisabledItems()
+{
+    QMainWindow window;
+    QMenu *menu = window.menuBar()->addMenu("Wayfold");
+    QAction *item = menu->addAction("Toggle");
+    Target target;
+    target.enabled = false;
+    MenuItem::setTarget(item, &target);
+    MenuItem::setKeyEquivalent(item, "j", command);
+    MenuItem::validateOnShow(menu);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+
+    menu->popup(QPoint(10, 10));
+    QVERIFY(!item->isEnabled());
+    menu->hide();
+    QTest::keyClick(&window, Qt::Key_J, Qt::ControlModifier);
+    QVERIFY(target.performed.isEmpty()); // still refused when the key asks
+    target.enabled = true;
+    QTest::keyClick(&window, Qt::Key_J, Qt::ControlModifier);
+    QCOMPARE(target.performed.size(), 1);
+}
+
+QTEST_MAIN(MenuItemTest)
+#include "MenuItemTest.moc"
