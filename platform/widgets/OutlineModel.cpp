@@ -46,6 +46,7 @@ void OutlineModel::setDataSource(OutlineViewDataSource *source)
     beginResetModel();
     _source = source;
     _rowsByItem.clear();
+    _hasTable = false;
     _removed.clear();
     _root->branch.reset();
     _allShownAsked = false;
@@ -101,11 +102,42 @@ void OutlineModel::adopt(Row &row, OutlineItemPtr item) const
     if (!row.item)
         return;
     row.expandable = _source->outlineViewIsItemExpandable(_view, row.item);
+    if (_hasTable)
+        enter(row);
+}
+
+void OutlineModel::enter(Row &row) const
+{
     Row *&first = _rowsByItem[row.item.get()];
     row.nextWithItem = first;
     first = &row;
 }
 
+void OutlineModel::enterBelow(Row &row) const
+{
+    if (!row.branch)
+        return;
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (!child)
+            continue;
+        if (child->item)
+            enter(*child);
+        enterBelow(*child);
+    }
+}
+
+// The first of the rows that were asked and have that item. Large lists are often filled and never searched, so the
+// table of items is made when it is first needed.
+OutlineModel::Row *OutlineModel::rowsWithItem(const OutlineItemPtr &item) const
+{
+    if (!_hasTable) {
+        _hasTable = true;
+        enterBelow(*_root);
+    }
+    return item ? _rowsByItem.value(item.get()) : nullptr;
+}
+
+// The row's item is gone; only asked for while the table is there.
 void OutlineModel::disown(Row &row) const
 {
     if (!row.item)
@@ -255,7 +287,7 @@ QModelIndex OutlineModel::indexOfItem(const OutlineItemPtr &item) const
     }
     const Row *found = nullptr;
     int first = numberOfRows();
-    for (const Row *row = _rowsByItem.value(item.get()); row; row = row->nextWithItem) {
+    for (const Row *row = rowsWithItem(item); row; row = row->nextWithItem) {
         const int flat = flatRow(*row);
         if (flat >= 0 && flat < first) {
             first = flat;
@@ -281,13 +313,13 @@ void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
     std::vector<Row *> &open = row.parent->branch->open;
     const auto place = std::lower_bound(open.begin(), open.end(), row.index,
                                         [](const Row *sibling, int at) { return sibling->index < at; });
-    if (expanded) {
+    if (expanded)
         open.insert(place, &row);
-        _allShownAsked = false;
-    } else {
+    else
         open.erase(place);
-    }
     sumUpFrom(row.parent);
+    if (expanded && _allShownAsked)
+        askShownBelow(row);
 }
 
 // --- Reloading ------------------------------------------------------------------------------------------------------
@@ -296,7 +328,7 @@ QModelIndexList OutlineModel::reloadItem(const OutlineItemPtr &item, bool reload
 {
     std::vector<Row *> rows;
     bool sameShape = true;
-    for (Row *row = _rowsByItem.value(item.get()); row; row = row->nextWithItem) {
+    for (Row *row = rowsWithItem(item); row; row = row->nextWithItem) {
         rows.push_back(row);
         sameShape = sameShape && row->expandable == _source->outlineViewIsItemExpandable(_view, item);
     }

@@ -68,6 +68,9 @@ private:
     OutlineItemPtr fetch(const Row &parent, int index) const;
     void ask(Row &row) const;
     void adopt(Row &row, OutlineItemPtr item) const;
+    void enter(Row &row) const;
+    void enterBelow(Row &row) const;
+    Row *rowsWithItem(const OutlineItemPtr &item) const;
     void disown(Row &row) const;
     int countInSource(const Row &row) const;
     void count(Row &row) const;
@@ -91,6 +94,7 @@ private:
     // Made on demand, by calls that only look.
     mutable std::unique_ptr<Row> _root;
     mutable QHash<const OutlineItem *, Row *> _rowsByItem; // rows with the same item are chained
+    mutable bool _hasTable = false;
     mutable bool _allShownAsked = false;
     std::vector<std::unique_ptr<Row>> _removed;
 };
