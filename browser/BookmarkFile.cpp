@@ -34,6 +34,13 @@ bool isFolder(const QVariantMap &node)
     return node.value(typeKey) == folderType;
 }
 
+// Empty when the folder's contents are something else than a list.
+QVariantList childrenOf(const QVariantMap &folder)
+{
+    const QVariant children = folder.value(childrenKey);
+    return children.typeId() == QMetaType::QVariantList ? children.toList() : QVariantList();
+}
+
 QVariantMap newFolder(const QString &title)
 {
     return {{typeKey, folderType}, {uuidKey, newUuid()}, {titleKey, title}, {childrenKey, QVariantList()}};
@@ -58,7 +65,7 @@ int indexOfFolder(const QVariantList &children, const QString &title)
 // Puts the bar and the menu where they are missing.
 void completeRoot(QVariantMap &root)
 {
-    QVariantList children = root.value(childrenKey).toList();
+    QVariantList children = childrenOf(root);
     if (indexOfFolder(children, BookmarkFile::barTitle()) < 0)
         children.prepend(newFolder(BookmarkFile::barTitle()));
     if (indexOfFolder(children, BookmarkFile::menuTitle()) < 0)
@@ -77,7 +84,7 @@ QList<BookmarkFile::Node> nodesOf(const QVariantMap &folder, int depth)
     QList<BookmarkFile::Node> nodes;
     if (depth > deepestFolder)
         return nodes;
-    for (const QVariant &value : folder.value(childrenKey).toList()) {
+    for (const QVariant &value : childrenOf(folder)) {
         const QVariantMap child = value.toMap();
         if (isFolder(child))
             nodes.append({true, child.value(titleKey).toString(), QString(), nodesOf(child, depth + 1)});
@@ -92,7 +99,7 @@ QList<BookmarkFile::Node> nodesOf(const QVariantMap &folder, int depth)
 
 void collectFolders(const QVariantMap &parent, const QList<int> &path, QList<BookmarkFile::Folder> &folders)
 {
-    const QVariantList children = parent.value(childrenKey).toList();
+    const QVariantList children = childrenOf(parent);
     for (int i = 0; i < children.size() && path.size() < deepestFolder; ++i) {
         const QVariantMap child = children.at(i).toMap();
         if (!isFolder(child))
@@ -107,9 +114,10 @@ void collectFolders(const QVariantMap &parent, const QList<int> &path, QList<Boo
 // of that title.
 QVariantMap withLink(QVariantMap parent, const QVariantMap &link, QList<int> path, const QString &title)
 {
-    QVariantList children = parent.value(childrenKey).toList();
+    QVariantList children = childrenOf(parent);
     if (path.isEmpty()) {
-        if (parent.value(titleKey) != title)
+        const bool hasOtherChildren = parent.contains(childrenKey) && parent.value(childrenKey) != QVariant(children);
+        if (parent.value(titleKey) != title || hasOtherChildren)
             return {};
         children.append(link);
     } else {
@@ -176,7 +184,7 @@ bool BookmarkFile::addBookmark(const QString &title, const QString &address, con
     const QVariantMap link = newLink(title, address);
     _root = folder.path.isEmpty() ? QVariantMap() : withLink(before, link, folder.path, folder.title);
     if (_root.isEmpty()) {
-        const int menu = indexOfFolder(before.value(childrenKey).toList(), menuTitle());
+        const int menu = indexOfFolder(childrenOf(before), menuTitle());
         _root = withLink(before, link, {menu}, menuTitle());
     }
     if (write())
@@ -219,7 +227,7 @@ bool BookmarkFile::write()
 QList<BookmarkFile::Node> BookmarkFile::nodesOfTopFolder(const QString &title)
 {
     ensureCurrent();
-    const QVariantList children = _root.value(childrenKey).toList();
+    const QVariantList children = childrenOf(_root);
     const int index = indexOfFolder(children, title);
     return index < 0 ? QList<Node>() : nodesOf(children.at(index).toMap(), 0);
 }

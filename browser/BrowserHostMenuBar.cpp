@@ -1,5 +1,16 @@
 #include "browser/BrowserHostMenuBar.h"
 
+namespace
+{
+void addMenuTo(QMenuBar *menuBar, QMenu *menu)
+{
+    menuBar->addMenu(menu);
+    // Behind the back of the menu bar too, so that the shortcuts work where it is hidden.
+    if (QWidget *window = menuBar->parentWidget())
+        window->addActions(menu->actions());
+}
+} // namespace
+
 void BrowserHostMenuBar::appendMenu(QMenu *menu)
 {
     if (!menu)
@@ -7,7 +18,7 @@ void BrowserHostMenuBar::appendMenu(QMenu *menu)
     _menus.append(menu);
     for (const QPointer<QMenuBar> &menuBar : std::as_const(_menuBars)) {
         if (menuBar)
-            menuBar->addMenu(menu);
+            addMenuTo(menuBar, menu);
     }
 }
 
@@ -17,6 +28,6 @@ void BrowserHostMenuBar::addMenuBar(QMenuBar *menuBar)
     _menuBars.append(menuBar);
     for (const QPointer<QMenu> &menu : std::as_const(_menus)) {
         if (menu)
-            menuBar->addMenu(menu);
+            addMenuTo(menuBar, menu);
     }
 }

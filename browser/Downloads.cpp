@@ -43,8 +43,8 @@ QString Downloads::freeName(const QString &name, const std::function<bool(const 
     if (!isTaken(name))
         return name;
     const QFileInfo info(name);
-    const bool isCompressedArchive = info.completeSuffix().startsWith(QLatin1String("tar."));
-    QString ending = isCompressedArchive ? info.completeSuffix() : info.suffix();
+    const bool isCompressedArchive = info.completeBaseName().endsWith(QLatin1String(".tar"));
+    QString ending = isCompressedArchive ? QStringLiteral("tar.") + info.suffix() : info.suffix();
     if (info.completeBaseName().isEmpty())
         ending.clear(); // a hidden file
     if (!ending.isEmpty())

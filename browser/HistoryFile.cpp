@@ -137,7 +137,7 @@ void HistoryFile::read()
     const QVariant entries = _otherKeys.take(entriesKey);
     const bool hasEntries = entries.typeId() == QMetaType::QVariantList;
     _mustKeepCopy = _stamp && (!ok || (entries.isValid() && !hasEntries));
-    const QVariantList list = _wasCleared ? QVariantList() : entries.toList();
+    const QVariantList list = hasEntries && !_wasCleared ? entries.toList() : QVariantList();
     _byAddress.reserve(list.size());
     for (const QVariant &value : list) {
         const auto position = _entries.insert(_entries.end(), value);
