@@ -63,7 +63,7 @@ KeyedUnarchiver::KeyedUnarchiver(QVariantMap values) : _values(std::move(values)
 
 void KeyedUnarchiver::registerClass(const QString &name, Maker maker)
 {
-    makers().insert(name, std::move(maker));
+    makers()[name] = std::move(maker);
 }
 
 std::shared_ptr<KeyedCoding> KeyedUnarchiver::unarchiveObjectWithData(const QByteArray &data)
@@ -77,7 +77,7 @@ std::shared_ptr<KeyedCoding> KeyedUnarchiver::decode(const QVariant &value)
     const Maker maker = makers().value(values.value(classKey).toString());
     if (!maker)
         return nullptr;
-    const std::shared_ptr<KeyedCoding> object = maker();
+    std::shared_ptr<KeyedCoding> object = maker();
     if (object)
         object->initWithCoder(KeyedUnarchiver(values));
     return object;

@@ -48,7 +48,7 @@ void NotificationCenter::removeObserver(const void *observer)
 void NotificationCenter::postNotification(const Notification &notification)
 {
     // Copied, since the notification and the registrations may go while observers are told.
-    const Notification posted = notification;
+    const Notification posted = notification; // NOLINT(performance-unnecessary-copy-initialization)
     std::vector<std::shared_ptr<Registration>> takers;
     for (const auto &registration : _registrations) {
         if (registration->takes(posted))

@@ -56,7 +56,7 @@ QString Bundle::pathForImageResource(const QString &name)
             return pathForResource(name);
     }
     for (const char *ending : endings) {
-        const QString resource = name.isEmpty() ? QString() : pathForResource(name + QLatin1String(ending));
+        QString resource = name.isEmpty() ? QString() : pathForResource(name + QLatin1String(ending));
         if (!resource.isNull())
             return resource;
     }

@@ -12,7 +12,7 @@ QString flushToDisk(const QString &path)
         return qt_error_string(errno);
     // Some file systems cannot flush a directory and need not.
     const bool isFlushed = ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
-    const QString reason = isFlushed ? QString() : qt_error_string(errno);
+    QString reason = isFlushed ? QString() : qt_error_string(errno);
     ::close(descriptor);
     return reason;
 }

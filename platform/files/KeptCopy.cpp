@@ -29,7 +29,7 @@ QString keepCopyOfFile(const QString &path)
         qCWarning(logFiles).noquote() << "Could not keep a copy of" << path << "- it is not a plain file";
         return {};
     }
-    const QString copy = freeName(path);
+    QString copy = freeName(path);
     QFile file(path);
     QString reason;
     if (!file.copy(copy))

@@ -161,7 +161,7 @@ QVariant fromBinary(const QByteArray &data, QString *reason)
     plist_t list = nullptr;
     plist_from_bin(data.constData(), static_cast<uint32_t>(data.size()), &list);
     const OwnedPropertyList owner(list);
-    const QVariant value = list ? valueFrom(list) : QVariant();
+    QVariant value = list ? valueFrom(list) : QVariant();
     if (!value.isValid())
         *reason = QStringLiteral("damaged, or a value of an unknown kind");
     return value;
@@ -178,7 +178,7 @@ QVariant fromDevice(QIODevice *device, QString *reason)
         return {};
     }
     XmlPropertyListReader reader(device);
-    const QVariant value = reader.read();
+    QVariant value = reader.read();
     if (!value.isValid())
         *reason = reader.errorString();
     return value;
