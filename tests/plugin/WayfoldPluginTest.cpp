@@ -1,0 +1,107 @@
+#include "platform/host/HostObserver.h"
+#include "platform/host/HostPlugin.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QMenu>
+#include <QPluginLoader>
+#include <QtTest>
+
+// The library as a host finds and starts it. It has its own copy of everything that is linked into this program, so
+// only what passes through the host classes, and what can be seen on the screen and the disk, tells how it does.
+class WayfoldPluginTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void startsEverything();
+    void windowThatBecomesKeyGetsADrawer();
+    void pageLoadIsHandled();
+    void windowThatClosesLosesItsDrawer();
+    void endsWithTheApplication();
+
+private:
+    // The drawers on the screen and off it.
+    static int drawerCount()
+    {
+        const QWidgetList widgets = QApplication::allWidgets();
+        return int(std::count_if(widgets.cbegin(), widgets.cend(),
+                                 [](const QWidget *widget) { return widget->inherits("SiteDrawer"); }));
+    }
+
+    TemporaryHome _home;
+    FakeHostApplication _host;
+    HostObserver *_observer = nullptr;
+    std::shared_ptr<FakeHostWindow> _window;
+};
+
+void WayfoldPluginTest::initTestCase()
+{
+    QPluginLoader loader(qEnvironmentVariable("WAYFOLD_BUNDLE") + QStringLiteral("/Contents/Plugin/libwayfold.so"));
+    auto *plugin = qobject_cast<HostPlugin *>(loader.instance());
+    QVERIFY2(plugin, qPrintable(loader.errorString()));
+    _observer = plugin->load(&_host);
+    QVERIFY(_observer);
+}
+
+void WayfoldPluginTest::startsEverything()
+{
+    QCOMPARE(_host.menuBar.menus.size(), 1);
+    QCOMPARE(_host.menuBar.menus.constFirst()->title(), QStringLiteral("Wayfold"));
+    QVERIFY(QFileInfo(_home.path(QStringLiteral("Library/Wayfold"))).isDir());
+    const QString settings = _home.path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"));
+    QTRY_VERIFY(QFileInfo::exists(settings));
+}
+
+void WayfoldPluginTest::windowThatBecomesKeyGetsADrawer()
+{
+    QCOMPARE(drawerCount(), 0);
+    _window = _host.openWindow();
+    _window->makeWidget();
+    _observer->windowDidBecomeKey(_window);
+    QCOMPARE(drawerCount(), 1);
+    _observer->windowDidBecomeKey(_window);
+    QCOMPARE(drawerCount(), 1);
+}
+
+void WayfoldPluginTest::pageLoadIsHandled()
+{
+    const auto view = _window->addTab(QStringLiteral("http://news.example.com/"));
+    _host.finishLoad(*view, view->frame);
+    _host.draw(*view);
+    QCOMPARE(_host.order, QStringLiteral("LD"));
+    QMenu *menu = _host.menuBar.menus.constFirst();
+    Q_EMIT menu->aboutToShow();
+    QStringList texts;
+    const QList<QAction *> items = menu->actions();
+    for (const QAction *item : items)
+        texts.append(item->text());
+    QVERIFY2(texts.contains(QStringLiteral("Focus on news.example.com")), qPrintable(texts.join(QLatin1Char('\n'))));
+    Q_EMIT menu->aboutToHide();
+}
+
+void WayfoldPluginTest::windowThatClosesLosesItsDrawer()
+{
+    _observer->windowFrameDidChange(_window);
+    _observer->windowWillClose(_window);
+    _host.key.reset();
+    _host.windows.clear();
+    _window.reset();
+    QTRY_COMPARE(drawerCount(), 0);
+}
+
+void WayfoldPluginTest::endsWithTheApplication()
+{
+    const QString items = _home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"));
+    QVERIFY(QFile::remove(items)); // written when the window closed
+    _observer->applicationWillTerminate();
+    QCoreApplication::processEvents();
+    QVERIFY(!QFileInfo::exists(items)); // quitting itself saves nothing
+}
+
+QTEST_MAIN(WayfoldPluginTest)
+#include "WayfoldPluginTest.moc"
