@@ -1,0 +1,236 @@
+#pragma once
+
+#include "core/settings/WayfoldDefaults.h"
+#include "lists/ScratchpadDrawer.h"
+#include "lists/WayfoldScratchDataSource.h"
+#include "lists/WayfoldScratchOutlineView.h"
+#include "lists/WayfoldSitePopupButton.h"
+#include "model/ItemDialogs.h"
+#include "model/ItemImages.h"
+#include "model/WayfoldAutoFolder.h"
+#include "model/WayfoldBookmarkEmail.h"
+#include "model/WayfoldBookmarkFile.h"
+#include "model/WayfoldBookmarkNote.h"
+#include "model/WayfoldHistoryURL.h"
+#include "platform/files/UserDefaults.h"
+#include "platform/widgets/Workspace.h"
+#include "tests/core/FakeSiteDrawer.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QToolButton>
+#include <QtTest>
+
+// An item of a kind that has no class of its own here: a contact or a group of contacts.
+class OtherItem : public KDRBookmark
+{
+public:
+    explicit OtherItem(Type type, const QString &title) : _type(type) { initWithTitle(title); }
+    Type type() const override { return _type; }
+
+private:
+    Type _type;
+};
+
+// Dialogs that are answered at once: `answer` stands for the user. None: cancelled.
+class AnsweredDialogs : public ItemDialogs
+{
+public:
+    std::function<bool(KDRBookmark &)> answer;
+    int opened = 0;
+
+    AnsweredDialogs() { setCurrent(this); }
+    ~AnsweredDialogs() override { setCurrent(nullptr); }
+
+    bool editURL(const std::shared_ptr<WayfoldBookmarkURL> &link) override { return run(*link); }
+    bool editFile(const std::shared_ptr<WayfoldBookmarkFile> &link) override { return run(*link); }
+    bool editEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) override { return run(*link); }
+    bool editNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return run(*note); }
+    bool editFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return run(*folder); }
+    bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) override { return run(*link); }
+    bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return run(*note); }
+    bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return run(*folder); }
+
+private:
+    bool run(KDRBookmark &item)
+    {
+        ++opened;
+        return answer && answer(item);
+    }
+};
+
+// A home, settings, a host and a store of a user who starts for the first time.
+class ListStage
+{
+public:
+    ListStage()
+    {
+        UserDefaults::standardUserDefaults().reset();
+        settings().loadDefaults();
+        ItemImages::reset();
+        Workspace::setURLHandler([this](const Url &url) {
+            openedURLs.append(url.absoluteString());
+            return true;
+        });
+    }
+    ~ListStage()
+    {
+        Workspace::setURLHandler({});
+        KDRDrawerBundle::releaseSharedInstance();
+        UserDefaults::standardUserDefaults().reset();
+    }
+
+    TemporaryHome home;
+    FakeHostApplication host;
+    AnsweredDialogs dialogs;
+    QStringList openedURLs; // by the desktop
+
+    static KDRDrawerBundle &store() { return KDRDrawerBundle::sharedInstance(); }
+    static WayfoldDefaults &settings() { return WayfoldDefaults::sharedInstance(); }
+    QByteArray savedFile() const { return home.read(QStringLiteral("Library/Wayfold/Bookmarks.plist")); }
+    void removeSavedFile() const { QFile::remove(home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"))); }
+
+    static WayfoldBookmarkFolderPtr folder(const QString &title, const std::vector<KDRBookmarkPtr> &children = {})
+    {
+        WayfoldBookmarkFolderPtr made = WayfoldBookmarkFolder::bookmarkWithTitle(title);
+        for (const KDRBookmarkPtr &child : children)
+            made->addChild(child);
+        return made;
+    }
+    static WayfoldBookmarkNotePtr note(const QString &title, const QString &text = QStringLiteral("text"))
+    {
+        return WayfoldBookmarkNote::bookmarkWithTitleAndNote(title, text);
+    }
+    static WayfoldBookmarkURLPtr link(const QString &title,
+                                      const QString &address = QStringLiteral("http://www.example.com/page"))
+    {
+        return WayfoldBookmarkURL::bookmarkWithTitleAndURL(title, Url::URLWithString(address));
+    }
+    static WayfoldBookmarkURLPtr file(const QString &title, const QString &path = QStringLiteral("/tmp/a b.txt"))
+    {
+        return WayfoldBookmarkURL::bookmarkWithTitleAndURL(title, Url::fileURLWithPath(path));
+    }
+    static WayfoldBookmarkURLPtr mail(const QString &title, const QString &address = QStringLiteral("mailto:ann"))
+    {
+        return link(title, address);
+    }
+    static KDRBookmarkPtr history(const QString &title)
+    {
+        return WayfoldHistoryURL::bookmarkWithTitleAndURL(
+            title, Url::URLWithString(QStringLiteral("http://www.example.com/visited")));
+    }
+    static KDRBookmarkPtr person(const QString &title)
+    {
+        return std::make_shared<OtherItem>(KDRBookmark::PersonType, title);
+    }
+    static KDRBookmarkPtr group(const QString &title)
+    {
+        return std::make_shared<OtherItem>(KDRBookmark::GroupType, title);
+    }
+    static QStringList titles(const std::vector<KDRBookmarkPtr> &items)
+    {
+        QStringList titles;
+        for (const KDRBookmarkPtr &item : items)
+            titles.append(item->title());
+        return titles;
+    }
+    static QStringList titles(const WayfoldBookmarkFolderPtr &folder) { return titles(folder->children()); }
+    // Every row, indented by its level.
+    static QStringList rows(const OutlineView &view)
+    {
+        QStringList rows;
+        for (int row = 0; row < view.numberOfRows(); ++row)
+            rows.append(QString(view.levelForRow(row), u'-') +
+                        std::static_pointer_cast<KDRBookmark>(view.itemAtRow(row))->title());
+        return rows;
+    }
+};
+
+// A drawer that hands requests for new items to the list, as the real one does.
+class StageDrawer : public ScratchpadDrawer
+{
+public:
+    QPointer<WayfoldScratchOutlineView> view;
+    int reloadCount = 0;
+
+    StageDrawer() { setSlideDuration(0); }
+    QString className() const override { return QStringLiteral("KDRDrawer"); }
+    void reloadBookmarks() override
+    {
+        ++reloadCount;
+        if (view)
+            view->reloadData();
+    }
+    void handleNewSubFolderRequest(QObject *sender) override { view->handleNewSubFolderRequest(sender); }
+    void handleNewNoteRequest(QObject *sender) override { view->handleNewNoteRequest(sender); }
+    void handleNewEmailRequest(QObject *sender) override { view->handleNewEmailRequest(sender); }
+};
+
+// The Scratchpad of one browser window: list, pop-up, buttons, data source, and an open drawer around them.
+class Scratchpad
+{
+public:
+    explicit Scratchpad(ListStage &stage, const QRectF &frame = QRectF(100, 100, 800, 600))
+    {
+        ListStage::store();
+        window = stage.host.openWindow(frame);
+        web = window->addTab(QStringLiteral("http://news.example.com/story"));
+        controller = std::make_unique<FakeDrawerController>(window);
+        drawer.setParentWindow(window);
+        drawer.setController(controller.get());
+        drawer.view = &view;
+        popup.addItem(QStringLiteral("Sites"));
+
+        WayfoldScratchDataSource::Outlets outlets;
+        outlets.scratchOutlineView = &view;
+        outlets.drawer = &drawer;
+        outlets.newSubfolderButton = &newSubfolderButton;
+        outlets.newNoteButton = &newNoteButton;
+        outlets.newEmailButton = &newEmailButton;
+        outlets.deleteItemButton = &deleteItemButton;
+        outlets.editItemButton = &editItemButton;
+        outlets.switchbackButton = &switchbackButton;
+        switchbackButton.setEnabled(false);
+        source = std::make_unique<WayfoldScratchDataSource>(outlets);
+        view.setSitePopupMenu(&popup);
+        view.setDelegate(source.get());
+        view.awakeFromNib();
+        view.setOutlineDataSource(source.get());
+        QObject::connect(&popup, &WayfoldSitePopupButton::siteChangeRequested, source.get(),
+                         [this] { source->handleSiteChange(&popup); });
+        source->awakeFromNib();
+        view.resize(300, 400);
+        view.show();
+        drawer.open();
+    }
+
+    std::shared_ptr<FakeHostWindow> window;
+    std::shared_ptr<FakeHostWebView> web;
+    std::unique_ptr<FakeDrawerController> controller;
+    StageDrawer drawer;
+    WayfoldSitePopupButton popup;
+    QToolButton newSubfolderButton;
+    QToolButton newNoteButton;
+    QToolButton newEmailButton;
+    QToolButton deleteItemButton;
+    QToolButton editItemButton;
+    QToolButton switchbackButton;
+    WayfoldScratchOutlineView view;
+    std::unique_ptr<WayfoldScratchDataSource> source; // goes before the view does
+
+    void show(const QString &label) { source->setDrawerLabelUsingFrame(label, web->frame); }
+    // The whole tree shows these items and nothing else.
+    void showItems(const std::vector<KDRBookmarkPtr> &items)
+    {
+        ListStage::store().bookmarkRoot()->removeAllChildren();
+        for (const KDRBookmarkPtr &item : items)
+            ListStage::store().bookmarkRoot()->addChild(item);
+        view.reloadData();
+    }
+    void select(const std::vector<KDRBookmarkPtr> &items)
+    {
+        view.deselectAll();
+        for (const KDRBookmarkPtr &item : items)
+            view.selectItem(item);
+    }
+};

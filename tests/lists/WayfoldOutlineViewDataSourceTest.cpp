@@ -1,0 +1,511 @@
+#include "lists/WayfoldOutlineViewDataSource.h"
+
+#include "lists/NoteViewer.h"
+#include "lists/PasteboardTypes.h"
+#include "lists/WayfoldOutlineView.h"
+#include "platform/files/PropertyList.h"
+#include "platform/widgets/Image.h"
+#include "tests/lists/ListStage.h"
+
+#include <QMimeData>
+
+Q_DECLARE_METATYPE(std::vector<KDRBookmarkPtr>)
+
+namespace
+{
+// A list like the Bookmarks and the History list: its items are dragged out, nothing is dropped.
+class PlainSource : public WayfoldOutlineViewDataSource
+{
+public:
+    WayfoldOutlineView view;
+    WayfoldBookmarkFolderPtr root;
+
+    PlainSource()
+    {
+        view.setDelegate(this);
+        view.setOutlineDataSource(this);
+    }
+    ~PlainSource() override { view.setOutlineDataSource(nullptr); }
+    WayfoldBookmarkFolderPtr localRootFolder() const override { return root; }
+    WayfoldOutlineView *myOutlineView() const override { return const_cast<WayfoldOutlineView *>(&view); }
+};
+
+std::vector<OutlineItemPtr> rowsOf(const std::vector<KDRBookmarkPtr> &items)
+{
+    return {items.cbegin(), items.cend()};
+}
+
+QStringList declaredTypes(const QMimeData &data)
+{
+    QStringList types = data.formats();
+    types.removeIf([](const QString &type) { return type.contains(QLatin1Char('/')); });
+    types.sort();
+    return types;
+}
+
+// A folder that counts how often it is asked to fill itself.
+class CountingFolder : public WayfoldAutoFolder
+{
+public:
+    int count = 0;
+    void ensureUpToDate() override { ++count; }
+};
+} // namespace
+
+class WayfoldOutlineViewDataSourceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { _stage.emplace(); }
+    void cleanup() { _stage.reset(); }
+
+    void acceptableTypesInOrder();
+    void baseHasNeitherRootNorView();
+    void rowsComeFromTheTree();
+    void nothingWithoutARoot();
+    void foldersAreBroughtUpToDate();
+    void cellsGetImageAndFont();
+    void titlesAreNotEditedInPlace();
+    void dropsAreRefused();
+
+    void typesOfOneItem_data();
+    void typesOfOneItem();
+    void typesOfSeveralItems_data();
+    void typesOfSeveralItems();
+    void dataOfEachType();
+    void dataOfSeveralItems();
+    void dataOnlyDuringADrag();
+    void dataOutlivesTheSource();
+    void desktopTypes();
+    void desktopTypesOfSeveralLinks();
+
+    void openNothing();
+    void openFolders();
+    void openWebLinksInTheCurrentFrame();
+    void openWebLinksWithoutAFrame();
+    void openFilesAndMails();
+    void openNote();
+    void openInTabs();
+    void openInTabsOfAnEmptyWindow();
+
+private:
+    std::optional<ListStage> _stage;
+};
+
+void WayfoldOutlineViewDataSourceTest::acceptableTypesInOrder()
+{
+    const QStringList expected = {QStringLiteral("NSURLPboardType"),
+                                  QStringLiteral("WebURLsWithTitlesPboardType"),
+                                  QStringLiteral("BookmarkDictionaryListPboardType"),
+                                  QStringLiteral("NSFilenamesPboardType"),
+                                  QStringLiteral("KDRBookmark"),
+                                  QStringLiteral("KDRBookmarkList"),
+                                  QStringLiteral("NSStringPboardType"),
+                                  QStringLiteral("ABPeopleUIDsPboardType"),
+                                  QStringLiteral("ABGroupsUIDsPboardType")};
+    QCOMPARE(WayfoldOutlineViewDataSource::acceptableDragTypes(), expected);
+}
+
+void WayfoldOutlineViewDataSourceTest::baseHasNeitherRootNorView()
+{
+    WayfoldOutlineViewDataSource source;
+    QVERIFY(!source.localRootFolder());
+    QVERIFY(!source.myOutlineView());
+    QVERIFY(!source.anyItemSelected());
+    source.handleResolveBookmarkRequest(nullptr);
+    source.handleOpenBookmarksInTabsRequest(nullptr);
+    QVERIFY(_stage->openedURLs.isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::rowsComeFromTheTree()
+{
+    PlainSource source;
+    const auto inner = ListStage::folder("Inner", {ListStage::note("Deep")});
+    source.root = ListStage::folder("Root", {inner, ListStage::link("Link")});
+    source.view.reloadData();
+
+    QCOMPARE(source.outlineViewNumberOfChildrenOfItem(source.view, nullptr), 2);
+    QCOMPARE(source.outlineViewNumberOfChildrenOfItem(source.view, inner), 1);
+    QCOMPARE(source.outlineViewNumberOfChildrenOfItem(source.view, source.root->childAtIndex(1)), 0);
+    QVERIFY(source.outlineViewIsItemExpandable(source.view, nullptr));
+    QVERIFY(source.outlineViewIsItemExpandable(source.view, inner));
+    QVERIFY(!source.outlineViewIsItemExpandable(source.view, source.root->childAtIndex(1)));
+    QVERIFY(source.outlineViewChildOfItem(source.view, 0, nullptr) == inner);
+    QCOMPARE(source.outlineViewObjectValueByItem(source.view, inner), QStringLiteral("Inner"));
+    source.view.expandItem(inner);
+    QCOMPARE(ListStage::rows(source.view),
+             QStringList({QStringLiteral("Inner"), QStringLiteral("-Deep"), QStringLiteral("Link")}));
+}
+
+void WayfoldOutlineViewDataSourceTest::nothingWithoutARoot()
+{
+    PlainSource source;
+    source.view.reloadData();
+    QCOMPARE(source.view.numberOfRows(), 0);
+    QCOMPARE(source.outlineViewNumberOfChildrenOfItem(source.view, nullptr), 0);
+    QVERIFY(!source.outlineViewIsItemExpandable(source.view, nullptr));
+    QVERIFY(!source.outlineViewChildOfItem(source.view, 0, nullptr));
+    QVERIFY(source.outlineViewObjectValueByItem(source.view, nullptr).isNull());
+}
+
+void WayfoldOutlineViewDataSourceTest::foldersAreBroughtUpToDate()
+{
+    PlainSource source;
+    const auto smart = std::make_shared<CountingFolder>();
+    smart->init();
+    smart->addChild(ListStage::note("In it"));
+    source.root = ListStage::folder("Root", {smart});
+    source.view.reloadData();
+
+    smart->count = 0;
+    source.outlineViewChildOfItem(source.view, 0, smart);
+    QCOMPARE(smart->count, 1);
+    source.outlineViewObjectValueByItem(source.view, smart);
+    QCOMPARE(smart->count, 2);
+}
+
+void WayfoldOutlineViewDataSourceTest::cellsGetImageAndFont()
+{
+    PlainSource source;
+    source.view.awakeFromNib();
+    source.view.setRowHeight(40);
+    const auto folder = ListStage::folder("Folder");
+    OutlineCell cell;
+    source.outlineViewWillDisplayCell(source.view, cell, folder);
+    QVERIFY(cell.image);
+    QCOMPARE(cell.image, folder->imageForCellSize(QSizeF(40, 40)));
+    QCOMPARE(cell.font, source.view.currentListViewFont());
+
+    OutlineCell rootCell;
+    source.outlineViewWillDisplayCell(source.view, rootCell, nullptr);
+    QVERIFY(!rootCell.image);
+    QCOMPARE(rootCell.font, source.view.currentListViewFont());
+}
+
+void WayfoldOutlineViewDataSourceTest::titlesAreNotEditedInPlace()
+{
+    PlainSource source;
+    QVERIFY(!source.outlineViewShouldEdit(source.view, ListStage::note("Note")));
+}
+
+void WayfoldOutlineViewDataSourceTest::dropsAreRefused()
+{
+    PlainSource source;
+    source.root = ListStage::folder("Root");
+    QMimeData data;
+    data.setText(QStringLiteral("text"));
+    OutlineDropTarget target;
+    QCOMPARE(source.outlineViewValidateDrop(source.view, data, false, target), Qt::IgnoreAction);
+    QVERIFY(!source.outlineViewAcceptDrop(source.view, data, target));
+    QCOMPARE(source.root->childCount(), 0U);
+}
+
+void WayfoldOutlineViewDataSourceTest::typesOfOneItem_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<QStringList>("publicTypes");
+    const auto row = [](const char *name, const KDRBookmarkPtr &item, const QStringList &types) {
+        QTest::newRow(name) << std::vector<KDRBookmarkPtr>{item} << types;
+    };
+    const QString string = QStringLiteral("NSStringPboardType");
+    const QString url = QStringLiteral("NSURLPboardType");
+    const QString urlsWithTitles = QStringLiteral("WebURLsWithTitlesPboardType");
+    row("folder", ListStage::folder("a"), {string, QStringLiteral("BookmarkDictionaryListPboardType")});
+    row("web link", ListStage::link("a"), {string, url, urlsWithTitles});
+    row("history entry", ListStage::history("a"), {string, url, urlsWithTitles});
+    row("file link", ListStage::file("a"), {string, url, urlsWithTitles, QStringLiteral("NSFilenamesPboardType")});
+    row("note", ListStage::note("a"), {string});
+    row("e-mail link", ListStage::mail("a"), {string, url});
+    row("person", ListStage::person("a"),
+        {QStringLiteral("ABPeopleUIDsPboardType"), QStringLiteral("NSVCardPboardType")});
+    row("group", ListStage::group("a"), {QStringLiteral("ABGroupsUIDsPboardType")});
+}
+
+void WayfoldOutlineViewDataSourceTest::typesOfOneItem()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(QStringList, publicTypes);
+    publicTypes.sort();
+
+    PlainSource plain;
+    const std::unique_ptr<QMimeData> data(plain.outlineViewWriteItems(plain.view, rowsOf(items)));
+    QVERIFY(data);
+    QCOMPARE(declaredTypes(*data), publicTypes);
+
+    Scratchpad pad(*_stage);
+    const std::unique_ptr<QMimeData> own(pad.source->outlineViewWriteItems(pad.view, rowsOf(items)));
+    QVERIFY(own);
+    publicTypes.append(QStringLiteral("KDRBookmark"));
+    publicTypes.sort();
+    QCOMPARE(declaredTypes(*own), publicTypes);
+}
+
+void WayfoldOutlineViewDataSourceTest::typesOfSeveralItems_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<QStringList>("publicTypes"); // none: no drag
+    QTest::addColumn<QString>("privateType");     // none: no drag, or no own type in common
+    using Items = std::vector<KDRBookmarkPtr>;
+    const QString dictionaries = QStringLiteral("BookmarkDictionaryListPboardType");
+    const QString list = QStringLiteral("KDRBookmarkList");
+    const QString single = QStringLiteral("KDRBookmark");
+    QTest::newRow("folder and link") << Items{ListStage::folder("a"), ListStage::link("b")} << QStringList{dictionaries}
+                                     << list;
+    QTest::newRow("mail and history") << Items{ListStage::mail("a"), ListStage::history("b")}
+                                      << QStringList{dictionaries} << list;
+    QTest::newRow("files") << Items{ListStage::file("a"), ListStage::file("b")}
+                           << QStringList{dictionaries, QStringLiteral("NSFilenamesPboardType")} << list;
+    QTest::newRow("file and link") << Items{ListStage::file("a"), ListStage::link("b")} << QStringList{dictionaries}
+                                   << list;
+    QTest::newRow("note and link") << Items{ListStage::note("a"), ListStage::link("b")} << QStringList() << QString();
+    QTest::newRow("notes") << Items{ListStage::note("a"), ListStage::note("b")} << QStringList() << QString();
+    QTest::newRow("people") << Items{ListStage::person("a"), ListStage::person("b")}
+                            << QStringList{QStringLiteral("ABPeopleUIDsPboardType"),
+                                           QStringLiteral("NSVCardPboardType")}
+                            << single;
+    QTest::newRow("groups") << Items{ListStage::group("a"), ListStage::group("b")}
+                            << QStringList{QStringLiteral("ABGroupsUIDsPboardType")} << single;
+    // What a person and a group have in common is the private name alone.
+    QTest::newRow("person and group") << Items{ListStage::person("a"), ListStage::group("b")} << QStringList()
+                                      << single;
+    QTest::newRow("person and link") << Items{ListStage::person("a"), ListStage::link("b")} << QStringList()
+                                     << QString();
+}
+
+void WayfoldOutlineViewDataSourceTest::typesOfSeveralItems()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(QStringList, publicTypes);
+    QFETCH(QString, privateType);
+    publicTypes.sort();
+
+    PlainSource plain;
+    const std::unique_ptr<QMimeData> data(plain.outlineViewWriteItems(plain.view, rowsOf(items)));
+    QCOMPARE(data ? declaredTypes(*data) : QStringList(), publicTypes);
+    QCOMPARE(data == nullptr, publicTypes.isEmpty());
+
+    if (!privateType.isNull())
+        publicTypes.append(privateType);
+    publicTypes.sort();
+    Scratchpad pad(*_stage);
+    const std::unique_ptr<QMimeData> own(pad.source->outlineViewWriteItems(pad.view, rowsOf(items)));
+    QCOMPARE(own ? declaredTypes(*own) : QStringList(), publicTypes);
+    QCOMPARE(own == nullptr, publicTypes.isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::dataOfEachType()
+{
+    PlainSource source;
+    const auto link = ListStage::link("A page");
+    const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(source.view, {link}));
+    const QString address = QStringLiteral("http://www.example.com/page");
+    QCOMPARE(QString::fromUtf8(data->data(QStringLiteral("NSStringPboardType"))), address);
+    QCOMPARE(QString::fromUtf8(data->data(QStringLiteral("NSURLPboardType"))), address);
+    QCOMPARE(PropertyList::fromData(data->data(QStringLiteral("WebURLsWithTitlesPboardType"))).toList(),
+             QVariantList({QVariant(QVariantList{address}), QVariant(QVariantList{QStringLiteral("A page")})}));
+    QCOMPARE(source.pasteboardProvideDataForType(QStringLiteral("KDRBookmark")).toString(), link->uuid());
+    QVERIFY(!source.pasteboardProvideDataForType(QStringLiteral("something else")).isValid());
+    QVERIFY(data->data(QStringLiteral("something else")).isEmpty());
+
+    const auto note = ListStage::note("Note", QString::fromUtf8("f\xc3\xbcnf"));
+    const std::unique_ptr<QMimeData> noteData(source.outlineViewWriteItems(source.view, {note}));
+    QCOMPARE(QString::fromUtf8(noteData->data(QStringLiteral("NSStringPboardType"))), QString::fromUtf8("f\xc3\xbcnf"));
+}
+
+void WayfoldOutlineViewDataSourceTest::dataOfSeveralItems()
+{
+    Scratchpad pad(*_stage);
+    const auto one = ListStage::file("One", "/tmp/a b.txt");
+    const auto two = ListStage::file("Two", "/tmp/c.txt");
+    const std::unique_ptr<QMimeData> data(pad.source->outlineViewWriteItems(pad.view, {one, two}));
+    QCOMPARE(PropertyList::fromData(data->data(QStringLiteral("KDRBookmarkList"))).toList(),
+             QVariantList({one->uuid(), two->uuid()}));
+    QCOMPARE(PropertyList::fromData(data->data(QStringLiteral("NSFilenamesPboardType"))).toList(),
+             QVariantList({QStringLiteral("/tmp/a b.txt"), QStringLiteral("/tmp/c.txt")}));
+    const QVariantList dictionaries =
+        PropertyList::fromData(data->data(QStringLiteral("BookmarkDictionaryListPboardType"))).toList();
+    QCOMPARE(dictionaries, QVariantList({one->createDictionary(false), two->createDictionary(false)}));
+
+    const auto ann = ListStage::person("Ann");
+    const auto bob = ListStage::person("Bob");
+    const std::unique_ptr<QMimeData> people(pad.source->outlineViewWriteItems(pad.view, {ann, bob}));
+    QCOMPARE(PropertyList::fromData(people->data(QStringLiteral("ABPeopleUIDsPboardType"))).toList(),
+             QVariantList({ann->uuid(), bob->uuid()}));
+    // Only the first of them is moved within the Scratchpad.
+    QCOMPARE(QString::fromUtf8(people->data(QStringLiteral("KDRBookmark"))), ann->uuid());
+    const auto friends = ListStage::group("Friends");
+    const std::unique_ptr<QMimeData> groups(pad.source->outlineViewWriteItems(pad.view, {friends}));
+    QCOMPARE(PropertyList::fromData(groups->data(QStringLiteral("ABGroupsUIDsPboardType"))).toList(),
+             QVariantList({friends->uuid()}));
+}
+
+void WayfoldOutlineViewDataSourceTest::dataOnlyDuringADrag()
+{
+    PlainSource source;
+    QVERIFY(!source.pasteboardProvideDataForType(QStringLiteral("NSStringPboardType")).isValid());
+    const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(source.view, {ListStage::note("Note")}));
+    QVERIFY(!data->data(QStringLiteral("NSStringPboardType")).isEmpty());
+    source.outlineViewDraggingEnded(source.view);
+    QVERIFY(data->data(QStringLiteral("NSStringPboardType")).isEmpty());
+    QVERIFY(!source.pasteboardProvideDataForType(QStringLiteral("NSStringPboardType")).isValid());
+}
+
+void WayfoldOutlineViewDataSourceTest::dataOutlivesTheSource()
+{
+    std::unique_ptr<QMimeData> data;
+    {
+        PlainSource source;
+        data.reset(source.outlineViewWriteItems(source.view, {ListStage::link("Link")}));
+    }
+    QVERIFY(data->data(QStringLiteral("NSURLPboardType")).isEmpty());
+    QVERIFY(data->text().isEmpty());
+    QVERIFY(data->urls().isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::desktopTypes()
+{
+    PlainSource source;
+    const std::unique_ptr<QMimeData> link(source.outlineViewWriteItems(source.view, {ListStage::link("A page")}));
+    QCOMPARE(link->text(), QStringLiteral("http://www.example.com/page"));
+    QCOMPARE(link->data(QStringLiteral("text/uri-list")), QByteArray("http://www.example.com/page\r\n"));
+    const QByteArray mozilla = link->data(QStringLiteral("text/x-moz-url"));
+    QCOMPARE(QString(reinterpret_cast<const QChar *>(mozilla.constData()), mozilla.size() / 2),
+             QStringLiteral("http://www.example.com/page\nA page"));
+
+    const std::unique_ptr<QMimeData> file(source.outlineViewWriteItems(source.view, {ListStage::file("File")}));
+    QCOMPARE(file->urls(), QList<QUrl>{QUrl::fromLocalFile(QStringLiteral("/tmp/a b.txt"))});
+
+    const std::unique_ptr<QMimeData> note(
+        source.outlineViewWriteItems(source.view, {ListStage::note("Note", "words")}));
+    QCOMPARE(note->text(), QStringLiteral("words"));
+    QVERIFY(!note->hasUrls());
+}
+
+void WayfoldOutlineViewDataSourceTest::desktopTypesOfSeveralLinks()
+{
+    PlainSource source;
+    const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(
+        source.view, {ListStage::link("One", "http://a/1"), ListStage::folder("Folder"), ListStage::mail("Two")}));
+    QCOMPARE(data->data(QStringLiteral("text/uri-list")), QByteArray("http://a/1\r\nmailto:ann\r\n"));
+    const QByteArray mozilla = data->data(QStringLiteral("text/x-moz-url"));
+    QCOMPARE(QString(reinterpret_cast<const QChar *>(mozilla.constData()), mozilla.size() / 2),
+             QStringLiteral("http://a/1\nOne\nmailto:ann\nTwo"));
+}
+
+void WayfoldOutlineViewDataSourceTest::openNothing()
+{
+    Scratchpad pad(*_stage);
+    pad.showItems({ListStage::link("Link")});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QVERIFY(pad.web->frame->loadRequests.empty());
+    QVERIFY(pad.window->newTabURLs.empty());
+}
+
+void WayfoldOutlineViewDataSourceTest::openFolders()
+{
+    Scratchpad pad(*_stage);
+    const auto closed = ListStage::folder("Closed", {ListStage::note("a")});
+    const auto open = ListStage::folder("Open", {ListStage::note("b")});
+    pad.showItems({closed, open});
+    pad.view.expandItem(open);
+    pad.select({closed, open});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QVERIFY(pad.view.isItemExpanded(closed));
+    QVERIFY(!pad.view.isItemExpanded(open));
+}
+
+void WayfoldOutlineViewDataSourceTest::openWebLinksInTheCurrentFrame()
+{
+    Scratchpad pad(*_stage);
+    const auto link = ListStage::link("Link");
+    const auto visited = ListStage::history("Visited");
+    pad.showItems({link, visited});
+    pad.controller->setCurrentWebFrame(pad.web->frame);
+    pad.select({link, visited});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(pad.web->frame->loadRequests,
+             std::vector<Url>({link->url(), Url::URLWithString(QStringLiteral("http://www.example.com/visited"))}));
+    QVERIFY(_stage->openedURLs.isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::openWebLinksWithoutAFrame()
+{
+    Scratchpad pad(*_stage);
+    const auto link = ListStage::link("Link");
+    pad.showItems({link});
+    pad.controller->setCurrentWebFrame(nullptr);
+    pad.select({link});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(_stage->openedURLs, QStringList{QStringLiteral("http://www.example.com/page")});
+}
+
+void WayfoldOutlineViewDataSourceTest::openFilesAndMails()
+{
+    Scratchpad pad(*_stage);
+    const auto file = ListStage::file("File");
+    const auto mail = ListStage::mail("Mail");
+    pad.showItems({file, mail});
+    pad.controller->setCurrentWebFrame(pad.web->frame);
+    pad.select({file, mail});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(_stage->openedURLs, QStringList({QStringLiteral("file:///tmp/a%20b.txt"), QStringLiteral("mailto:ann")}));
+    QVERIFY(pad.web->frame->loadRequests.empty());
+}
+
+void WayfoldOutlineViewDataSourceTest::openNote()
+{
+    Scratchpad pad(*_stage);
+    const auto note = ListStage::note("Note");
+    pad.showItems({note});
+    pad.select({note});
+    WayfoldBookmarkNotePtr shown;
+    NoteViewer::setOpener([&shown](const WayfoldBookmarkNotePtr &opened) { shown = opened; });
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    NoteViewer::setOpener({});
+    QCOMPARE(shown, note);
+    pad.source->handleResolveBookmarkRequest(nullptr); // nobody to show it
+}
+
+void WayfoldOutlineViewDataSourceTest::openInTabs()
+{
+    Scratchpad pad(*_stage);
+    const auto link = ListStage::link("Link");
+    const auto note = ListStage::note("Note");
+    const auto mail = ListStage::mail("Mail");
+    const auto visited = ListStage::history("Visited");
+    pad.showItems({link, note, mail, visited});
+    pad.select({link, note, mail, visited});
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    const std::vector<Url> expected = {link->url(),
+                                       Url::URLWithString(QStringLiteral("http://www.example.com/visited"))};
+    QCOMPARE(pad.window->newTabURLs, expected);
+    QVERIFY(pad.window->currentTabURLs.empty());
+
+    // A page that is only on its way counts as well.
+    pad.web->frame->committed.reset();
+    pad.web->frame->provisional = HostDataSource{Url::URLWithString(QStringLiteral("http://coming/"))};
+    pad.select({link});
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QCOMPARE(pad.window->newTabURLs.size(), 3U);
+}
+
+void WayfoldOutlineViewDataSourceTest::openInTabsOfAnEmptyWindow()
+{
+    Scratchpad pad(*_stage);
+    const auto link = ListStage::link("Link");
+    pad.showItems({link});
+    pad.select({link});
+    pad.web->frame->committed.reset();
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QCOMPARE(pad.window->currentTabURLs, std::vector<Url>{link->url()});
+    QVERIFY(pad.window->newTabURLs.empty());
+
+    pad.window->frontWebView.reset();
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QCOMPARE(pad.window->currentTabURLs.size(), 2U);
+}
+
+QTEST_MAIN(WayfoldOutlineViewDataSourceTest)
+#include "WayfoldOutlineViewDataSourceTest.moc"

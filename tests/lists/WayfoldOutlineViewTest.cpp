@@ -1,0 +1,545 @@
+#include "lists/WayfoldOutlineView.h"
+
+#include "core/Notifications.h"
+#include "lists/WayfoldBookmarkOutlineView.h"
+#include "platform/base/NotificationCenter.h"
+#include "tests/lists/ListStage.h"
+
+#include <QContextMenuEvent>
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QMenu>
+#include <QScrollBar>
+
+Q_DECLARE_METATYPE(std::vector<KDRBookmarkPtr>)
+
+namespace
+{
+QAction *addItem(QMenu &menu, const char *action)
+{
+    QAction *item = menu.addAction(QString::fromLatin1(action));
+    MenuItem::setAction(item, QString::fromLatin1(action));
+    return item;
+}
+
+void changeFont()
+{
+    NotificationCenter::defaultCenter().postNotificationName(Notifications::ListViewFontChangeNotification, nullptr);
+}
+
+qreal heightFor(const QFont &font)
+{
+    return QFontMetricsF(font).lineSpacing() + 3.0;
+}
+} // namespace
+
+class WayfoldOutlineViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        _stage.emplace();
+        _pad.emplace(*_stage);
+    }
+    void cleanup()
+    {
+        _pad.reset();
+        _stage.reset();
+    }
+
+    void fontAndRowHeight();
+    void fontChangesInEveryList();
+    void unknownFontChangesNothing();
+    void incomingDropsAndDragOperations();
+
+    void reloadRestoresByIdentifier();
+    void memoryIsUsedOnce();
+    void reloadKeepsTheSameItems();
+    void reloadKeepsTheScrollPosition();
+    void expandedFoldersBeforeTheirSubfolders();
+    void identifiersWithoutARoot();
+
+    void toolTips();
+    void toolTipsAfterRemoval();
+
+    void selectionHelpers();
+    void predicates_data();
+    void predicates();
+    void insideASmartFolder();
+
+    void keysOpen_data();
+    void keysOpen();
+    void spaceOnAFolderIsTheToolkits();
+    void rightClickSelects();
+    void contextMenuActsOnTheListThatShowedIt();
+    void contextMenuDisablesWhatTheListCannotDo();
+
+    void openItem_data();
+    void openItem();
+    void openInTabsItem_data();
+    void openInTabsItem();
+    void otherItems();
+
+private:
+    std::optional<ListStage> _stage;
+    std::optional<Scratchpad> _pad;
+};
+
+// --- Appearance -----------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::fontAndRowHeight()
+{
+    const QFont font = *ListStage::settings().listViewFont();
+    QCOMPARE(_pad->view.currentListViewFont(), font);
+    QCOMPARE(_pad->view.rowHeight(), heightFor(font));
+}
+
+void WayfoldOutlineViewTest::fontChangesInEveryList()
+{
+    WayfoldBookmarkOutlineView other;
+    other.awakeFromNib();
+    const QString family = QFontDatabase::families().constFirst();
+    ListStage::settings().setListViewFontName(family);
+    ListStage::settings().setListViewFontSize(31);
+    changeFont();
+    const QFont font = *WayfoldDefaults::fontWithNameSize(family, 31);
+    for (const WayfoldOutlineView *view :
+         {static_cast<WayfoldOutlineView *>(&_pad->view), static_cast<WayfoldOutlineView *>(&other)}) {
+        QCOMPARE(view->currentListViewFont(), font);
+        QCOMPARE(view->rowHeight(), heightFor(font));
+    }
+    QVERIFY(_pad->view.rowHeight() > 31);
+}
+
+void WayfoldOutlineViewTest::unknownFontChangesNothing()
+{
+    const QFont before = _pad->view.currentListViewFont();
+    ListStage::settings().setListViewFontName(QStringLiteral("No Such Font At All"));
+    ListStage::settings().setListViewFontSize(40);
+    changeFont();
+    QCOMPARE(_pad->view.currentListViewFont(), before);
+    QCOMPARE(_pad->view.rowHeight(), heightFor(before));
+}
+
+void WayfoldOutlineViewTest::incomingDropsAndDragOperations()
+{
+    const WayfoldBookmarkOutlineView bookmarks;
+    QVERIFY(!bookmarks.allowIncomingDrops());
+    QVERIFY(_pad->view.allowIncomingDrops());
+    const Qt::DropActions all = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    QCOMPARE(bookmarks.draggingSourceOperationMaskForLocal(true), all);
+    QCOMPARE(bookmarks.draggingSourceOperationMaskForLocal(false), Qt::CopyAction | Qt::MoveAction);
+}
+
+// --- Reload with memory ---------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::reloadRestoresByIdentifier()
+{
+    const auto gone = ListStage::folder("Gone", {ListStage::note("x")});
+    const auto kept = ListStage::folder("Kept", {ListStage::note("In it"), ListStage::note("Beside")});
+    _pad->showItems({gone, kept});
+    _pad->view.expandItem(gone);
+    _pad->view.expandItem(kept);
+    _pad->select({kept->childAtIndex(0), gone});
+    QCOMPARE(_pad->view.getExpandedItemsUUIDList(), QStringList({gone->uuid(), kept->uuid()}));
+    QCOMPARE(_pad->view.getSelectedItemsUUIDList(), QStringList({gone->uuid(), kept->childAtIndex(0)->uuid()}));
+
+    _pad->view.prepForReloadData();
+    QCOMPARE(_pad->view.selectedRow(), -1);
+    // Another tree with copies: the same identifiers, other objects.
+    const KDRBookmarkPtr copy = kept->copy();
+    ListStage::store().bookmarkRoot()->removeAllChildren();
+    ListStage::store().bookmarkRoot()->addChild(copy);
+    _pad->view.reloadData();
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({QStringLiteral("Kept"), QStringLiteral("-In it"), QStringLiteral("-Beside")}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("In it")});
+    QVERIFY(_pad->view.selectedItem() != kept->childAtIndex(0));
+}
+
+void WayfoldOutlineViewTest::memoryIsUsedOnce()
+{
+    const auto folder = ListStage::folder("Folder", {ListStage::note("In it")});
+    _pad->showItems({folder});
+    _pad->view.expandItem(folder);
+    _pad->view.prepForReloadData();
+    _pad->view.reloadData();
+    QVERIFY(_pad->view.isItemExpanded(folder));
+
+    const auto put = [this](const KDRBookmarkPtr &item) {
+        ListStage::store().bookmarkRoot()->removeAllChildren();
+        ListStage::store().bookmarkRoot()->addChild(item);
+        _pad->view.reloadData();
+    };
+    // Without preparation only the very same items stay as they are; a copy is another item.
+    put(folder->copy());
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Folder")});
+}
+
+void WayfoldOutlineViewTest::reloadKeepsTheSameItems()
+{
+    const auto inner = ListStage::folder("Inner", {ListStage::note("Deep")});
+    const auto outer = ListStage::folder("Outer", {inner});
+    _pad->showItems({outer});
+    _pad->view.expandItem(outer);
+    _pad->view.expandItem(inner);
+    _pad->select({inner->childAtIndex(0)});
+    inner->addChildAtIndex(ListStage::note("New"), 0);
+    _pad->view.reloadData();
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({QStringLiteral("Outer"), QStringLiteral("-Inner"),
+                                                       QStringLiteral("--New"), QStringLiteral("--Deep")}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Deep")});
+}
+
+void WayfoldOutlineViewTest::reloadKeepsTheScrollPosition()
+{
+    std::vector<KDRBookmarkPtr> notes;
+    for (int i = 0; i < 200; ++i)
+        notes.push_back(ListStage::note(QString::number(i)));
+    _pad->showItems(notes);
+    _pad->view.selectIndividualRow(0);
+    QTRY_VERIFY(_pad->view.verticalScrollBar()->maximum() > 100);
+    _pad->view.verticalScrollBar()->setValue(100);
+    _pad->view.reloadData();
+    QCOMPARE(_pad->view.verticalScrollBar()->value(), 100);
+    QCOMPARE(_pad->view.selectedRow(), 0);
+}
+
+void WayfoldOutlineViewTest::expandedFoldersBeforeTheirSubfolders()
+{
+    const auto inner = ListStage::folder("Inner", {ListStage::note("Deep")});
+    const auto outer = ListStage::folder("Outer", {inner});
+    _pad->showItems({outer});
+    _pad->view.reexpandItemsFromUUIDList({outer->uuid(), QStringLiteral("unknown"), inner->uuid()});
+    QCOMPARE(_pad->view.numberOfRows(), 3);
+    _pad->view.reselectItemsFromUUIDList({inner->uuid(), outer->uuid()});
+    QCOMPARE(_pad->view.selectedItemCount(), 2);
+}
+
+void WayfoldOutlineViewTest::identifiersWithoutARoot()
+{
+    WayfoldOutlineView view;
+    view.reexpandItemsFromUUIDList({QStringLiteral("a")});
+    view.reselectItemsFromUUIDList({QStringLiteral("a")});
+    view.prepForReloadData();
+    view.reloadData();
+    QCOMPARE(view.numberOfRows(), 0);
+}
+
+// --- Tool tips ------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::toolTips()
+{
+    const auto link = ListStage::link("Link");
+    const auto note = ListStage::note("Note", "What the note says");
+    const auto folder = ListStage::folder("Folder");
+    _pad->showItems({link, note, folder});
+    QVERIFY(QTest::qWaitForWindowExposed(&_pad->view));
+    _pad->view.grab(); // draws the rows
+    const auto tip = [this](int row) { return _pad->view.toolTipAtPoint(_pad->view.rectOfRow(row).center()); };
+    QCOMPARE(tip(0), QStringLiteral("http://www.example.com/page"));
+    QCOMPARE(tip(1), QStringLiteral("What the note says"));
+    QVERIFY(tip(2).isNull());
+    QVERIFY(_pad->view.toolTipAtPoint(QPoint(5, _pad->view.viewport()->height() - 1)).isNull());
+}
+
+void WayfoldOutlineViewTest::toolTipsAfterRemoval()
+{
+    const auto first = ListStage::note("First", "one");
+    const auto second = ListStage::note("Second", "two");
+    _pad->showItems({first, second});
+    const auto tip = [this](int row) { return _pad->view.toolTipAtPoint(_pad->view.rectOfRow(row).center()); };
+    _pad->view.removeAllToolTips();
+    QVERIFY(tip(0).isNull());
+    // Rows get theirs from the top down to the one that is drawn.
+    _pad->view.ensureToolTipPresentForItem(second);
+    QCOMPARE(tip(0), QStringLiteral("one"));
+    QCOMPARE(tip(1), QStringLiteral("two"));
+    _pad->view.removeAllToolTips();
+    _pad->view.ensureToolTipPresentForItem(first);
+    QCOMPARE(tip(0), QStringLiteral("one"));
+    QVERIFY(tip(1).isNull());
+    _pad->view.ensureToolTipPresentForItem(ListStage::note("Not shown"));
+    QVERIFY(tip(1).isNull());
+}
+
+// --- Selection ------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::selectionHelpers()
+{
+    const auto a = ListStage::note("a");
+    const auto b = ListStage::note("b");
+    const auto c = ListStage::note("c");
+    _pad->showItems({a, b, c});
+    WayfoldOutlineView &view = _pad->view;
+    QVERIFY(!view.selectedItem());
+    QCOMPARE(view.selectedItemCount(), 0);
+    view.selectRow(2);
+    view.selectRow(0);
+    QCOMPARE(ListStage::titles(view.selectedItemList()), QStringList({QStringLiteral("a"), QStringLiteral("c")}));
+    view.selectIndividualRow(1);
+    QVERIFY(view.selectedItem() == b);
+    QCOMPARE(view.selectedItemCount(), 1);
+    view.selectItem(a);
+    view.selectItem(nullptr);
+    QCOMPARE(view.selectedItemCount(), 2);
+    view.selectIndividualItem(c);
+    QCOMPARE(ListStage::titles(view.selectedItemList()), QStringList{QStringLiteral("c")});
+    view.selectIndividualItem(nullptr);
+    view.selectIndividualItem(ListStage::note("elsewhere"));
+    view.selectRow(99);
+    view.selectRow(-1);
+    QCOMPARE(ListStage::titles(view.selectedItemList()), QStringList{QStringLiteral("c")});
+}
+
+void WayfoldOutlineViewTest::predicates_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<QString>("holds"); // one letter for each predicate that does
+    using Items = std::vector<KDRBookmarkPtr>;
+    QTest::newRow("nothing") << Items{} << QString();
+    QTest::newRow("note") << Items{ListStage::note("a")} << QStringLiteral("ED");
+    QTest::newRow("folder") << Items{ListStage::folder("a")} << QStringLiteral("ED");
+    QTest::newRow("link") << Items{ListStage::link("a")} << QStringLiteral("EDW");
+    QTest::newRow("link and note") << Items{ListStage::link("a"), ListStage::note("b")} << QStringLiteral("ED");
+    QTest::newRow("link and visited page")
+        << Items{ListStage::link("a"), ListStage::history("b")} << QStringLiteral("EDW");
+    QTest::newRow("file") << Items{ListStage::file("a")} << QStringLiteral("ED");
+    QTest::newRow("mail") << Items{ListStage::mail("a")} << QStringLiteral("EDM");
+    QTest::newRow("person") << Items{ListStage::person("a")} << QStringLiteral("EDAM");
+    QTest::newRow("person and group") << Items{ListStage::person("a"), ListStage::group("b")} << QStringLiteral("EDAM");
+    QTest::newRow("person and mail") << Items{ListStage::person("a"), ListStage::mail("b")} << QStringLiteral("EDM");
+    QTest::newRow("person and note") << Items{ListStage::person("a"), ListStage::note("b")} << QStringLiteral("ED");
+}
+
+void WayfoldOutlineViewTest::predicates()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(QString, holds);
+    _pad->showItems(items);
+    _pad->select(items);
+    const WayfoldOutlineView &view = _pad->view;
+    QCOMPARE(view.allSelectedItemsAreEditable(), holds.contains(u'E'));
+    QCOMPARE(view.allSelectedItemsAreDeletable(), holds.contains(u'D'));
+    QCOMPARE(view.allSelectedItemsAreAddressBookItems(), holds.contains(u'A'));
+    QCOMPARE(view.allSelectedItemsAreEmailable(), holds.contains(u'M'));
+    QCOMPARE(view.allSelectedItemsAreWebURLs(), holds.contains(u'W'));
+}
+
+// What a smart folder has collected is not kept, so it is neither edited nor deleted; contacts are edited elsewhere.
+void WayfoldOutlineViewTest::insideASmartFolder()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    smart->ensureUpToDate();
+    const auto link = ListStage::link("Link");
+    const auto person = ListStage::person("Person");
+    smart->addChild(link);
+    smart->addChild(person);
+    _pad->showItems({smart});
+    _pad->view.expandItem(smart);
+    QCOMPARE(_pad->view.numberOfRows(), 3);
+    _pad->select({smart});
+    QVERIFY(!_pad->view.allSelectedItemsAreEditable());
+    QVERIFY(!_pad->view.allSelectedItemsAreDeletable());
+    _pad->select({link});
+    QVERIFY(!_pad->view.allSelectedItemsAreEditable());
+    _pad->select({person});
+    QVERIFY(_pad->view.allSelectedItemsAreEditable());
+    QVERIFY(!_pad->view.allSelectedItemsAreDeletable());
+}
+
+// --- Keys and mouse -------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::keysOpen_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("opens");
+    QTest::newRow("space") << int(Qt::Key_Space) << int(Qt::NoModifier) << true;
+    QTest::newRow("command and down") << int(Qt::Key_Down) << int(Qt::ControlModifier) << true;
+    QTest::newRow("down") << int(Qt::Key_Down) << int(Qt::NoModifier) << false;
+    QTest::newRow("a letter") << int(Qt::Key_X) << int(Qt::NoModifier) << false;
+}
+
+void WayfoldOutlineViewTest::keysOpen()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(bool, opens);
+    const auto link = ListStage::link("Link");
+    _pad->showItems({link, ListStage::note("Note")});
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->select({link});
+    QTest::keyClick(&_pad->view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QCOMPARE(_pad->web->frame->loadRequests.size(), opens ? 1U : 0U);
+    // Nothing is opened while nothing is selected.
+    _pad->view.deselectAll();
+    _pad->web->frame->loadRequests.clear();
+    QTest::keyClick(&_pad->view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QVERIFY(_pad->web->frame->loadRequests.empty());
+}
+
+void WayfoldOutlineViewTest::spaceOnAFolderIsTheToolkits()
+{
+    const auto folder = ListStage::folder("Folder", {ListStage::note("In it")});
+    _pad->showItems({folder});
+    int opened = 0;
+    _pad->view.doubleAction = [&opened] { ++opened; };
+    _pad->select({folder});
+    QTest::keyClick(&_pad->view, Qt::Key_Space);
+    QTest::keyClick(&_pad->view, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(opened, 0);
+}
+
+void WayfoldOutlineViewTest::rightClickSelects()
+{
+    _pad->showItems({ListStage::note("a"), ListStage::note("b"), ListStage::note("c")});
+    const auto rightClick = [this](int row) {
+        const QPoint point =
+            row < 0 ? QPoint(5, _pad->view.viewport()->height() - 2) : _pad->view.rectOfRow(row).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, point, QPoint());
+        _pad->view.menuForEvent(&event);
+    };
+    rightClick(1);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("b")});
+    _pad->view.selectRow(2);
+    rightClick(2);
+    QCOMPARE(_pad->view.selectedItemCount(), 2);
+    rightClick(0);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("a")});
+    rightClick(-1);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("a")});
+}
+
+void WayfoldOutlineViewTest::contextMenuActsOnTheListThatShowedIt()
+{
+    QMenu *menu = WayfoldOutlineView::defaultMenu();
+    QVERIFY(menu);
+    QCOMPARE(menu, ListStage::store().menu());
+    const auto link = ListStage::link("Link");
+    _pad->showItems({link});
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, _pad->view.rectOfRow(0).center(), QPoint());
+    QCOMPARE(_pad->view.menuForEvent(&event), menu);
+
+    QAction *open = nullptr;
+    for (QAction *item : menu->actions()) {
+        if (MenuItem::action(item) == u"handleResolveBookmarkRequest:")
+            open = item;
+    }
+    QVERIFY(open);
+    menu->popup(QPoint(0, 0));
+    QVERIFY(open->isEnabled());
+    QCOMPARE(open->text(), QStringLiteral("Open Item"));
+    menu->hide();
+    open->trigger();
+    QCOMPARE(_pad->web->frame->loadRequests.size(), 1U);
+
+    // The list goes away; its menu stays, and does nothing.
+    {
+        WayfoldBookmarkOutlineView other;
+        QCOMPARE(other.menuForEvent(&event), menu);
+    }
+    open->trigger();
+    QCOMPARE(_pad->web->frame->loadRequests.size(), 1U);
+}
+
+void WayfoldOutlineViewTest::contextMenuDisablesWhatTheListCannotDo()
+{
+    WayfoldBookmarkOutlineView bookmarks;
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(1, 1), QPoint());
+    QMenu *menu = bookmarks.menuForEvent(&event);
+    menu->popup(QPoint(0, 0));
+    int checked = 0;
+    for (const QAction *item : menu->actions()) {
+        const QString action = MenuItem::action(item);
+        if (action == u"handleDeleteItemRequest:" || action == u"handleItemEditRequest:") {
+            QVERIFY(!item->isEnabled());
+            ++checked;
+        }
+    }
+    menu->hide();
+    QCOMPARE(checked, 2);
+}
+
+// --- Menu -----------------------------------------------------------------------------------------------------------
+
+void WayfoldOutlineViewTest::openItem_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<bool>("enabled");
+    using Items = std::vector<KDRBookmarkPtr>;
+    const QString one = QStringLiteral("Open Item");
+    const QString several = QStringLiteral("Open Items");
+    QTest::newRow("nothing") << Items{} << one << false;
+    QTest::newRow("one") << Items{ListStage::note("a")} << one << true;
+    QTest::newRow("two") << Items{ListStage::note("a"), ListStage::link("b")} << several << true;
+    QTest::newRow("person") << Items{ListStage::person("a")} << QStringLiteral("Open Item in Address Book") << true;
+    QTest::newRow("two people") << Items{ListStage::person("a"), ListStage::person("b")} << several << false;
+    QTest::newRow("person and note") << Items{ListStage::person("a"), ListStage::note("b")} << several << true;
+    QTest::newRow("group") << Items{ListStage::group("a")} << one << true;
+}
+
+void WayfoldOutlineViewTest::openItem()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(QString, title);
+    QFETCH(bool, enabled);
+    _pad->showItems(items);
+    _pad->select(items);
+    QMenu menu;
+    QAction *item = addItem(menu, "handleResolveBookmarkRequest:");
+    QCOMPARE(_pad->view.validateMenuItem(item), enabled);
+    QCOMPARE(item->text(), title);
+}
+
+void WayfoldOutlineViewTest::openInTabsItem_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<bool>("tabs");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<bool>("enabled");
+    using Items = std::vector<KDRBookmarkPtr>;
+    const QString one = QStringLiteral("Open Item in New Tab");
+    const QString several = QStringLiteral("Open Items in New Tabs");
+    const Items links = {ListStage::link("a"), ListStage::history("b")};
+    QTest::newRow("nothing") << Items{} << true << one << false;
+    QTest::newRow("link") << Items{ListStage::link("a")} << true << one << true;
+    QTest::newRow("note") << Items{ListStage::note("a")} << true << one << false;
+    QTest::newRow("file") << Items{ListStage::file("a")} << true << one << false;
+    QTest::newRow("links") << links << true << several << true;
+    QTest::newRow("link and note") << Items{ListStage::link("a"), ListStage::note("b")} << true << one << false;
+    QTest::newRow("link without tabs") << Items{ListStage::link("a")} << false << one << false;
+    QTest::newRow("links without tabs") << links << false << one << false;
+}
+
+void WayfoldOutlineViewTest::openInTabsItem()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(bool, tabs);
+    QFETCH(QString, title);
+    QFETCH(bool, enabled);
+    _stage->host.hostSettings.setObjectForKey(tabs, QStringLiteral("TabbedBrowsing"));
+    _pad->showItems(items);
+    _pad->select(items);
+    QMenu menu;
+    QAction *item = addItem(menu, "handleOpenBookmarksInTabsRequest:");
+    QCOMPARE(_pad->view.validateMenuItem(item), enabled);
+    QCOMPARE(item->text(), title);
+}
+
+void WayfoldOutlineViewTest::otherItems()
+{
+    WayfoldBookmarkOutlineView view;
+    QMenu menu;
+    for (const char *action :
+         {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:", "handleSendEmailRequest:"})
+        QVERIFY2(!view.validateMenuItem(addItem(menu, action)), action);
+    QVERIFY(view.validateMenuItem(addItem(menu, "somethingElse:")));
+}
+
+QTEST_MAIN(WayfoldOutlineViewTest)
+#include "WayfoldOutlineViewTest.moc"
