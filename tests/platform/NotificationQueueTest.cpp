@@ -79,7 +79,7 @@ private Q_SLOTS:
     void withTheOtherDispatcher();
 
 private:
-    void observe(const QString &name, std::function<void()> reaction = {}, const void *object = nullptr);
+    void observe(const QString &name, const std::function<void()> &reaction = {}, const void *object = nullptr);
     void runPasses(int count);
 
     QStringList _told;
@@ -95,7 +95,7 @@ void NotificationQueueTest::cleanup()
     NotificationCenter::defaultCenter().removeObserver(this);
 }
 
-void NotificationQueueTest::observe(const QString &name, std::function<void()> reaction, const void *object)
+void NotificationQueueTest::observe(const QString &name, const std::function<void()> &reaction, const void *object)
 {
     const auto handler = [this, reaction](const Notification &notification) {
         _told.append(notification.name);

@@ -908,7 +908,7 @@ void PropertyListTest::binaryWithAnyByteChanged()
     }
     // Some changes only make other values of it; every one of them is survived.
     QVERIFY(readable > 0);
-    QVERIFY(messages.texts().size() > 0);
+    QVERIFY(!messages.texts().isEmpty());
 }
 
 void PropertyListTest::missingFileIsNotLogged()
