@@ -22,7 +22,7 @@ namespace
 constexpr qreal lineGap = 3;            // between the lines of a list
 constexpr int springMilliseconds = 700; // until a folder under a drag opens
 constexpr int indicatorHeight = 2;
-constexpr int mostRowsInDragPicture = 8;
+constexpr std::size_t mostRowsInDragPicture = 8;
 constexpr int widestDragPicture = 260;
 
 // The tip as text that is wrapped and not taken for markup.
@@ -388,12 +388,18 @@ Qt::DropAction OutlineView::runDrag(QDrag *drag)
     return drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
 }
 
-// The first of the dragged rows.
+// The first of the dragged rows, no wider than their titles.
 QPixmap OutlineView::dragPixmap() const
 {
-    const std::vector<int> rows = selectedRows();
-    const int shown = std::min(int(rows.size()), mostRowsInDragPicture);
-    const QSize size(std::min(viewport()->width(), widestDragPicture), shown * rowPixels());
+    std::vector<int> rows = selectedRows();
+    rows.resize(std::min(rows.size(), mostRowsInDragPicture));
+    int width = 0;
+    for (const int row : rows) {
+        const QString title = _model->indexAtRow(row).data().toString().left(widestDragPicture);
+        width = std::max(width, fontMetrics().horizontalAdvance(title));
+    }
+    width = std::min(width + 2 * rowPixels(), widestDragPicture);
+    const QSize size(width, int(rows.size()) * rowPixels());
     QPixmap pixmap(size * devicePixelRatioF());
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     pixmap.fill(Qt::transparent);
@@ -402,9 +408,10 @@ QPixmap OutlineView::dragPixmap() const
     QStyleOptionViewItem option;
     initViewItemOption(&option);
     option.state &= ~(QStyle::State_HasFocus | QStyle::State_MouseOver | QStyle::State_Selected);
-    for (int i = 0; i < shown; ++i) {
-        option.rect = QRect(0, i * rowPixels(), size.width(), rowPixels());
-        itemDelegate()->paint(&painter, option, _model->indexAtRow(rows[std::size_t(i)]));
+    option.rect = QRect(0, 0, size.width(), rowPixels());
+    for (const int row : rows) {
+        itemDelegate()->paint(&painter, option, _model->indexAtRow(row));
+        option.rect.translate(0, rowPixels());
     }
     return pixmap;
 }
@@ -501,7 +508,6 @@ void OutlineView::timerEvent(QTimerEvent *event)
         return;
     }
     _springTimer.stop();
-    setDropIndicator(QRect());
     expandItem(_springItem);
 }
 
