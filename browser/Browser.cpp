@@ -183,6 +183,11 @@ bool Browser::isPluginLoaded() const
     return _parts->observer;
 }
 
+void Browser::setObserver(HostObserver *observer)
+{
+    _parts->observer = observer;
+}
+
 BrowserWindow *Browser::newWindow(const QUrl &url)
 {
     BrowserWindow *window = makeWindow(false);

@@ -9,6 +9,7 @@
 struct BrowserServices;
 class BrowserWindow;
 class HostApplication;
+class HostObserver;
 class QWebEngineDownloadRequest;
 
 // The browser itself: its windows, its files, and the plug-in that it has loaded. One a process.
@@ -41,6 +42,8 @@ public:
     // Loads the plug-in; part of `start`. False, with the reason in the log, when there is none that works.
     bool loadPlugin();
     bool isPluginLoaded() const;
+    // For a plug-in that was started some other way; null for none.
+    void setObserver(HostObserver *observer);
 
     // A window that shows the page, the start page for an empty address; already on the screen.
     BrowserWindow *newWindow(const QUrl &url = QUrl());

@@ -123,6 +123,7 @@ void WebView::goTo(const QUrl &url)
     if (!url.isValid())
         return;
     _askedFor = url;
+    _askedForHasStarted = false;
     load(url);
     Q_EMIT changed();
 }
@@ -209,6 +210,7 @@ void WebView::loadingChanged(const QWebEngineLoadingInfo &info)
     switch (info.status()) {
     case QWebEngineLoadingInfo::LoadStartedStatus:
         _pageHasFinished = false;
+        _askedForHasStarted = true;
         _mainFrame->startProvisionalLoad(UrlConversion::fromQUrl(info.url()));
         break;
     case QWebEngineLoadingInfo::LoadStoppedStatus:
@@ -219,7 +221,8 @@ void WebView::loadingChanged(const QWebEngineLoadingInfo &info)
         _mainFrame->commit(UrlConversion::fromQUrl(url()));
         break;
     }
-    if (info.status() != QWebEngineLoadingInfo::LoadStartedStatus)
+    // The end of a load that another one has taken the place of says nothing about that one.
+    if (info.status() != QWebEngineLoadingInfo::LoadStartedStatus && _askedForHasStarted)
         _askedFor.clear();
     Q_EMIT changed();
     // A server's own page about an error is a page like any other; the engine's page about a failure is none.

@@ -85,6 +85,7 @@ private:
     std::unique_ptr<HostLocationChangeHandler> _locationChangeHandler;
     std::unique_ptr<HostWebViewDrawing> _drawing;
     QUrl _askedFor; // what the user has asked for here and what has not come yet
+    bool _askedForHasStarted = false;
     bool _pageHasFinished = false;
     bool _formerChildHadKeyboard = false;
     int _progress = 100;
