@@ -195,7 +195,7 @@ void KDRBookmark::initWithCoder(const KeyedUnarchiver &coder)
 
 KDRBookmarkPtr KDRBookmark::makeNew() const
 {
-    return std::make_shared<KDRBookmark>();
+    return std::make_shared<KDRBookmark>(Blank());
 }
 
 bool KDRBookmark::isSameKindAs(const KDRBookmark &other) const

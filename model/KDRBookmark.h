@@ -23,6 +23,10 @@ using KDRBookmarkPtr = std::shared_ptr<KDRBookmark>;
 // Items are always held by shared pointers; a folder owns its children, an item only points back to its folder.
 class KDRBookmark : public OutlineItem, public KeyedCoding, public std::enable_shared_from_this<KDRBookmark>
 {
+protected:
+    struct Blank
+    {};
+
 public:
     // The numbers are fixed: tables of the lists go by them.
     enum Type {
@@ -37,7 +41,10 @@ public:
         GroupType = 8,
     };
 
+    // As init() leaves it.
     KDRBookmark();
+    // For a new item that is given all its fields at once: without identifier and time stamp, which take time to make.
+    explicit KDRBookmark(Blank) {}
     KDRBookmark(const KDRBookmark &) = delete;
     KDRBookmark &operator=(const KDRBookmark &) = delete;
     ~KDRBookmark() override;
@@ -128,7 +135,7 @@ public:
     void initWithCoder(const KeyedUnarchiver &coder) override;
 
 protected:
-    // A new item of this item's class.
+    // A blank item of this item's class.
     virtual KDRBookmarkPtr makeNew() const;
     virtual bool isSameKindAs(const KDRBookmark &other) const;
     // Gives the fields of this item to a new one of the same class.

@@ -12,7 +12,7 @@ WayfoldAutoFolderPtr WayfoldAutoFolder::bookmarkWithTitle(const QString &title)
 
 WayfoldAutoFolderPtr WayfoldAutoFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto folder = std::make_shared<WayfoldAutoFolder>();
+    auto folder = std::make_shared<WayfoldAutoFolder>(Blank());
     folder->loadFromDictionary(dictionary);
     return folder;
 }
@@ -57,7 +57,7 @@ std::shared_ptr<Image> WayfoldAutoFolder::imageForCellSize(const QSizeF &size)
 
 KDRBookmarkPtr WayfoldAutoFolder::makeNew() const
 {
-    return std::make_shared<WayfoldAutoFolder>();
+    return std::make_shared<WayfoldAutoFolder>(Blank());
 }
 
 bool WayfoldAutoFolder::isSameKindAs(const KDRBookmark &other) const

@@ -10,6 +10,8 @@ using WayfoldAutoFolderPtr = std::shared_ptr<WayfoldAutoFolder>;
 class WayfoldAutoFolder : public WayfoldBookmarkFolder
 {
 public:
+    using WayfoldBookmarkFolder::WayfoldBookmarkFolder;
+
     static WayfoldAutoFolderPtr bookmarkWithTitle(const QString &title);
     static WayfoldAutoFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
 

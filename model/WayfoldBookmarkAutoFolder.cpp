@@ -11,7 +11,7 @@ WayfoldBookmarkAutoFolderPtr WayfoldBookmarkAutoFolder::bookmarkWithTitle(const 
 
 WayfoldBookmarkAutoFolderPtr WayfoldBookmarkAutoFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto folder = std::make_shared<WayfoldBookmarkAutoFolder>();
+    auto folder = std::make_shared<WayfoldBookmarkAutoFolder>(Blank());
     folder->loadFromDictionary(dictionary);
     return folder;
 }
@@ -37,7 +37,7 @@ void WayfoldBookmarkAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFol
 
 KDRBookmarkPtr WayfoldBookmarkAutoFolder::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkAutoFolder>();
+    return std::make_shared<WayfoldBookmarkAutoFolder>(Blank());
 }
 
 bool WayfoldBookmarkAutoFolder::isSameKindAs(const KDRBookmark &other) const

@@ -9,6 +9,8 @@ using WayfoldBookmarkAutoFolderPtr = std::shared_ptr<WayfoldBookmarkAutoFolder>;
 class WayfoldBookmarkAutoFolder : public WayfoldAutoFolder
 {
 public:
+    using WayfoldAutoFolder::WayfoldAutoFolder;
+
     static WayfoldBookmarkAutoFolderPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkAutoFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
 

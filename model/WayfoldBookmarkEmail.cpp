@@ -48,7 +48,7 @@ WayfoldBookmarkEmailPtr WayfoldBookmarkEmail::bookmarkWithTitleAndURL(const QStr
 
 WayfoldBookmarkEmailPtr WayfoldBookmarkEmail::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto link = std::make_shared<WayfoldBookmarkEmail>();
+    auto link = std::make_shared<WayfoldBookmarkEmail>(Blank());
     link->loadFromDictionary(dictionary);
     return link;
 }
@@ -133,7 +133,7 @@ bool WayfoldBookmarkEmail::editViaDialog()
 
 KDRBookmarkPtr WayfoldBookmarkEmail::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkEmail>();
+    return std::make_shared<WayfoldBookmarkEmail>(Blank());
 }
 
 bool WayfoldBookmarkEmail::isSameKindAs(const KDRBookmark &other) const

@@ -12,6 +12,8 @@ using WayfoldBookmarkEmailPtr = std::shared_ptr<WayfoldBookmarkEmail>;
 class WayfoldBookmarkEmail : public WayfoldBookmarkURL
 {
 public:
+    using WayfoldBookmarkURL::WayfoldBookmarkURL;
+
     static WayfoldBookmarkEmailPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkEmailPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     static WayfoldBookmarkEmailPtr bookmarkFromDictionary(const QVariantMap &dictionary);

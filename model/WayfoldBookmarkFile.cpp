@@ -21,7 +21,7 @@ WayfoldBookmarkFilePtr WayfoldBookmarkFile::bookmarkWithTitleAndURL(const QStrin
 
 WayfoldBookmarkFilePtr WayfoldBookmarkFile::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto link = std::make_shared<WayfoldBookmarkFile>();
+    auto link = std::make_shared<WayfoldBookmarkFile>(Blank());
     link->loadFromDictionary(dictionary);
     return link;
 }
@@ -47,7 +47,7 @@ bool WayfoldBookmarkFile::editViaDialog()
 
 KDRBookmarkPtr WayfoldBookmarkFile::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkFile>();
+    return std::make_shared<WayfoldBookmarkFile>(Blank());
 }
 
 bool WayfoldBookmarkFile::isSameKindAs(const KDRBookmark &other) const

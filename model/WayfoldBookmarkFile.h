@@ -9,6 +9,8 @@ using WayfoldBookmarkFilePtr = std::shared_ptr<WayfoldBookmarkFile>;
 class WayfoldBookmarkFile : public WayfoldBookmarkURL
 {
 public:
+    using WayfoldBookmarkURL::WayfoldBookmarkURL;
+
     static WayfoldBookmarkFilePtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkFilePtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     static WayfoldBookmarkFilePtr bookmarkFromDictionary(const QVariantMap &dictionary);

@@ -71,11 +71,6 @@ bool isContained(const QVariant &value, const QVariant &other)
 }
 } // namespace
 
-WayfoldBookmarkFolder::WayfoldBookmarkFolder()
-{
-    _children.reserve(5);
-}
-
 WayfoldBookmarkFolder::~WayfoldBookmarkFolder()
 {
     // Folders that nobody else holds are emptied before they go, so that a deep tree is not released by recursion.
@@ -100,7 +95,7 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkWithTitle(const QString 
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto folder = std::make_shared<WayfoldBookmarkFolder>();
+    auto folder = std::make_shared<WayfoldBookmarkFolder>(Blank());
     folder->loadFromDictionary(dictionary);
     return folder;
 }
@@ -452,7 +447,7 @@ void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
 
 KDRBookmarkPtr WayfoldBookmarkFolder::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkFolder>();
+    return std::make_shared<WayfoldBookmarkFolder>(Blank());
 }
 
 bool WayfoldBookmarkFolder::isSameKindAs(const KDRBookmark &other) const

@@ -15,7 +15,8 @@ using WayfoldBookmarkFolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
 class WayfoldBookmarkFolder : public KDRBookmark
 {
 public:
-    WayfoldBookmarkFolder();
+    using KDRBookmark::KDRBookmark;
+    WayfoldBookmarkFolder() = default;
     // Takes a tree of any depth apart without recursion.
     ~WayfoldBookmarkFolder() override;
 

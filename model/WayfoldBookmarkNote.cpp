@@ -36,7 +36,7 @@ WayfoldBookmarkNotePtr WayfoldBookmarkNote::bookmarkWithTitleAndNote(const QStri
 
 WayfoldBookmarkNotePtr WayfoldBookmarkNote::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto note = std::make_shared<WayfoldBookmarkNote>();
+    auto note = std::make_shared<WayfoldBookmarkNote>(Blank());
     note->loadFromDictionary(dictionary);
     return note;
 }
@@ -135,7 +135,7 @@ void WayfoldBookmarkNote::initWithCoder(const KeyedUnarchiver &coder)
 
 KDRBookmarkPtr WayfoldBookmarkNote::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkNote>();
+    return std::make_shared<WayfoldBookmarkNote>(Blank());
 }
 
 bool WayfoldBookmarkNote::isSameKindAs(const KDRBookmark &other) const

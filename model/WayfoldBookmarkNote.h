@@ -10,6 +10,8 @@ using WayfoldBookmarkNotePtr = std::shared_ptr<WayfoldBookmarkNote>;
 class WayfoldBookmarkNote : public KDRBookmark
 {
 public:
+    using KDRBookmark::KDRBookmark;
+
     static WayfoldBookmarkNotePtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkNotePtr bookmarkWithTitleAndNote(const QString &title, const QString &note);
     static WayfoldBookmarkNotePtr bookmarkFromDictionary(const QVariantMap &dictionary);

@@ -47,7 +47,7 @@ WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitleAndURL(const QString 
 
 WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto link = std::make_shared<WayfoldBookmarkURL>();
+    auto link = std::make_shared<WayfoldBookmarkURL>(Blank());
     link->loadFromDictionary(dictionary);
     if (link->_url.isFileURL())
         return WayfoldBookmarkFile::bookmarkFromDictionary(dictionary);
@@ -147,7 +147,7 @@ void WayfoldBookmarkURL::initWithCoder(const KeyedUnarchiver &coder)
 
 KDRBookmarkPtr WayfoldBookmarkURL::makeNew() const
 {
-    return std::make_shared<WayfoldBookmarkURL>();
+    return std::make_shared<WayfoldBookmarkURL>(Blank());
 }
 
 bool WayfoldBookmarkURL::isSameKindAs(const KDRBookmark &other) const

@@ -10,6 +10,8 @@ using WayfoldBookmarkURLPtr = std::shared_ptr<WayfoldBookmarkURL>;
 class WayfoldBookmarkURL : public KDRBookmark
 {
 public:
+    using KDRBookmark::KDRBookmark;
+
     static WayfoldBookmarkURLPtr bookmarkWithTitle(const QString &title);
     // A file link or an e-mail link where the address says so.
     static WayfoldBookmarkURLPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);

@@ -11,7 +11,7 @@ WayfoldHistoryAutoFolderPtr WayfoldHistoryAutoFolder::bookmarkWithTitle(const QS
 
 WayfoldHistoryAutoFolderPtr WayfoldHistoryAutoFolder::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto folder = std::make_shared<WayfoldHistoryAutoFolder>();
+    auto folder = std::make_shared<WayfoldHistoryAutoFolder>(Blank());
     folder->loadFromDictionary(dictionary);
     return folder;
 }
@@ -29,7 +29,7 @@ bool WayfoldHistoryAutoFolder::refresh()
 
 KDRBookmarkPtr WayfoldHistoryAutoFolder::makeNew() const
 {
-    return std::make_shared<WayfoldHistoryAutoFolder>();
+    return std::make_shared<WayfoldHistoryAutoFolder>(Blank());
 }
 
 bool WayfoldHistoryAutoFolder::isSameKindAs(const KDRBookmark &other) const

@@ -9,6 +9,8 @@ using WayfoldHistoryAutoFolderPtr = std::shared_ptr<WayfoldHistoryAutoFolder>;
 class WayfoldHistoryAutoFolder : public WayfoldAutoFolder
 {
 public:
+    using WayfoldAutoFolder::WayfoldAutoFolder;
+
     static WayfoldHistoryAutoFolderPtr bookmarkWithTitle(const QString &title);
     static WayfoldHistoryAutoFolderPtr bookmarkFromDictionary(const QVariantMap &dictionary);
 

@@ -21,6 +21,11 @@ CalendarDate dateWithSecondsSinceReferenceDate(double seconds)
         return {};
     return CalendarDate::fromMSecsSinceEpoch(qint64(std::floor((seconds + referenceDate) * 1000.0)));
 }
+
+QString addressInDictionary(const QVariantMap &dictionary)
+{
+    return ItemDictionary::string(dictionary, QStringLiteral(""));
+}
 } // namespace
 
 WayfoldHistoryURLPtr WayfoldHistoryURL::bookmarkWithTitle(const QString &title)
@@ -40,7 +45,9 @@ WayfoldHistoryURLPtr WayfoldHistoryURL::bookmarkWithTitleAndURL(const QString &t
 
 WayfoldHistoryURLPtr WayfoldHistoryURL::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto entry = std::make_shared<WayfoldHistoryURL>();
+    if (addressInDictionary(dictionary).isEmpty())
+        return std::make_shared<WayfoldHistoryURL>();
+    auto entry = std::make_shared<WayfoldHistoryURL>(Blank());
     entry->loadFromDictionary(dictionary);
     return entry;
 }
@@ -61,7 +68,7 @@ QString WayfoldHistoryURL::tooltipText() const
 
 void WayfoldHistoryURL::loadFromDictionary(const QVariantMap &dictionary)
 {
-    const QString address = ItemDictionary::string(dictionary, QStringLiteral(""));
+    const QString address = addressInDictionary(dictionary);
     if (address.isEmpty())
         return;
     const QString seconds = ItemDictionary::string(dictionary, QStringLiteral("lastVisitedDate"));
@@ -80,7 +87,7 @@ void WayfoldHistoryURL::writeToDictionaryForSaving(QVariantMap &dictionary, bool
 
 KDRBookmarkPtr WayfoldHistoryURL::makeNew() const
 {
-    return std::make_shared<WayfoldHistoryURL>();
+    return std::make_shared<WayfoldHistoryURL>(Blank());
 }
 
 bool WayfoldHistoryURL::isSameKindAs(const KDRBookmark &other) const

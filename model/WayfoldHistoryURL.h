@@ -10,6 +10,8 @@ using WayfoldHistoryURLPtr = std::shared_ptr<WayfoldHistoryURL>;
 class WayfoldHistoryURL : public WayfoldBookmarkURL
 {
 public:
+    using WayfoldBookmarkURL::WayfoldBookmarkURL;
+
     static WayfoldHistoryURLPtr bookmarkWithTitle(const QString &title);
     static WayfoldHistoryURLPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     // From an entry of the browser's history file; without a title when the entry has no address.
