@@ -321,7 +321,7 @@ void KDRDrawerBundle::safariWindowBecameKey(const Notification &notification)
     if (frame.width() < minimumWindowWidth || frame.height() < minimumWindowHeight)
         return;
     const WindowPtr window = std::const_pointer_cast<HostWindow>(keyWindow->weak_from_this().lock());
-    if (!SiteDrawerFactory::makeController(window))
+    if (!window || !SiteDrawerFactory::makeController(window))
         return;
     if (!WayfoldDefaults::sharedInstance().openDrawerOnNewWindow())
         return;

@@ -6,6 +6,7 @@ KDRLocationMonitor::KDRLocationMonitor(std::unique_ptr<HostLocationChangeHandler
 
 void KDRLocationMonitor::webViewDidFinishLoadForFrame(HostWebView &view, const std::shared_ptr<HostFrame> &frame)
 {
-    _base->webViewDidFinishLoadForFrame(view, frame);
-    KDRDrawerBundle::sharedInstance().updateDrawerForFrame(frame);
+    const std::shared_ptr<HostFrame> held = frame; // the host's own handling may let go of it
+    _base->webViewDidFinishLoadForFrame(view, held);
+    KDRDrawerBundle::sharedInstance().updateDrawerForFrame(held);
 }

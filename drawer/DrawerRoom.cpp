@@ -8,6 +8,7 @@
 #include "drawer/KDRShowNoteView.h"
 #include "drawer/WayfoldTabView.h"
 #include "lists/NoteViewer.h"
+#include "lists/StoreTrees.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
 #include "lists/WayfoldHistoryOutlineView.h"
 #include "lists/WayfoldScratchOutlineView.h"
@@ -35,6 +36,8 @@ void installDrawerRoom()
 
     static ItemEditors editors;
     ItemDialogs::setCurrent(&editors);
+    static StoreTrees trees;
+    SmartFolderSources::setCurrent(&trees);
     NoteViewer::setOpener([](const WayfoldBookmarkNotePtr &note) { KDRShowNoteController::showNote(note); });
     SiteDrawerFactory::setMaker([](const std::shared_ptr<HostWindow> &window) -> std::shared_ptr<SiteDrawerController> {
         return KDRDrawerController::controllerForWindow(window);

@@ -6,6 +6,7 @@
 #include "drawer/KDRDrawer.h"
 #include "drawer/WayfoldTabView.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
+#include "lists/WayfoldHistoryDataSource.h"
 #include "lists/WayfoldHistoryOutlineView.h"
 #include "lists/WayfoldScratchDataSource.h"
 #include "lists/WayfoldScratchOutlineView.h"
@@ -107,7 +108,7 @@ void KDRDrawerController::loadInterface()
     connectScratchpad(interface);
     _bookmarkDataSource = std::make_unique<WayfoldOutlineViewDataSource>();
     connectList(_bookmarkOutlineView, _bookmarkDataSource.get());
-    _historyDataSource = std::make_unique<WayfoldOutlineViewDataSource>();
+    _historyDataSource = std::make_unique<WayfoldHistoryDataSource>();
     connectList(_historyOutlineView, _historyDataSource.get());
     if (_tabView) {
         _tabView->willSelectTab = [this](const QString &identifier) { tabViewWillSelectTab(identifier); };

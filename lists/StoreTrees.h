@@ -1,0 +1,14 @@
+#pragma once
+
+#include "model/SmartFolderSources.h"
+
+// Smart folders collect from the store's trees, and have history entries grouped as the History list groups them.
+class StoreTrees : public SmartFolderSources
+{
+public:
+    WayfoldBookmarkFolderPtr safariBookmarkRoot() const override;
+    WayfoldBookmarkFolderPtr historyBookmarkRoot() const override;
+    void regroupBookmarksFromFolderIntoFolderWithGroupingStyle(const WayfoldBookmarkFolderPtr &from,
+                                                               const WayfoldBookmarkFolderPtr &into,
+                                                               const QString &style) const override;
+};
