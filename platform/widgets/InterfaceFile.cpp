@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -117,9 +118,9 @@ QObjectList objectsOf(QWidget *topLevelWidget)
 }
 } // namespace
 
-void InterfaceFile::registerClass(const QString &className, WidgetMaker maker)
+void InterfaceFile::registerClass(const QString &className, const WidgetMaker &maker)
 {
-    makers().insert(className, std::move(maker));
+    makers().insert(className, maker);
 }
 
 InterfaceFile::InterfaceFile(const QString &name, QWidget *parent) : _topLevelWidget(load(name, parent))
@@ -140,7 +141,7 @@ QObject *InterfaceFile::objectNamed(const QString &name) const
     return _topLevelWidget->objectName() == name ? _topLevelWidget : _topLevelWidget->findChild<QObject *>(name);
 }
 
-void InterfaceFile::connectAction(const QString &name, std::function<void(QObject *sender)> handler) const
+void InterfaceFile::connectAction(const QString &name, const std::function<void(QObject *sender)> &handler) const
 {
     for (QObject *object : objectsOf(_topLevelWidget)) {
         if (object->property("action").toString() != name)

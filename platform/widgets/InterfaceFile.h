@@ -16,7 +16,7 @@ class InterfaceFile
 {
 public:
     using WidgetMaker = std::function<QWidget *(QWidget *parent)>;
-    static void registerClass(const QString &className, WidgetMaker maker);
+    static void registerClass(const QString &className, const WidgetMaker &maker);
 
     // Loads the form, its texts in the user's language. A missing or damaged file gives an interface without objects,
     // which is logged.
@@ -33,7 +33,7 @@ public:
     }
     // Calls `handler` with the sender whenever an object is triggered whose property "action" is `name`; it stays
     // connected as long as the sender lives.
-    void connectAction(const QString &name, std::function<void(QObject *sender)> handler) const;
+    void connectAction(const QString &name, const std::function<void(QObject *sender)> &handler) const;
 
 private:
     QObject *objectNamed(const QString &name) const;

@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <QToolTip>
 #include <QtMath>
 #include <algorithm>
