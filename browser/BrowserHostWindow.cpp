@@ -10,9 +10,15 @@
 namespace
 {
 constexpr int longestTransition = 250; // milliseconds
+constexpr int settleInterval = 100;    // milliseconds
+constexpr int mostSettleAttempts = 5;
 } // namespace
 
-BrowserHostWindow::BrowserHostWindow(BrowserWindow *window) : _window(window) {}
+BrowserHostWindow::BrowserHostWindow(BrowserWindow *window) : _window(window)
+{
+    _settleTimer.setInterval(settleInterval);
+    QObject::connect(&_settleTimer, &QTimer::timeout, &_settleTimer, [this] { settle(); });
+}
 
 BrowserHostWindow::~BrowserHostWindow()
 {
@@ -34,7 +40,7 @@ QRectF BrowserHostWindow::frame() const
     if (!_window)
         return {};
     // A frame between two pixels was rounded when it was set; whoever set it shall find it again as it was.
-    if (_animation || _requestedFrame.toRect() == _window->frameGeometry())
+    if (_animation || _settleTimer.isActive() || _requestedFrame.toRect() == _window->frameGeometry())
         return _requestedFrame;
     return _window->frameGeometry();
 }
@@ -44,6 +50,7 @@ void BrowserHostWindow::setFrame(const QRectF &frame, bool animate)
     if (!_window)
         return;
     delete _animation;
+    _settleTimer.stop();
     const QRect target = frame.toRect();
     _requestedFrame = frame;
     if (target == _window->frameGeometry() || restoreLeftState(target))
@@ -55,6 +62,10 @@ void BrowserHostWindow::setFrame(const QRectF &frame, bool animate)
         animateTo(target);
     else
         place(target);
+    if (!wasSpecial)
+        return;
+    _settleAttempts = 0;
+    _settleTimer.start();
 }
 
 QRectF BrowserHostWindow::visibleScreenFrame() const
@@ -105,6 +116,9 @@ bool BrowserHostWindow::restoreLeftState(const QRect &frame)
 {
     if (!_leftStates || frame != _leftFrame)
         return false;
+    // What the user gets back by un-maximising the window is the size that it had before all this.
+    if (_leftNormalGeometry.isValid())
+        _window->setGeometry(_leftNormalGeometry);
     _window->setWindowState(_window->windowState() | _leftStates);
     _leftStates = Qt::WindowNoState;
     return true;
@@ -114,6 +128,7 @@ void BrowserHostWindow::leaveSpecialState()
 {
     constexpr Qt::WindowStates special = Qt::WindowMaximized | Qt::WindowFullScreen;
     _leftFrame = _window->frameGeometry();
+    _leftNormalGeometry = _window->normalGeometry();
     _leftStates = _window->windowState() & special;
     _window->setWindowState(_window->windowState() & ~special);
 }
@@ -123,6 +138,16 @@ void BrowserHostWindow::place(const QRect &frame) const
     const QSize decorations = _window->frameGeometry().size() - _window->geometry().size();
     _window->resize(frame.size() - decorations);
     _window->move(frame.topLeft());
+}
+
+// A window manager takes its time to give a window that was maximised its borders back, and the frame with them.
+void BrowserHostWindow::settle()
+{
+    const QRect target = _requestedFrame.toRect();
+    if (!_window || ++_settleAttempts >= mostSettleAttempts)
+        _settleTimer.stop();
+    else if (_window->frameGeometry() != target)
+        place(target);
 }
 
 void BrowserHostWindow::animateTo(const QRect &frame)

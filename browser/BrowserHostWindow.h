@@ -4,6 +4,7 @@
 
 #include <QPointer>
 #include <QRect>
+#include <QTimer>
 #include <QVariantAnimation>
 
 class BrowserWindow;
@@ -17,7 +18,7 @@ public:
 
     QString className() const override;
     QString title() const override;
-    // While a smooth transition runs, the frame that it leads to.
+    // While the window is on its way to a frame that was set, that frame.
     QRectF frame() const override;
     // A maximised window leaves that state, and takes it up again when it is given back the frame that it had in it.
     void setFrame(const QRectF &frame, bool animate) override;
@@ -33,11 +34,15 @@ private:
     bool restoreLeftState(const QRect &frame);
     void leaveSpecialState();
     void place(const QRect &frame) const;
+    void settle();
     void animateTo(const QRect &frame);
 
     QPointer<BrowserWindow> _window;
     QPointer<QVariantAnimation> _animation;
+    QTimer _settleTimer; // runs until the window manager has let go of a state that the window has left
+    int _settleAttempts = 0;
     QRectF _requestedFrame; // the last one that was set; may lie between two pixels
     QRect _leftFrame;       // the frame that the window had while maximised
+    QRect _leftNormalGeometry;
     Qt::WindowStates _leftStates = Qt::WindowNoState;
 };
