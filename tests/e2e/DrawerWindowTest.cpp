@@ -62,7 +62,11 @@ void DrawerWindowTest::init()
 
 void DrawerWindowTest::cleanup()
 {
-    Desk::changeToWorkspace(0);
+    if (!_play.windows().contains(_window))
+        return;
+    QVERIFY(Desk::sendToWorkspace(_windowId, 0));
+    QVERIFY(Desk::changeToWorkspace(0));
+    QVERIFY(_play.bringToFront(_window));
 }
 
 bool DrawerWindowTest::isBeside()

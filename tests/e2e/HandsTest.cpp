@@ -19,6 +19,7 @@ private Q_SLOTS:
     void click();
     void doubleClick();
     void typing();
+    void typingLines();
     void shortcut();
     void drag();
     void dialogInsideAClick();
@@ -83,6 +84,18 @@ void HandsTest::typing()
     EVENTUALLY(_field->hasFocus());
     QVERIFY(Hands::type(QStringLiteral("http://News.site/?a=1&b \"x\"")));
     EVENTUALLY(_field->text() == QLatin1String("http://News.site/?a=1&b \"x\""));
+}
+
+void HandsTest::typingLines()
+{
+    QTextEdit *page = Stage::onMain([this] {
+        auto *text = new QTextEdit(_window);
+        _window->setCentralWidget(text);
+        return text;
+    });
+    QVERIFY(Hands::clickAt(Eyes::middleOf(page)));
+    QVERIFY(Hands::type(QStringLiteral("Eight o'clock.\n\nBring shoes.")));
+    EVENTUALLY(page->toPlainText() == QLatin1String("Eight o'clock.\n\nBring shoes."));
 }
 
 void HandsTest::shortcut()

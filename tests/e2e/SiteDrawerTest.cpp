@@ -3,6 +3,7 @@
 #include "browser/WebView.h"
 #include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
+#include "tests/e2e/support/StillStyle.h"
 
 // The drawer opens for a site that is known and closes for one that is not, when the user has set it so.
 class SiteDrawerTest : public QObject
@@ -32,6 +33,7 @@ private:
 // Makes the site known, by what any user would do: saving a page of it.
 void SiteDrawerTest::initTestCase()
 {
+    Stage::onMain([] { QApplication::setStyle(new StillStyle); });
     EVENTUALLY(_play.window() && Play::drawer(_play.window()));
     QVERIFY(_play.visit(_known));
     QVERIFY(_play.choose({QStringLiteral("Wayfold"), QStringLiteral("Save Current Page")}));

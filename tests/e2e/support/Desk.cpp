@@ -54,12 +54,6 @@ bool Desk::activate(WId window)
     return command(QStringLiteral("windowactivate"), window);
 }
 
-bool Desk::moveTo(WId window, const QPoint &position)
-{
-    return command(QStringLiteral("windowmove"), window,
-                   {QString::number(position.x()), QString::number(position.y())});
-}
-
 bool Desk::resize(WId window, const QSize &size)
 {
     return command(QStringLiteral("windowsize"), window,

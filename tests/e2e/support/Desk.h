@@ -18,8 +18,6 @@ QRect geometryOf(WId window);
 bool minimise(WId window);
 // Shows a minimised window again, changes to its workspace and gives it the keyboard.
 bool activate(WId window);
-// Puts the frame's upper left corner there.
-bool moveTo(WId window, const QPoint &position);
 // Gives a window that size, without decorations, as a tiling command would.
 bool resize(WId window, const QSize &size);
 // Takes a window to another workspace; they are counted from 0.

@@ -49,6 +49,14 @@ bool Hands::press(const QString &keys)
 
 bool Hands::type(const QString &text)
 {
-    return xdotool({QStringLiteral("type"), QStringLiteral("--clearmodifiers"), QStringLiteral("--delay"),
-                    QStringLiteral("12"), text});
+    // "type" leaves line ends out.
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (i > 0 && !press(QStringLiteral("Return")))
+            return false;
+        if (!lines[i].isEmpty() && !xdotool({QStringLiteral("type"), QStringLiteral("--clearmodifiers"),
+                                             QStringLiteral("--delay"), QStringLiteral("12"), lines[i]}))
+            return false;
+    }
+    return true;
 }

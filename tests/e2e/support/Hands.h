@@ -17,5 +17,6 @@ bool doubleClickAt(const QPoint &position);
 bool drag(const QPoint &from, const QPoint &to);
 // A key with its modifiers: "ctrl+q", "Return", "space".
 bool press(const QString &keys);
+// Line ends are typed with Return.
 bool type(const QString &text);
 } // namespace Hands
