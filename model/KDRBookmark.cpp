@@ -33,9 +33,8 @@ void KDRBookmark::init()
 
 void KDRBookmark::initWithTitle(const QString &title)
 {
-    const QString newTitle = title; // may be this item's own, which init() takes away
     init();
-    _title = newTitle;
+    _title = title;
 }
 
 KDRBookmarkPtr KDRBookmark::initializeFromDictionary(const QVariantMap &dictionary)

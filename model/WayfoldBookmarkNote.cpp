@@ -57,9 +57,8 @@ void WayfoldBookmarkNote::init()
 
 void WayfoldBookmarkNote::initWithTitleAndNote(const QString &title, const QString &note)
 {
-    const QString newText = note; // may be this item's own, which init() takes away
     initWithTitle(title);
-    setValue(newText);
+    setValue(note);
 }
 
 void WayfoldBookmarkNote::initFromDictionary(const QVariantMap &dictionary)

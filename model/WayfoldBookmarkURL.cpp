@@ -64,9 +64,8 @@ void WayfoldBookmarkURL::init()
 
 void WayfoldBookmarkURL::initWithTitleAndURL(const QString &title, const Url &url)
 {
-    const Url newURL = url; // may be this item's own, which init() takes away
     initWithTitle(title);
-    _url = newURL;
+    _url = url;
 }
 
 void WayfoldBookmarkURL::initFromDictionary(const QVariantMap &dictionary)

@@ -393,6 +393,8 @@ void WayfoldBookmarkFolderTest::equality()
 {
     const auto home = makeFolder("Home");
     QVERIFY(!home->isEqual(home));
+    const auto untitled = std::make_shared<WayfoldBookmarkFolder>();
+    QVERIFY(!untitled->isEqual(*untitled));
     home->setFilterString("Home");
     QVERIFY(home->isEqual(home));
     home->addChild(makeLink("A"));
