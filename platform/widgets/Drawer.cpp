@@ -24,6 +24,7 @@ constexpr int topInset = 10;      // how much lower than the window's contents t
 constexpr int bottomInset = 14;
 constexpr int titleBarHeight = 28; // of a window of another process, which tells only its frame
 constexpr int shadowWidth = 6;
+constexpr int mostTimesPutBack = 20;
 
 using DrawerTable = QHash<const HostWindow *, QList<Drawer *>>;
 
@@ -50,6 +51,14 @@ QRect contentsOf(const HostWindow &window)
         return contents;
     }
     return frame.adjusted(0, std::min(titleBarHeight, frame.height() / 2), 0, 0);
+}
+
+// All screens, without what panels and docks keep for themselves.
+QRect desktopOf(const HostWindow &window)
+{
+    const QRect own = window.visibleScreenFrame().toAlignedRect();
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? own.united(screen->availableVirtualGeometry()) : own;
 }
 } // namespace
 
@@ -164,7 +173,12 @@ void Drawer::followParent()
     if (_state == Closed || !window)
         return;
     layOut();
-    const bool visible = window->isVisible();
+    showWith(*window);
+}
+
+void Drawer::showWith(const HostWindow &window)
+{
+    const bool visible = window.isVisible() && _isOnScreen;
     if (visible == isVisible())
         return;
     // A window manager may have minimised the drawer along with its window; shown like that, it would take the window
@@ -192,8 +206,7 @@ void Drawer::open()
         _shown = 0;
     }
     layOut();
-    if (window->isVisible())
-        show();
+    showWith(*window);
     slideTo(1);
 }
 
@@ -338,21 +351,63 @@ QRect Drawer::openGeometry() const
 }
 
 // A drawer that is partly out is a narrower window in which only the part farthest from the parent shows, so it comes
-// out from behind the parent's edge though windows of this kind lie above their parents.
+// out from behind the parent's edge though windows of this kind lie above their parents. Nor does the window reach
+// beyond the screen: window managers would push it back, over its parent.
 void Drawer::layOut()
 {
-    if (_state == Closed || !parentWindow())
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    if (_state == Closed || !window)
         return;
-    const QRect whole = openGeometry();
-    const int out = std::max(1, qRound(whole.width() * _shown));
     const bool onLeft = _edge == NSMinXEdge;
-    setGeometry(onLeft ? whole.right() + 1 - out : whole.left(), whole.top(), out, whole.height());
-    _body->setGeometry(onLeft ? 0 : out - whole.width(), 0, whole.width(), whole.height());
+    const QRect whole = openGeometry();
+    QRect out = whole;
+    out.setWidth(std::max(1, qRound(whole.width() * _shown)));
+    if (onLeft)
+        out.moveRight(whole.right());
+    const QRect seen = out & desktopOf(*window);
+    _isOnScreen = !seen.isEmpty();
+    if (!_isOnScreen)
+        return;
+
+    _place = seen;
+    _timesPutBack = 0;
+    setGeometry(_place);
+    _out = out.translated(-seen.topLeft());
+    QRect body(QPoint(), whole.size());
+    body.moveTopLeft(onLeft ? _out.topLeft() : QPoint(_out.right() + 1 - whole.width(), _out.top()));
+    _body->setGeometry(body);
     _grip->setGeometry(onLeft ? 1 : whole.width() - gripWidth - 1, 1, gripWidth, whole.height() - 2);
     if (_contentView)
         _contentView->setGeometry(onLeft ? freeMargin : closeMargin, verticalMargin, whole.width() - frameWidth,
                                   std::max(0, whole.height() - 2 * verticalMargin));
     update();
+}
+
+void Drawer::moveEvent(QMoveEvent *event)
+{
+    QFrame::moveEvent(event);
+    putBack();
+}
+
+void Drawer::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    putBack();
+}
+
+// Somebody else says that it stands elsewhere: the user moved it by the window manager's own means, or the window
+// manager told a place that it has passed through. A window manager that insists is let have its way.
+void Drawer::putBack()
+{
+    const auto isInPlace = [this] { return !isVisible() || geometry() == _place; };
+    if (isInPlace() || _timesPutBack >= mostTimesPutBack)
+        return;
+    ++_timesPutBack;
+    const auto put = [this, isInPlace] {
+        if (!isInPlace())
+            setGeometry(_place);
+    };
+    QMetaObject::invokeMethod(this, put, Qt::QueuedConnection);
 }
 
 void Drawer::dragWidth(int distance)
@@ -371,15 +426,18 @@ void Drawer::paintEvent(QPaintEvent * /*event*/)
     painter.fillRect(rect(), ground);
 
     const bool onLeft = _edge == NSMinXEdge;
-    const qreal parentSide = onLeft ? width() : 0;
-    QLinearGradient shadow(parentSide, 0, onLeft ? parentSide - shadowWidth : shadowWidth, 0);
+    const qreal parentSide = onLeft ? _out.right() + 1 : _out.left();
+    const qreal shadowEnd = onLeft ? parentSide - shadowWidth : parentSide + shadowWidth;
+    QLinearGradient shadow(parentSide, 0, shadowEnd, 0);
     shadow.setColorAt(0, QColor(0, 0, 0, 56));
     shadow.setColorAt(1, QColor(0, 0, 0, 0));
-    painter.fillRect(onLeft ? width() - shadowWidth : 0, 0, shadowWidth, height(), shadow);
+    painter.fillRect(QRectF(std::min(parentSide, shadowEnd), 0, shadowWidth, height()), shadow);
 
     painter.setPen(blended(ground, palette().color(QPalette::WindowText), 0.3F));
-    painter.drawLine(0, 0, width() - 1, 0);
-    painter.drawLine(0, height() - 1, width() - 1, height() - 1);
-    const int freeSide = onLeft ? 0 : width() - 1;
-    painter.drawLine(freeSide, 0, freeSide, height() - 1);
+    painter.drawLine(_out.topLeft(), _out.topRight());
+    painter.drawLine(_out.bottomLeft(), _out.bottomRight());
+    if (onLeft)
+        painter.drawLine(_out.topLeft(), _out.bottomLeft());
+    else
+        painter.drawLine(_out.topRight(), _out.bottomRight());
 }

@@ -74,6 +74,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -81,6 +83,7 @@ private:
     void detach();
     void parentWindowWillClose();
     void followParent();
+    void showWith(const HostWindow &window);
 
     void slideTo(qreal goal);
     void slideEnded();
@@ -90,6 +93,7 @@ private:
     QRect openGeometry() const;
     int openWidth() const;
     void layOut();
+    void putBack();
     void dragWidth(int distance);
 
     std::weak_ptr<HostWindow> _parentWindow;
@@ -108,4 +112,8 @@ private:
     QVariantAnimation _slide;
     int _slideDuration = -1; // negative: the desktop's
     qreal _shown = 0;        // how far it is out, 0 to 1
+    QRect _out;              // the part that is out, in this window, which is cut off at the screen's edges
+    bool _isOnScreen = false;
+    QRect _place;          // where it was last put
+    int _timesPutBack = 0; // since then
 };

@@ -51,6 +51,10 @@ private Q_SLOTS:
     void followsTheWindow();
     void hidesWithTheWindow();
     void opensUnseenBesideAHiddenWindow();
+    void endsWhereTheScreenEnds_data();
+    void endsWhereTheScreenEnds();
+    void hidesBeyondTheScreen();
+    void returnsWhenItIsMovedAway();
     void isAToolWindowOfItsWindow();
     void doesNotStayMinimised();
 
@@ -367,6 +371,69 @@ void DrawerTest::opensUnseenBesideAHiddenWindow()
     _window->show();
     QVERIFY(_drawer->isVisible());
     QCOMPARE(_drawer->width(), 200);
+}
+
+void DrawerTest::endsWhereTheScreenEnds_data()
+{
+    QTest::addColumn<QRectF>("window");
+    QTest::addColumn<int>("edge");
+    QTest::addColumn<int>("left");
+    QTest::addColumn<int>("right");
+    QTest::newRow("right") << QRectF(500, 100, 400, 300) << int(Drawer::NSMaxXEdge) << 900 << 1000;
+    QTest::newRow("left") << QRectF(150, 100, 400, 300) << int(Drawer::NSMinXEdge) << 0 << 150;
+    QTest::newRow("below") << QRectF(300, 700, 400, 300) << int(Drawer::NSMaxXEdge) << 700 << 900;
+}
+
+// A window manager would push it back onto the screen, over its window.
+void DrawerTest::endsWhereTheScreenEnds()
+{
+    QFETCH(QRectF, window);
+    QFETCH(int, edge);
+    QFETCH(int, left);
+    QFETCH(int, right);
+    auto *content = new QWidget;
+    _drawer->setContentView(content);
+    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _window->setFrame(window, false);
+    _drawer->setPreferredEdge(Drawer::Edge(edge));
+    _drawer->open();
+    QCOMPARE(_drawer->geometry().left(), left);
+    QCOMPARE(_drawer->geometry().right() + 1, right);
+    QVERIFY(_drawer->geometry().bottom() < 900);
+    // Only the view of it is cut off.
+    QCOMPARE(_drawer->contentSize().width(), 180.0);
+    QCOMPARE(QSizeF(content->size()), _drawer->contentSize());
+    _window->setFrame(QRectF(300, 100, 400, 300), false);
+    QCOMPARE(_drawer->width(), 200);
+}
+
+void DrawerTest::hidesBeyondTheScreen()
+{
+    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _drawer->open();
+    _window->setFrame(QRectF(700, 100, 400, 300), false);
+    QVERIFY(!_drawer->isVisible());
+    QCOMPARE(_drawer->state(), Drawer::Open);
+    _window->setFrame(QRectF(500, 100, 400, 300), false);
+    QVERIFY(_drawer->isVisible());
+}
+
+void DrawerTest::returnsWhenItIsMovedAway()
+{
+    _drawer->open();
+    const QRect place = _drawer->geometry();
+    _drawer->move(20, 20);
+    QTRY_COMPARE(_drawer->geometry(), place);
+    _drawer->resize(60, 60);
+    QTRY_COMPARE(_drawer->geometry(), place);
+    // Whoever insists has his way in the end.
+    for (int i = 0; i < 100; ++i) {
+        _drawer->move(20, 20);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(_drawer->pos(), QPoint(20, 20));
+    _window->frameDidChange();
+    QCOMPARE(_drawer->geometry(), place);
 }
 
 void DrawerTest::isAToolWindowOfItsWindow()
