@@ -7,7 +7,6 @@ namespace
 const QString domainName = QStringLiteral("org.wayfold.Browser");
 const QString tabbedBrowsingKey = QStringLiteral("TabbedBrowsing");
 const QString windowSizeKey = QStringLiteral("WindowSize");
-const QString showBookmarksBarKey = QStringLiteral("ShowBookmarksBar");
 } // namespace
 
 BrowserHostSettings::BrowserHostSettings()
@@ -47,14 +46,4 @@ void BrowserHostSettings::setWindowSize(const QSize &size)
     const QVariantMap stored{{QStringLiteral("width"), qlonglong(size.width())},
                              {QStringLiteral("height"), qlonglong(size.height())}};
     setObjectForKey(stored, windowSizeKey);
-}
-
-bool BrowserHostSettings::showsBookmarksBar() const
-{
-    return objectForKey(showBookmarksBarKey).toBool();
-}
-
-void BrowserHostSettings::setShowsBookmarksBar(bool shown)
-{
-    setObjectForKey(shown, showBookmarksBarKey);
 }

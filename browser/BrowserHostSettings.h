@@ -19,7 +19,4 @@ public:
     // The size of the window that was closed last; invalid when none was. Setting "WindowSize".
     QSize windowSize() const;
     void setWindowSize(const QSize &size);
-    // Setting "ShowBookmarksBar".
-    bool showsBookmarksBar() const;
-    void setShowsBookmarksBar(bool shown);
 };
