@@ -2,6 +2,8 @@
 
 #include <QFileDialog>
 
+class QLineEdit;
+
 // A file chooser in which folders can be chosen just like files.
 class FileOrFolderPanel : public QFileDialog
 {
@@ -14,5 +16,6 @@ public:
     void accept() override;
 
 private:
-    QString _highlighted;
+    void highlight(const QString &path);
+    QLineEdit *nameField() const;
 };

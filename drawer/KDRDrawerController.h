@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QRectF>
+#include <QWidget>
 
 class InterfaceFile;
 class KDRDrawer;

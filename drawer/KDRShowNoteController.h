@@ -4,9 +4,9 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 
 class KDRShowNoteView;
-class QWidget;
 
 // A window in which a note is read. Any number may be open; each controller owns itself while its window is open.
 class KDRShowNoteController : public QObject

@@ -2,6 +2,8 @@
 
 #include "lists/WayfoldOutlineView.h"
 
+#include <QPointer>
+
 class Url;
 class WayfoldSitePopupButton;
 

@@ -1,0 +1,648 @@
+#include "lists/WayfoldScratchDataSource.h"
+
+#include "core/Notifications.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/files/PropertyList.h"
+#include "tests/lists/ListStage.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace
+{
+const QString sites = QStringLiteral("Sites");
+const QString siteA = QStringLiteral("a.org");
+const QString siteB = QStringLiteral("b.org");
+
+QAbstractButton *buttonNamed(const QMessageBox &box, const QString &text)
+{
+    for (QAbstractButton *button : box.buttons()) {
+        if (button->text() == text)
+            return button;
+    }
+    return nullptr;
+}
+
+// What the user is asked, and does then.
+struct Question
+{
+    QString message;
+    QString information;
+    QStringList buttons;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    int asked = 0;
+
+    void answer(const QString &button)
+    {
+        QTimer::singleShot(0, [this, button] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            ++asked;
+            message = box->text();
+            information = box->informativeText();
+            icon = box->icon();
+            for (const QAbstractButton *offered : box->buttons())
+                buttons.append(offered->text());
+            if (button.isNull())
+                QTest::keyClick(box, Qt::Key_Escape);
+            else
+                QTest::mouseClick(buttonNamed(*box, button), Qt::LeftButton);
+        });
+    }
+};
+
+void postFileChange(const QString &name)
+{
+    NotificationCenter::defaultCenter().postNotificationName(name, nullptr);
+}
+} // namespace
+
+class WayfoldScratchDataSourceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        _stage.emplace();
+        _pad.emplace(*_stage);
+    }
+    void cleanup()
+    {
+        _pad.reset();
+        _stage.reset();
+    }
+
+    void startsWithTheWholeTree();
+    void buttonsHaveImagesAndToolTips();
+
+    void switchToAKnownSite();
+    void switchToAnUnknownSite();
+    void leavingAnEmptySiteLeavesNothing();
+    void anotherDrawerKeepsTheProvisionalFolder();
+    void sameLabelChangesOnlyTheFrame();
+    void nullLabelChangesOnlyTheFrame();
+    void sitesStandsForTheWholeTree();
+    void noteWithTheTitleOfASite();
+    void previousLabel();
+    void switchingSavesAndAdopts();
+    void switchback();
+    void switchbackWithoutAPreviousSite();
+    void labelEqualsThePopupsTitle();
+
+    void saveCurrentPage();
+    void saveCurrentPageMakesTheSiteKnown();
+    void savedPageTitle_data();
+    void savedPageTitle();
+    void nothingToSave_data();
+    void nothingToSave();
+
+    void newItemsNeedAnOpenDrawer();
+
+    void deleteOneAsks();
+    void deleteSeveralAsks();
+    void declinedDelete_data();
+    void declinedDelete();
+    void deleteWithoutQuestion();
+    void deletedSiteFolder();
+
+    void editRenamesSmartFolders();
+    void editOfSeveralItems();
+    void editRefreshesOtherDrawers();
+
+    void buttonStates();
+
+    void outsideChanges_data();
+    void outsideChanges();
+    void noChangesAfterDestruction();
+    void destructionReleasesTheProvisionalFolder();
+
+private:
+    static KDRDrawerBundle &store() { return ListStage::store(); }
+    WayfoldBookmarkFolderPtr savedFolder(const QString &title)
+    {
+        return WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->childWithTitle(title));
+    }
+    WayfoldBookmarkFolderPtr provisionalFolder(const QString &title)
+    {
+        return WayfoldBookmarkFolder::fromItem(store().provisionalBookmarkRoot()->childWithTitle(title));
+    }
+
+    std::optional<ListStage> _stage;
+    std::optional<Scratchpad> _pad;
+};
+
+void WayfoldScratchDataSourceTest::startsWithTheWholeTree()
+{
+    QVERIFY(_pad->source->localRootFolder() == store().bookmarkRoot());
+    QCOMPARE(_pad->source->myOutlineView(), &_pad->view);
+    QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+    QVERIFY(_pad->source->previousDrawerLabel().isNull());
+    QVERIFY(_pad->view.acceptDrops());
+    QVERIFY(!_pad->switchbackButton.isEnabled());
+    QVERIFY(!_pad->source->anyItemSelected());
+}
+
+void WayfoldScratchDataSourceTest::buttonsHaveImagesAndToolTips()
+{
+    QCOMPARE(_pad->newSubfolderButton.toolTip(), QStringLiteral("New Subfolder"));
+    QCOMPARE(_pad->newNoteButton.toolTip(), QStringLiteral("New Note"));
+    QCOMPARE(_pad->newEmailButton.toolTip(), QStringLiteral("New Email Link"));
+    QCOMPARE(_pad->deleteItemButton.toolTip(), QStringLiteral("Delete Item"));
+    QCOMPARE(_pad->editItemButton.toolTip(), QStringLiteral("Edit Item"));
+    QCOMPARE(_pad->switchbackButton.toolTip(), QStringLiteral("Show Previous Site List"));
+    for (const QToolButton *button : {&_pad->newSubfolderButton, &_pad->newNoteButton, &_pad->newEmailButton,
+                                      &_pad->deleteItemButton, &_pad->editItemButton, &_pad->switchbackButton}) {
+        QVERIFY2(!button->icon().isNull(), qPrintable(button->toolTip()));
+        QCOMPARE(button->iconSize(), QSize(16, 16));
+    }
+}
+
+// --- Site lists -----------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::switchToAKnownSite()
+{
+    const auto site = ListStage::folder(siteA, {ListStage::note("Of a")});
+    _pad->showItems({site, ListStage::folder(siteB)});
+    _pad->show(siteA);
+    QVERIFY(_pad->source->localRootFolder() == site);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Of a")});
+    QCOMPARE(_pad->controller->currentWebFrame(), _pad->web->frame);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void WayfoldScratchDataSourceTest::switchToAnUnknownSite()
+{
+    _pad->show(siteA);
+    QVERIFY(!savedFolder(siteA));
+    QVERIFY(_pad->source->localRootFolder() == provisionalFolder(siteA));
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({QStringLiteral("Related Bookmarks"), QStringLiteral("Related History")}));
+    _pad->view.refreshSitePopup();
+    QVERIFY(_pad->popup.itemTitles().contains(siteA));
+}
+
+void WayfoldScratchDataSourceTest::leavingAnEmptySiteLeavesNothing()
+{
+    _pad->show(siteA);
+    _pad->view.grab(); // rows are drawn, and held
+    _pad->show(siteB);
+    QVERIFY(!provisionalFolder(siteA));
+    QVERIFY(!savedFolder(siteA));
+    QVERIFY(!_stage->savedFile().contains("a.org"));
+    _pad->view.refreshSitePopup();
+    QCOMPARE(_pad->popup.itemTitles(), QStringList({sites, siteB}));
+}
+
+void WayfoldScratchDataSourceTest::anotherDrawerKeepsTheProvisionalFolder()
+{
+    Scratchpad other(*_stage);
+    _pad->show(siteA);
+    other.show(siteA);
+    QVERIFY(other.source->localRootFolder() == _pad->source->localRootFolder());
+    _pad->show(siteB);
+    QVERIFY(provisionalFolder(siteA));
+    other.show(siteB);
+    QVERIFY(!provisionalFolder(siteA));
+}
+
+void WayfoldScratchDataSourceTest::sameLabelChangesOnlyTheFrame()
+{
+    _pad->show(siteB);
+    _pad->show(siteA);
+    _stage->removeSavedFile();
+    const int reloads = _pad->drawer.reloadCount;
+    const auto folder = ListStage::folder("Folder", {ListStage::note("In it")});
+    provisionalFolder(siteA)->addChild(folder);
+    _pad->view.reloadData();
+    _pad->view.expandItem(folder);
+    const auto other = FakeHostWebView::makeSubFrame(_pad->web);
+    _pad->source->setDrawerLabelUsingFrame(siteA, other);
+    QCOMPARE(_pad->controller->currentWebFrame(), other);
+    QCOMPARE(_pad->source->previousDrawerLabel(), siteB);
+    QVERIFY(_stage->savedFile().isEmpty());
+    QVERIFY(_pad->view.isItemExpanded(folder));
+    QCOMPARE(_pad->drawer.reloadCount, reloads);
+}
+
+void WayfoldScratchDataSourceTest::nullLabelChangesOnlyTheFrame()
+{
+    _pad->show(siteA);
+    _pad->source->setDrawerLabelUsingFrame(QString(), nullptr);
+    QVERIFY(!_pad->controller->currentWebFrame());
+    QCOMPARE(_pad->source->currentDrawerLabel(), siteA);
+    QVERIFY(_pad->source->previousDrawerLabel().isNull());
+}
+
+void WayfoldScratchDataSourceTest::sitesStandsForTheWholeTree()
+{
+    _pad->show(siteA);
+    _pad->show(sites);
+    QVERIFY(_pad->source->localRootFolder() == store().bookmarkRoot());
+    QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+    _pad->show(siteA);
+    _pad->show(QStringLiteral(""));
+    QVERIFY(_pad->source->localRootFolder() == store().bookmarkRoot());
+    QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+}
+
+void WayfoldScratchDataSourceTest::noteWithTheTitleOfASite()
+{
+    _pad->showItems({ListStage::note(siteA), ListStage::folder(siteA, {ListStage::note("Of a")})});
+    _pad->show(siteA);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Of a")});
+    _pad->showItems({ListStage::note(siteB)});
+    _pad->show(siteB);
+    QVERIFY(_pad->source->localRootFolder() == provisionalFolder(siteB));
+}
+
+void WayfoldScratchDataSourceTest::previousLabel()
+{
+    _pad->show(siteA);
+    QVERIFY(_pad->source->previousDrawerLabel().isNull());
+    QVERIFY(!_pad->switchbackButton.isEnabled());
+    _pad->show(sites);
+    QCOMPARE(_pad->source->previousDrawerLabel(), siteA);
+    QVERIFY(_pad->switchbackButton.isEnabled());
+    // The whole tree is never remembered.
+    _pad->show(siteB);
+    QCOMPARE(_pad->source->previousDrawerLabel(), siteA);
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(_pad->source->currentDrawerLabel(), siteA);
+}
+
+void WayfoldScratchDataSourceTest::switchingSavesAndAdopts()
+{
+    _pad->show(siteA);
+    provisionalFolder(siteA)->addChild(ListStage::note("Kept note"));
+    _pad->show(siteB);
+    QVERIFY(savedFolder(siteA));
+    QVERIFY(!provisionalFolder(siteA));
+    QVERIFY(_stage->savedFile().contains("Kept note"));
+    QVERIFY(!_stage->savedFile().contains("Related"));
+}
+
+void WayfoldScratchDataSourceTest::switchback()
+{
+    _pad->show(siteA);
+    _pad->show(siteB);
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->drawer.close();
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(_pad->source->currentDrawerLabel(), siteA);
+    QCOMPARE(_pad->source->previousDrawerLabel(), siteB);
+    QCOMPARE(_pad->drawer.state(), Drawer::Open);
+    QCOMPARE(_pad->controller->currentWebFrame(), _pad->web->frame);
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(_pad->source->currentDrawerLabel(), siteB);
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(_pad->source->currentDrawerLabel(), siteA);
+}
+
+void WayfoldScratchDataSourceTest::switchbackWithoutAPreviousSite()
+{
+    _pad->drawer.close();
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+    QCOMPARE(_pad->drawer.state(), Drawer::Closed);
+}
+
+void WayfoldScratchDataSourceTest::labelEqualsThePopupsTitle()
+{
+    for (const QString &label : {siteA, sites, siteB, QStringLiteral("")}) {
+        _pad->show(label);
+        QCOMPARE(_pad->source->currentDrawerLabel(), _pad->popup.currentText());
+    }
+}
+
+// --- Saving pages ---------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::saveCurrentPage()
+{
+    const auto note = ListStage::note("First");
+    _pad->showItems({note});
+    _pad->select({note});
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->window->pageTitle = QStringLiteral("A story");
+    _pad->drawer.close();
+    _pad->source->handleSaveCurrentURLRequest(nullptr);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({QStringLiteral("First"), QStringLiteral("A story")}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("A story")});
+    QCOMPARE(_pad->view.selectedItem()->type(), KDRBookmark::WebLinkType);
+    QCOMPARE(_pad->view.selectedItem()->valueAsString(), QStringLiteral("http://news.example.com/story"));
+    QCOMPARE(_pad->drawer.state(), Drawer::Open);
+    QVERIFY(_stage->savedFile().contains("A story"));
+}
+
+void WayfoldScratchDataSourceTest::saveCurrentPageMakesTheSiteKnown()
+{
+    _pad->show(siteA);
+    QVERIFY(!store().isKnownSite(siteA));
+    _pad->window->pageTitle = QStringLiteral("A story");
+    _pad->source->handleSaveCurrentURLRequest(nullptr);
+    QVERIFY(savedFolder(siteA));
+    QVERIFY(!provisionalFolder(siteA));
+    QVERIFY(_stage->savedFile().contains("A story"));
+}
+
+void WayfoldScratchDataSourceTest::savedPageTitle_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("pageTitle");
+    QTest::addColumn<QString>("title");
+    const QString page = QStringLiteral("http://x.org/a%20b");
+    QTest::newRow("page title") << page << QStringLiteral("Title") << QStringLiteral("Title");
+    QTest::newRow("none") << page << QString() << QStringLiteral("/a b");
+    QTest::newRow("empty") << page << QStringLiteral("") << QStringLiteral("/a b");
+    // An item without a title would not be read back.
+    QTest::newRow("no path either") << QStringLiteral("http://x.org") << QString() << QStringLiteral("http://x.org");
+}
+
+void WayfoldScratchDataSourceTest::savedPageTitle()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, pageTitle);
+    QFETCH(QString, title);
+    _pad->web->frame->commit(address);
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->window->pageTitle = pageTitle;
+    _pad->source->handleSaveCurrentURLRequest(nullptr);
+    QCOMPARE(_pad->view.selectedItem()->title(), title);
+}
+
+void WayfoldScratchDataSourceTest::nothingToSave_data()
+{
+    QTest::addColumn<QString>("missing");
+    for (const char *missing : {"frame", "page", "address"})
+        QTest::newRow(missing) << QString::fromLatin1(missing);
+}
+
+void WayfoldScratchDataSourceTest::nothingToSave()
+{
+    QFETCH(QString, missing);
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    if (missing == u"frame")
+        _pad->controller->setCurrentWebFrame(nullptr);
+    else if (missing == u"page")
+        _pad->web->frame->committed.reset();
+    else
+        _pad->web->frame->committed = HostDataSource{};
+    _stage->removeSavedFile();
+    _pad->source->handleSaveCurrentURLRequest(nullptr);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QVERIFY(_stage->savedFile().isEmpty());
+}
+
+void WayfoldScratchDataSourceTest::newItemsNeedAnOpenDrawer()
+{
+    const auto requestAll = [this] {
+        _pad->source->handleNewSubFolderRequest(nullptr);
+        _pad->source->handleNewNoteRequest(nullptr);
+        _pad->source->handleNewEmailRequest(nullptr);
+    };
+    requestAll();
+    QCOMPARE(_stage->dialogs.opened, 3);
+    _pad->drawer.close();
+    requestAll();
+    QCOMPARE(_stage->dialogs.opened, 3);
+}
+
+// --- Deleting -------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::deleteOneAsks()
+{
+    const auto note = ListStage::note("Foo");
+    _pad->showItems({note, ListStage::note("Bar")});
+    _pad->select({note});
+    Question question;
+    question.answer(QStringLiteral("OK"));
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(question.asked, 1);
+    QCOMPARE(question.message, QStringLiteral("Confirm"));
+    QCOMPARE(question.information, QStringLiteral("Are you sure you want to delete \"Foo\"?"));
+    QCOMPARE(question.icon, QMessageBox::Critical);
+    question.buttons.sort();
+    QCOMPARE(question.buttons, QStringList({QStringLiteral("Cancel"), QStringLiteral("OK")}));
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Bar")});
+    QVERIFY(!_pad->source->anyItemSelected());
+    QVERIFY(_stage->savedFile().contains("Bar"));
+    QVERIFY(!_stage->savedFile().contains("Foo"));
+}
+
+void WayfoldScratchDataSourceTest::deleteSeveralAsks()
+{
+    const std::vector<KDRBookmarkPtr> items = {ListStage::note("a"), ListStage::note("b"), ListStage::note("c")};
+    _pad->showItems(items);
+    _pad->select(items);
+    Question question;
+    question.answer(QStringLiteral("OK"));
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(question.information, QStringLiteral("Are you sure you want to delete these 3 items ?"));
+    QCOMPARE(_pad->view.numberOfRows(), 0);
+}
+
+void WayfoldScratchDataSourceTest::declinedDelete_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("Cancel") << QStringLiteral("Cancel");
+    QTest::newRow("Escape") << QString();
+}
+
+void WayfoldScratchDataSourceTest::declinedDelete()
+{
+    QFETCH(QString, button);
+    const auto note = ListStage::note("Foo");
+    _pad->showItems({note});
+    _pad->select({note});
+    _stage->removeSavedFile();
+    Question question;
+    question.answer(button);
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(question.asked, 1);
+    QCOMPARE(_pad->view.numberOfRows(), 1);
+    QCOMPARE(_pad->view.selectedItemCount(), 1);
+    QVERIFY(_stage->savedFile().isEmpty());
+}
+
+void WayfoldScratchDataSourceTest::deleteWithoutQuestion()
+{
+    ListStage::settings().setConfirmItemDelete(false);
+    const auto note = ListStage::note("Foo");
+    _pad->showItems({note});
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(_pad->view.numberOfRows(), 1); // nothing was selected
+    _pad->select({note});
+    Question question;
+    question.answer(QStringLiteral("Cancel"));
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCoreApplication::processEvents();
+    QCOMPARE(question.asked, 0);
+    QCOMPARE(_pad->view.numberOfRows(), 0);
+}
+
+void WayfoldScratchDataSourceTest::deletedSiteFolder()
+{
+    ListStage::settings().setConfirmItemDelete(false);
+    const auto site = ListStage::folder(siteA, {ListStage::note("Of a")});
+    _pad->showItems({site});
+    Scratchpad other(*_stage);
+    other.show(siteA);
+    _pad->select({site});
+    _pad->source->handleDeleteItemRequest(nullptr);
+    // The other window goes on showing it, as a site without a folder of its own.
+    QVERIFY(provisionalFolder(siteA) == site);
+    QCOMPARE(ListStage::rows(other.view), QStringList{QStringLiteral("Of a")});
+    QVERIFY(!_stage->savedFile().contains("Of a"));
+}
+
+// --- Editing --------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::editRenamesSmartFolders()
+{
+    const auto site = ListStage::folder(siteA, {ListStage::note("Of a")});
+    site->addAutoFolders();
+    const auto smart = std::dynamic_pointer_cast<WayfoldAutoFolder>(site->childAtIndex(1));
+    QCOMPARE(smart->filterString(), siteA);
+    _pad->showItems({site});
+    _pad->select({site});
+    const auto rename = [](KDRBookmark &item) {
+        item.setTitle(siteB);
+        return true;
+    };
+    // Not accepted: nothing follows.
+    _stage->dialogs.answer = [rename](KDRBookmark &item) {
+        rename(item);
+        return false;
+    };
+    _pad->source->handleItemEditRequest(nullptr);
+    QCOMPARE(smart->filterString(), siteA);
+    _stage->dialogs.answer = rename;
+    _pad->source->handleItemEditRequest(nullptr);
+    QCOMPARE(smart->filterString(), siteB);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{siteB});
+    QVERIFY(_pad->view.selectedItem() == site);
+}
+
+void WayfoldScratchDataSourceTest::editOfSeveralItems()
+{
+    const std::vector<KDRBookmarkPtr> items = {ListStage::note("a"), ListStage::note("b")};
+    _pad->showItems(items);
+    _pad->source->handleItemEditRequest(nullptr);
+    _pad->select(items);
+    _pad->source->handleItemEditRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 0);
+}
+
+void WayfoldScratchDataSourceTest::editRefreshesOtherDrawers()
+{
+    const auto note = ListStage::note("Before");
+    _pad->showItems({note});
+    Scratchpad other(*_stage);
+    QCOMPARE(ListStage::rows(other.view), QStringList{QStringLiteral("Before")});
+    _pad->select({note});
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("After"));
+        return true;
+    };
+    other.drawer.reloadCount = 0;
+    _pad->source->handleItemEditRequest(nullptr);
+    QVERIFY(other.drawer.reloadCount > 0);
+}
+
+// --- Observing ------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::buttonStates()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    smart->ensureUpToDate();
+    const auto found = ListStage::link("Found");
+    smart->addChild(found);
+    const auto note = ListStage::note("Note");
+    const auto person = ListStage::person("Person");
+    _pad->showItems({note, smart, person});
+    _pad->view.expandItem(smart);
+    const auto states = [this](const std::vector<KDRBookmarkPtr> &selection) {
+        _pad->select(selection);
+        if (_pad->newSubfolderButton.isEnabled() != _pad->newNoteButton.isEnabled() ||
+            _pad->newNoteButton.isEnabled() != _pad->newEmailButton.isEnabled())
+            return QStringLiteral("the three differ");
+        return QStringLiteral("%1%2%3").arg(_pad->deleteItemButton.isEnabled() ? QStringLiteral("D") : QString(),
+                                            _pad->editItemButton.isEnabled() ? QStringLiteral("E") : QString(),
+                                            _pad->newNoteButton.isEnabled() ? QStringLiteral("N") : QString());
+    };
+    QCOMPARE(states({note}), QStringLiteral("DEN"));
+    QCOMPARE(states({}), QStringLiteral("N"));
+    QCOMPARE(states({note, person}), QStringLiteral("D"));
+    QCOMPARE(states({found}), QString());
+    QCOMPARE(states({smart}), QStringLiteral("N"));
+    QCOMPARE(states({note, found}), QString());
+    QVERIFY(!_pad->switchbackButton.isEnabled());
+}
+
+void WayfoldScratchDataSourceTest::outsideChanges_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"SafariBookmarkFileModNotification", "SafariHistoryFileModNotification",
+                             "kABDatabaseChangedNotification", "kABDatabaseChangedExternallyNotification"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+namespace
+{
+// Collects new copies at each refresh, as smart folders do.
+class RefreshedFolder : public WayfoldAutoFolder
+{
+public:
+    int refreshed = 0;
+    KDRBookmarkPtr found;
+
+    bool refresh() override
+    {
+        ++refreshed;
+        removeAllChildren();
+        addChild(found->copy());
+        return true;
+    }
+};
+} // namespace
+
+void WayfoldScratchDataSourceTest::outsideChanges()
+{
+    QFETCH(QString, name);
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = ListStage::link("Found");
+    const auto note = ListStage::note("Note");
+    _pad->showItems({note, smart});
+    _pad->view.grab();
+    _pad->view.expandItem(smart);
+    const KDRBookmarkPtr before = smart->childAtIndex(0);
+    _pad->select({note, before});
+    QCOMPARE(_pad->view.selectedItemCount(), 2);
+    const int refreshed = smart->refreshed;
+    postFileChange(name);
+    QCOMPARE(smart->refreshed, refreshed + 1);
+    QVERIFY(smart->childAtIndex(0) != before);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()),
+             QStringList({QStringLiteral("Note"), QStringLiteral("Found")}));
+    QVERIFY(_pad->view.selectedItemList()[1] == smart->childAtIndex(0));
+}
+
+void WayfoldScratchDataSourceTest::noChangesAfterDestruction()
+{
+    _pad->source.reset();
+    postFileChange(Notifications::SafariBookmarkFileModNotification);
+    QCOMPARE(_pad->view.numberOfRows(), 0);
+}
+
+void WayfoldScratchDataSourceTest::destructionReleasesTheProvisionalFolder()
+{
+    _pad->show(siteA);
+    QVERIFY(provisionalFolder(siteA));
+    _pad->source.reset();
+    QVERIFY(!provisionalFolder(siteA));
+}
+
+QTEST_MAIN(WayfoldScratchDataSourceTest)
+#include "WayfoldScratchDataSourceTest.moc"

@@ -1,0 +1,545 @@
+#include "lists/WayfoldScratchOutlineView.h"
+
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
+#include "tests/lists/ListStage.h"
+
+#include <QDragEnterEvent>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+
+Q_DECLARE_METATYPE(std::vector<KDRBookmarkPtr>)
+
+namespace
+{
+QAction *addItem(QMenu &menu, const char *action)
+{
+    QAction *item = menu.addAction(QString::fromLatin1(action));
+    MenuItem::setAction(item, QString::fromLatin1(action));
+    return item;
+}
+
+const QString sites = QStringLiteral("Sites");
+} // namespace
+
+class WayfoldScratchOutlineViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        _stage.emplace();
+        _pad.emplace(*_stage);
+    }
+    void cleanup()
+    {
+        _pad.reset();
+        _stage.reset();
+    }
+
+    void popupEntries();
+    void popupIsRebuiltAsItOpens();
+    void popupKeepsTheFirstEntryForNoTitle();
+    void popupTitles();
+    void pickingASite();
+    void dragOverThePopupShowsTheWholeTree();
+
+    void keysEdit_data();
+    void keysEdit();
+    void keysDelete_data();
+    void keysDelete();
+    void keysWithoutASelection();
+
+    void newItemPlaces_data();
+    void newItemPlaces();
+    void newItemIsSelectedAndSaved();
+    void cancelledNewItem();
+    void newFolderInTheRootGetsSmartFolders();
+    void newItemOfASiteThatIsLeftMeanwhile();
+    void nothingIsPutIntoASmartFolder();
+
+    void mailAddress_data();
+    void mailAddress();
+    void mailIsHandedToTheDesktop();
+
+    void editItem_data();
+    void editItem();
+    void deleteItem_data();
+    void deleteItem();
+    void newItems_data();
+    void newItems();
+    void sendEmailItem();
+    void inheritedItems();
+    void menuItemsAct();
+
+private:
+    static KDRDrawerBundle &store() { return ListStage::store(); }
+
+    std::optional<ListStage> _stage;
+    std::optional<Scratchpad> _pad;
+};
+
+// --- Site pop-up ----------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineViewTest::popupEntries()
+{
+    _pad->showItems({ListStage::folder("b.org"), ListStage::note("A note"), ListStage::folder("a.org")});
+    _pad->show(QStringLiteral("new.org"));
+    _pad->view.refreshSitePopup();
+    QCOMPARE(_pad->popup.itemTitles(),
+             QStringList({sites, QStringLiteral("b.org"), QStringLiteral("a.org"), QStringLiteral("new.org")}));
+    QCOMPARE(_pad->popup.title(), QStringLiteral("new.org"));
+}
+
+void WayfoldScratchOutlineViewTest::popupIsRebuiltAsItOpens()
+{
+    store().bookmarkRoot()->addChild(ListStage::folder("a.org"));
+    QCOMPARE(_pad->popup.itemTitles(), QStringList{sites});
+    _pad->popup.show();
+    _pad->popup.showPopup();
+    QCOMPARE(_pad->popup.itemTitles(), QStringList({sites, QStringLiteral("a.org")}));
+    _pad->popup.hidePopup();
+    // Another pop-up that opens is none of this list's business.
+    store().bookmarkRoot()->addChild(ListStage::folder("b.org"));
+    WayfoldSitePopupButton other;
+    other.show();
+    other.showPopup();
+    other.hidePopup();
+    QCOMPARE(_pad->popup.count(), 2);
+}
+
+void WayfoldScratchOutlineViewTest::popupKeepsTheFirstEntryForNoTitle()
+{
+    _pad->popup.setCurrentIndex(-1);
+    QVERIFY(_pad->view.currentSitePopupTitle().isNull());
+    _pad->view.refreshSitePopup();
+    QCOMPARE(_pad->popup.title(), sites);
+}
+
+void WayfoldScratchOutlineViewTest::popupTitles()
+{
+    _pad->view.setSitePopupTitle(QStringLiteral("x.org"));
+    QCOMPARE(_pad->view.currentSitePopupTitle(), QStringLiteral("x.org"));
+    _pad->view.setSitePopupTitle(QStringLiteral(""));
+    QCOMPARE(_pad->view.currentSitePopupTitle(), sites);
+    _pad->view.setSitePopupTitle(QStringLiteral("x.org"));
+    _pad->view.setSitePopupTitle(QString());
+    QCOMPARE(_pad->view.currentSitePopupTitle(), sites);
+    QCOMPARE(_pad->popup.count(), 2);
+}
+
+void WayfoldScratchOutlineViewTest::pickingASite()
+{
+    _pad->showItems({ListStage::folder("a.org", {ListStage::note("Of a")})});
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->popup.show();
+    const auto pick = [this](const QString &title) {
+        _pad->popup.showPopup();
+        _pad->popup.setCurrentIndex(_pad->popup.findText(title));
+        Q_EMIT _pad->popup.activated(_pad->popup.currentIndex());
+        _pad->popup.hidePopup();
+    };
+    pick(QStringLiteral("a.org"));
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Of a")});
+    QCOMPARE(_pad->controller->currentWebFrame(), _pad->web->frame);
+    pick(sites);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("a.org")});
+}
+
+void WayfoldScratchOutlineViewTest::dragOverThePopupShowsTheWholeTree()
+{
+    _pad->showItems({ListStage::folder("a.org", {ListStage::note("Of a")})});
+    _pad->show(QStringLiteral("a.org"));
+    QVERIFY(_pad->popup.acceptDrops());
+    QMimeData data;
+    data.setUrls({QUrl(QStringLiteral("http://a.org/"))});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&_pad->popup, &enter);
+    QVERIFY(!enter.isAccepted());
+    QCOMPARE(_pad->view.currentSitePopupTitle(), sites);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("a.org")});
+}
+
+// --- Keys -----------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineViewTest::keysEdit_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Return") << int(Qt::Key_Return);
+    QTest::newRow("Enter") << int(Qt::Key_Enter);
+}
+
+void WayfoldScratchOutlineViewTest::keysEdit()
+{
+    QFETCH(int, key);
+    const auto folder = ListStage::folder("Folder");
+    _pad->showItems({folder});
+    _pad->select({folder});
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("Renamed"));
+        return true;
+    };
+    QTest::keyClick(&_pad->view, Qt::Key(key));
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Renamed")});
+}
+
+void WayfoldScratchOutlineViewTest::keysDelete_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Delete") << int(Qt::Key_Delete);
+    QTest::newRow("Backspace") << int(Qt::Key_Backspace);
+}
+
+void WayfoldScratchOutlineViewTest::keysDelete()
+{
+    QFETCH(int, key);
+    const auto note = ListStage::note("Note");
+    _pad->showItems({note});
+    _pad->select({note});
+    bool asked = false;
+    QTimer::singleShot(0, this, [&asked] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        asked = box != nullptr;
+        if (box)
+            QTest::keyClick(box, Qt::Key_Return);
+    });
+    QTest::keyClick(&_pad->view, Qt::Key(key));
+    QVERIFY(asked);
+    QCOMPARE(_pad->view.numberOfRows(), 0);
+}
+
+void WayfoldScratchOutlineViewTest::keysWithoutASelection()
+{
+    _pad->showItems({ListStage::note("Note")});
+    QTest::keyClick(&_pad->view, Qt::Key_Return);
+    QTest::keyClick(&_pad->view, Qt::Key_Delete);
+    QCOMPARE(_stage->dialogs.opened, 0);
+    QCOMPARE(_pad->view.numberOfRows(), 1);
+}
+
+// --- New items ------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineViewTest::newItemPlaces_data()
+{
+    QTest::addColumn<QString>("selected"); // the title; none: nothing is selected
+    QTest::addColumn<bool>("open");        // whether the folder is
+    QTest::addColumn<QStringList>("rows");
+    const QString outer = QStringLiteral("Folder");
+    const QString inner = QStringLiteral("-Inside");
+    const QString after = QStringLiteral("After");
+    const QString made = QStringLiteral("New");
+    QTest::newRow("nothing selected") << QString() << false << QStringList{outer, after, made};
+    QTest::newRow("closed folder") << QStringLiteral("Folder") << false << QStringList{outer, made, after};
+    QTest::newRow("open folder") << QStringLiteral("Folder") << true
+                                 << QStringList{outer, QStringLiteral("-New"), inner, after};
+    QTest::newRow("item in a folder") << QStringLiteral("Inside") << true
+                                      << QStringList{outer, inner, QStringLiteral("-New"), after};
+    QTest::newRow("item at the top") << QStringLiteral("After") << false << QStringList{outer, after, made};
+}
+
+void WayfoldScratchOutlineViewTest::newItemPlaces()
+{
+    QFETCH(QString, selected);
+    QFETCH(bool, open);
+    QFETCH(QStringList, rows);
+    const auto inside = ListStage::note("Inside");
+    const auto folder = ListStage::folder("Folder", {inside});
+    const auto after = ListStage::note("After");
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("New"));
+        return true;
+    };
+    using Request = void (WayfoldScratchOutlineView::*)(QObject *);
+    for (const Request request :
+         {&WayfoldScratchOutlineView::handleNewNoteRequest, &WayfoldScratchOutlineView::handleNewEmailRequest}) {
+        folder->removeAllChildren();
+        folder->addChild(inside);
+        _pad->showItems({folder, after});
+        if (open)
+            _pad->view.expandItem(folder);
+        else
+            _pad->view.collapseItem(folder);
+        _pad->view.deselectAll();
+        for (const KDRBookmarkPtr &item : {KDRBookmarkPtr(inside), KDRBookmarkPtr(folder), KDRBookmarkPtr(after)}) {
+            if (item->title() == selected)
+                _pad->view.selectItem(item);
+        }
+        (_pad->view.*request)(nullptr);
+        QCOMPARE(ListStage::rows(_pad->view), rows);
+        QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("New")});
+    }
+}
+
+void WayfoldScratchOutlineViewTest::newItemIsSelectedAndSaved()
+{
+    Scratchpad other(*_stage);
+    _stage->removeSavedFile();
+    other.drawer.reloadCount = 0;
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("Unforgettable"));
+        item.setValue(QStringLiteral("words"));
+        return true;
+    };
+    _pad->view.handleNewNoteRequest(nullptr);
+    QCOMPARE(_pad->view.selectedItem()->title(), QStringLiteral("Unforgettable"));
+    QVERIFY(_stage->savedFile().contains("Unforgettable"));
+    QVERIFY(other.drawer.reloadCount > 0);
+    QCOMPARE(ListStage::rows(other.view), QStringList{QStringLiteral("Unforgettable")});
+}
+
+void WayfoldScratchOutlineViewTest::cancelledNewItem()
+{
+    _stage->removeSavedFile();
+    _pad->view.handleNewSubFolderRequest(nullptr);
+    _pad->view.handleNewNoteRequest(nullptr);
+    _pad->view.handleNewEmailRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 3);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QVERIFY(_stage->savedFile().isEmpty());
+}
+
+void WayfoldScratchOutlineViewTest::newFolderInTheRootGetsSmartFolders()
+{
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("x.org"));
+        return true;
+    };
+    _pad->view.handleNewSubFolderRequest(nullptr);
+    const auto made = WayfoldBookmarkFolder::fromItem(_pad->view.selectedItem());
+    QCOMPARE(ListStage::titles(made),
+             QStringList({QStringLiteral("Related Bookmarks"), QStringLiteral("Related History")}));
+    // A folder deeper down gets none.
+    _pad->view.expandItem(made);
+    _pad->view.handleNewSubFolderRequest(nullptr);
+    const auto deeper = WayfoldBookmarkFolder::fromItem(_pad->view.selectedItem());
+    QVERIFY(deeper->parent() == made);
+    QCOMPARE(deeper->childCount(), 0U);
+}
+
+// A page may load, and another site be shown, while the dialog is open; what was typed goes where it was meant to go.
+void WayfoldScratchOutlineViewTest::newItemOfASiteThatIsLeftMeanwhile()
+{
+    _pad->show(QStringLiteral("first.org"));
+    _stage->dialogs.answer = [this](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("For the first"));
+        _pad->show(QStringLiteral("second.org"));
+        return true;
+    };
+    _pad->view.handleNewNoteRequest(nullptr);
+    const auto first = WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->childWithTitle("first.org"));
+    QVERIFY(first);
+    QVERIFY(first->childWithTitle(QStringLiteral("For the first")));
+    QVERIFY(_stage->savedFile().contains("For the first"));
+    QCOMPARE(_pad->view.currentSitePopupTitle(), QStringLiteral("second.org"));
+}
+
+void WayfoldScratchOutlineViewTest::nothingIsPutIntoASmartFolder()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    smart->ensureUpToDate();
+    smart->addChild(ListStage::link("Found"));
+    _pad->showItems({smart});
+    _pad->view.expandItem(smart);
+    _pad->select({smart->childAtIndex(0)});
+    _stage->dialogs.answer = [](KDRBookmark &) { return true; };
+    _pad->view.handleNewNoteRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 0);
+    QCOMPARE(smart->childCount(), 1U);
+}
+
+// --- Mail -----------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineViewTest::mailAddress_data()
+{
+    QTest::addColumn<QStringList>("links");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("one") << QStringList{QStringLiteral("mailto:ann")} << QStringLiteral("mailto:ann");
+    QTest::newRow("two") << QStringList{QStringLiteral("mailto:ann"), QStringLiteral("mailto:bob")}
+                         << QStringLiteral("mailto:ann,bob");
+    QTest::newRow("an address once") << QStringList{QStringLiteral("mailto:ann,bob?cc=ann"),
+                                                    QStringLiteral("mailto:bob?bcc=cy,ann")}
+                                     << QStringLiteral("mailto:ann,bob?bcc=cy");
+    QTest::newRow("all parts") << QStringList{QStringLiteral("mailto:a?cc=b&bcc=c&subject=Hi%20there")}
+                               << QStringLiteral("mailto:a?cc=b&bcc=c&subject=Hi%20there");
+    QTest::newRow("first subject") << QStringList{QStringLiteral("mailto:a"), QStringLiteral("mailto:b?subject=One"),
+                                                  QStringLiteral("mailto:c?subject=Two")}
+                                   << QStringLiteral("mailto:a,b,c?subject=One");
+    QTest::newRow("subject after copies")
+        << QStringList{QStringLiteral("mailto:a?cc=b&subject=S"), QStringLiteral("mailto:c")}
+        << QStringLiteral("mailto:a,c?cc=b&subject=S");
+    QTest::newRow("nobody") << QStringList{QStringLiteral("mailto:")} << QString();
+    QTest::newRow("not only mails") << QStringList{QStringLiteral("http://a/"), QStringLiteral("mailto:a")}
+                                    << QStringLiteral("mailto:a");
+}
+
+void WayfoldScratchOutlineViewTest::mailAddress()
+{
+    QFETCH(QStringList, links);
+    QFETCH(QString, address);
+    std::vector<KDRBookmarkPtr> items;
+    for (const QString &link : links)
+        items.push_back(ListStage::mail(QStringLiteral("Mail"), link));
+    _pad->showItems(items);
+    _pad->select(items);
+    QCOMPARE(_pad->view.mailURL().absoluteString(), address);
+}
+
+void WayfoldScratchOutlineViewTest::mailIsHandedToTheDesktop()
+{
+    const auto mail = ListStage::mail("Mail", "mailto:ann?subject=Gr%C3%BC%C3%9Fe");
+    _pad->showItems({mail});
+    _pad->view.handleSendEmailRequest(nullptr);
+    QVERIFY(_stage->openedURLs.isEmpty());
+    _pad->select({mail});
+    _pad->view.handleSendEmailRequest(nullptr);
+    QCOMPARE(_stage->openedURLs, QStringList{QStringLiteral("mailto:ann?subject=Gr%C3%BC%C3%9Fe")});
+}
+
+// --- Menu -----------------------------------------------------------------------------------------------------------
+
+void WayfoldScratchOutlineViewTest::editItem_data()
+{
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<bool>("enabled");
+    using Items = std::vector<KDRBookmarkPtr>;
+    const QString edit = QStringLiteral("Edit Item...");
+    QTest::newRow("nothing") << Items{} << edit << false;
+    QTest::newRow("note") << Items{ListStage::note("a")} << edit << true;
+    QTest::newRow("two notes") << Items{ListStage::note("a"), ListStage::note("b")} << edit << false;
+    QTest::newRow("person") << Items{ListStage::person("a")} << QStringLiteral("Edit Item in Address Book") << true;
+    QTest::newRow("group") << Items{ListStage::group("a")} << edit << true;
+    QTest::newRow("two people") << Items{ListStage::person("a"), ListStage::person("b")} << edit << false;
+    QTest::newRow("smart folder") << Items{WayfoldAutoFolder::bookmarkWithTitle("a")} << edit << false;
+}
+
+void WayfoldScratchOutlineViewTest::editItem()
+{
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
+    QFETCH(QString, title);
+    QFETCH(bool, enabled);
+    _pad->showItems(items);
+    _pad->select(items);
+    QMenu menu;
+    QAction *item = addItem(menu, "handleItemEditRequest:");
+    QCOMPARE(_pad->view.validateMenuItem(item), enabled);
+    QCOMPARE(item->text(), title);
+}
+
+void WayfoldScratchOutlineViewTest::deleteItem_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("confirm");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("none") << 0 << false << QStringLiteral("Delete Item");
+    QTest::newRow("one") << 1 << false << QStringLiteral("Delete Item");
+    QTest::newRow("one with question") << 1 << true << QStringLiteral("Delete Item...");
+    QTest::newRow("two") << 2 << false << QStringLiteral("Delete Items");
+    QTest::newRow("two with question") << 2 << true << QStringLiteral("Delete Items...");
+}
+
+void WayfoldScratchOutlineViewTest::deleteItem()
+{
+    QFETCH(int, count);
+    QFETCH(bool, confirm);
+    QFETCH(QString, title);
+    ListStage::settings().setConfirmItemDelete(confirm);
+    std::vector<KDRBookmarkPtr> items;
+    for (int i = 0; i < count; ++i)
+        items.push_back(ListStage::note(QString::number(i)));
+    _pad->showItems(items);
+    _pad->select(items);
+    QMenu menu;
+    QAction *item = addItem(menu, "handleDeleteItemRequest:");
+    QCOMPARE(_pad->view.validateMenuItem(item), count > 0);
+    QCOMPARE(item->text(), title);
+}
+
+void WayfoldScratchOutlineViewTest::newItems_data()
+{
+    QTest::addColumn<QString>("selection");
+    QTest::addColumn<bool>("enabled");
+    QTest::newRow("nothing") << QString() << true;
+    QTest::newRow("note") << QStringLiteral("Note") << true;
+    QTest::newRow("closed smart folder") << QStringLiteral("Smart") << true; // beside it
+    QTest::newRow("in a smart folder") << QStringLiteral("Found") << false;
+    QTest::newRow("two") << QStringLiteral("Note,Smart") << false;
+}
+
+void WayfoldScratchOutlineViewTest::newItems()
+{
+    QFETCH(QString, selection);
+    QFETCH(bool, enabled);
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    smart->ensureUpToDate();
+    const auto found = ListStage::link("Found");
+    smart->addChild(found);
+    const auto note = ListStage::note("Note");
+    _pad->showItems({note, smart});
+    _pad->view.expandItem(smart);
+    _pad->view.deselectAll();
+    for (const KDRBookmarkPtr &item : std::vector<KDRBookmarkPtr>{note, smart, found}) {
+        if (selection.split(u',').contains(item->title()))
+            _pad->view.selectItem(item);
+    }
+    QMenu menu;
+    for (const char *action : {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:"}) {
+        QAction *item = addItem(menu, action);
+        QCOMPARE(_pad->view.validateMenuItem(item), enabled);
+        QCOMPARE(item->text(), QString::fromLatin1(action)); // unchanged
+    }
+    QCOMPARE(_pad->newNoteButton.isEnabled(), enabled);
+}
+
+void WayfoldScratchOutlineViewTest::sendEmailItem()
+{
+    const auto mail = ListStage::mail("Mail");
+    const auto person = ListStage::person("Person");
+    const auto note = ListStage::note("Note");
+    _pad->showItems({mail, person, note});
+    QMenu menu;
+    QAction *item = addItem(menu, "handleSendEmailRequest:");
+    QVERIFY(!_pad->view.validateMenuItem(item));
+    _pad->select({mail, person});
+    QVERIFY(_pad->view.validateMenuItem(item));
+    _pad->select({mail, note});
+    QVERIFY(!_pad->view.validateMenuItem(item));
+}
+
+void WayfoldScratchOutlineViewTest::inheritedItems()
+{
+    const auto note = ListStage::note("Note");
+    _pad->showItems({note});
+    _pad->select({note});
+    QMenu menu;
+    QAction *open = addItem(menu, "handleResolveBookmarkRequest:");
+    QVERIFY(_pad->view.validateMenuItem(open));
+    QCOMPARE(open->text(), QStringLiteral("Open Item"));
+    QVERIFY(_pad->view.validateMenuItem(addItem(menu, "somethingElse:")));
+}
+
+void WayfoldScratchOutlineViewTest::menuItemsAct()
+{
+    ListStage::settings().setConfirmItemDelete(false);
+    const auto note = ListStage::note("Note");
+    _pad->showItems({note});
+    _pad->select({note});
+    QMenu menu;
+    _pad->view.performMenuItem(addItem(menu, "handleItemEditRequest:"));
+    QCOMPARE(_stage->dialogs.opened, 1);
+    _pad->view.performMenuItem(addItem(menu, "handleDeleteItemRequest:"));
+    QCOMPARE(_pad->view.numberOfRows(), 0);
+    _stage->dialogs.answer = [](KDRBookmark &) { return true; };
+    _pad->view.performMenuItem(addItem(menu, "handleNewSubFolderRequest:"));
+    _pad->view.deselectAll();
+    _pad->view.performMenuItem(addItem(menu, "handleNewNoteRequest:"));
+    _pad->view.performMenuItem(addItem(menu, "handleNewEmailRequest:"));
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({QStringLiteral("Untitled Folder"), QStringLiteral("Untitled Note"),
+                          QStringLiteral("New Email Link")}));
+}
+
+QTEST_MAIN(WayfoldScratchOutlineViewTest)
+#include "WayfoldScratchOutlineViewTest.moc"
