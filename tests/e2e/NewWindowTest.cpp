@@ -1,7 +1,5 @@
 #include "browser/Browser.h"
 #include "browser/BrowserWindow.h"
-#include "browser/WebView.h"
-#include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
 
 // Which windows get a drawer, and that it opens at once when the user has set it so.
@@ -19,7 +17,7 @@ private Q_SLOTS:
     void largePopUpHasOne();
 
 private:
-    // A page that opens a window of that size wherever it is clicked.
+    // A window of that size that a page has opened.
     BrowserWindow *popUpOfSize(const QSize &size);
 
     Play &_play;
@@ -43,15 +41,14 @@ void NewWindowTest::secondWindow()
 
 BrowserWindow *NewWindowTest::popUpOfSize(const QSize &size)
 {
-    const QString html =
-        QStringLiteral("<!doctype html><title>opener</title><body style='margin:0'>"
-                       "<button style='position:fixed;inset:0;width:100%' onclick=\"window.open("
-                       "'http://pop.up.localhost/','_blank','popup,width=%1,height=%2')\">open</button>");
+    const QString html = QStringLiteral("<!doctype html><title>opener</title>"
+                                        "<a href='#' style='position:fixed;inset:0' onclick=\"window.open("
+                                        "'http://pop.up.localhost/','_blank','popup,width=%1,height=%2');"
+                                        "return false\">open</a>");
     _play.web().setPage(QStringLiteral("www.opener.localhost"), QStringLiteral("/"),
                         html.arg(size.width()).arg(size.height()).toUtf8());
     const QList<BrowserWindow *> before = _play.windows();
-    if (!_play.visit(QStringLiteral("http://www.opener.localhost/")) ||
-        !Hands::clickAt(Play::pagePosition(_play.window(), QPoint(100, 100))))
+    if (!_play.visit(QStringLiteral("http://www.opener.localhost/")) || !_play.clickLinkAt(QPoint(100, 100)))
         return nullptr;
     const auto hasPoppedUp = [&] {
         BrowserWindow *front = _play.window();

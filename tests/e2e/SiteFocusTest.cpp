@@ -86,7 +86,7 @@ void SiteFocusTest::followsLinks()
     setLinkPage(QStringLiteral("from.links.localhost"), QStringLiteral("http://to.elsewhere.localhost/"));
     QVERIFY(_play.visit(QStringLiteral("http://from.links.localhost/")));
     EVENTUALLY(Play::siteLabel(_window) == QLatin1String("links.localhost"));
-    QVERIFY(Hands::clickAt(Play::pagePosition(_window, QPoint(100, 100))));
+    QVERIFY(_play.clickLinkAt(QPoint(100, 100)));
     EVENTUALLY(Play::isShown(_window, QStringLiteral("http://to.elsewhere.localhost/")));
     EVENTUALLY(Play::siteLabel(_window) == QLatin1String("elsewhere.localhost"));
 }
@@ -120,7 +120,7 @@ void SiteFocusTest::ignoresSubFrames()
     QVERIFY(_play.visit(QStringLiteral("http://www.outer.localhost/")));
     EVENTUALLY(loadedFrames.contains(QLatin1String("www.inner.localhost")));
     EVENTUALLY(Play::siteLabel(_window) == QLatin1String("outer.localhost"));
-    QVERIFY(Hands::clickAt(Play::pagePosition(_window, QPoint(100, 100))));
+    QVERIFY(_play.clickLinkAt(QPoint(100, 100)));
     EVENTUALLY(loadedFrames.contains(QLatin1String("www.deeper.localhost")));
     Stage::settle();
     QCOMPARE(Play::siteLabel(_window), QStringLiteral("outer.localhost"));
@@ -131,7 +131,7 @@ void SiteFocusTest::ignoresBackgroundTabs()
     setLinkPage(QStringLiteral("www.front.localhost"), QStringLiteral("http://www.behind.localhost/"));
     QVERIFY(_play.visit(QStringLiteral("http://www.front.localhost/")));
     EVENTUALLY(Play::siteLabel(_window) == QLatin1String("front.localhost"));
-    QVERIFY(Hands::clickAt(Play::pagePosition(_window, QPoint(100, 100)), 2));
+    QVERIFY(_play.clickLinkAt(QPoint(100, 100), 2));
     const auto hasLoaded = [this] {
         const WebView *behind = _window->webViewAt(1);
         return behind && behind->url().host() == QLatin1String("www.behind.localhost") && !behind->isLoading();

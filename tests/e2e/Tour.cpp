@@ -8,7 +8,6 @@
 #include "tests/e2e/support/Tool.h"
 
 #include <QAbstractButton>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QProcess>
@@ -184,8 +183,6 @@ private Q_SLOTS:
     void visitAnotherSite();
     void switchBack();
     void seeAllSites();
-    void letItFollow();
-    void findInHistory();
     void leave() { QVERIFY(quit()); }
 };
 
@@ -259,22 +256,6 @@ void FirstSession::seeAllSites()
     QVERIFY(shoot(QStringLiteral("all-sites")));
 }
 
-// Two ticks in the preferences, and no command is needed any more.
-void FirstSession::letItFollow()
-{
-    QVERIFY(_play.choose({QStringLiteral("Wayfold"), QStringLiteral("Preferences...")}));
-    QVERIFY(shoot(QStringLiteral("preferences")));
-    QVERIFY(_play.visit(news));
-    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("fernhill.localhost"));
-    QVERIFY(shoot(QStringLiteral("following-the-site")));
-}
-
-void FirstSession::findInHistory()
-{
-    QVERIFY(_play.visit(trains));
-    QVERIFY(shoot(QStringLiteral("history-searched")));
-}
-
 // The next day everything is where it was.
 class SecondSession : public TourSession
 {
@@ -286,13 +267,14 @@ public:
 private Q_SLOTS:
     void findAgain();
     void readTheNote();
+    void openTheLink();
     void leave() { QVERIFY(quit()); }
 };
 
 void SecondSession::findAgain()
 {
     QVERIFY(_play.visit(news));
-    EVENTUALLY(Play::isDrawerOpen(_window));
+    QVERIFY(focus());
     EVENTUALLY(Play::scratchRows(_window).contains(story));
     EVENTUALLY(Play::scratchRows(_window).contains(noteTitle));
     QVERIFY(shoot(QStringLiteral("found-again-after-restart")));
@@ -301,7 +283,59 @@ void SecondSession::findAgain()
 void SecondSession::readTheNote()
 {
     QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), noteTitle).value()));
+    const auto isShown = [] {
+        for (const QWidget *window : QApplication::topLevelWidgets()) {
+            const auto *text = window->findChild<QTextEdit *>();
+            if (window->isVisible() && window->isActiveWindow() && text && text->toPlainText() == noteText)
+                return true;
+        }
+        return false;
+    };
+    EVENTUALLY(isShown());
     QVERIFY(shoot(QStringLiteral("note-read-again")));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(_window->isActiveWindow() || Play::drawer(_window)->isActiveWindow());
+}
+
+void SecondSession::openTheLink()
+{
+    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), story).value()));
+    EVENTUALLY(Play::isShown(_window, news + QStringLiteral("observatory")));
+    QVERIFY(shoot(QStringLiteral("link-opened")));
+}
+
+// With the settings of a user who wants the drawer to follow him.
+class FollowingSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void opensByItself();
+    void followsToAnotherSite();
+    void leave() { QVERIFY(quit()); }
+};
+
+void FollowingSession::opensByItself()
+{
+    EVENTUALLY(Play::isDrawerClosed(_window));
+    QVERIFY(_play.visit(kitchen));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Plum cake from the tin")));
+    QVERIFY(shoot(QStringLiteral("known-site-opens-the-drawer")));
+}
+
+void FollowingSession::followsToAnotherSite()
+{
+    QVERIFY(_play.openTab());
+    QVERIFY(_play.visit(trains));
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("marshline.localhost"));
+    QVERIFY(_play.openTab());
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::siteLabel(_window) == QLatin1String("fernhill.localhost"));
+    QVERIFY(shoot(QStringLiteral("following-to-another-site")));
 }
 
 // The same in a dark palette.
@@ -332,6 +366,10 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<FirstSession>(argc, argv);
     if (name == QLatin1String("second"))
         return Play::performAtHome<SecondSession>(argc, argv);
+    Play::storeSettings(
+        {{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1}, {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1}});
+    if (name == QLatin1String("following"))
+        return Play::performAtHome<FollowingSession>(argc, argv);
     const QPalette dark = darkPalette();
     return Play::performAtHome<DarkSession>(argc, argv, &dark);
 }
@@ -385,7 +423,8 @@ int main(int argc, char **argv)
     const QDir directory(QDir(QString::fromUtf8(argv[1])).absolutePath());
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
-    for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("dark")}) {
+    for (const QString &name :
+         {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("following"), QStringLiteral("dark")}) {
         if (!runSession(name, directory))
             return 1;
     }

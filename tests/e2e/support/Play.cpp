@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QMenu>
 #include <QMenuBar>
@@ -177,7 +178,30 @@ bool Play::clickLink(const QString &text)
     if (!Stage::eventually([&] { return middle->size() == 2; }))
         return false;
     const QPointF place(middle->at(0).toDouble(), middle->at(1).toDouble());
-    return Hands::clickAt(pagePosition(front, place.toPoint()));
+    return clickLinkAt(place.toPoint());
+}
+
+// A page that has been loaded is not yet one that has been drawn and minds the pointer.
+bool Play::clickLinkAt(const QPoint &position, int button)
+{
+    const BrowserWindow *front = window();
+    if (!front)
+        return false;
+    const auto isPointedAt = std::make_shared<bool>(false);
+    const QMetaObject::Connection watch = Stage::onMain([&] {
+        return QObject::connect(front->currentWebView(), &WebView::linkPointedAt, front,
+                                [isPointedAt](const QString &url) { *isPointedAt = !url.isEmpty(); });
+    });
+    const QPoint place = Stage::onMain([&] { return front->currentWebView()->mapToGlobal(position); });
+    const QDeadlineTimer deadline(30000);
+    bool isReady = false;
+    for (int turn = 0; !isReady && !deadline.hasExpired(); ++turn) {
+        if (!Hands::moveTo(place + QPoint(turn % 2, 0)))
+            break;
+        isReady = Stage::onMain([&] { return *isPointedAt; });
+    }
+    QObject::disconnect(watch);
+    return isReady && Hands::clickAt(place, button);
 }
 
 bool Play::choose(const QStringList &titles)
@@ -238,11 +262,6 @@ bool Play::isShown(const BrowserWindow *window, const QString &address)
 QString Play::address(const BrowserWindow *window)
 {
     return Stage::onMain([&] { return window->currentWebView()->url().toString(); });
-}
-
-QPoint Play::pagePosition(const BrowserWindow *window, const QPoint &position)
-{
-    return Stage::onMain([&] { return window->currentWebView()->mapToGlobal(position); });
 }
 
 QWidget *Play::drawer(const BrowserWindow *window)

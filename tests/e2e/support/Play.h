@@ -83,6 +83,9 @@ public:
     bool visit(const QString &address);
     // Clicks the link with that text in the page in front.
     bool clickLink(const QString &text);
+    // Clicks the link at that place of the page in front, from its upper left corner, as soon as the page takes notice
+    // of the pointer there.
+    bool clickLinkAt(const QPoint &position, int button = 1);
     // Clicks through the menu bar, as in {"Wayfold", "New Note..."}.
     bool choose(const QStringList &titles);
     // Ctrl+0, the drawer's command, for the window in front.
@@ -94,8 +97,6 @@ public:
     // Whether the window's front tab shows that page, and all of it.
     static bool isShown(const BrowserWindow *window, const QString &address);
     static QString address(const BrowserWindow *window);
-    // A place in the page in front, from its upper left corner, in global coordinates.
-    static QPoint pagePosition(const BrowserWindow *window, const QPoint &position);
 
     // ---- The drawer of a window; all none when it has no drawer
 
