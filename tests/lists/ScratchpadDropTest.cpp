@@ -1,0 +1,532 @@
+#include "lists/ScratchpadDrop.h"
+
+#include "lists/PasteboardTypes.h"
+#include "platform/files/PropertyList.h"
+#include "tests/lists/ListStage.h"
+
+#include <QMimeData>
+
+namespace
+{
+QStringList rowsOf(const Scratchpad &pad)
+{
+    return ListStage::rows(pad.view);
+}
+} // namespace
+
+// What is dropped on the Scratchpad, from the question whether it may be to what the list shows then.
+class ScratchpadDropTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        _stage.emplace();
+        _pad.emplace(*_stage);
+        _a = ListStage::note(QStringLiteral("a"));
+        _b = ListStage::note(QStringLiteral("b"));
+        _c = ListStage::note(QStringLiteral("c"));
+        _inner = ListStage::folder(QStringLiteral("inner"), {ListStage::note(QStringLiteral("deep"))});
+        _folder = ListStage::folder(QStringLiteral("folder"), {_inner, ListStage::note(QStringLiteral("x"))});
+        _pad->showItems({_a, _b, _c, _folder});
+        _pad->view.expandItem(_folder);
+        _stage->removeSavedFile();
+        _data = std::make_unique<QMimeData>();
+    }
+    void cleanup()
+    {
+        _data.reset();
+        _folder.reset();
+        _pad.reset();
+        _stage.reset();
+    }
+
+    // ---- Validating
+    void operationBySource();
+    void unknownDataIsRefused();
+    void proposedFolder();
+    void proposedLeafAtTheTop();
+    void proposedLeafInAFolder();
+    void proposedSmartFolder();
+    void noProposedItem();
+
+    // ---- Moving
+    void moveDownWithinAFolder();
+    void moveUpWithinAFolder();
+    void moveIntoAFolder();
+    void moveOutOfAFolder();
+    void refusedMoves_data();
+    void refusedMoves();
+    void moveSeveral();
+    void moveSeveralIntoOneOfThem();
+    void severalUnknown();
+    void twoPeopleMoveOnlyTheFirst();
+
+    // ---- Making
+    void contacts();
+    void dictionaries();
+    void urlsWithTitles();
+    void url_data();
+    void url();
+    void fileNames();
+    void text_data();
+    void text();
+    void firstOfferedTypeCounts();
+    void nothingOffered();
+    void smartFolderTakesNothing();
+
+    // ---- What other applications bring
+    void foreign_data();
+    void foreign();
+
+    // ---- Afterwards
+    void dropsAreSelectedSavedAndShownElsewhere();
+    void indexOfADropOnAnItem();
+    void dropOnASiteListBecomesPartOfTheTree();
+    void dragFromAnotherListCopies();
+
+private:
+    using Target = OutlineDropTarget;
+
+    void setString(const QString &type, const QString &value) { _data->setData(type, value.toUtf8()); }
+    void setList(const QString &type, const QVariantList &value) { _data->setData(type, PropertyList::toXml(value)); }
+    bool drop(const Target &target) { return _pad->source->outlineViewAcceptDrop(_pad->view, *_data, target); }
+    Qt::DropAction validate(Target &target, bool isLocal = false)
+    {
+        return _pad->source->outlineViewValidateDrop(_pad->view, *_data, isLocal, target);
+    }
+    // After a drop: the first item of the list.
+    KDRBookmarkPtr first() { return ListStage::store().bookmarkRoot()->childAtIndex(0); }
+
+    std::optional<ListStage> _stage;
+    std::optional<Scratchpad> _pad;
+    std::unique_ptr<QMimeData> _data;
+    WayfoldBookmarkNotePtr _a;
+    WayfoldBookmarkNotePtr _b;
+    WayfoldBookmarkNotePtr _c;
+    WayfoldBookmarkFolderPtr _inner;
+    WayfoldBookmarkFolderPtr _folder;
+};
+
+// --- Validating -----------------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::operationBySource()
+{
+    setString(PasteboardTypes::KDRBookmark, _a->uuid());
+    Target target;
+    QCOMPARE(validate(target, true), Qt::MoveAction);
+    target = {};
+    QCOMPARE(validate(target, false), Qt::CopyAction);
+}
+
+void ScratchpadDropTest::unknownDataIsRefused()
+{
+    _data->setData(QStringLiteral("image/png"), "x");
+    Target target;
+    QCOMPARE(validate(target), Qt::IgnoreAction);
+}
+
+void ScratchpadDropTest::proposedFolder()
+{
+    _data->setText(QStringLiteral("words"));
+    Target target = {_folder, 1};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(target.item == _folder);
+    QCOMPARE(target.childIndex, 1);
+}
+
+void ScratchpadDropTest::proposedLeafAtTheTop()
+{
+    _data->setText(QStringLiteral("words"));
+    Target target = {_b, -1};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(!target.item);
+    QCOMPARE(target.childIndex, -1);
+    // Which means the end of the list.
+    QVERIFY(drop(target));
+    QCOMPARE(rowsOf(*_pad).last(), QStringLiteral("words"));
+}
+
+void ScratchpadDropTest::proposedLeafInAFolder()
+{
+    _data->setText(QStringLiteral("words"));
+    Target target = {_folder->childAtIndex(1), -1};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(target.item == _folder);
+    QCOMPARE(target.childIndex, 1); // just before the leaf
+}
+
+void ScratchpadDropTest::proposedSmartFolder()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    const auto found = ListStage::link(QStringLiteral("Found"));
+    smart->addChild(found);
+    _pad->showItems({smart});
+    _data->setText(QStringLiteral("words"));
+    Target onFolder = {smart, -1};
+    QCOMPARE(validate(onFolder), Qt::IgnoreAction);
+    Target onLeaf = {found, -1};
+    QCOMPARE(validate(onLeaf), Qt::IgnoreAction);
+}
+
+void ScratchpadDropTest::noProposedItem()
+{
+    _data->setText(QStringLiteral("words"));
+    Target on = {nullptr, -1};
+    QCOMPARE(validate(on), Qt::CopyAction);
+    QVERIFY(!on.item);
+    QCOMPARE(on.childIndex, 4);
+    Target between = {nullptr, 2};
+    QCOMPARE(validate(between), Qt::CopyAction);
+    QCOMPARE(between.childIndex, 2);
+    _pad->showItems({});
+    Target empty = {nullptr, -1};
+    QCOMPARE(validate(empty), Qt::CopyAction);
+    QCOMPARE(empty.childIndex, -1);
+}
+
+// --- Moving ---------------------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::moveDownWithinAFolder()
+{
+    setString(PasteboardTypes::KDRBookmark, _a->uuid());
+    QVERIFY(drop({nullptr, 2})); // between b and c
+    QCOMPARE(ListStage::titles(ListStage::store().bookmarkRoot()).mid(0, 3),
+             QStringList({QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")}));
+    QVERIFY(_pad->view.selectedItem() == _a);
+}
+
+void ScratchpadDropTest::moveUpWithinAFolder()
+{
+    setString(PasteboardTypes::KDRBookmark, _c->uuid());
+    QVERIFY(drop({nullptr, 1}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({QStringLiteral("a"), QStringLiteral("c"), QStringLiteral("b")}));
+}
+
+void ScratchpadDropTest::moveIntoAFolder()
+{
+    setString(PasteboardTypes::KDRBookmark, _a->uuid());
+    QVERIFY(drop({_folder, 1}));
+    QVERIFY(_a->parent() == _folder);
+    QCOMPARE(rowsOf(*_pad), QStringList({QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("folder"),
+                                         QStringLiteral("-inner"), QStringLiteral("-a"), QStringLiteral("-x")}));
+}
+
+void ScratchpadDropTest::moveOutOfAFolder()
+{
+    setString(PasteboardTypes::KDRBookmark, _inner->uuid());
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad), QStringList({QStringLiteral("inner"), QStringLiteral("a"), QStringLiteral("b"),
+                                         QStringLiteral("c"), QStringLiteral("folder"), QStringLiteral("-x")}));
+}
+
+void ScratchpadDropTest::refusedMoves_data()
+{
+    QTest::addColumn<QString>("moved");
+    QTest::newRow("into itself") << QStringLiteral("folder");
+    QTest::newRow("nobody") << QString();
+    QTest::newRow("unknown") << QStringLiteral("unknown");
+    QTest::newRow("the whole tree") << QStringLiteral("root");
+}
+
+void ScratchpadDropTest::refusedMoves()
+{
+    QFETCH(QString, moved);
+    QString uuid = moved;
+    if (moved == u"folder")
+        uuid = _folder->uuid();
+    else if (moved == u"root")
+        uuid = ListStage::store().bookmarkRoot()->uuid();
+    setString(PasteboardTypes::KDRBookmark, uuid);
+    const QStringList before = rowsOf(*_pad);
+    QVERIFY(!drop({_folder, 0}));
+    QVERIFY(!drop({_inner, 0})); // deeper down
+    QCOMPARE(rowsOf(*_pad), before);
+    QVERIFY(_stage->savedFile().isEmpty());
+}
+
+void ScratchpadDropTest::moveSeveral()
+{
+    setList(PasteboardTypes::KDRBookmarkList, {_a->uuid(), QStringLiteral("unknown"), _c->uuid()});
+    QVERIFY(drop({nullptr, 3})); // before the folder
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")}));
+    QCOMPARE(_pad->view.selectedItemCount(), 2);
+    QVERIFY(drop({_folder, 2})); // to its end
+    QCOMPARE(ListStage::titles(_folder),
+             QStringList({QStringLiteral("inner"), QStringLiteral("x"), QStringLiteral("a"), QStringLiteral("c")}));
+}
+
+// The folder stays where it is, but the place moves up for it all the same.
+void ScratchpadDropTest::moveSeveralIntoOneOfThem()
+{
+    setList(PasteboardTypes::KDRBookmarkList, {_folder->uuid(), _a->uuid()});
+    QVERIFY(drop({_folder, 1}));
+    QCOMPARE(ListStage::titles(_folder),
+             QStringList({QStringLiteral("inner"), QStringLiteral("a"), QStringLiteral("x")}));
+    _data->clear();
+    setList(PasteboardTypes::KDRBookmarkList, {_inner->uuid(), _b->uuid()});
+    QVERIFY(drop({_inner, 0}));
+    QCOMPARE(ListStage::titles(_inner), QStringList({QStringLiteral("b"), QStringLiteral("deep")}));
+}
+
+void ScratchpadDropTest::severalUnknown()
+{
+    setList(PasteboardTypes::KDRBookmarkList, {QStringLiteral("unknown")});
+    QVERIFY(drop({nullptr, 0}));
+    QVERIFY(_stage->savedFile().isEmpty());
+    setList(PasteboardTypes::KDRBookmarkList, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::twoPeopleMoveOnlyTheFirst()
+{
+    const auto ann = ListStage::person(QStringLiteral("Ann"));
+    const auto bob = ListStage::person(QStringLiteral("Bob"));
+    _pad->showItems({ann, bob, _c});
+    const std::unique_ptr<QMimeData> dragged(_pad->source->outlineViewWriteItems(_pad->view, {ann, bob}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *dragged, {nullptr, 3}));
+    QCOMPARE(rowsOf(*_pad), QStringList({QStringLiteral("Bob"), QStringLiteral("c"), QStringLiteral("Ann")}));
+}
+
+// --- Making ---------------------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::contacts()
+{
+    for (const QString &type : {PasteboardTypes::ABPeopleUIDs, PasteboardTypes::ABGroupsUIDs}) {
+        _data->clear();
+        setList(type, {QStringLiteral("unknown contact")});
+        QVERIFY(drop({nullptr, 0}));
+        QVERIFY(first() == _a);
+        QVERIFY(_stage->savedFile().isEmpty());
+        setList(type, {});
+        QVERIFY(!drop({nullptr, 0}));
+    }
+}
+
+void ScratchpadDropTest::dictionaries()
+{
+    const auto link = ListStage::link(QStringLiteral("Link"));
+    const auto tree = ListStage::folder(QStringLiteral("Tree"), {ListStage::note(QStringLiteral("Leaf"))});
+    setList(PasteboardTypes::BookmarkDictionaryList, {link->createDictionary(false), tree->createDictionary(false)});
+    QVERIFY(drop({nullptr, 1}));
+    const auto root = ListStage::store().bookmarkRoot();
+    QCOMPARE(ListStage::titles(root).mid(0, 4),
+             QStringList({QStringLiteral("a"), QStringLiteral("Link"), QStringLiteral("Tree"), QStringLiteral("b")}));
+    QVERIFY(root->childAtIndex(1) != link); // a copy
+    QCOMPARE(root->childAtIndex(1)->type(), KDRBookmark::WebLinkType);
+    QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(root->childAtIndex(2))),
+             QStringList{QStringLiteral("Leaf")});
+    setList(PasteboardTypes::BookmarkDictionaryList, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::urlsWithTitles()
+{
+    const QVariantList addresses = {QStringLiteral("http://a/one"), QStringLiteral(""), QStringLiteral("mailto:ann"),
+                                    QStringLiteral("http://a/two%20b"), QStringLiteral("http://a")};
+    const QVariantList titles = {QStringLiteral("One"), QStringLiteral("Nothing"), QStringLiteral("")};
+    setList(PasteboardTypes::WebURLsWithTitles, {QVariant(addresses), QVariant(titles)});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(ListStage::titles(ListStage::store().bookmarkRoot()).mid(0, 5),
+             QStringList({QStringLiteral("One"), QStringLiteral("mailto:ann"), QStringLiteral("/two b"),
+                          QStringLiteral("http://a"), QStringLiteral("a")}));
+    QCOMPARE(ListStage::store().bookmarkRoot()->childAtIndex(1)->type(), KDRBookmark::EmailLinkType);
+    setList(PasteboardTypes::WebURLsWithTitles, {QVariant(QVariantList{QStringLiteral("")}), QVariant(titles)});
+    QVERIFY(!drop({nullptr, 0}));
+    setList(PasteboardTypes::WebURLsWithTitles, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::url_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("title"); // none: refused
+    QTest::newRow("page") << QStringLiteral("http://a.org/b%20c?d") << QStringLiteral("/b c");
+    QTest::newRow("mail") << QStringLiteral("mailto:ann") << QStringLiteral("mailto:ann");
+    QTest::newRow("no path") << QStringLiteral("http://a.org") << QStringLiteral("http://a.org");
+    QTest::newRow("empty") << QStringLiteral("") << QString();
+}
+
+void ScratchpadDropTest::url()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, title);
+    setString(PasteboardTypes::NSURLPboardType, address);
+    QCOMPARE(drop({nullptr, 0}), !title.isNull());
+    if (title.isNull())
+        return;
+    QCOMPARE(first()->title(), title);
+    QCOMPARE(first()->valueAsString(), address);
+}
+
+void ScratchpadDropTest::fileNames()
+{
+    setList(PasteboardTypes::NSFilenamesPboardType,
+            {QStringLiteral("/tmp/a b.txt"), QStringLiteral(""), QStringLiteral("~/notes/")});
+    QVERIFY(drop({nullptr, 0}));
+    const auto root = ListStage::store().bookmarkRoot();
+    QCOMPARE(ListStage::titles(root).mid(0, 3),
+             QStringList({QStringLiteral("a b.txt"), QStringLiteral("notes"), QStringLiteral("a")}));
+    QCOMPARE(root->childAtIndex(0)->type(), KDRBookmark::FileLinkType);
+    QCOMPARE(root->childAtIndex(0)->valueAsString(), QStringLiteral("file:///tmp/a%20b.txt"));
+    QVERIFY(root->childAtIndex(1)->valueAsString().startsWith(QStringLiteral("file://") + _stage->home.path()));
+
+    _stage->removeSavedFile();
+    setList(PasteboardTypes::NSFilenamesPboardType, {QStringLiteral("")});
+    QVERIFY(drop({nullptr, 0})); // all skipped, yet accepted
+    QVERIFY(_stage->savedFile().isEmpty());
+    setList(PasteboardTypes::NSFilenamesPboardType, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::text_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("title");
+    const QString letters(40, u'x');
+    QTest::newRow("short") << QStringLiteral("words") << QStringLiteral("words");
+    QTest::newRow("29") << letters.left(29) << letters.left(29);
+    QTest::newRow("30") << letters.left(30) << letters.left(30) + QStringLiteral("...");
+    QTest::newRow("40") << letters << letters.left(30) + QStringLiteral("...");
+}
+
+void ScratchpadDropTest::text()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, title);
+    setString(PasteboardTypes::NSStringPboardType, text);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::NoteType);
+    QCOMPARE(first()->title(), title);
+    QCOMPARE(first()->valueAsString(), text);
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral(""));
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::firstOfferedTypeCounts()
+{
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("words"));
+    setString(PasteboardTypes::NSURLPboardType, QStringLiteral("http://a/b"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->title(), QStringLiteral("/b"));
+    // An item of another Scratchpad is unknown here, and nothing else is made of it.
+    setString(PasteboardTypes::KDRBookmark, QStringLiteral("unknown"));
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::nothingOffered()
+{
+    _data->setData(QStringLiteral("image/png"), "x");
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::smartFolderTakesNothing()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    _pad->showItems({smart});
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("words"));
+    QVERIFY(!drop({smart, 0}));
+    QCOMPARE(smart->childCount(), 0U);
+}
+
+// --- Other applications ---------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::foreign_data()
+{
+    QTest::addColumn<QString>("addresses"); // lines
+    QTest::addColumn<QString>("mozilla");   // lines of address and title
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("made"); // kind and title
+    const QString none;
+    QTest::newRow("a link with its title") << QStringLiteral("http://a/b") << QStringLiteral("http://a/b\nA page")
+                                           << QStringLiteral("http://a/b") << QStringList{QStringLiteral("2 A page")};
+    QTest::newRow("a link") << QStringLiteral("http://a/b") << none << QStringLiteral("http://a/b")
+                            << QStringList{QStringLiteral("2 /b")};
+    QTest::newRow("links") << QStringLiteral("# two of them\r\nhttp://a/b\r\nhttp://a/c\r\n") << none << none
+                           << QStringList{QStringLiteral("2 /b"), QStringLiteral("2 /c")};
+    QTest::newRow("files") << QStringLiteral("file:///tmp/a%20b\r\nfile:///tmp/c\r\n") << none << none
+                           << QStringList{QStringLiteral("3 a b"), QStringLiteral("3 c")};
+    QTest::newRow("a mail") << QStringLiteral("mailto:ann") << none << none
+                            << QStringList{QStringLiteral("5 mailto:ann")};
+    QTest::newRow("an address with letters that may not stand in one")
+        << QString::fromUtf8("http://a/f\xc3\xbcnf") << none << none
+        << QStringList{QString::fromUtf8("2 /f\xc3\xbcnf")};
+    QTest::newRow("text") << none << none << QStringLiteral("words") << QStringList{QStringLiteral("4 words")};
+}
+
+void ScratchpadDropTest::foreign()
+{
+    QFETCH(QString, addresses);
+    QFETCH(QString, mozilla);
+    QFETCH(QString, text);
+    QFETCH(QStringList, made);
+    if (!addresses.isNull())
+        _data->setData(QStringLiteral("text/uri-list"), addresses.toUtf8());
+    if (!mozilla.isNull())
+        _data->setData(QStringLiteral("text/x-moz-url"),
+                       QByteArray(reinterpret_cast<const char *>(mozilla.utf16()), mozilla.size() * 2));
+    if (!text.isNull())
+        _data->setText(text);
+    Target target = {nullptr, 0};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(drop(target));
+    QStringList found;
+    for (const KDRBookmarkPtr &item : ListStage::store().bookmarkRoot()->children()) {
+        if (item == _a)
+            break;
+        found.append(QStringLiteral("%1 %2").arg(int(item->type())).arg(item->title()));
+    }
+    QCOMPARE(found, made);
+}
+
+// --- Afterwards -----------------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::dropsAreSelectedSavedAndShownElsewhere()
+{
+    Scratchpad other(*_stage);
+    other.drawer.reloadCount = 0;
+    _pad->drawer.reloadCount = 0;
+    _pad->select({_a});
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("Dropped words"));
+    QVERIFY(drop({_folder, 0}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Dropped words")});
+    QVERIFY(_stage->savedFile().contains("Dropped words"));
+    QVERIFY(other.drawer.reloadCount > 0);
+    QCOMPARE(_pad->drawer.reloadCount, 0);
+}
+
+void ScratchpadDropTest::indexOfADropOnAnItem()
+{
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("top"));
+    QVERIFY(drop({_folder, -1}));
+    QCOMPARE(_folder->childAtIndex(0)->title(), QStringLiteral("top"));
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("end"));
+    QVERIFY(drop({nullptr, -1}));
+    QCOMPARE(ListStage::store().bookmarkRoot()->lastChild()->title(), QStringLiteral("end"));
+}
+
+void ScratchpadDropTest::dropOnASiteListBecomesPartOfTheTree()
+{
+    _pad->show(QStringLiteral("new.org"));
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("Dropped words"));
+    QVERIFY(drop({nullptr, 0}));
+    QVERIFY(ListStage::store().bookmarkRoot()->childWithTitle(QStringLiteral("new.org")));
+    QVERIFY(_stage->savedFile().contains("Dropped words"));
+}
+
+void ScratchpadDropTest::dragFromAnotherListCopies()
+{
+    WayfoldOutlineView bookmarks; // takes no drops, so its drags carry none of the private types
+    const auto link = ListStage::link(QStringLiteral("Of the browser"));
+    WayfoldOutlineViewDataSource source;
+    const std::unique_ptr<QMimeData> dragged(source.outlineViewWriteItems(bookmarks, {link}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *dragged, {nullptr, 0}));
+    QCOMPARE(first()->title(), QStringLiteral("Of the browser"));
+    QVERIFY(first() != link);
+    QVERIFY(first()->uuid() != link->uuid());
+}
+
+QTEST_MAIN(ScratchpadDropTest)
+#include "ScratchpadDropTest.moc"
