@@ -8,7 +8,8 @@ constexpr quint16 notVisited = 0xffff;
 constexpr quint16 beingVisited = 0xfffe;
 constexpr qsizetype headerSize = 8;
 constexpr qsizetype trailerSize = 32;
-// Texts that occur often are written once and referred to, which a file may do a good deal without bad intentions.
+// What occurs often is written once and referred to, which a file may do a good deal without bad intentions.
+constexpr quint64 maximumSharedValues = 100000;
 constexpr quint64 maximumSharedBytes = quint64(256) << 20;
 } // namespace
 
@@ -197,7 +198,7 @@ bool BinaryPropertyListCheck::add(const Visit &visit, quint64 child)
     const quint64 values = quint64(known.values) + _known[child].values;
     const quint64 bytes = quint64(known.bytes) + _known[child].bytes;
     // Each value of a tree without shared parts takes at least one byte of the file.
-    if (values > quint64(_data.size()) || bytes > _data.size() + maximumSharedBytes)
+    if (values > _data.size() + maximumSharedValues || bytes > _data.size() + maximumSharedBytes)
         return refuse("more than the file could hold, by objects that are referred to over and over");
     known.values = static_cast<quint32>(values);
     known.bytes = static_cast<quint32>(bytes);

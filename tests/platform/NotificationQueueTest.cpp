@@ -146,6 +146,12 @@ void NotificationQueueTest::asapComesAfterWaitingEvents()
     first.post();
     second.post();
     QTRY_COMPARE(_told, QStringList({"first", "second", "ASAP"}));
+
+    // Even after those that were posted later, but before the pass began.
+    _told.clear();
+    enqueue("ASAP", asap);
+    second.post();
+    QTRY_COMPARE(_told, QStringList({"second", "ASAP"}));
 }
 
 void NotificationQueueTest::idleComesAfterASAP()

@@ -752,8 +752,8 @@ void PropertyListTest::binaryObjectsMayBeShared()
     const quint32 key = list.addText("title");
     const quint32 value = list.addText("Untitled");
     const quint32 item = list.addDictionary({key}, {value});
-    const quint32 top = list.addArray(QList<quint32>(100, item));
-    const QVariantList expected(100, QVariantMap{{"title", "Untitled"}});
+    const quint32 top = list.addArray(QList<quint32>(5000, item));
+    const QVariantList expected(5000, QVariantMap{{"title", "Untitled"}});
     compare(PropertyList::fromData(list.finished(top)), expected);
 }
 
@@ -826,6 +826,11 @@ void PropertyListTest::binaryIsRefused_data()
     for (int i = 0; i < 60; i++)
         last = doubling.addArray({last, last});
     row("doubling arrays", doubling.finished(last), "over and over");
+    BinaryList doublingLess; // what would still fit into memory
+    last = doublingLess.addText("ha");
+    for (int i = 0; i < 18; i++)
+        last = doublingLess.addArray({last, last});
+    row("doubling arrays less often", doublingLess.finished(last), "over and over");
     BinaryList doublingNothing;
     last = doublingNothing.addArray({});
     for (int i = 0; i < 60; i++)
