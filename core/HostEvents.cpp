@@ -8,8 +8,9 @@ namespace
 {
 void post(const QString &name, const std::shared_ptr<HostWindow> &window)
 {
-    const std::shared_ptr<HostWindow> heldWhilePosting = window;
-    NotificationCenter::defaultCenter().postNotificationName(name, heldWhilePosting.get());
+    // Held until everyone has been told, whoever lets go of it meanwhile.
+    if (window)
+        NotificationCenter::defaultCenter().postNotificationName(name, window->shared_from_this().get());
 }
 } // namespace
 

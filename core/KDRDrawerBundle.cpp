@@ -179,31 +179,28 @@ void KDRDrawerBundle::releaseProvisionalBookmark(const KDRBookmark *item)
                                     [item](const KDRBookmarkPtr &child) { return child.get() == item; });
     if (found == children.cend() || found->use_count() != 1 || !isProvisionalBookmark(found->get()))
         return;
-    const KDRBookmarkPtr keptWhileRemoved = *found;
-    _provisionalBookmarkRoot->removeChild(keptWhileRemoved);
+    _provisionalBookmarkRoot->removeChild(*found);
 }
 
 void KDRDrawerBundle::adoptProvisionalBookmark(const ItemPtr &item)
 {
     if (!isProvisionalBookmark(item.get()))
         return;
-    const ItemPtr adopted = item;
-    _bookmarkRoot->addChild(adopted);
-    _provisionalBookmarkRoot->removeChild(adopted);
+    _bookmarkRoot->addChild(item);
+    _provisionalBookmarkRoot->removeChild(item);
 }
 
 void KDRDrawerBundle::deleteBookmark(const ItemPtr &item)
 {
     if (!item)
         return;
-    const ItemPtr deleted = item; // the caller's may be the folder's own
-    const FolderPtr parent = deleted->parent();
+    const FolderPtr parent = item->parent();
     // The drawer goes on showing a deleted site folder, now as a provisional one. It then has a new parent already, and
     // is taken away from the one that it had before.
-    if (deleted->type() == KDRBookmark::FolderType && parent == _bookmarkRoot)
-        _provisionalBookmarkRoot->addChild(deleted);
+    if (item->type() == KDRBookmark::FolderType && parent == _bookmarkRoot)
+        _provisionalBookmarkRoot->addChild(item);
     if (parent)
-        parent->removeChild(deleted);
+        parent->removeChild(item); // may be the last to hold it: not to be used below
     saveBookmarkFile();
     updateAllDrawerContentsExceptFor(nullptr);
 }

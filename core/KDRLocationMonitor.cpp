@@ -6,7 +6,8 @@ KDRLocationMonitor::KDRLocationMonitor(std::unique_ptr<HostLocationChangeHandler
 
 void KDRLocationMonitor::webViewDidFinishLoadForFrame(HostWebView &view, const std::shared_ptr<HostFrame> &frame)
 {
-    const std::shared_ptr<HostFrame> held = frame; // the host's own handling may let go of it
+    // The host's own handling may let go of it. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const std::shared_ptr<HostFrame> held = frame;
     _base->webViewDidFinishLoadForFrame(view, held);
     KDRDrawerBundle::sharedInstance().updateDrawerForFrame(held);
 }

@@ -8,6 +8,7 @@
 #include "platform/widgets/MenuItem.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <limits>
 
 const QString WayfoldDefaults::domainName = QStringLiteral("org.wayfold.Wayfold");
@@ -36,28 +37,28 @@ const QVariant on = qlonglong(1);
 struct Shortcut
 {
     unsigned item;
-    QString key;
     unsigned modifierMask;
+    QString key;
 };
 
 constexpr unsigned Command = MenuItem::NSCommandKeyMask;
 constexpr unsigned CommandShift = MenuItem::NSCommandKeyMask | MenuItem::NSShiftKeyMask;
 
 const Shortcut defaultShortcuts[] = {
-    {0, QStringLiteral("0"), Command},
-    {10, QStringLiteral("*"), CommandShift},
-    {11, QStringLiteral("-"), CommandShift},
-    {12, QStringLiteral("+"), CommandShift},
-    {1, QStringLiteral(""), 0},
-    {2, QStringLiteral(""), 0},
-    {3, QStringLiteral(""), 0},
-    {4, QStringLiteral("O"), CommandShift},
-    {5, QStringLiteral("E"), CommandShift},
-    {6, QStringLiteral(""), 0},
-    {13, QStringLiteral(""), 0},
-    {7, QStringLiteral("J"), CommandShift},
-    {8, QStringLiteral("K"), CommandShift},
-    {9, QStringLiteral("L"), CommandShift},
+    {0, Command, QStringLiteral("0")},
+    {10, CommandShift, QStringLiteral("*")},
+    {11, CommandShift, QStringLiteral("-")},
+    {12, CommandShift, QStringLiteral("+")},
+    {1, 0, QStringLiteral("")},
+    {2, 0, QStringLiteral("")},
+    {3, 0, QStringLiteral("")},
+    {4, CommandShift, QStringLiteral("O")},
+    {5, CommandShift, QStringLiteral("E")},
+    {6, 0, QStringLiteral("")},
+    {13, 0, QStringLiteral("")},
+    {7, CommandShift, QStringLiteral("J")},
+    {8, CommandShift, QStringLiteral("K")},
+    {9, CommandShift, QStringLiteral("L")},
 };
 
 QString keyEntry(unsigned item)

@@ -14,6 +14,7 @@ private Q_SLOTS:
 
     void hostGoesFirst();
     void passesTheSameArguments();
+    void hostMayLetGoOfTheFrame();
     void everyFrameIsPassedOn();
     void everyLaterInstanceIsReplaced();
     void loadedPageReachesTheDrawer();
@@ -36,6 +37,20 @@ public:
 private:
     QList<const void *> &_record;
 };
+
+// A host's handling that lets go of the frame that it was given.
+class LettingGoHandler : public HostLocationChangeHandler
+{
+public:
+    explicit LettingGoHandler(std::shared_ptr<HostFrame> &frame) : _frame(frame) {}
+    void webViewDidFinishLoadForFrame(HostWebView & /*view*/, const std::shared_ptr<HostFrame> & /*frame*/) override
+    {
+        _frame.reset();
+    }
+
+private:
+    std::shared_ptr<HostFrame> &_frame;
+};
 } // namespace
 
 void KDRLocationMonitorTest::hostGoesFirst()
@@ -56,6 +71,17 @@ void KDRLocationMonitorTest::passesTheSameArguments()
     const HostWebView *hostView = view.get();
     const HostFrame *hostFrame = view->frame.get();
     QCOMPARE(record, (QList<const void *>{hostView, hostFrame}));
+}
+
+void KDRLocationMonitorTest::hostMayLetGoOfTheFrame()
+{
+    const auto window = _fresh->openWindow();
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    std::shared_ptr<HostFrame> frame = view->frame;
+    KDRLocationMonitor monitor(std::make_unique<LettingGoHandler>(frame));
+    monitor.webViewDidFinishLoadForFrame(*view, frame);
+    QVERIFY(!frame);
+    QCOMPARE(_fresh->controller().currentWebFrame(), view->frame);
 }
 
 void KDRLocationMonitorTest::everyFrameIsPassedOn()
