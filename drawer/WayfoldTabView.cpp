@@ -72,20 +72,19 @@ void WayfoldTabView::tellSelection(int index)
 QWidget *WayfoldTabView::initialFirstResponderOfTab(int index) const
 {
     const QWidget *page = widget(index);
-    return page ? page->findChild<QWidget *>(page->property(responderProperty).toString()) : nullptr;
+    const QString name = page ? page->property(responderProperty).toString() : QString();
+    return name.isEmpty() ? nullptr : page->findChild<QWidget *>(name);
 }
 
-// A refused drag still tells where it moves.
+// Only what is entered is told of moves.
 void WayfoldTabView::dragEnterEvent(QDragEnterEvent *event)
 {
-    event->ignore();
+    event->setAccepted(DroppedData(*event->mimeData()).offersAnyOf(acceptableDragTypes()));
 }
 
 void WayfoldTabView::dragMoveEvent(QDragMoveEvent *event)
 {
-    event->ignore();
-    if (!DroppedData(*event->mimeData()).offersAnyOf(acceptableDragTypes()))
-        return;
+    event->ignore(); // nothing is ever dropped here
     const int index = tabBar()->tabAt(tabBar()->mapFrom(this, event->position().toPoint()));
     if (index >= 0)
         setCurrentIndex(index);

@@ -1,0 +1,484 @@
+#include "drawer/KDRDrawerController.h"
+
+#include "core/Notifications.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
+#include "tests/drawer/DrawerStage.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTextEdit>
+
+namespace
+{
+const QRectF screen(0, 0, 1400, 1000);
+} // namespace
+
+class KDRDrawerControllerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { _stage.emplace(); }
+    void cleanup() { _stage.reset(); }
+
+    void tabs();
+    void contentWidth_data();
+    void contentWidth();
+    void firstTab_data();
+    void firstTab();
+    void makingItTracksTheWindow();
+
+    void roomOnTheScreen_data();
+    void roomOnTheScreen();
+    void narrowedWindowIsPutBack();
+    void movedWindowStaysWhereItIs();
+    void resizeForgetsTheLastOne();
+
+    void locationOpens();
+    void locationCloses();
+    void otherDrawersRequestsAreIgnored();
+    void frameIsHeldWeakly();
+
+    void closingStoresTheWidth();
+    void closingDeselectsAndClearsTheFlag();
+
+    void closingTheWindow();
+    void closingTheWindowOfAClosedDrawer();
+    void closingTheWindowDuringAnAlert();
+    void closingTheWindowDuringADialogKeepsWhatWasTyped();
+    void windowVanishes();
+
+    void scratchLabels();
+    void globalRoot();
+    void menuItemsAskTheCurrentList();
+    void commandsShowTheScratchpad();
+    void keyboardGoesToTheList();
+    void closeCommandOfTheDrawer();
+
+private:
+    KDRDrawerController *controller() { return DrawerStage::controller(*_window); }
+    KDRDrawer *drawer() { return DrawerStage::drawer(*_window); }
+    WayfoldScratchOutlineView &list() { return *controller()->scratchOutlineView(); }
+    void openWindow(const QRectF &frame = QRectF(100, 100, 800, 600), bool widget = false)
+    {
+        _window = _stage->openWindow(frame, widget);
+        _window->screenFrame = screen;
+    }
+    void post(const QString &name)
+    {
+        NotificationCenter::defaultCenter().postNotificationName(name, static_cast<const Drawer *>(drawer()));
+    }
+
+    std::optional<DrawerStage> _stage;
+    std::shared_ptr<FakeHostWindow> _window;
+};
+
+// --- Creation -------------------------------------------------------------------------------------------------------
+
+void KDRDrawerControllerTest::tabs()
+{
+    openWindow();
+    const WayfoldTabView *tabs = controller()->tabView();
+    QCOMPARE(tabs->count(), 3);
+    const QStringList labels = {QStringLiteral("Scratchpad"), QStringLiteral("Bookmarks"), QStringLiteral("History")};
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(tabs->identifierOfTab(i), QString::number(i));
+        QCOMPARE(tabs->labelOfTab(i), labels[i]);
+        QCOMPARE(tabs->tabText(i), labels[i]);
+    }
+    QVERIFY(controller()->isScratchPadTabViewCurrent());
+    controller()->showBookmarkTabView();
+    QVERIFY(controller()->isBookmarkTabViewCurrent());
+    QVERIFY(!controller()->isScratchPadTabViewCurrent());
+    controller()->showHistoryTabView();
+    QVERIFY(controller()->isHistoryTabViewCurrent());
+    QCOMPARE(controller()->currentTabViewLabel(), QStringLiteral("History"));
+    controller()->showScratchPadTabView();
+    QVERIFY(controller()->isScratchPadTabViewCurrent());
+    QVERIFY(!controller()->isHistoryTabViewCurrent());
+}
+
+void KDRDrawerControllerTest::contentWidth_data()
+{
+    QTest::addColumn<float>("stored");
+    QTest::addColumn<double>("width");
+    QTest::newRow("none") << 0.0F << 280.0;
+    QTest::newRow("negative") << -5.0F << 280.0;
+    QTest::newRow("a fresh user's") << 250.0F << 280.0;
+    QTest::newRow("too narrow") << 100.0F << 280.0;
+    QTest::newRow("wider") << 400.0F << 400.0;
+}
+
+void KDRDrawerControllerTest::contentWidth()
+{
+    QFETCH(float, stored);
+    QFETCH(double, width);
+    DrawerStage::settings().setDefaultDrawerContentWidth(stored);
+    openWindow();
+    QCOMPARE(drawer()->minContentSize().width(), 280.0);
+    QCOMPARE(drawer()->contentSize().width(), width);
+    QCOMPARE(drawer()->preferredEdge(), Drawer::NSMaxXEdge);
+    QCOMPARE(drawer()->state(), Drawer::Closed);
+}
+
+void KDRDrawerControllerTest::firstTab_data()
+{
+    QTest::addColumn<QString>("identifier");
+    QTest::addColumn<QString>("label");
+    QTest::newRow("0") << QStringLiteral("0") << QStringLiteral("Scratchpad");
+    QTest::newRow("1") << QStringLiteral("1") << QStringLiteral("Bookmarks");
+    QTest::newRow("2") << QStringLiteral("2") << QStringLiteral("History");
+    QTest::newRow("unknown") << QStringLiteral("7") << QStringLiteral("Scratchpad");
+}
+
+void KDRDrawerControllerTest::firstTab()
+{
+    QFETCH(QString, identifier);
+    QFETCH(QString, label);
+    DrawerStage::settings().setDefaultFirstTabIdentifier(identifier);
+    openWindow();
+    QCOMPARE(controller()->currentTabViewLabel(), label);
+}
+
+void KDRDrawerControllerTest::makingItTracksTheWindow()
+{
+    openWindow();
+    QVERIFY(DrawerStage::store().isWindowTracked(_window.get()));
+    QCOMPARE(drawer()->parentWindow(), _window);
+    QCOMPARE(drawer()->className(), QStringLiteral("KDRDrawer"));
+    QVERIFY(!controller()->drawerOpenedManually());
+    QVERIFY(!controller()->currentWebFrame());
+    QCOMPARE(controller()->currentScratchDrawerLabel(), QStringLiteral("Sites"));
+}
+
+// --- Room on the screen ---------------------------------------------------------------------------------------------
+
+void KDRDrawerControllerTest::roomOnTheScreen_data()
+{
+    QTest::addColumn<QRectF>("frame");
+    QTest::addColumn<int>("edge");
+    QTest::addColumn<QRectF>("narrowed"); // null: the window stays as it is
+    // The drawer takes 300, the screen is 1400 wide.
+    const auto right = int(Drawer::NSMaxXEdge);
+    const auto left = int(Drawer::NSMinXEdge);
+    QTest::newRow("room on both sides") << QRectF(400, 50, 600, 500) << right << QRectF();
+    QTest::newRow("ends exactly at the right edge") << QRectF(300, 50, 800, 500) << right << QRectF();
+    QTest::newRow("only on the right") << QRectF(299, 50, 600, 500) << right << QRectF();
+    QTest::newRow("only on the left") << QRectF(300, 50, 801, 500) << left << QRectF();
+    QTest::newRow("50 over on the right, 30 on the left")
+        << QRectF(270, 50, 880, 500) << left << QRectF(300, 50, 850, 500);
+    QTest::newRow("30 over on the right, 50 on the left")
+        << QRectF(250, 50, 880, 500) << right << QRectF(250, 50, 850, 500);
+    QTest::newRow("the same on both sides") << QRectF(260, 50, 880, 500) << left << QRectF(300, 50, 840, 500);
+}
+
+void KDRDrawerControllerTest::roomOnTheScreen()
+{
+    QFETCH(QRectF, frame);
+    QFETCH(int, edge);
+    QFETCH(QRectF, narrowed);
+    openWindow(frame);
+    drawer()->open();
+    QCOMPARE(int(drawer()->edge()), edge);
+    QCOMPARE(int(drawer()->preferredEdge()), edge);
+    QCOMPARE(_window->frame(), narrowed.isNull() ? frame : narrowed);
+    QCOMPARE(_window->frameRequests.size(), narrowed.isNull() ? 0U : 1U);
+    if (!narrowed.isNull())
+        QVERIFY(_window->frameRequests.front().animate);
+}
+
+void KDRDrawerControllerTest::narrowedWindowIsPutBack()
+{
+    const QRectF frame(260, 50, 880, 500);
+    openWindow(frame);
+    drawer()->open();
+    QVERIFY(_window->frame() != frame);
+    drawer()->close();
+    QCOMPARE(_window->frame(), frame);
+    QVERIFY(_window->frameRequests.back().animate);
+}
+
+void KDRDrawerControllerTest::movedWindowStaysWhereItIs()
+{
+    openWindow(QRectF(260, 50, 880, 500));
+    drawer()->open();
+    const QRectF moved = _window->frame().translated(0, 10);
+    _window->windowFrame = moved;
+    _window->frameDidChange();
+    drawer()->close();
+    QCOMPARE(_window->frame(), moved);
+    QCOMPARE(_window->frameRequests.size(), 1U);
+}
+
+void KDRDrawerControllerTest::resizeForgetsTheLastOne()
+{
+    openWindow(QRectF(260, 50, 880, 500));
+    drawer()->open();
+    const QRectF narrowed = _window->frame();
+    drawer()->close();
+    // There is room this time; that the window happens to be where it was narrowed to means nothing any more.
+    _window->screenFrame = QRectF(0, 0, 3000, 1000);
+    drawer()->open();
+    _window->windowFrame = narrowed;
+    drawer()->close();
+    QCOMPARE(_window->frame(), narrowed);
+}
+
+// --- Pages ----------------------------------------------------------------------------------------------------------
+
+void KDRDrawerControllerTest::locationOpens()
+{
+    openWindow();
+    controller()->showHistoryTabView();
+    controller()->markDrawerAsOpenedManually(true);
+    post(Notifications::DrawerShouldOpenForLocationChange);
+    QCOMPARE(drawer()->state(), Drawer::Open);
+    QVERIFY(controller()->isScratchPadTabViewCurrent());
+    QVERIFY(controller()->drawerOpenedManually()); // left as it is
+}
+
+void KDRDrawerControllerTest::locationCloses()
+{
+    openWindow();
+    drawer()->open();
+    controller()->markDrawerAsOpenedManually(true);
+    post(Notifications::DrawerShouldCloseForLocationChange);
+    QCOMPARE(drawer()->state(), Drawer::Open);
+    drawer()->close(); // by whatever means: the user's wish is forgotten
+    QVERIFY(!controller()->drawerOpenedManually());
+    drawer()->open();
+    post(Notifications::DrawerShouldCloseForLocationChange);
+    QCOMPARE(drawer()->state(), Drawer::Closed);
+}
+
+void KDRDrawerControllerTest::otherDrawersRequestsAreIgnored()
+{
+    openWindow();
+    const auto other = _stage->openWindow();
+    NotificationCenter::defaultCenter().postNotificationName(Notifications::DrawerShouldOpenForLocationChange,
+                                                             static_cast<const Drawer *>(DrawerStage::drawer(*other)));
+    QCOMPARE(drawer()->state(), Drawer::Closed);
+    QCOMPARE(DrawerStage::drawer(*other)->state(), Drawer::Open);
+}
+
+void KDRDrawerControllerTest::frameIsHeldWeakly()
+{
+    openWindow();
+    std::shared_ptr<FakeHostFrame> frame = FakeHostWebView::makeSubFrame(_window->frontWebView);
+    controller()->setCurrentWebFrame(frame);
+    QCOMPARE(controller()->currentWebFrame(), frame);
+    frame.reset();
+    QVERIFY(!controller()->currentWebFrame());
+}
+
+// --- Closing --------------------------------------------------------------------------------------------------------
+
+void KDRDrawerControllerTest::closingStoresTheWidth()
+{
+    openWindow();
+    drawer()->open();
+    drawer()->setContentSize(QSizeF(333, 400));
+    drawer()->close();
+    QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 333.0F);
+}
+
+void KDRDrawerControllerTest::closingDeselectsAndClearsTheFlag()
+{
+    openWindow();
+    DrawerStage::store().bookmarkRoot()->addChild(DrawerStage::note(QStringLiteral("Note")));
+    drawer()->reloadBookmarks();
+    drawer()->open();
+    drawer()->grab();
+    const QPoint row = list().rectOfRow(0).center();
+    QCOMPARE(list().toolTipAtPoint(row), QStringLiteral("text"));
+    list().selectRow(0);
+    controller()->markDrawerAsOpenedManually(true);
+    drawer()->close();
+    QCOMPARE(list().selectedRow(), -1);
+    QVERIFY(list().toolTipAtPoint(row).isNull());
+    QVERIFY(!controller()->drawerOpenedManually());
+
+    // Another tab in front: the Scratchpad keeps its selection.
+    drawer()->open();
+    list().selectRow(0);
+    controller()->showHistoryTabView();
+    drawer()->close();
+    QCOMPARE(list().selectedRow(), 0);
+}
+
+void KDRDrawerControllerTest::closingTheWindow()
+{
+    const QRectF frame(260, 50, 880, 500);
+    openWindow(frame, true);
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), _window->frontWebView->frame);
+    drawer()->open();
+    controller()->scratchDataSource()->localRootFolder()->addChild(DrawerStage::note(QStringLiteral("Last words")));
+    drawer()->setContentSize(QSizeF(333, 400));
+    _stage->removeSavedFile();
+    const QPointer<KDRDrawerController> alive = controller();
+    const QPointer<KDRDrawer> drawerAlive = drawer();
+    _window->close();
+    QCOMPARE(_window->frameRequests.back().frame, frame);
+    QVERIFY(!_window->frameRequests.back().animate);
+    QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 333.0F);
+    QVERIFY(_stage->savedFile().contains("Last words"));
+    QVERIFY(!DrawerStage::store().isWindowTracked(_window.get()));
+    QTRY_VERIFY(!alive);
+    QVERIFY(!drawerAlive);
+    QVERIFY(!DrawerStage::store().provisionalBookmarkRoot()->childWithTitle(QStringLiteral("a.org")));
+}
+
+void KDRDrawerControllerTest::closingTheWindowOfAClosedDrawer()
+{
+    openWindow(QRectF(260, 50, 880, 500));
+    drawer()->open();
+    drawer()->close();
+    const std::size_t requests = _window->frameRequests.size();
+    const QPointer<KDRDrawerController> alive = controller();
+    _window->close();
+    QCOMPARE(_window->frameRequests.size(), requests);
+    QTRY_VERIFY(!alive);
+}
+
+void KDRDrawerControllerTest::closingTheWindowDuringAnAlert()
+{
+    openWindow(QRectF(100, 100, 800, 600), true);
+    DrawerStage::store().bookmarkRoot()->addChild(DrawerStage::note(QStringLiteral("Note")));
+    drawer()->reloadBookmarks();
+    drawer()->open();
+    list().selectRow(0);
+    const QPointer<KDRDrawerController> alive = controller();
+    bool wasAlive = false;
+    DrawerStage::whenDialogOpens<QMessageBox>(this, [&](QMessageBox *box) {
+        _window->close();
+        QCoreApplication::processEvents();
+        wasAlive = alive;
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    QTest::keyClick(&list(), Qt::Key_Delete);
+    QVERIFY(wasAlive);
+    QTRY_VERIFY(!alive);
+    QCOMPARE(DrawerStage::store().bookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerControllerTest::closingTheWindowDuringADialogKeepsWhatWasTyped()
+{
+    openWindow(QRectF(100, 100, 800, 600), true);
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), _window->frontWebView->frame);
+    drawer()->open();
+    const QPointer<KDRDrawerController> alive = controller();
+    DrawerStage::whenDialogOpens<QDialog>(this, [&](QDialog *dialog) {
+        dialog->findChild<QLineEdit *>(QStringLiteral("titleField"))->setText(QStringLiteral("Typed"));
+        QTest::keyClicks(dialog->findChild<QTextEdit *>(), QStringLiteral("many words"));
+        _window->close();
+        QCoreApplication::processEvents();
+        QTest::keyClick(dialog, Qt::Key_Return);
+    });
+    controller()->handleNewNoteRequest(nullptr);
+    QTRY_VERIFY(!alive);
+    QVERIFY(_stage->savedFile().contains("Typed"));
+    QVERIFY(_stage->savedFile().contains("many words"));
+    QVERIFY(DrawerStage::store().bookmarkRoot()->childWithTitle(QStringLiteral("a.org")));
+}
+
+// Without a word, which hosts should not do: nothing that is asked of the controller then may fail.
+void KDRDrawerControllerTest::windowVanishes()
+{
+    openWindow(QRectF(100, 100, 800, 600), true);
+    KDRDrawerController *orphan = controller();
+    const std::shared_ptr<HostWindow> kept = _window; // only its widget goes, and takes the drawer with it
+    delete _window->widget();
+    QVERIFY(!orphan->drawer());
+    orphan->showHistoryTabView();
+    orphan->selectInitialFirstResponder();
+    orphan->resizeParentWindowForDrawer();
+    orphan->undoParentWindowResize();
+    orphan->handleNewNoteRequest(nullptr);
+    orphan->handleSaveCurrentURLRequest(nullptr);
+    orphan->handleSwitchbackRequest(nullptr);
+    orphan->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), nullptr);
+    QVERIFY(orphan->currentScratchDrawerLabel().isNull());
+    QVERIFY(orphan->currentTabViewLabel().isNull());
+    const QPointer<KDRDrawerController> alive = orphan;
+    _window->close();
+    QTRY_VERIFY(!alive);
+}
+
+// --- Scratchpad -----------------------------------------------------------------------------------------------------
+
+void KDRDrawerControllerTest::scratchLabels()
+{
+    openWindow();
+    const auto frame = _window->frontWebView->frame;
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), frame);
+    QCOMPARE(controller()->currentScratchDrawerLabel(), QStringLiteral("a.org"));
+    QVERIFY(controller()->previousScratchDrawerLabel().isNull());
+    QCOMPARE(controller()->currentWebFrame(), frame);
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("b.org"), frame);
+    QCOMPARE(controller()->previousScratchDrawerLabel(), QStringLiteral("a.org"));
+}
+
+void KDRDrawerControllerTest::globalRoot()
+{
+    openWindow();
+    QVERIFY(controller()->isScratchDrawerShowingGlobalRoot());
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), nullptr);
+    QVERIFY(!controller()->isScratchDrawerShowingGlobalRoot());
+}
+
+void KDRDrawerControllerTest::menuItemsAskTheCurrentList()
+{
+    openWindow();
+    QAction item;
+    MenuItem::setAction(&item, QStringLiteral("handleNewNoteRequest:"));
+    QVERIFY(controller()->passValidateMenuItemToOutlineView(&item));
+    controller()->showBookmarkTabView();
+    QVERIFY(!controller()->passValidateMenuItemToOutlineView(&item));
+    controller()->showHistoryTabView();
+    QVERIFY(!controller()->passValidateMenuItemToOutlineView(&item));
+    controller()->tabView()->clear();
+    QVERIFY(controller()->passValidateMenuItemToOutlineView(&item));
+}
+
+void KDRDrawerControllerTest::commandsShowTheScratchpad()
+{
+    openWindow();
+    _window->pageTitle = QStringLiteral("A story");
+    controller()->setCurrentWebFrame(_window->frontWebView->frame);
+    using Command = void (KDRDrawerController::*)(QObject *);
+    for (const Command command :
+         {&KDRDrawerController::handleNewSubFolderRequest, &KDRDrawerController::handleNewNoteRequest,
+          &KDRDrawerController::handleNewEmailRequest, &KDRDrawerController::handleSwitchbackRequest,
+          &KDRDrawerController::handleSaveCurrentURLRequest}) {
+        controller()->showHistoryTabView();
+        (controller()->*command)(nullptr); // the drawer is closed, so no dialog opens
+        QVERIFY(controller()->isScratchPadTabViewCurrent());
+    }
+    QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("A story")});
+    QCOMPARE(drawer()->state(), Drawer::Open);
+}
+
+void KDRDrawerControllerTest::keyboardGoesToTheList()
+{
+    openWindow(QRectF(100, 100, 800, 600), true);
+    drawer()->open();
+    controller()->selectInitialFirstResponder();
+    QTRY_COMPARE(QApplication::focusWidget(), &list());
+    controller()->showHistoryTabView();
+    controller()->selectInitialFirstResponder();
+    QTRY_COMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("historyOutlineView"));
+}
+
+void KDRDrawerControllerTest::closeCommandOfTheDrawer()
+{
+    openWindow();
+    drawer()->open();
+    drawer()->handleCloseKDRDrawer(nullptr);
+    QCOMPARE(drawer()->state(), Drawer::Closed);
+}
+
+QTEST_MAIN(KDRDrawerControllerTest)
+#include "KDRDrawerControllerTest.moc"
