@@ -494,8 +494,8 @@ void BrowserWindow::watchView(WebView *view)
 void BrowserWindow::showNewView(QWebEngineNewWindowRequest &request)
 {
     if (!request.isUserInitiated()) {
-        showMessage(tr("A window that this page wanted to open was blocked: %1")
-                        .arg(Address::displayText(request.requestedUrl())));
+        showMessage(
+            tr("Blocked a window that this page wanted to open: %1").arg(Address::displayText(request.requestedUrl())));
         return;
     }
     const auto destination = request.destination();

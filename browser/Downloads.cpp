@@ -12,8 +12,7 @@ Downloads::Downloads(QObject *parent) : QObject(parent) {}
 void Downloads::take(QWebEngineDownloadRequest *download)
 {
     QDir().mkpath(folder());
-    const QString suggested = QFileInfo(download->downloadFileName()).fileName();
-    const QString name = suggested.isEmpty() ? QStringLiteral("download") : suggested;
+    const QString name = safeName(download->suggestedFileName());
     download->setDownloadDirectory(folder());
     download->setDownloadFileName(freeName(name, [this](const QString &other) { return isTaken(other); }));
     _underWay.append(download);
@@ -36,6 +35,13 @@ bool Downloads::anyUnderWay() const
 QString Downloads::folder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+}
+
+QString Downloads::safeName(const QString &suggested)
+{
+    const QString name = QFileInfo(suggested).fileName().trimmed();
+    const bool isFolder = name == QLatin1String(".") || name == QLatin1String("..");
+    return name.isEmpty() || isFolder ? QStringLiteral("download") : name;
 }
 
 QString Downloads::freeName(const QString &name, const std::function<bool(const QString &)> &isTaken)

@@ -19,6 +19,8 @@ public:
     void take(QWebEngineDownloadRequest *download);
     bool anyUnderWay() const;
     static QString folder();
+    // A plain file name made of the one that a server suggests.
+    static QString safeName(const QString &suggested);
     // `name` when `isTaken` says that it is free, else "name (2).ending", "name (3).ending" and so on. The whole of
     // ".tar.gz" counts as an ending.
     static QString freeName(const QString &name, const std::function<bool(const QString &)> &isTaken);

@@ -21,12 +21,16 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
 #include <QWebEnginePage>
 
 // Waits as QTRY_VERIFY does, but lets the event loop sleep on its own: the web engine hands its work from thread to
@@ -89,6 +93,13 @@ private:
         else
             send(socket, path);
     }
+    // A link over the upper half and a button over the lower, wherever one clicks.
+    static constexpr char linksPage[] =
+        "<title>links</title><style>* { margin: 0 } a, button { display: block; height: 100px; width: 300px }</style>"
+        "<a href='/target'>link</a><a href='/target' target='_blank'>new</a><a href='/file'>file</a>"
+        "<button onclick=\"window.open('/target', 'small', 'width=300,height=150')\">open</button>"
+        "<script>window.open('/unwanted')</script>";
+
     static void send(QTcpSocket *socket, const QString &path)
     {
         QByteArray status = "200 OK";
@@ -97,6 +108,10 @@ private:
             status = "404 Not Found";
         if (path.startsWith(QLatin1String("/frames")))
             body += "<iframe src='/inner'></iframe>";
+        if (path.startsWith(QLatin1String("/links")))
+            body = linksPage;
+        if (path.startsWith(QLatin1String("/file")))
+            status += "\r\nContent-Disposition: attachment; filename=\"note.txt\"";
         socket->write("HTTP/1.1 " + status + "\r\nContent-Type: text/html\r\nConnection: close\r\nContent-Length: " +
                       QByteArray::number(body.size()) + "\r\n\r\n" + body);
         socket->disconnectFromHost();
@@ -204,10 +219,20 @@ private Q_SLOTS:
     void history();
     void menus();
     void images();
+    void everyControlHasAName();
+    void links_data();
+    void links();
+    void popUpWindow();
+    void unwantedWindow();
+    void download();
 
 private:
+    void click(BrowserWindow *window, int y, Qt::MouseButton button, Qt::KeyboardModifiers modifiers = {}) const;
     BrowserWindow *open(const QString &path);
-    static bool hasLoaded(const WebView *view, const QUrl &url) { return view->url() == url && !view->isLoading(); }
+    static bool hasLoaded(const WebView *view, const QUrl &url)
+    {
+        return view && view->url() == url && !view->isLoading();
+    }
     std::unique_ptr<TemporaryHome> _home;
     std::unique_ptr<Pages> _pages;
     std::unique_ptr<Browser> _browser;
@@ -262,6 +287,7 @@ void BrowserTest::cleanup()
 BrowserWindow *BrowserTest::open(const QString &path)
 {
     BrowserWindow *window = _browser->newWindow(_pages->url(path));
+    window->resize(900, 700);
     if (!becomesTrue([&] { return hasLoaded(window->currentWebView(), _pages->url(path)); }))
         qWarning() << "Could not load" << path;
     return window;
@@ -601,6 +627,114 @@ void BrowserTest::images()
     QCOMPARE(image.size(), QSize(24, 24));
     QVERIFY(_browser->host().imageNamed("Nothing", QSize(24, 24)).isNull());
     QVERIFY(_browser->host().siteIconForAddress("http://never.example/", QSize(16, 16)).isNull());
+}
+
+void BrowserTest::everyControlHasAName()
+{
+    BrowserWindow *window = open("a");
+    window->showFindBar();
+    QWidgetList controls;
+    for (QAbstractButton *button : window->findChildren<QAbstractButton *>())
+        controls.append(button);
+    for (QLineEdit *field : window->findChildren<QLineEdit *>())
+        controls.append(field);
+    int seen = 0;
+    for (const QWidget *control : std::as_const(controls)) {
+        const bool isScrollButton = control->parent() == window->tabBar() && control->objectName().startsWith("Scroll");
+        const bool isClearButton = qobject_cast<QLineEdit *>(control->parent()) && control->objectName().isEmpty();
+        const bool isMenuExtension = control->objectName().startsWith("qt_");
+        if (isScrollButton || isClearButton || isMenuExtension)
+            continue; // the toolkit's own
+        const auto *button = qobject_cast<const QAbstractButton *>(control);
+        const bool hasName = !control->accessibleName().isEmpty() || (button && !button->text().isEmpty());
+        QVERIFY2(hasName, qPrintable(control->objectName()));
+        QVERIFY2(!control->toolTip().isEmpty(), qPrintable(control->objectName()));
+        QVERIFY2(!control->objectName().isEmpty(), qPrintable(control->accessibleName()));
+        ++seen;
+    }
+    QVERIFY(seen >= 10);
+}
+
+void BrowserTest::click(BrowserWindow *window, int y, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) const
+{
+    QWidget *page = window->currentWebView()->focusProxy();
+    QVERIFY(page);
+    QTest::mouseClick(page, button, modifiers, QPoint(30, y));
+}
+
+void BrowserTest::links_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<int>("tabs");
+    QTest::addColumn<int>("tabInFront");
+
+    const auto none = Qt::KeyboardModifiers();
+    QTest::newRow("click") << 50 << Qt::LeftButton << none << 1 << 0;
+    QTest::newRow("middle click") << 50 << Qt::MiddleButton << none << 2 << 0;
+    QTest::newRow("click with Ctrl") << 50 << Qt::LeftButton << Qt::KeyboardModifiers(Qt::ControlModifier) << 2 << 0;
+    QTest::newRow("link to a new tab") << 150 << Qt::LeftButton << none << 2 << 1;
+}
+
+void BrowserTest::links()
+{
+    QFETCH(int, y);
+    QFETCH(Qt::MouseButton, button);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(int, tabs);
+    QFETCH(int, tabInFront);
+    BrowserWindow *window = open("links");
+    TRY_VERIFY(_calls.drawn.size() > 1);
+    click(window, y, button, modifiers);
+    TRY_VERIFY(hasLoaded(window->webViewAt(tabs - 1), _pages->url("target")));
+    QCOMPARE(window->tabCount(), tabs);
+    QCOMPARE(window->currentTab(), tabInFront);
+    QCOMPARE(window->webViewAt(tabs - 1)->hostWebView()->hostWindow(), window->hostWindow());
+}
+
+void BrowserTest::popUpWindow()
+{
+    BrowserWindow *window = open("links");
+    TRY_VERIFY(_calls.drawn.size() > 1);
+    click(window, 350, Qt::LeftButton);
+    TRY_COMPARE(_browser->windows().size(), 2);
+    BrowserWindow *popUp = _browser->windows().last();
+    QCOMPARE(popUp->kind(), BrowserWindow::PopUpWindow);
+    TRY_VERIFY(popUp->isVisible());
+    QCOMPARE(popUp->hostWindow()->className(), QString("BrowserWindow"));
+    TRY_COMPARE(popUp->size(), QSize(300, 150));
+    QVERIFY(popUp->hostWindow()->frame().height() < 200);
+    QVERIFY(!popUp->toolBar()->isVisible());
+    TRY_VERIFY(hasLoaded(popUp->currentWebView(), _pages->url("target")));
+    // The page that has opened it may close it.
+    popUp->currentWebView()->page()->runJavaScript("window.close()");
+    TRY_COMPARE(_browser->windows().size(), 1);
+}
+
+void BrowserTest::unwantedWindow()
+{
+    BrowserWindow *window = open("links");
+    const auto *remark = window->findChild<QLabel *>("hoverLabel");
+    TRY_VERIFY(remark->text().startsWith("Blocked"));
+    QCOMPARE(_browser->windows().size(), 1);
+    QCOMPARE(window->tabCount(), 1);
+}
+
+void BrowserTest::download()
+{
+    _home->write("Downloads/note.txt", "mine");
+    BrowserWindow *window = open("links");
+    TRY_VERIFY(_calls.drawn.size() > 1);
+    click(window, 250, Qt::LeftButton);
+    TRY_VERIFY(_home->read("Downloads/note (2).txt").contains("page"));
+    QCOMPARE(_home->read("Downloads/note.txt"), QByteArray("mine"));
+    QVERIFY(window->findChild<QWidget *>("downloadBar")->isVisible());
+    TRY_VERIFY(window->findChild<QLabel *>("downloadState")->text().startsWith("Finished"));
+    QCOMPARE(window->currentWebView()->url(), _pages->url("links"));
+    TRY_COMPARE(window->addressField()->text(), _pages->url("links").toString());
+    window->findChild<QToolButton *>("downloadButton")->click();
+    TRY_VERIFY(!window->findChild<QWidget *>("downloadBar")->isVisible());
 }
 
 int main(int argc, char **argv)

@@ -9,11 +9,40 @@ class DownloadsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void safeName_data();
+    void safeName();
     void freeName_data();
     void freeName();
     void folder();
     void nothingUnderWay();
 };
+
+void DownloadsTest::safeName_data()
+{
+    QTest::addColumn<QString>("suggested");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("plain") << "a b.txt"
+                           << "a b.txt";
+    QTest::newRow("nothing") << ""
+                             << "download";
+    QTest::newRow("elsewhere") << "../../.profile"
+                               << ".profile";
+    QTest::newRow("absolute") << "/etc/passwd"
+                              << "passwd";
+    QTest::newRow("folder") << "a/"
+                            << "download";
+    QTest::newRow("this folder") << "."
+                                 << "download";
+    QTest::newRow("folder above") << "x/.."
+                                  << "download";
+}
+
+void DownloadsTest::safeName()
+{
+    QFETCH(QString, suggested);
+    QTEST(Downloads::safeName(suggested), "name");
+}
 
 void DownloadsTest::freeName_data()
 {
