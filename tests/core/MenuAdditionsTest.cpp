@@ -10,23 +10,23 @@ namespace
 struct ItemOfMenu
 {
     const char *action;
-    int tag;
     const char *key;
+    int tag;
     unsigned modifierMask;
 };
 
 // Tag and shortcut of every command, as a fresh user finds them.
 const ItemOfMenu itemsOfMenu[] = {
-    {"handleToggleKDRDrawer:", 0, "0", 1048576},
-    {"handleShowScratchpadTabView:", 10, "*", 1179648},
-    {"handleShowBookmarkTabView:", 11, "-", 1179648},
-    {"handleShowHistoryTabView:", 12, "+", 1179648},
-    {"handleFocusOnCurrentSiteRequest:", 4, "o", 1179648},
-    {"handleSwitchbackRequest:", 5, "e", 1179648},
-    {"handleSaveCurrentURLRequest:", 6, "", 0},
-    {"handleNewSubFolderRequest:", 7, "j", 1179648},
-    {"handleNewNoteRequest:", 8, "k", 1179648},
-    {"handleNewEmailRequest:", 9, "l", 1179648},
+    {"handleToggleKDRDrawer:", "0", 0, 1048576},
+    {"handleShowScratchpadTabView:", "*", 10, 1179648},
+    {"handleShowBookmarkTabView:", "-", 11, 1179648},
+    {"handleShowHistoryTabView:", "+", 12, 1179648},
+    {"handleFocusOnCurrentSiteRequest:", "o", 4, 1179648},
+    {"handleSwitchbackRequest:", "e", 5, 1179648},
+    {"handleSaveCurrentURLRequest:", "", 6, 0},
+    {"handleNewSubFolderRequest:", "j", 7, 1179648},
+    {"handleNewNoteRequest:", "k", 8, 1179648},
+    {"handleNewEmailRequest:", "l", 9, 1179648},
 };
 
 // A plug-in folder of the test's own, with the given interface file.
