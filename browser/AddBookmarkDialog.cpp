@@ -14,7 +14,7 @@ QString shownTitle(const BookmarkFile::Folder &folder)
         return AddBookmarkDialog::tr("Bookmarks Bar");
     if (folder.depth == 0 && folder.title == BookmarkFile::menuTitle())
         return AddBookmarkDialog::tr("Bookmarks Menu");
-    const QString indent(folder.depth * 4, ' ');
+    const QString indent(qsizetype(folder.depth) * 4, ' ');
     return indent + (folder.title.isEmpty() ? AddBookmarkDialog::tr("Untitled") : folder.title);
 }
 } // namespace

@@ -11,8 +11,8 @@ const QString windowSizeKey = QStringLiteral("WindowSize");
 
 BrowserHostSettings::BrowserHostSettings()
 {
-    if (!objectForKey(tabbedBrowsingKey).isValid())
-        setObjectForKey(true, tabbedBrowsingKey);
+    if (!BrowserHostSettings::objectForKey(tabbedBrowsingKey).isValid())
+        BrowserHostSettings::setObjectForKey(true, tabbedBrowsingKey);
 }
 
 QVariant BrowserHostSettings::objectForKey(const QString &key) const
