@@ -1,5 +1,6 @@
 #include "benchmarks/AllocationCount.h"
 #include "benchmarks/Benches.h"
+#include "benchmarks/Figures.h"
 #include "core/KDRDrawerBundle.h"
 #include "core/SiteDrawer.h"
 #include "core/settings/WayfoldDefaults.h"
