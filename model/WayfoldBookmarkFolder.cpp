@@ -188,20 +188,32 @@ void WayfoldBookmarkFolder::removeAllChildren()
 
 void WayfoldBookmarkFolder::removeAllLeafChildren()
 {
-    std::erase_if(_children, [](const KDRBookmarkPtr &item) { return !item->isFolder(); });
-    for (const KDRBookmarkPtr &item : _children)
-        static_cast<WayfoldBookmarkFolder &>(*item).removeAllLeafChildren();
+    forEachFolder([](WayfoldBookmarkFolder &folder) {
+        std::erase_if(folder._children, [](const KDRBookmarkPtr &item) { return !item->isFolder(); });
+    });
 }
 
 void WayfoldBookmarkFolder::removeEmptySubfolders()
 {
-    std::erase_if(_children, [](const KDRBookmarkPtr &item) {
-        const WayfoldBookmarkFolderPtr folder = fromItem(item);
-        return folder && folder->childCount() == 0;
+    forEachFolder([](WayfoldBookmarkFolder &folder) {
+        std::erase_if(folder._children, [](const KDRBookmarkPtr &item) {
+            return item->isFolder() && static_cast<const WayfoldBookmarkFolder &>(*item).childCount() == 0;
+        });
     });
-    for (const KDRBookmarkPtr &item : _children) {
-        if (const WayfoldBookmarkFolderPtr folder = fromItem(item))
-            folder->removeEmptySubfolders();
+}
+
+// Without recursion, since a tree may be deep. Each folder is visited before the folders that it holds by then.
+void WayfoldBookmarkFolder::forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit)
+{
+    std::vector<WayfoldBookmarkFolder *> pending = {this};
+    while (!pending.empty()) {
+        WayfoldBookmarkFolder &folder = *pending.back();
+        pending.pop_back();
+        visit(folder);
+        for (const KDRBookmarkPtr &item : folder._children) {
+            if (item->isFolder())
+                pending.push_back(static_cast<WayfoldBookmarkFolder *>(item.get()));
+        }
     }
 }
 

@@ -3,6 +3,8 @@
 #include "model/ItemFileReading.h"
 #include "model/KDRBookmark.h"
 
+#include <functional>
+
 using WayfoldBookmarkFolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
 
 // An item that holds other items, in order. Its tree is what a list shows, and what the item file keeps:
@@ -113,6 +115,7 @@ protected:
     void ensureIconLoaded(std::shared_ptr<Image> &image, const QString &name, const QSizeF &size);
 
 private:
+    void forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit);
     bool isTooDeepToBeSaved() const;
 
     std::vector<KDRBookmarkPtr> _children;
