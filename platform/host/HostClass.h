@@ -21,8 +21,10 @@ public:
 
     void replace(Specialisation specialisation)
     {
-        _specialise = [inner = std::move(_specialise), outer = std::move(specialisation)](
-                          std::unique_ptr<Instance> base) { return outer(inner ? inner(std::move(base)) : std::move(base)); };
+        _specialise = [inner = std::move(_specialise),
+                       outer = std::move(specialisation)](std::unique_ptr<Instance> base) {
+            return outer(inner ? inner(std::move(base)) : std::move(base));
+        };
     }
 
     std::unique_ptr<Instance> make(std::unique_ptr<Instance> base) const

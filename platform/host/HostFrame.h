@@ -7,7 +7,8 @@
 class HostWebView;
 
 // What a frame shows, or is about to show: the request that led to it.
-struct HostDataSource {
+struct HostDataSource
+{
     Url requestUrl; // none when the page has no address
 };
 

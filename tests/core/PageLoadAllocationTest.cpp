@@ -11,7 +11,9 @@ std::size_t allocationCount = 0;
 }
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// Not every compiler comes with the header that declares this.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void *, std::size_t),
+                                                         void (*released)(const volatile void *));
 namespace
 {
 void countAllocation(const volatile void * /*memory*/, std::size_t /*size*/)
