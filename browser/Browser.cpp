@@ -112,8 +112,7 @@ void Browser::prepareProcess()
     if (isRoot())
         qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
     // A drawer has to be put beside its window, which Wayland lets nobody do.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
-        !qEnvironmentVariableIsEmpty("DISPLAY"))
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
