@@ -95,7 +95,7 @@ void UserDefaultsTest::changeIsWrittenByItself()
 void UserDefaultsTest::changeIsWrittenWhenTheApplicationQuits()
 {
     _defaults->setPersistentDomainForName({{"a", 1}}, _name);
-    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
     QCoreApplication::exec();
     QVERIFY(QFile::exists(_home->path(file())));
 }
