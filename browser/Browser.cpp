@@ -21,6 +21,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineProfile>
@@ -296,7 +297,7 @@ bool Browser::mayLoseDownloads(QWidget *parent)
     const QPushButton *quit = box.addButton(tr("Quit"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
-    return box.clickedButton() == reinterpret_cast<const QAbstractButton *>(quit);
+    return box.clickedButton() == quit;
 }
 
 // In the window that it was started from. A tab or a pop-up window that was opened for nothing but the download goes.

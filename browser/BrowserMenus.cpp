@@ -15,6 +15,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QWebEngineHistory>
+#include <QWebEngineProfile>
 #include <QWindow>
 
 namespace
@@ -215,7 +216,10 @@ void BrowserMenus::clearHistory()
     box->setAttribute(Qt::WA_DeleteOnClose);
     QPushButton *clear = box->addButton(tr("Clear"), QMessageBox::DestructiveRole);
     box->setDefaultButton(QMessageBox::Cancel);
-    connect(clear, &QPushButton::clicked, this, [this] { _services.history->clear(); });
+    connect(clear, &QPushButton::clicked, this, [this] {
+        _services.history->clear();
+        _services.profile->clearAllVisitedLinks(); // their colour tells as much
+    });
     box->open();
 }
 

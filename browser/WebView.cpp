@@ -207,29 +207,26 @@ void WebView::keepKeyboard(QWidget *child)
 
 void WebView::loadingChanged(const QWebEngineLoadingInfo &info)
 {
-    switch (info.status()) {
-    case QWebEngineLoadingInfo::LoadStartedStatus:
+    if (info.status() == QWebEngineLoadingInfo::LoadStartedStatus) {
         _pageHasFinished = false;
         _askedForHasStarted = true;
         _mainFrame->startProvisionalLoad(UrlConversion::fromQUrl(info.url()));
-        break;
-    case QWebEngineLoadingInfo::LoadStoppedStatus:
-        _mainFrame->stopProvisionalLoad();
-        break;
-    case QWebEngineLoadingInfo::LoadSucceededStatus:
-    case QWebEngineLoadingInfo::LoadFailedStatus:
-        _mainFrame->commit(UrlConversion::fromQUrl(url()));
-        break;
+        Q_EMIT changed();
+        return;
     }
     // The end of a load that another one has taken the place of says nothing about that one.
-    if (info.status() != QWebEngineLoadingInfo::LoadStartedStatus && _askedForHasStarted)
+    if (_askedForHasStarted)
         _askedFor.clear();
+    const bool wasStopped = info.status() == QWebEngineLoadingInfo::LoadStoppedStatus;
+    if (wasStopped)
+        _mainFrame->stopProvisionalLoad();
+    else
+        _mainFrame->commit(UrlConversion::fromQUrl(url()));
     Q_EMIT changed();
     // A server's own page about an error is a page like any other; the engine's page about a failure is none.
     const bool hasFailed = info.status() == QWebEngineLoadingInfo::LoadFailedStatus && info.isErrorPage();
-    if (_mainFrame->provisionalDataSource() || info.status() == QWebEngineLoadingInfo::LoadStoppedStatus || hasFailed)
-        return;
-    didFinishLoadForFrame(_mainFrame);
+    if (!wasStopped && !hasFailed)
+        didFinishLoadForFrame(_mainFrame);
 }
 
 // Sent when the page has come, and when it changes its own address.
