@@ -39,10 +39,8 @@ void KDRShowNoteController::windowDidLoad()
     // The browser may quit although notes are being read.
     _window->setAttribute(Qt::WA_QuitOnClose, false);
     _window->installEventFilter(this);
-    for (const QKeySequence &keys : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)}) {
-        auto *close = new QShortcut(keys, _window);
+    for (auto *close : {new QShortcut(Qt::Key_Escape, _window), new QShortcut(QKeySequence::Close, _window)})
         connect(close, &QShortcut::activated, _window, &QWidget::close);
-    }
 }
 
 QString KDRShowNoteController::getValueFieldText() const
