@@ -148,7 +148,7 @@ void DrawerAccessibilityTest::everyControlIsReachedByTab()
     first->setFocus();
     for (int i = 0; i < 40; ++i) {
         QWidget *focused = opened->focusWidget();
-        reached.insert(focused); qInfo() << focused;
+        reached.insert(focused);
         QTest::keyClick(focused, Qt::Key_Tab);
     }
     for (QWidget *control : expected)
