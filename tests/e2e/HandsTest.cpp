@@ -66,7 +66,7 @@ void HandsTest::click()
 {
     bool clicked = false;
     Stage::onMain([&] { connect(_button, &QPushButton::clicked, _window, [&] { clicked = true; }); });
-    QVERIFY(Hands::clickAt(Eyes::middleOf(_button)));
+    QVERIFY(Hands::clickOn(_button));
     EVENTUALLY(clicked);
 }
 
@@ -80,7 +80,7 @@ void HandsTest::doubleClick()
 
 void HandsTest::typing()
 {
-    QVERIFY(Hands::clickAt(Eyes::middleOf(_field)));
+    QVERIFY(Hands::clickOn(_field));
     EVENTUALLY(_field->hasFocus());
     QVERIFY(Hands::type(QStringLiteral("http://News.site/?a=1&b \"x\"")));
     EVENTUALLY(_field->text() == QLatin1String("http://News.site/?a=1&b \"x\""));
@@ -93,7 +93,7 @@ void HandsTest::typingLines()
         _window->setCentralWidget(text);
         return text;
     });
-    QVERIFY(Hands::clickAt(Eyes::middleOf(page)));
+    QVERIFY(Hands::clickOn(page));
     QVERIFY(Hands::type(QStringLiteral("Eight o'clock.\n\nBring shoes.")));
     EVENTUALLY(page->toPlainText() == QLatin1String("Eight o'clock.\n\nBring shoes."));
 }
@@ -123,9 +123,9 @@ void HandsTest::dialogInsideAClick()
         connect(_button, &QPushButton::clicked, _window,
                 [&] { answer = QMessageBox::question(_window, QStringLiteral("Confirm"), QStringLiteral("Sure?")); });
     });
-    QVERIFY(Hands::clickAt(Eyes::middleOf(_button)));
+    QVERIFY(Hands::clickOn(_button));
     EVENTUALLY(QApplication::activeModalWidget());
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::dialogButton(QStringLiteral("Yes")))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("Yes"))));
     EVENTUALLY(answer == QMessageBox::Yes);
     EVENTUALLY(!QApplication::activeModalWidget());
 }

@@ -101,12 +101,12 @@ void Session::save()
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
     QVERIFY(Hands::press(QStringLiteral("ctrl+shift+k")));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("Seeds")));
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Beans, peas & <beets>")));
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::dialogButton(QStringLiteral("OK")))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Eyes::dialog());
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Seeds")));
 }
@@ -116,7 +116,7 @@ void Session::find()
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Seeds")));
     // The note still says what it said.
-    QVERIFY(Hands::clickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Seeds")).value()));
+    QVERIFY(_play.chooseRow(QStringLiteral("Seeds")));
     QVERIFY(Hands::press(QStringLiteral("Return")));
     EVENTUALLY(Eyes::dialog());
     EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == QLatin1String("Beans, peas & <beets>"));

@@ -38,9 +38,7 @@ private:
     // Visits the site and asks for its list, as a user does who has not told the list to follow him.
     bool focusOn(const QString &site);
     QAbstractButton *button(const QString &toolTip) { return Play::drawerButton(_window, toolTip); }
-    bool press(QAbstractButton *button);
     bool save();
-    bool select(const QString &row);
     // The titles of what the item file holds for the site that is shown now.
     QStringList savedTitles();
 
@@ -72,25 +70,10 @@ bool ScratchpadTest::focusOn(const QString &site)
            Stage::eventually([&] { return Play::siteLabel(_window) == site; });
 }
 
-bool ScratchpadTest::press(QAbstractButton *button)
-{
-    return button && Stage::eventually([&] { return button->isEnabled(); }) && Hands::clickAt(Eyes::middleOf(button));
-}
-
 bool ScratchpadTest::save()
 {
     return _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Save Current Page")}) &&
            Stage::eventually([this] { return Play::scratchRows(_window).contains(QLatin1String("Front page")); });
-}
-
-bool ScratchpadTest::select(const QString &row)
-{
-    const auto place = Eyes::rowWithText(Play::scratchList(_window), row);
-    const auto isSelected = [&] {
-        const auto selected = Play::scratchList(_window)->selectionModel()->selectedIndexes();
-        return !selected.isEmpty() && selected.first().data().toString() == row;
-    };
-    return place && Hands::clickAt(*place) && Stage::eventually(isSelected);
 }
 
 QStringList ScratchpadTest::savedTitles()
@@ -118,15 +101,15 @@ void ScratchpadTest::savesThePage()
 
 void ScratchpadTest::writesANote()
 {
-    QVERIFY(press(button(QStringLiteral("New Note"))));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("Remember")));
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Good shoes, a red light.")));
     EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == QLatin1String("Good shoes, a red light."));
-    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Eyes::dialog());
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Remember")));
     EVENTUALLY(savedTitles() == QStringList{QStringLiteral("Remember")});
@@ -135,10 +118,11 @@ void ScratchpadTest::writesANote()
 void ScratchpadTest::cancelledNoteLeavesNothing()
 {
     const QStringList before = Play::scratchRows(_window);
-    QVERIFY(press(button(QStringLiteral("New Note"))));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Forget")));
-    QVERIFY(press(Eyes::dialogButton(QStringLiteral("Cancel"))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("Cancel"))));
     EVENTUALLY(!Eyes::dialog());
     Stage::settle();
     QCOMPARE(Play::scratchRows(_window), before);
@@ -147,9 +131,9 @@ void ScratchpadTest::cancelledNoteLeavesNothing()
 
 void ScratchpadTest::makesASubfolder()
 {
-    QVERIFY(press(button(QStringLiteral("New Subfolder"))));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("New Subfolder"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("To read")));
     QVERIFY(Hands::press(QStringLiteral("Return")));
@@ -171,7 +155,7 @@ void ScratchpadTest::opensBySpace()
 {
     QVERIFY(save());
     QVERIFY(_play.visit(QStringLiteral("http://www.%1/two").arg(_host)));
-    QVERIFY(select(QStringLiteral("Front page")));
+    QVERIFY(_play.chooseRow(QStringLiteral("Front page")));
     QVERIFY(Hands::press(QStringLiteral("space")));
     EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.%1/").arg(_host)));
 }
@@ -179,20 +163,20 @@ void ScratchpadTest::opensBySpace()
 void ScratchpadTest::deletesAfterConfirmation()
 {
     QVERIFY(save());
-    QVERIFY(select(QStringLiteral("Front page")));
-    QVERIFY(press(button(QStringLiteral("Delete Item"))));
+    QVERIFY(_play.chooseRow(QStringLiteral("Front page")));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("Delete Item"))));
     EVENTUALLY(Eyes::dialog());
     QVERIFY2(Eyes::dialogText().contains(QLatin1String("Are you sure you want to delete \"Front page\"?")),
              qPrintable(Eyes::dialogText()));
-    QVERIFY(press(Eyes::dialogButton(QStringLiteral("Cancel"))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("Cancel"))));
     EVENTUALLY(!Eyes::dialog());
     Stage::settle();
     QVERIFY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
     QCOMPARE(savedTitles(), QStringList{QStringLiteral("Front page")});
 
-    QVERIFY(press(button(QStringLiteral("Delete Item"))));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("Delete Item"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
     EVENTUALLY(savedTitles().isEmpty());
 }
@@ -200,10 +184,10 @@ void ScratchpadTest::deletesAfterConfirmation()
 void ScratchpadTest::deletesByKey()
 {
     QVERIFY(save());
-    QVERIFY(select(QStringLiteral("Front page")));
+    QVERIFY(_play.chooseRow(QStringLiteral("Front page")));
     QVERIFY(Hands::press(QStringLiteral("Delete")));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(press(Eyes::dialogButton(QStringLiteral("OK"))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
     EVENTUALLY(savedTitles().isEmpty());
 }
@@ -213,7 +197,7 @@ void ScratchpadTest::switchesBack()
     QVERIFY(save());
     QVERIFY(focusOn(QStringLiteral("elsewhere.localhost")));
     EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
-    QVERIFY(press(button(QStringLiteral("Show Previous Site List"))));
+    QVERIFY(Hands::clickOn(button(QStringLiteral("Show Previous Site List"))));
     EVENTUALLY(Play::siteLabel(_window) == _host);
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
 }

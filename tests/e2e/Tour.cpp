@@ -154,9 +154,8 @@ bool TourSession::savePage(const QString &title)
 
 bool TourSession::expand(const QString &row)
 {
-    const auto place = Eyes::rowWithText(Play::scratchList(_window), row);
     const qsizetype before = Play::scratchRows(_window).size();
-    return place && Hands::clickAt(*place) && Hands::press(QStringLiteral("Right")) &&
+    return _play.chooseRow(row) && Hands::press(QStringLiteral("Right")) &&
            Stage::eventually([&] { return Play::scratchRows(_window).size() > before; });
 }
 
@@ -216,16 +215,16 @@ void FirstSession::saveAPage()
 
 void FirstSession::writeANote()
 {
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Play::drawerButton(_window, QStringLiteral("New Note")))));
+    QVERIFY(Hands::clickOn(Play::drawerButton(_window, QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QLineEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(noteTitle));
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::firstOf<QTextEdit>(Eyes::dialog()))));
+    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(noteText));
     EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == noteText);
     QVERIFY(shoot(QStringLiteral("note-being-written")));
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Eyes::dialogButton(QStringLiteral("OK")))));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(Play::scratchRows(_window).contains(noteTitle));
     QVERIFY(shoot(QStringLiteral("note-kept")));
 }
@@ -240,7 +239,7 @@ void FirstSession::visitAnotherSite()
 
 void FirstSession::switchBack()
 {
-    QVERIFY(Hands::clickAt(Eyes::middleOf(Play::drawerButton(_window, QStringLiteral("Show Previous Site List")))));
+    QVERIFY(Hands::clickOn(Play::drawerButton(_window, QStringLiteral("Show Previous Site List"))));
     EVENTUALLY(Play::siteLabel(_window) == QLatin1String("fernhill.localhost"));
     EVENTUALLY(Play::scratchRows(_window).contains(story));
     QVERIFY(shoot(QStringLiteral("switched-back")));

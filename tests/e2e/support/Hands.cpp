@@ -1,6 +1,10 @@
 #include "tests/e2e/support/Hands.h"
 
+#include "tests/e2e/support/Desk.h"
+#include "tests/e2e/support/Eyes.h"
 #include "tests/e2e/support/Tool.h"
+
+#include <QDeadlineTimer>
 
 namespace
 {
@@ -23,6 +27,25 @@ bool Hands::moveTo(const QPoint &position)
 bool Hands::clickAt(const QPoint &position, int button)
 {
     return xdotool(move(position) + QStringList{QStringLiteral("click"), QString::number(button)});
+}
+
+bool Hands::clickOn(QWidget *widget)
+{
+    if (!widget)
+        return false;
+    const WId window = Stage::onMain([&] { return widget->window()->winId(); });
+    const QDeadlineTimer deadline(30000);
+    while (!deadline.hasExpired()) {
+        const QRect place = Desk::geometryOf(window);
+        const bool isReady = Stage::onMain([&] {
+            const QWidget *top = widget->window();
+            return widget->isVisible() && widget->isEnabled() && top->geometry() == place &&
+                   (top->isActiveWindow() || !top->isModal());
+        });
+        if (isReady)
+            return clickAt(Eyes::middleOf(widget));
+    }
+    return false;
 }
 
 bool Hands::doubleClickAt(const QPoint &position)

@@ -250,8 +250,19 @@ bool Play::chooseSite(const QString &title)
         place = list->viewport()->mapToGlobal(list->visualRect(entry).center());
         return true;
     };
-    return popup && Hands::clickAt(Eyes::middleOf(popup)) && Stage::eventually(isInList) && Hands::clickAt(*place) &&
+    return popup && Hands::clickOn(popup) && Stage::eventually(isInList) && Hands::clickAt(*place) &&
            Stage::eventually([&] { return !popup->view()->isVisible(); });
+}
+
+bool Play::chooseRow(const QString &text)
+{
+    QTreeView *list = scratchList(window());
+    const auto place = Eyes::rowWithText(list, text);
+    const auto isChosen = [&] {
+        const QModelIndexList selected = list->selectionModel()->selectedIndexes();
+        return list->hasFocus() && selected.size() == 1 && selected.first().data().toString() == text;
+    };
+    return place && Hands::clickAt(*place) && Stage::eventually(isChosen);
 }
 
 bool Play::isShown(const BrowserWindow *window, const QString &address)
@@ -268,7 +279,7 @@ QWidget *Play::drawer(const BrowserWindow *window)
 {
     return Stage::onMain([&]() -> QWidget * {
         for (QWidget *widget : QApplication::allWidgets()) {
-            if (widget->inherits("KDRDrawer") && widget->parentWidget() == window)
+            if (window && widget->inherits("KDRDrawer") && widget->parentWidget() == window)
                 return widget;
         }
         return nullptr;

@@ -93,6 +93,8 @@ public:
     bool closeDrawer();
     // Picks an entry of the Scratchpad's pop-up of the window in front.
     bool chooseSite(const QString &title);
+    // Clicks a row of its list, which has the keyboard then.
+    bool chooseRow(const QString &text);
 
     // Whether the window's front tab shows that page, and all of it.
     static bool isShown(const BrowserWindow *window, const QString &address);

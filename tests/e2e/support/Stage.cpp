@@ -1,5 +1,7 @@
 #include "tests/e2e/support/Stage.h"
 
+#include "tests/e2e/support/Tool.h"
+
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
 #include <QSemaphore>
@@ -8,6 +10,21 @@
 #include <memory>
 
 using namespace std::chrono_literals;
+
+namespace
+{
+// Of what did not come about, into the folder $WAYFOLD_PICTURES, for whoever looks into a failure.
+void takePicture()
+{
+    const QString folder = qEnvironmentVariable("WAYFOLD_PICTURES");
+    const char *function = QTest::currentTestFunction();
+    if (folder.isEmpty() || !function)
+        return;
+    const QString file = QStringLiteral("%1/%2.png").arg(folder, QString::fromLatin1(function));
+    Tool::run(QStringLiteral("import"),
+              {QStringLiteral("-silent"), QStringLiteral("-window"), QStringLiteral("root"), file});
+}
+} // namespace
 
 int Stage::perform(const std::function<int()> &play)
 {
@@ -25,8 +42,10 @@ bool Stage::eventually(const std::function<bool()> &condition)
 {
     const QDeadlineTimer deadline(30s);
     while (!onMain(condition)) {
-        if (deadline.hasExpired())
+        if (deadline.hasExpired()) {
+            takePicture();
             return false;
+        }
         QThread::msleep(20);
     }
     return true;

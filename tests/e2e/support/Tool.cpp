@@ -1,5 +1,6 @@
 #include "tests/e2e/support/Tool.h"
 
+#include <QDebug>
 #include <QProcess>
 
 std::optional<QByteArray> Tool::run(const QString &program, const QStringList &arguments)
@@ -8,7 +9,11 @@ std::optional<QByteArray> Tool::run(const QString &program, const QStringList &a
     process.setStandardInputFile(QProcess::nullDevice());
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+    if (!process.waitForFinished()) {
+        qWarning() << program << arguments << process.errorString();
+        return std::nullopt;
+    }
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return std::nullopt;
     return process.readAllStandardOutput();
 }
