@@ -61,6 +61,24 @@ QString deleteQuestion(const std::vector<KDRBookmarkPtr> &items)
         .replace(QStringLiteral("%u"), QString::number(items.size()));
 }
 
+// What an item's refresh does, but for smart folders that nobody has looked into: they collect when somebody does, and
+// with many sites and a long history collecting for all of them takes long.
+void refresh(const KDRBookmarkPtr &item)
+{
+    const auto smartFolder = std::dynamic_pointer_cast<WayfoldAutoFolder>(item);
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item);
+    if (smartFolder ? smartFolder->isLoaded() : !folder) {
+        item->refresh();
+        return;
+    }
+    if (smartFolder)
+        return;
+    for (const KDRBookmarkPtr &child : folder->children()) {
+        if (child->isFolder())
+            refresh(child);
+    }
+}
+
 QString pageTitleOfFrame(const HostFrame &frame)
 {
     const std::shared_ptr<HostWebView> view = frame.webView();
@@ -160,6 +178,16 @@ WayfoldBookmarkFolderPtr WayfoldScratchDataSource::rootForLabel(const QString &l
     return store.newProvisionalBookmarkWithTitle(label);
 }
 
+// Null when there is no root yet. The whole tree's is empty, whatever title the tree has: a page without a host asks
+// for it at every drawing, which must come to nothing.
+QString WayfoldScratchDataSource::labelOfRoot() const
+{
+    if (!_scratchBookmarkRoot)
+        return {};
+    const bool isWholeTree = _scratchBookmarkRoot == KDRDrawerBundle::sharedInstance().bookmarkRoot();
+    return isWholeTree ? QStringLiteral("") : _scratchBookmarkRoot->title();
+}
+
 // The store lets go of a provisional folder only when nobody else holds it, so this has to let go first.
 void WayfoldScratchDataSource::releaseRoot()
 {
@@ -171,8 +199,7 @@ void WayfoldScratchDataSource::releaseRoot()
 void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, const std::shared_ptr<HostFrame> &frame)
 {
     const QString newLabel = label; // the caller's may be the previous label, which changes here
-    const bool hadRoot = _scratchBookmarkRoot != nullptr;
-    const QString oldLabel = hadRoot ? _scratchBookmarkRoot->title() : QString();
+    const QString oldLabel = labelOfRoot();
     if (_drawer && _drawer->controller())
         _drawer->controller()->setCurrentWebFrame(frame);
     if (newLabel.isNull() || (!oldLabel.isNull() && newLabel == oldLabel))
@@ -327,7 +354,7 @@ void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notifica
     const std::vector<KDRBookmarkPtr> selected = _scratchOutlineView->selectedItemList();
     const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();
     for (const KDRBookmarkPtr &child : children)
-        child->refresh();
+        refresh(child);
     _scratchOutlineView->reloadData();
     for (const KDRBookmarkPtr &item : selected)
         _scratchOutlineView->selectItem(_scratchBookmarkRoot->findByUUID(item->uuid()));

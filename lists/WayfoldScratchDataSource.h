@@ -69,6 +69,7 @@ public:
 private:
     std::shared_ptr<HostFrame> currentWebFrame() const;
     static WayfoldBookmarkFolderPtr rootForLabel(const QString &label);
+    QString labelOfRoot() const;
     void releaseRoot();
     void decorateButtons();
     void observeOutsideChanges();

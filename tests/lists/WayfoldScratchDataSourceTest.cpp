@@ -84,6 +84,7 @@ private Q_SLOTS:
     void sameLabelChangesOnlyTheFrame();
     void nullLabelChangesOnlyTheFrame();
     void sitesStandsForTheWholeTree();
+    void pagesWithoutASiteDrawnAgainAndAgain();
     void noteWithTheTitleOfASite();
     void previousLabel();
     void switchingSavesAndAdopts();
@@ -115,6 +116,7 @@ private Q_SLOTS:
 
     void outsideChanges_data();
     void outsideChanges();
+    void closedSmartFoldersWaitForOutsideChanges();
     void noChangesAfterDestruction();
     void destructionReleasesTheProvisionalFolder();
 
@@ -245,6 +247,19 @@ void WayfoldScratchDataSourceTest::sitesStandsForTheWholeTree()
     _pad->show(QStringLiteral(""));
     QVERIFY(_pad->source->localRootFolder() == store().bookmarkRoot());
     QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+}
+
+void WayfoldScratchDataSourceTest::pagesWithoutASiteDrawnAgainAndAgain()
+{
+    store().bookmarkRoot()->setTitle(QStringLiteral("Of another program"));
+    for (const QString &site : {siteA, sites}) {
+        _pad->show(site);
+        _pad->show(QStringLiteral(""));
+        _stage->removeSavedFile();
+        _pad->show(QStringLiteral(""));
+        QVERIFY(_stage->savedFile().isEmpty());
+    }
+    QCOMPARE(_pad->source->previousDrawerLabel(), siteA);
 }
 
 void WayfoldScratchDataSourceTest::noteWithTheTitleOfASite()
@@ -627,6 +642,21 @@ void WayfoldScratchDataSourceTest::outsideChanges()
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()),
              QStringList({QStringLiteral("Note"), QStringLiteral("Found")}));
     QVERIFY(_pad->view.selectedItemList()[1] == smart->childAtIndex(0));
+}
+
+void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()
+{
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = ListStage::link("Found");
+    const auto site = ListStage::folder(siteA, {ListStage::note("Of a"), smart});
+    _pad->showItems({site});
+    postFileChange(Notifications::SafariHistoryFileModNotification);
+    QCOMPARE(smart->refreshed, 0);
+    smart->ensureUpToDate(); // somebody looks into it
+    QCOMPARE(smart->refreshed, 1);
+    postFileChange(Notifications::SafariHistoryFileModNotification);
+    QCOMPARE(smart->refreshed, 2);
 }
 
 void WayfoldScratchDataSourceTest::noChangesAfterDestruction()

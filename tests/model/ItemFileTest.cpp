@@ -456,15 +456,19 @@ void ItemFileTest::valuesOfOtherTypes()
             if (old.typeId() == replacement.typeId())
                 return;
             ++count;
-            _home->write("Bookmarks.plist", PropertyList::toXml(changed));
-            ItemFileReading reading;
-            const auto read = readBack(&reading);
-            QVERIFY(reading.readable);
-            QVERIFY(!reading.complete);
-            QVERIFY(reading.skippedEntries >= 0);
+            const QByteArray contents = PropertyList::toXml(changed);
+            const auto read = WayfoldBookmarkFolder::bookmarkFromDictionary(PropertyList::fromData(contents).toMap());
             QVERIFY(read->deepChildCount() <= root->deepChildCount());
             const QVariantMap rewritten = read->createDictionary(true);
             QCOMPARE(WayfoldBookmarkFolder::bookmarkFromDictionary(rewritten)->createDictionary(true), rewritten);
+            if (replacement != QVariant(7LL)) // one type will do for what is said about the file
+                return;
+            _home->write("Bookmarks.plist", contents);
+            ItemFileReading reading;
+            QCOMPARE(readBack(&reading)->deepChildCount(), read->deepChildCount());
+            QVERIFY(reading.readable);
+            QVERIFY(!reading.complete);
+            QVERIFY(reading.skippedEntries >= 0);
         });
         if (QTest::currentTestFailed())
             return;
@@ -479,7 +483,7 @@ void ItemFileTest::truncatedFiles()
     const qsizetype end = whole.lastIndexOf("</plist>");
     QVERIFY(end > 0);
     QLoggingCategory::setFilterRules("wayfold.files=false"); // a line for each of them
-    for (qsizetype length = 0; length < end; length += 7) {
+    for (qsizetype length = 0; length < end; length += 31) {
         _home->write("Bookmarks.plist", whole.left(length));
         ItemFileReading reading;
         const auto root = readBack(&reading);
