@@ -1,5 +1,7 @@
 #include "benchmarks/Figures.h"
 
+#include "benchmarks/Stopwatch.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -13,6 +15,8 @@ void Figures::add(const QString &name, double value, const QString &unit, const 
 
 void Figures::print() const
 {
+    if (Stopwatch::countsProcessorTime())
+        std::printf("times are processor times\n");
     std::printf("%-34s %14s %-6s %s\n", "figure", "value", "unit", "ratio to its peer");
     for (const Figure &figure : _figures) {
         std::printf("%-34s %14.3f %-6s", qPrintable(figure.name), figure.value, qPrintable(figure.unit));
@@ -40,12 +44,23 @@ double Figures::medianMilliseconds(const std::function<void()> &work, int runs, 
     for (int run = -1; run < runs; ++run) {
         if (before)
             before();
-        QElapsedTimer timer;
-        timer.start();
-        work();
+        const double time = milliseconds(work);
         if (run >= 0)
-            times.push_back(double(timer.nsecsElapsed()) / 1e6);
+            times.push_back(time);
     }
-    std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
-    return times[size_t(runs) / 2];
+    return median(times);
+}
+
+double Figures::milliseconds(const std::function<void()> &work)
+{
+    const Stopwatch watch;
+    work();
+    return watch.milliseconds();
+}
+
+double Figures::median(std::vector<double> values)
+{
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }

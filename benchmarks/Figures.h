@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QString>
 #include <functional>
 #include <vector>
@@ -19,6 +18,10 @@ public:
     // unmeasured.
     static double medianMilliseconds(const std::function<void()> &work, int runs = 7,
                                      const std::function<void()> &before = nullptr);
+
+    static double milliseconds(const std::function<void()> &work);
+    // Of at least one value.
+    static double median(std::vector<double> values);
 
 private:
     struct Figure

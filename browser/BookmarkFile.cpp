@@ -203,11 +203,11 @@ void BookmarkFile::read()
 {
     _isRead = true;
     _stamp = FileStamp::ofFile(_path);
-    bool ok = false;
-    _root = PropertyList::readDictionaryFile(_path, &ok);
+    bool isWhole = false;
+    _root = PropertyList::readDictionaryFile(_path, nullptr, &isWhole);
     const QVariant children = _root.value(childrenKey);
     const bool hasOtherChildren = children.isValid() && children.typeId() != QMetaType::QVariantList;
-    _mustKeepCopy = _stamp && (!ok || hasOtherChildren);
+    _mustKeepCopy = _stamp && (!isWhole || hasOtherChildren);
     completeRoot(_root);
 }
 

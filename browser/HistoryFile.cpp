@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <utility>
 
 namespace
 {
@@ -20,7 +21,7 @@ const QString versionKey = QStringLiteral("WebHistoryFileVersion");
 
 constexpr int writeDelay = 1000; // milliseconds
 // Writing may take this share of the time at most, however large the file is.
-constexpr int restPerWrite = 40;
+constexpr int restPerWrite = 4;
 
 const QDateTime referenceDate(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
 
@@ -44,7 +45,7 @@ QString HistoryFile::defaultPath()
 HistoryFile::HistoryFile(const QString &path, QObject *parent) : QObject(parent), _path(path)
 {
     _writeTimer.setSingleShot(true);
-    connect(&_writeTimer, &QTimer::timeout, this, &HistoryFile::flush);
+    connect(&_writeTimer, &QTimer::timeout, this, &HistoryFile::startWriting);
 }
 
 HistoryFile::~HistoryFile()
@@ -93,30 +94,66 @@ void HistoryFile::clear()
     _entries.clear();
     _byAddress.clear();
     _unwritten.clear();
+    if (_writing)
+        _writing->changes.clear(); // should it fail, they are not to come back
     _wasCleared = true;
     writeLater();
 }
 
 bool HistoryFile::flush()
 {
+    finishWriting();
+    startWriting();
+    finishWriting();
+    return _unwritten.isEmpty() && !_wasCleared;
+}
+
+void HistoryFile::startWriting()
+{
     _writeTimer.stop();
-    if (_unwritten.isEmpty() && !_wasCleared)
-        return true;
-    QElapsedTimer timer;
-    timer.start();
+    if (_writing || (_unwritten.isEmpty() && !_wasCleared))
+        return;
     if (FileStamp::ofFile(_path) != _stamp)
         read();
     if (_mustKeepCopy && keepCopyOfFile(_path).isNull())
-        return false;
+        return;
     _mustKeepCopy = false;
     QDir().mkpath(QFileInfo(_path).path());
-    if (!PropertyList::writeFile(contents(), _path))
-        return false;
-    _stamp = FileStamp::ofFile(_path);
-    _unwritten.clear();
-    _wasCleared = false;
-    _lastWriteDuration = timer.elapsed();
-    return true;
+
+    _writing = std::make_unique<Writing>();
+    _writing->changes = std::exchange(_unwritten, {});
+    _writing->clears = std::exchange(_wasCleared, false);
+    // The thread has this to itself until it has finished.
+    Writing *const writing = _writing.get();
+    writing->thread.reset(QThread::create([writing, path = _path, contents = contents()] {
+        QElapsedTimer timer;
+        timer.start();
+        writing->succeeded = PropertyList::writeFile(contents, path);
+        writing->stamp = FileStamp::ofFile(path);
+        writing->duration = timer.elapsed();
+    }));
+    connect(writing->thread.get(), &QThread::finished, this, &HistoryFile::finishWriting);
+    writing->thread->start();
+}
+
+// Waits for the thread, if there is one.
+void HistoryFile::finishWriting()
+{
+    if (!_writing)
+        return;
+    _writing->thread->wait();
+    const std::unique_ptr<Writing> finished = std::move(_writing);
+    finished->thread->disconnect(this);
+    if (finished->succeeded) {
+        _stamp = finished->stamp;
+        _lastWriteDuration = finished->duration;
+    } else {
+        _unwritten = finished->changes + _unwritten;
+        _wasCleared = _wasCleared || finished->clears;
+    }
+    // What failed is tried again with the next visit.
+    if (finished->succeeded && (!_unwritten.isEmpty() || _wasCleared))
+        writeLater();
 }
 
 void HistoryFile::ensureRead()
@@ -132,11 +169,11 @@ void HistoryFile::read()
     _entries.clear();
     _byAddress.clear();
     _stamp = FileStamp::ofFile(_path);
-    bool ok = false;
-    _otherKeys = PropertyList::readDictionaryFile(_path, &ok);
+    bool isWhole = false;
+    _otherKeys = PropertyList::readDictionaryFile(_path, nullptr, &isWhole);
     const QVariant entries = _otherKeys.take(entriesKey);
     const bool hasEntries = entries.typeId() == QMetaType::QVariantList;
-    _mustKeepCopy = _stamp && (!ok || (entries.isValid() && !hasEntries));
+    _mustKeepCopy = _stamp && (!isWhole || (entries.isValid() && !hasEntries));
     const QVariantList list = hasEntries && !_wasCleared ? entries.toList() : QVariantList();
     _byAddress.reserve(list.size());
     for (const QVariant &value : list) {

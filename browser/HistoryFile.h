@@ -6,15 +6,18 @@
 #include <QHash>
 #include <QObject>
 #include <QStringList>
+#include <QThread>
 #include <QTimer>
 #include <QVariantMap>
 #include <list>
+#include <memory>
 #include <optional>
 
 // The browser's history file: one entry per address, the latest visit first. Read when it is first needed and then kept
 // in memory. Visits are written together, about a second after the first of them; longer after it when the file is so
-// large that writing it takes long. A file that someone else has changed meanwhile is read again first, and the visits
-// are added to it; keys and entries that are not ours stay in it.
+// large that writing it takes long. A thread does the writing, so that a long history stops nobody. A file that someone
+// else has changed meanwhile is read again first, and the visits are added to it; keys and entries that are not ours
+// stay in it.
 class HistoryFile : public QObject
 {
     Q_OBJECT
@@ -43,8 +46,8 @@ public:
     int count();
     // Forgets every visit. Not to be taken back.
     void clear();
-    // Writes now what is not written yet. False, with the reason in the log, when it could not be written; it is then
-    // tried again with the next visit.
+    // Writes now what is not written yet, and waits for it. False, with the reason in the log, when it could not be
+    // written; it is then tried again with the next visit.
     bool flush();
 
 private:
@@ -62,6 +65,8 @@ private:
     void apply(const Change &change);
     QVariantMap contents() const;
     void writeLater();
+    void startWriting();
+    void finishWriting();
 
     QString _path;
     bool _isRead = false;
@@ -72,6 +77,17 @@ private:
     QHash<QString, Entries::iterator> _byAddress;
     QList<Change> _unwritten;
     bool _wasCleared = false;
+    // What the thread is about to write, and how that went; null while there is none.
+    struct Writing
+    {
+        std::unique_ptr<QThread> thread;
+        QList<Change> changes;
+        bool clears = false;
+        bool succeeded = false;
+        std::optional<FileStamp> stamp;
+        qint64 duration = 0; // milliseconds
+    };
+    std::unique_ptr<Writing> _writing;
     qint64 _lastWriteDuration = 0; // milliseconds
     QTimer _writeTimer;
 };

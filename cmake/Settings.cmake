@@ -14,10 +14,12 @@ if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER
         ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
         ${CCACHE})
-    add_compile_options(-fpch-preprocess)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_compile_options(-fpch-preprocess)
+    endif()
 endif()
 
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets UiTools Network Svg)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets UiTools Network Svg LinguistTools)
 if(WAYFOLD_TESTS)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 endif()
@@ -27,11 +29,17 @@ endif()
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(URIPARSER REQUIRED IMPORTED_TARGET liburiparser)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 
 add_compile_options(-Wall -Wextra -Werror)
 add_compile_definitions(QT_NO_FOREACH QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS)
 if(WAYFOLD_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -g1 -O1)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(WAYFOLD_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+                        -fno-omit-frame-pointer -g1 -O1)
     add_link_options(-fsanitize=address,undefined)
 endif()
 

@@ -4,11 +4,19 @@
 #include "platform/base/Log.h"
 #include "platform/files/KeptCopy.h"
 
+#include <algorithm>
+
+namespace
+{
+constexpr int mostSecondsBetweenTries = 64;
+}
+
 std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 {
     // Stamped first: a change that arrives while the file is read is then noticed before it is written over.
     _stamp = FileStamp::ofFile(_path);
     _holdsMore = false;
+    _isSaveOwed = false;
     if (!_stamp || !_stamp->isPlainFile)
         return nullptr;
     ItemFileReading reading;
@@ -18,6 +26,26 @@ std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 }
 
 bool ItemFileStore::save(const WayfoldBookmarkFolder &root)
+{
+    _isSaveOwed = !write(root);
+    _secondsBetweenTries = 1;
+    _secondsToNextTry = 1;
+    return !_isSaveOwed;
+}
+
+// Less and less often, since a try takes its time with a large tree and leaves a line in the log.
+void ItemFileStore::retrySave(const WayfoldBookmarkFolder &root)
+{
+    if (!_isSaveOwed || --_secondsToNextTry > 0)
+        return;
+    _isSaveOwed = !write(root);
+    _secondsBetweenTries = std::min(_secondsBetweenTries * 2, mostSecondsBetweenTries);
+    _secondsToNextTry = _secondsBetweenTries;
+    if (!_isSaveOwed)
+        qCWarning(logFiles) << _path << "is saved now";
+}
+
+bool ItemFileStore::write(const WayfoldBookmarkFolder &root)
 {
     if (!keepWhatWouldBeLost() || !root.writeDictionaryFile(_path))
         return false;

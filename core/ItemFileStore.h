@@ -21,7 +21,14 @@ public:
     // False, with the reason in the log, when the file could not be written, or not be copied aside first.
     bool save(const WayfoldBookmarkFolder &root);
 
+    // Whether the last save failed, so that the file does not hold the last changes.
+    bool isSaveOwed() const { return _isSaveOwed; }
+    // Called once a second: tries an owed save again, after a second at first, then less and less often, down to once
+    // in about a minute. Nothing happens while none is owed.
+    void retrySave(const WayfoldBookmarkFolder &root);
+
 private:
+    bool write(const WayfoldBookmarkFolder &root);
     bool keepWhatWouldBeLost();
 
     QString _path;
@@ -29,4 +36,7 @@ private:
     std::optional<FileStamp> _stamp;
     // Whether the file with that stamp holds more than was read from it.
     bool _holdsMore = false;
+    bool _isSaveOwed = false;
+    int _secondsBetweenTries = 1;
+    int _secondsToNextTry = 1;
 };

@@ -106,7 +106,10 @@ void KDRDrawerBundle::start()
     installHooks();
     tagSafariFiles();
 
-    QObject::connect(&_timer, &QTimer::timeout, &_timer, [this] { tagSafariFilesNextEvent(); });
+    QObject::connect(&_timer, &QTimer::timeout, &_timer, [this] {
+        _itemFile.retrySave(*_bookmarkRoot);
+        tagSafariFilesNextEvent();
+    });
     _timer.start(secondsBetweenChecks * 1000);
 }
 
@@ -192,8 +195,20 @@ void KDRDrawerBundle::adoptProvisionalBookmark(const ItemPtr &item)
 
 void KDRDrawerBundle::deleteBookmark(const ItemPtr &item)
 {
-    if (!item)
-        return;
+    if (item)
+        deleteBookmarks({item});
+}
+
+void KDRDrawerBundle::deleteBookmarks(const std::vector<ItemPtr> &items)
+{
+    for (const ItemPtr &item : items)
+        takeAway(item);
+    saveBookmarkFile();
+    updateAllDrawerContentsExceptFor(nullptr);
+}
+
+void KDRDrawerBundle::takeAway(const ItemPtr &item)
+{
     const FolderPtr parent = item->parent();
     // The drawer goes on showing a deleted site folder, now as a provisional one. It then has a new parent already, and
     // is taken away from the one that it had before.
@@ -201,8 +216,6 @@ void KDRDrawerBundle::deleteBookmark(const ItemPtr &item)
         _provisionalBookmarkRoot->addChild(item);
     if (parent)
         parent->removeChild(item); // may be the last to hold it: not to be used below
-    saveBookmarkFile();
-    updateAllDrawerContentsExceptFor(nullptr);
 }
 
 void KDRDrawerBundle::addSmartFoldersToTopLevel()
@@ -329,6 +342,8 @@ void KDRDrawerBundle::safariWindowBecameKey(const Notification &notification)
 void KDRDrawerBundle::safariWillTerminate(const Notification & /*notification*/)
 {
     _terminating = true;
+    if (_itemFile.isSaveOwed())
+        saveBookmarkFile();
 }
 
 void KDRDrawerBundle::updateDrawerForFrame(const std::shared_ptr<HostFrame> &frame)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ItemFileStore.h"
+#include "model/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/FileStamp.h"
 #include "platform/widgets/MenuItem.h"
@@ -66,7 +67,8 @@ public:
     QString bookmarkFilePath() const { return _itemFile.path(); }
     // Reads the item file; an empty tree and false when there is none or it cannot be read.
     bool loadBookmarkFile();
-    // Writes the item file, see ItemFileStore::save.
+    // Writes the item file, see ItemFileStore::save. When that fails it is tried again from time to time, and once more
+    // when the host quits; otherwise nothing is saved then.
     bool saveBookmarkFile();
 
     // ---- Provisional items: site folders that are shown but not saved
@@ -82,6 +84,8 @@ public:
 
     // Removes an item from its folder and saves. A folder at the top of the item file's tree becomes provisional.
     void deleteBookmark(const ItemPtr &item);
+    // The same for several, with one saving and one refreshing of the lists.
+    void deleteBookmarks(const std::vector<ItemPtr> &items);
     // Every top-level folder of both trees gets, or loses, its smart folders.
     void addSmartFoldersToTopLevel();
     void removeSmartFoldersFromTopLevel();
@@ -147,12 +151,16 @@ public:
     void handleNewSubFolderRequest(QObject *sender);
     void handleNewNoteRequest(QObject *sender);
     void handleNewEmailRequest(QObject *sender);
+    void handleCheckForNewReleaseRequest(QObject *sender);
+    void handleShowPrefsWindow(QObject *sender);
+    void handleShowAboutWindow(QObject *sender);
 
 private:
     KDRDrawerBundle();
 
     void start();
     void installHooks();
+    void takeAway(const ItemPtr &item);
 
     QPointer<QWidget> _menuInterface; // holds both containers
     QMenu *_mainMenuRef = nullptr;
@@ -166,6 +174,7 @@ private:
     FolderPtr _safariBookmarkRoot;
     std::optional<FileStamp> _safariHistoryFileModDate;
     FolderPtr _safariHistoryRoot;
+    HistoryReader _historyReader;
     QMutex _extSafariFileLock;
     bool _terminating = false;
     bool _prefsWindowOpen = false;

@@ -1,7 +1,9 @@
 // The store's menus and their commands.
 #include "core/KDRDrawerBundle.h"
 
+#include "core/MenuCommands.h"
 #include "core/SiteDrawer.h"
+#include "core/WayfoldAboutController.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "platform/host/CurrentHost.h"
@@ -30,6 +32,9 @@ const QHash<QString, Command> &commands()
         {QStringLiteral("handleNewSubFolderRequest:"), &KDRDrawerBundle::handleNewSubFolderRequest},
         {QStringLiteral("handleNewNoteRequest:"), &KDRDrawerBundle::handleNewNoteRequest},
         {QStringLiteral("handleNewEmailRequest:"), &KDRDrawerBundle::handleNewEmailRequest},
+        {QStringLiteral("handleCheckForNewReleaseRequest:"), &KDRDrawerBundle::handleCheckForNewReleaseRequest},
+        {QStringLiteral("handleShowPrefsWindow:"), &KDRDrawerBundle::handleShowPrefsWindow},
+        {QStringLiteral("handleShowAboutWindow:"), &KDRDrawerBundle::handleShowAboutWindow},
     };
     return table;
 }
@@ -213,6 +218,12 @@ bool KDRDrawerBundle::validateMenuItem(QAction *item)
         return !hostNameOfPage(controller).isEmpty();
     if (action == u"handleSwitchbackRequest:")
         return validateSwitchbackItem(item, controller);
+    if (action == u"handleCheckForNewReleaseRequest:")
+        return MenuCommands::hasHandler(MenuCommands::CheckForNewRelease);
+    if (action == u"handleShowPrefsWindow:")
+        return drawer && !_prefsWindowOpen && MenuCommands::hasHandler(MenuCommands::ShowPreferences);
+    if (action == u"handleShowAboutWindow:")
+        return true;
     return controller && controller->passValidateMenuItemToOutlineView(item);
 }
 
@@ -292,4 +303,19 @@ void KDRDrawerBundle::handleNewEmailRequest(QObject *sender)
 {
     if (SiteDrawerController *controller = controllerOf(frontDrawer()))
         controller->handleNewEmailRequest(sender);
+}
+
+void KDRDrawerBundle::handleCheckForNewReleaseRequest(QObject * /*sender*/)
+{
+    MenuCommands::perform(MenuCommands::CheckForNewRelease);
+}
+
+void KDRDrawerBundle::handleShowPrefsWindow(QObject * /*sender*/)
+{
+    MenuCommands::perform(MenuCommands::ShowPreferences);
+}
+
+void KDRDrawerBundle::handleShowAboutWindow(QObject * /*sender*/)
+{
+    WayfoldAboutController::displayAboutWindow();
 }

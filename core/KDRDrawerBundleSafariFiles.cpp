@@ -3,6 +3,7 @@
 
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
+#include "model/HistoryItems.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/Paths.h"
 #include "platform/files/PropertyList.h"
@@ -75,29 +76,27 @@ void KDRDrawerBundle::tagSafariFiles()
 
 bool KDRDrawerBundle::loadSafariBookmarkFile()
 {
-    ItemFileReading reading;
-    if (isPlainFile(safariBookmarkFilePath()))
-        _safariBookmarkRoot = WayfoldBookmarkFolder::readDictionaryFile(safariBookmarkFilePath(), &reading);
-    if (reading.readable)
-        _safariBookmarkRoot->setTitle(QStringLiteral("Bookmarks"));
-    else
-        _safariBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
-    return reading.readable;
+    const QString path = safariBookmarkFilePath();
+    _safariBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
+    if (!isPlainFile(path))
+        return false;
+    bool isDictionary = false;
+    const QVariantMap file = PropertyList::readDictionaryFile(path, &isDictionary);
+    if (!isDictionary)
+        return false;
+    _safariBookmarkRoot->loadFromDictionary(file);
+    _safariBookmarkRoot->setTitle(QStringLiteral("Bookmarks"));
+    return true;
 }
 
 bool KDRDrawerBundle::loadHistoryBookmarkFile()
 {
+    const std::shared_ptr<const HistoryRecords> records = _historyReader.read(safariHistoryFilePath());
     _safariHistoryRoot = std::make_shared<WayfoldBookmarkFolder>();
-    if (!isPlainFile(safariHistoryFilePath()))
-        return false;
-    bool isDictionary = false;
-    const QVariantMap file = PropertyList::readDictionaryFile(safariHistoryFilePath(), &isDictionary);
-    if (!isDictionary)
+    if (!records)
         return false;
     _safariHistoryRoot->setTitle(QStringLiteral("History"));
-    const QVariantList entries = file.value(QStringLiteral("WebHistoryDates")).toList();
-    for (const QVariant &entry : entries)
-        _safariHistoryRoot->parseHistoryDictionary(entry.toMap());
+    _safariHistoryRoot->setLazyChildren(std::make_shared<HistoryItems>(records));
     return true;
 }
 

@@ -5,6 +5,8 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "drawer/KDRDrawer.h"
 #include "drawer/WayfoldTabView.h"
+#include "lists/ListSearch.h"
+#include "lists/WayfoldBookmarkDataSource.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
 #include "lists/WayfoldHistoryDataSource.h"
 #include "lists/WayfoldHistoryOutlineView.h"
@@ -18,6 +20,7 @@
 #include "platform/widgets/InterfaceFile.h"
 
 #include <QAbstractButton>
+#include <QLineEdit>
 #include <algorithm>
 
 namespace
@@ -72,6 +75,16 @@ WayfoldScratchOutlineView *KDRDrawerController::scratchOutlineView() const
     return _scratchOutlineView;
 }
 
+WayfoldBookmarkOutlineView *KDRDrawerController::bookmarkOutlineView() const
+{
+    return _bookmarkOutlineView;
+}
+
+WayfoldHistoryOutlineView *KDRDrawerController::historyOutlineView() const
+{
+    return _historyOutlineView;
+}
+
 // --- Creation -------------------------------------------------------------------------------------------------------
 
 void KDRDrawerController::initForWindow(const std::shared_ptr<HostWindow> &window)
@@ -106,10 +119,8 @@ void KDRDrawerController::loadInterface()
     _drawer->setController(this);
     _drawer->setOutlineView(_scratchOutlineView);
     connectScratchpad(interface);
-    _bookmarkDataSource = std::make_unique<WayfoldOutlineViewDataSource>();
-    connectList(_bookmarkOutlineView, _bookmarkDataSource.get());
-    _historyDataSource = std::make_unique<WayfoldHistoryDataSource>();
-    connectList(_historyOutlineView, _historyDataSource.get());
+    connectBookmarks(interface);
+    connectHistory(interface);
     if (_tabView) {
         _tabView->willSelectTab = [this](const QString &identifier) { tabViewWillSelectTab(identifier); };
         _tabView->awakeFromNib();
@@ -153,6 +164,32 @@ void KDRDrawerController::connectScratchpad(const InterfaceFile &interface)
     connectRequest("handleDeleteItemRequest:", &WayfoldScratchDataSource::handleDeleteItemRequest);
     connectRequest("handleSwitchbackRequest:", &WayfoldScratchDataSource::handleSwitchbackRequest);
     source->awakeFromNib();
+}
+
+void KDRDrawerController::connectBookmarks(const InterfaceFile &interface)
+{
+    _bookmarkDataSource = std::make_unique<WayfoldBookmarkDataSource>(_bookmarkOutlineView);
+    WayfoldBookmarkDataSource *source = _bookmarkDataSource.get();
+    connectList(_bookmarkOutlineView, source);
+    source->awakeFromNib();
+    auto *field = interface.outlet<QLineEdit>(QStringLiteral("bookmarkSearchField"));
+    if (!field || !_bookmarkOutlineView)
+        return;
+    connect(field, &QLineEdit::textChanged, source, [source, field] { source->processSearchFilter(field); });
+    new ListSearch(field, _bookmarkOutlineView, _tabView);
+}
+
+void KDRDrawerController::connectHistory(const InterfaceFile &interface)
+{
+    _historyDataSource = std::make_unique<WayfoldHistoryDataSource>(_historyOutlineView);
+    WayfoldHistoryDataSource *source = _historyDataSource.get();
+    connectList(_historyOutlineView, source);
+    source->awakeFromNib();
+    auto *field = interface.outlet<QLineEdit>(QStringLiteral("historySearchField"));
+    if (!field || !_historyOutlineView)
+        return;
+    connect(field, &QLineEdit::textChanged, source, [source, field] { source->processSearchFilter(field); });
+    new ListSearch(field, _historyOutlineView, _tabView);
 }
 
 void KDRDrawerController::connectList(WayfoldOutlineView *view, WayfoldOutlineViewDataSource *source)

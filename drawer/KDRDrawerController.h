@@ -10,7 +10,9 @@
 
 class InterfaceFile;
 class KDRDrawer;
+class WayfoldBookmarkDataSource;
 class WayfoldBookmarkOutlineView;
+class WayfoldHistoryDataSource;
 class WayfoldHistoryOutlineView;
 class WayfoldOutlineView;
 class WayfoldOutlineViewDataSource;
@@ -34,7 +36,11 @@ public:
     KDRDrawer *drawer() const;
     WayfoldTabView *tabView() const;
     WayfoldScratchOutlineView *scratchOutlineView() const;
+    WayfoldBookmarkOutlineView *bookmarkOutlineView() const;
+    WayfoldHistoryOutlineView *historyOutlineView() const;
     WayfoldScratchDataSource *scratchDataSource() const { return _scratchDataSource.get(); }
+    WayfoldBookmarkDataSource *bookmarkDataSource() const { return _bookmarkDataSource.get(); }
+    WayfoldHistoryDataSource *historyDataSource() const { return _historyDataSource.get(); }
 
     bool drawerOpenedManually() const override { return _drawerOpenedManually; }
     void markDrawerAsOpenedManually(bool manually) override { _drawerOpenedManually = manually; }
@@ -85,6 +91,8 @@ private:
     void initForWindow(const std::shared_ptr<HostWindow> &window);
     void loadInterface();
     void connectScratchpad(const InterfaceFile &interface);
+    void connectBookmarks(const InterfaceFile &interface);
+    void connectHistory(const InterfaceFile &interface);
     void connectList(WayfoldOutlineView *view, WayfoldOutlineViewDataSource *source);
     void sizeDrawer();
     void observe(const HostWindow *window);
@@ -100,9 +108,9 @@ private:
     QPointer<WayfoldScratchOutlineView> _scratchOutlineView;
     std::unique_ptr<WayfoldScratchDataSource> _scratchDataSource;
     QPointer<WayfoldBookmarkOutlineView> _bookmarkOutlineView;
-    std::unique_ptr<WayfoldOutlineViewDataSource> _bookmarkDataSource;
+    std::unique_ptr<WayfoldBookmarkDataSource> _bookmarkDataSource;
     QPointer<WayfoldHistoryOutlineView> _historyOutlineView;
-    std::unique_ptr<WayfoldOutlineViewDataSource> _historyDataSource;
+    std::unique_ptr<WayfoldHistoryDataSource> _historyDataSource;
     QPointer<WayfoldTabView> _tabView;
     std::weak_ptr<HostFrame> _currentWebFrame;
     QRectF _parentWindowOriginalFrame;

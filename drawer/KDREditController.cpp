@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QWindow>
+#include <limits>
 
 namespace
 {
@@ -52,6 +53,9 @@ void KDREditController::loadInterface(const QString &name, const KDRBookmarkPtr 
         return;
     _editWindow->setAttribute(Qt::WA_QuitOnClose, false);
     connectButtons();
+    // A field would cut longer texts by itself, and the item with them.
+    for (QLineEdit *field : _editWindow->findChildren<QLineEdit *>())
+        field->setMaxLength(std::numeric_limits<int>::max());
     if (_titleField) {
         _titleField->setText(bookmark->title());
         _titleField->selectAll();

@@ -25,7 +25,7 @@ QStringList ItemMimeData::formats() const
     QStringList formats = _types;
     if (declares(PasteboardTypes::NSStringPboardType))
         formats.append(PasteboardTypes::plainText);
-    if (!addresses().isEmpty()) {
+    if (hasAddresses()) {
         formats.append(PasteboardTypes::uriList);
         formats.append(PasteboardTypes::mozillaUrl);
     }
@@ -55,6 +55,13 @@ QVariant ItemMimeData::retrieveData(const QString &mimeType, QMetaType /*type*/)
     if (!value.isValid())
         return {};
     return value.metaType() == QMetaType::fromType<QString>() ? value.toString().toUtf8() : PropertyList::toXml(value);
+}
+
+bool ItemMimeData::hasAddresses() const
+{
+    if (!_hasAddresses)
+        _hasAddresses = !addresses().isEmpty();
+    return *_hasAddresses;
 }
 
 // One item travels as a link with its title; several as dictionaries of items, or as files.

@@ -2,6 +2,7 @@
 
 #include <QMimeData>
 #include <functional>
+#include <optional>
 
 // Dragged items. The data of a type is made when somebody asks for it, from values as the pasteboard knows them
 // (a text, or a property list); the desktop's types are made from those.
@@ -30,6 +31,7 @@ protected:
 
 private:
     bool declares(const QString &type) const { return _types.contains(type); }
+    bool hasAddresses() const;
     // The addresses and titles of all dragged items that have an address.
     QStringList addresses() const;
     QStringList titles() const;
@@ -37,4 +39,6 @@ private:
 
     QStringList _types;
     Provider _provider;
+    // Whether there are addresses is asked at every move of a drag, and finding out may mean writing a large tree.
+    mutable std::optional<bool> _hasAddresses;
 };

@@ -2,11 +2,12 @@
 
 #include "lists/PageTitle.h"
 #include "lists/PasteboardTypes.h"
+#include "lists/SavedDepth.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
 #include "platform/files/Paths.h"
 
-#include <QFileInfo>
+#include <algorithm>
 
 namespace
 {
@@ -54,28 +55,39 @@ void ScratchpadDrop::adjustIndexFor(const KDRBookmark &item)
         --_index;
 }
 
-bool ScratchpadDrop::isInOrAboveTarget(const KDRBookmarkPtr &item) const
+bool ScratchpadDrop::canMove(const KDRBookmarkPtr &item) const
 {
-    return item == _target || _target->isChildOf(item);
+    const bool isInOrAboveTarget = item == _target || _target->isChildOf(item);
+    return !isInOrAboveTarget && SavedDepth::fits(*_target, *item);
 }
 
-void ScratchpadDrop::insert(const KDRBookmarkPtr &item)
+bool ScratchpadDrop::insert(const KDRBookmarkPtr &item)
 {
+    if (!SavedDepth::fits(*_target, *item))
+        return false;
     _target->addChildAtIndex(item, _index++);
     _droppedItems.push_back(item);
+    return true;
+}
+
+void ScratchpadDrop::move(const KDRBookmarkPtr &item)
+{
+    if (const WayfoldBookmarkFolderPtr parent = item->parent()) {
+        parent->removeChild(item);
+        if (std::find(_oldParents.cbegin(), _oldParents.cend(), parent) == _oldParents.cend())
+            _oldParents.push_back(parent);
+    }
+    insert(item);
 }
 
 bool ScratchpadDrop::moveItem(const DroppedData &data)
 {
     const QString uuid = data.stringForType(PasteboardTypes::KDRBookmark);
     const KDRBookmarkPtr item = uuid.isEmpty() ? nullptr : _root->findByUUID(uuid);
-    if (!item || isInOrAboveTarget(item))
+    if (!item || !canMove(item))
         return false;
     adjustIndexFor(*item);
-    _oldParent = item->parent();
-    if (_oldParent)
-        _oldParent->removeChild(item);
-    insert(item);
+    move(item);
     return true;
 }
 
@@ -87,11 +99,9 @@ bool ScratchpadDrop::moveItems(const DroppedData &data)
         if (!item)
             continue;
         adjustIndexFor(*item); // even for one that stays where it is
-        if (isInOrAboveTarget(item))
+        if (!canMove(item))
             continue;
-        if (const WayfoldBookmarkFolderPtr parent = item->parent())
-            parent->removeChild(item);
-        insert(item);
+        move(item);
     }
     return !uuids.isEmpty();
 }
@@ -132,8 +142,7 @@ bool ScratchpadDrop::addFromURL(const DroppedData &data)
     const Url url = DroppedData::urlFromText(data.stringForType(PasteboardTypes::NSURLPboardType));
     if (url.isNull())
         return false;
-    insert(WayfoldBookmarkURL::bookmarkWithTitleAndURL(PageTitle::forURL(url), url));
-    return true;
+    return insert(WayfoldBookmarkURL::bookmarkWithTitleAndURL(PageTitle::forURL(url), url));
 }
 
 bool ScratchpadDrop::addFiles(const DroppedData &data)
@@ -155,6 +164,5 @@ bool ScratchpadDrop::addNote(const DroppedData &data)
     const QString text = data.stringForType(PasteboardTypes::NSStringPboardType);
     if (text.isEmpty())
         return false;
-    insert(WayfoldBookmarkNote::bookmarkWithTitleAndNote(noteTitle(text), text));
-    return true;
+    return insert(WayfoldBookmarkNote::bookmarkWithTitleAndNote(noteTitle(text), text));
 }

@@ -20,8 +20,8 @@ public:
 
     // What was moved or made, in order.
     const std::vector<KDRBookmarkPtr> &droppedItems() const { return _droppedItems; }
-    // The folder that a single item was moved out of; none for every other drop.
-    const WayfoldBookmarkFolderPtr &oldParent() const { return _oldParent; }
+    // The folders that items were moved out of, each once.
+    const std::vector<WayfoldBookmarkFolderPtr> &oldParents() const { return _oldParents; }
 
 private:
     bool moveItem(const DroppedData &data);
@@ -35,12 +35,15 @@ private:
 
     // Taking an item out before the place in its own folder moves the place up.
     void adjustIndexFor(const KDRBookmark &item);
-    bool isInOrAboveTarget(const KDRBookmarkPtr &item) const;
-    void insert(const KDRBookmarkPtr &item);
+    bool canMove(const KDRBookmarkPtr &item) const;
+    // False when the item would lie too deep to be saved; it is left out then.
+    bool insert(const KDRBookmarkPtr &item);
+    // Takes an item that can be moved out of its folder and inserts it.
+    void move(const KDRBookmarkPtr &item);
 
     WayfoldBookmarkFolderPtr _root;
     WayfoldBookmarkFolderPtr _target;
     int _index;
     std::vector<KDRBookmarkPtr> _droppedItems;
-    WayfoldBookmarkFolderPtr _oldParent;
+    std::vector<WayfoldBookmarkFolderPtr> _oldParents;
 };

@@ -1,94 +1,36 @@
 #include "lists/WayfoldHistoryDataSource.h"
 
-#include "model/WayfoldBookmarkFolder.h"
-#include "model/WayfoldHistoryURL.h"
+#include "core/KDRDrawerBundle.h"
+#include "core/Notifications.h"
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "lists/HistoryEntries.h"
+#include "lists/HistoryGrouping.h"
+#include "lists/HistoryMatches.h"
+#include "lists/WayfoldHistoryOutlineView.h"
+#include "model/TextSearch.h"
 
-#include <QHash>
-#include <QLocale>
+#include <QLineEdit>
+#include <utility>
 
 namespace
 {
-// The folders of one grouping, found by title without walking through their parent's children each time.
-class FolderFinder
+using Level = HistoryGrouping::Level;
+
+// None for a style that is not one.
+std::optional<std::vector<Level>> levelsOfStyle(const QString &style)
 {
-public:
-    // The first sub-folder of that title, made when there is none; a new one gets the time stamp, if that is valid.
-    WayfoldBookmarkFolderPtr findOrMake(const WayfoldBookmarkFolderPtr &parent, const QString &title,
-                                        const CalendarDate &timestamp = CalendarDate())
-    {
-        QHash<QString, WayfoldBookmarkFolderPtr> &known = foldersIn(parent);
-        const auto found = known.constFind(title);
-        if (found != known.constEnd())
-            return *found;
-        auto folder = WayfoldBookmarkFolder::bookmarkWithTitle(title);
-        if (timestamp.isValid())
-            folder->setTimestamp(timestamp);
-        parent->addChild(folder);
-        known.insert(title, folder);
-        return folder;
-    }
-
-private:
-    QHash<QString, WayfoldBookmarkFolderPtr> &foldersIn(const WayfoldBookmarkFolderPtr &parent)
-    {
-        const auto found = _folders.find(parent.get());
-        if (found != _folders.end())
-            return *found;
-        QHash<QString, WayfoldBookmarkFolderPtr> &known = _folders[parent.get()];
-        for (const KDRBookmarkPtr &child : parent->children()) {
-            const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child);
-            if (folder && !known.contains(folder->title()))
-                known.insert(folder->title(), folder);
-        }
-        return known;
-    }
-
-    QHash<const WayfoldBookmarkFolder *, QHash<QString, WayfoldBookmarkFolderPtr>> _folders;
-};
-
-enum class Level { Day, Site };
-
-QString dayOf(const WayfoldHistoryURL &entry)
-{
-    return QLocale().toString(entry.lastVisitedDate().date(), QLocale::ShortFormat);
-}
-
-// None for an entry that the style leaves out.
-WayfoldBookmarkFolderPtr folderForEntry(const WayfoldHistoryURL &entry, const WayfoldBookmarkFolderPtr &root,
-                                        const std::vector<Level> &levels, FolderFinder &finder)
-{
-    const bool needsSite = std::find(levels.begin(), levels.end(), Level::Site) != levels.end();
-    if (!entry.lastVisitedDate().isValid() || (needsSite && entry.trackedHostName().isEmpty()))
-        return nullptr;
-    WayfoldBookmarkFolderPtr folder = root;
-    for (const Level level : levels) {
-        folder = level == Level::Day ? finder.findOrMake(folder, dayOf(entry), entry.lastVisitedDate())
-                                     : finder.findOrMake(folder, entry.trackedHostName());
-    }
-    return folder;
-}
-
-void sortLevel(WayfoldBookmarkFolder &folder, Level level)
-{
-    folder.removeEmptySubfolders();
-    if (level == Level::Day)
-        folder.sortChildrenByTimestampDescending();
-    else
-        folder.sortChildrenByTitle();
-}
-
-// Outside in. None when the style has no folders.
-std::vector<Level> levelsOfStyle(const QString &style)
-{
+    if (style == u"0")
+        return std::vector<Level>();
     if (style == u"1")
-        return {Level::Day};
+        return std::vector<Level>{Level::Day};
     if (style == u"2")
-        return {Level::Day, Level::Site};
+        return std::vector<Level>{Level::Day, Level::Site};
     if (style == u"3")
-        return {Level::Site};
+        return std::vector<Level>{Level::Site};
     if (style == u"4")
-        return {Level::Site, Level::Day};
-    return {};
+        return std::vector<Level>{Level::Site, Level::Day};
+    return std::nullopt;
 }
 } // namespace
 
@@ -97,29 +39,155 @@ void WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingS
 {
     if (!into)
         return;
-    into->removeAllLeafChildren();
-    if (!from)
+    const std::optional<std::vector<Level>> levels = levelsOfStyle(style);
+    if (from && levels)
+        HistoryGrouping(HistoryEntries::ofFolder(*from), *levels).fill(into);
+    else
+        into->removeAllLeafChildren();
+}
+
+WayfoldHistoryDataSource::WayfoldHistoryDataSource(WayfoldHistoryOutlineView *view) : _historyOutlineView(view) {}
+
+WayfoldHistoryDataSource::~WayfoldHistoryDataSource()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    if (_historyOutlineView)
+        _historyOutlineView->setOutlineDataSource(nullptr);
+}
+
+void WayfoldHistoryDataSource::awakeFromNib()
+{
+    _historyBookmarkRoot.reset();
+    _listIsFiltered = false;
+    _lastFilterString = QString();
+    _oldGroupingStyle = QString();
+    _dataIsLoaded = false;
+    _rootBeforeSearch.reset();
+    _openBeforeSearch.clear();
+    if (_historyOutlineView)
+        _historyOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_historyOutlineView); };
+}
+
+WayfoldOutlineView *WayfoldHistoryDataSource::myOutlineView() const
+{
+    return _historyOutlineView;
+}
+
+// --- Grouping -------------------------------------------------------------------------------------------------------
+
+void WayfoldHistoryDataSource::ensureDataLoaded()
+{
+    if (_dataIsLoaded)
         return;
-    const std::vector<KDRBookmarkPtr> entries = from->children();
-    if (style == u"0") {
-        for (const KDRBookmarkPtr &entry : entries)
-            into->addChild(entry);
+    parseHistoryBookmarks();
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification &notification) { safariHistoryUpdated(notification); },
+        Notifications::SafariHistoryFileModNotification);
+    _dataIsLoaded = true;
+}
+
+void WayfoldHistoryDataSource::parseHistoryBookmarks()
+{
+    const QString style = WayfoldDefaults::sharedInstance().historyGroupingStyle();
+    const std::lock_guard<std::mutex> guard(_parsingHistoryLock);
+    if (!_historyBookmarkRoot) {
+        _historyBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
+        _oldGroupingStyle = style;
+    } else if (_oldGroupingStyle.isNull() || style != _oldGroupingStyle) {
+        _oldGroupingStyle = style;
+        _historyBookmarkRoot->removeAllChildren();
+    }
+    regroupIntoRoot(style);
+    deselectAllItems();
+    reloadList();
+}
+
+void WayfoldHistoryDataSource::regroupIntoRoot(const QString &style)
+{
+    regroupBookmarksFromFolderIntoFolderWithGroupingStyle(KDRDrawerBundle::sharedInstance().historyBookmarkRoot(),
+                                                          _historyBookmarkRoot, style);
+}
+
+void WayfoldHistoryDataSource::safariHistoryUpdated(const Notification & /*notification*/)
+{
+    if (_listIsFiltered) {
+        filterList();
         return;
     }
-    const std::vector<Level> levels = levelsOfStyle(style);
-    if (levels.empty())
+    if (_historyOutlineView)
+        _historyOutlineView->prepForReloadData();
+    parseHistoryBookmarks();
+}
+
+void WayfoldHistoryDataSource::reloadList()
+{
+    if (!_historyOutlineView)
         return;
-    FolderFinder finder;
-    for (const KDRBookmarkPtr &item : entries) {
-        const auto entry = std::dynamic_pointer_cast<WayfoldHistoryURL>(item);
-        if (const auto folder = entry ? folderForEntry(*entry, into, levels, finder) : nullptr)
-            folder->addChild(entry);
+    _historyOutlineView->setPlaceholderText(
+        WayfoldToolkit::localizedString(_listIsFiltered ? QStringLiteral("No Matches") : QStringLiteral("No History")));
+    _historyOutlineView->reloadData();
+}
+
+// --- Searching ------------------------------------------------------------------------------------------------------
+
+void WayfoldHistoryDataSource::processSearchFilter(const QLineEdit *sender)
+{
+    _lastFilterString = sender->text();
+    filterList();
+    if (_historyOutlineView)
+        _historyOutlineView->scrollToTop();
+}
+
+void WayfoldHistoryDataSource::filterList()
+{
+    const std::lock_guard<std::mutex> guard(_filteringHistoryLock);
+    if (_historyOutlineView)
+        _historyOutlineView->prepForReloadData();
+    if (!_lastFilterString.isEmpty()) {
+        showMatches();
+    } else if (_listIsFiltered) {
+        _listIsFiltered = false;
+        showGroupsAgain();
     }
-    sortLevel(*into, levels.front());
-    if (levels.size() == 1)
+}
+
+void WayfoldHistoryDataSource::showMatches()
+{
+    if (!_listIsFiltered) {
+        _rootBeforeSearch = _historyBookmarkRoot;
+        if (_historyOutlineView)
+            _openBeforeSearch = _historyOutlineView->getExpandedItemsUUIDList();
+        _historyBookmarkRoot = WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral(""));
+        _listIsFiltered = true;
+    }
+    fillRootFromMatches();
+    deselectAllItems();
+    reloadList();
+}
+
+void WayfoldHistoryDataSource::fillRootFromMatches()
+{
+    const WayfoldBookmarkFolderPtr history = KDRDrawerBundle::sharedInstance().historyBookmarkRoot();
+    const TextSearch search(_lastFilterString);
+    _historyBookmarkRoot->removeAllChildren();
+    if (HistoryItems::ofFolder(*history)) {
+        _historyBookmarkRoot->setLazyChildren(std::make_shared<HistoryMatches>(*history, search));
         return;
-    for (const KDRBookmarkPtr &child : into->children()) {
-        if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child))
-            sortLevel(*folder, levels.back());
     }
+    for (const KDRBookmarkPtr &match : history->bookmarksWithSubstring(_lastFilterString))
+        _historyBookmarkRoot->addChild(match->copy());
+}
+
+// The folder of the matches becomes that of the groups, with the folders that it has for them already.
+void WayfoldHistoryDataSource::showGroupsAgain()
+{
+    _historyBookmarkRoot->removeAllChildren();
+    const WayfoldBookmarkFolderPtr before = std::exchange(_rootBeforeSearch, nullptr);
+    for (const KDRBookmarkPtr &child : before ? before->madeChildren() : std::vector<KDRBookmarkPtr>()) {
+        if (child->isFolder())
+            _historyBookmarkRoot->addChild(child);
+    }
+    parseHistoryBookmarks();
+    if (_historyOutlineView)
+        _historyOutlineView->reexpandItemsFromUUIDList(std::exchange(_openBeforeSearch, {}));
 }

@@ -11,6 +11,7 @@
 #include <QFontMetricsF>
 #include <QHash>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
 #include <algorithm>
@@ -18,6 +19,7 @@
 namespace
 {
 constexpr qreal rowGap = 3;
+constexpr QMargins placeholderMargins(16, 24, 16, 24);
 
 const QString resolveAction = QStringLiteral("handleResolveBookmarkRequest:");
 const QString openInTabsAction = QStringLiteral("handleOpenBookmarksInTabsRequest:");
@@ -137,6 +139,24 @@ QFont WayfoldOutlineView::currentListViewFont() const
     return _listViewFont.value_or(font());
 }
 
+void WayfoldOutlineView::setPlaceholderText(const QString &text)
+{
+    _placeholderText = text;
+    viewport()->update();
+}
+
+void WayfoldOutlineView::paintEvent(QPaintEvent *event)
+{
+    OutlineView::paintEvent(event);
+    if (_placeholderText.isEmpty() || numberOfRows() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setFont(currentListViewFont());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().marginsRemoved(placeholderMargins), Qt::AlignHCenter | Qt::TextWordWrap,
+                     _placeholderText);
+}
+
 QMenu *WayfoldOutlineView::defaultMenu()
 {
     return KDRDrawerBundle::sharedInstance().menu();
@@ -178,7 +198,7 @@ void WayfoldOutlineView::prepForReloadData()
 void WayfoldOutlineView::reloadData()
 {
     const bool hasMemory = _savedUUIDExpansions || _savedUUIDSelections;
-    const std::vector<KDRBookmarkPtr> expanded = hasMemory ? std::vector<KDRBookmarkPtr>() : expandedItems();
+    const std::vector<KDRBookmarkPtr> expanded = hasMemory ? std::vector<KDRBookmarkPtr>() : expandedFolders();
     const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
     const int scrollPosition = verticalScrollBar()->value();
 
@@ -195,16 +215,14 @@ void WayfoldOutlineView::reloadData()
     verticalScrollBar()->setValue(scrollPosition);
 }
 
-std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedItems() const
+std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedFolders() const
 {
-    std::vector<KDRBookmarkPtr> items;
-    const int rows = numberOfRows();
-    for (int row = 0; row < rows; ++row) {
-        KDRBookmarkPtr item = itemInRow(row);
-        if (item && item->isFolder() && isItemExpanded(item))
-            items.push_back(std::move(item));
+    std::vector<KDRBookmarkPtr> folders;
+    for (const OutlineItemPtr &item : expandedItems()) {
+        if (KDRBookmarkPtr folder = std::static_pointer_cast<KDRBookmark>(item); folder->isFolder())
+            folders.push_back(std::move(folder));
     }
-    return items;
+    return folders;
 }
 
 // Folders come before what is in them. One that collects its contents must have done so before it is opened.
@@ -218,14 +236,13 @@ void WayfoldOutlineView::expandItems(const std::vector<KDRBookmarkPtr> &items)
 
 void WayfoldOutlineView::selectItems(const std::vector<KDRBookmarkPtr> &items)
 {
-    for (const KDRBookmarkPtr &item : items)
-        selectItem(item);
+    selectRowsOfItems({items.cbegin(), items.cend()});
 }
 
 QStringList WayfoldOutlineView::getExpandedItemsUUIDList() const
 {
     QStringList uuids;
-    for (const KDRBookmarkPtr &item : expandedItems())
+    for (const KDRBookmarkPtr &item : expandedFolders())
         uuids.append(item->uuid());
     return uuids;
 }
@@ -238,15 +255,25 @@ QStringList WayfoldOutlineView::getSelectedItemsUUIDList() const
     return uuids;
 }
 
+// All are looked up in one walk over the tree. What stands in a smart folder that fills itself only when it is opened
+// is found by the next walk.
 void WayfoldOutlineView::reexpandItemsFromUUIDList(const QStringList &uuids)
 {
     const WayfoldBookmarkFolderPtr root = _delegate ? _delegate->localRootFolder() : nullptr;
     if (!root)
         return;
-    for (const QString &uuid : uuids) {
-        if (const KDRBookmarkPtr item = root->findByUUID(uuid))
-            expandItems({item});
-    }
+    QStringList missing = uuids;
+    qsizetype before = 0;
+    do {
+        before = missing.size();
+        const QHash<QString, KDRBookmarkPtr> items = root->itemsWithUUIDs(missing);
+        for (const QString &uuid : std::exchange(missing, {})) {
+            if (const KDRBookmarkPtr item = items.value(uuid))
+                expandItems({item});
+            else
+                missing.append(uuid);
+        }
+    } while (!missing.isEmpty() && missing.size() < before);
 }
 
 void WayfoldOutlineView::reselectItemsFromUUIDList(const QStringList &uuids)
@@ -254,8 +281,11 @@ void WayfoldOutlineView::reselectItemsFromUUIDList(const QStringList &uuids)
     const WayfoldBookmarkFolderPtr root = _delegate ? _delegate->localRootFolder() : nullptr;
     if (!root)
         return;
+    const QHash<QString, KDRBookmarkPtr> items = root->itemsWithUUIDs(uuids);
+    std::vector<KDRBookmarkPtr> found;
     for (const QString &uuid : uuids)
-        selectItem(root->findByUUID(uuid));
+        found.push_back(items.value(uuid));
+    selectItems(found);
 }
 
 // --- Tool tips ------------------------------------------------------------------------------------------------------

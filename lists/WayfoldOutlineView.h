@@ -35,6 +35,9 @@ public:
     virtual void awakeFromNib();
     void handleChangeOfFontNotify(const Notification &notification);
     QFont currentListViewFont() const;
+    // What stands in the list, quietly, while it has no rows; null for nothing.
+    void setPlaceholderText(const QString &text);
+    QString placeholderText() const { return _placeholderText; }
     // The menu of every list.
     static QMenu *defaultMenu();
     // Selects the row under the pointer, unless it is part of the selection already.
@@ -95,6 +98,7 @@ protected:
     // Sets up font, row height and tool tips; run by awakeFromNib.
     void initialize();
     void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     Qt::DropAction runDrag(QDrag *drag) override;
 
     KDRBookmarkPtr itemInRow(int row) const;
@@ -106,12 +110,13 @@ private:
     bool allSelectedItems(Predicate qualifies) const;
     bool validateOpenItem(QAction *item) const;
     bool validateOpenInTabsItem(QAction *item) const;
-    std::vector<KDRBookmarkPtr> expandedItems() const;
+    std::vector<KDRBookmarkPtr> expandedFolders() const;
     void expandItems(const std::vector<KDRBookmarkPtr> &items);
     void selectItems(const std::vector<KDRBookmarkPtr> &items);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip
+    QString _placeholderText;
     std::optional<QFont> _listViewFont;
     std::mutex _listViewFontLock;
     std::optional<QStringList> _savedUUIDSelections;

@@ -175,6 +175,26 @@ OutlineItemPtr WayfoldOutlineViewDataSource::outlineViewChildOfItem(OutlineView 
     return folder->childAtIndex(unsigned(index));
 }
 
+bool WayfoldOutlineViewDataSource::outlineViewMakesChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
+    return folder && folder->lazyChildren();
+}
+
+bool WayfoldOutlineViewDataSource::outlineViewIsChildExpandable(OutlineView & /*view*/, int index,
+                                                                const OutlineItemPtr &item)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
+    return folder && unsigned(index) < folder->childCount() && folder->isFolderAtIndex(unsigned(index));
+}
+
+OutlineItemPtr WayfoldOutlineViewDataSource::outlineViewMadeChildOfItem(OutlineView & /*view*/, int index,
+                                                                        const OutlineItemPtr &item)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
+    return folder ? folder->madeChildAtIndex(unsigned(index)) : nullptr;
+}
+
 QString WayfoldOutlineViewDataSource::outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item)
 {
     const KDRBookmarkPtr shown = itemOrRoot(item);

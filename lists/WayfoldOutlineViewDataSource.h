@@ -38,6 +38,9 @@ public:
     int outlineViewNumberOfChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) override;
     bool outlineViewIsItemExpandable(OutlineView &view, const OutlineItemPtr &item) override;
     OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override;
+    bool outlineViewMakesChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) override;
+    bool outlineViewIsChildExpandable(OutlineView &view, int index, const OutlineItemPtr &item) override;
+    OutlineItemPtr outlineViewMadeChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override;
     QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) override;
     void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) override;
     // Never: titles are changed in the dialogs.

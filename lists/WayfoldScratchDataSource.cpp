@@ -19,6 +19,7 @@
 #include "platform/widgets/Image.h"
 
 #include <QAbstractButton>
+#include <algorithm>
 
 namespace
 {
@@ -311,8 +312,7 @@ void WayfoldScratchDataSource::handleDeleteItemRequest(QObject * /*sender*/)
     if (items.empty() || !confirmDelete(items))
         return;
     deselectAllItems();
-    for (const KDRBookmarkPtr &item : items)
-        KDRDrawerBundle::sharedInstance().deleteBookmark(item);
+    KDRDrawerBundle::sharedInstance().deleteBookmarks(items);
     saveScratchBookmarkRoot();
 }
 
@@ -351,13 +351,12 @@ void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notifica
 {
     if (!_scratchOutlineView || !_scratchBookmarkRoot)
         return;
-    const std::vector<KDRBookmarkPtr> selected = _scratchOutlineView->selectedItemList();
+    const QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
     const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();
     for (const KDRBookmarkPtr &child : children)
         refresh(child);
     _scratchOutlineView->reloadData();
-    for (const KDRBookmarkPtr &item : selected)
-        _scratchOutlineView->selectItem(_scratchBookmarkRoot->findByUUID(item->uuid()));
+    _scratchOutlineView->reselectItemsFromUUIDList(selected);
 }
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
@@ -400,11 +399,11 @@ bool WayfoldScratchDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, con
     if (!drop.accept(DroppedData(data)))
         return false;
 
-    const WayfoldBookmarkFolderPtr oldParent = drop.oldParent();
-    if (oldParent)
-        _scratchOutlineView->reloadItem(oldParent == _scratchBookmarkRoot ? nullptr : oldParent, true);
-    if (oldParent != folder)
-        _scratchOutlineView->reloadItem(target.item, true);
+    std::vector<WayfoldBookmarkFolderPtr> changed = drop.oldParents();
+    if (std::find(changed.cbegin(), changed.cend(), folder) == changed.cend())
+        changed.push_back(folder);
+    for (const WayfoldBookmarkFolderPtr &each : changed)
+        _scratchOutlineView->reloadItem(each == _scratchBookmarkRoot ? nullptr : each, true);
     const std::shared_ptr<HostWindow> window = _drawer ? _drawer->parentWindow() : nullptr;
     KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(window.get());
     if (!drop.droppedItems().empty()) {

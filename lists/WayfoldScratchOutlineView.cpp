@@ -4,6 +4,7 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "lists/PasteboardTypes.h"
+#include "lists/SavedDepth.h"
 #include "lists/WayfoldOutlineViewDelegate.h"
 #include "lists/WayfoldSitePopupButton.h"
 #include "model/WayfoldBookmarkEmail.h"
@@ -48,11 +49,17 @@ QStringList folderTitles(const WayfoldBookmarkFolder &root)
     return titles;
 }
 
-void replaceFirstPlaceholder(QString &text, const QString &value)
+// The values in turn for each "%@"; a translation that needs only some of them says which, as in "%2$@".
+QString filledIn(QString format, const QStringList &values)
 {
-    const qsizetype at = text.indexOf(QLatin1String("%@"));
-    if (at >= 0)
-        text.replace(at, 2, value);
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        for (const QString &placeholder : {QStringLiteral("%@"), QStringLiteral("%%1$@").arg(i + 1)}) {
+            const qsizetype at = format.indexOf(placeholder);
+            if (at >= 0)
+                format.replace(at, placeholder.size(), values.at(i));
+        }
+    }
+    return format;
 }
 
 // A site folder that is only shown becomes part of the tree with what is put into it, whichever site is shown by then.
@@ -209,8 +216,8 @@ void WayfoldScratchOutlineView::createItem(NewItemMaker newViaDialog)
         return;
     const std::shared_ptr<const void> keeper = delegate()->keptAlive();
     const InsertionPoint place = insertionPoint();
-    // What is put into a smart folder would not be saved.
-    if (!place.folder || !place.folder->canBePersistent())
+    // What is put into a smart folder, or too deep down, would not be saved.
+    if (!place.folder || !place.folder->canBePersistent() || !SavedDepth::hasRoom(*place.folder))
         return;
     const bool inRoot = place.folder == delegate()->localRootFolder();
     const KDRBookmarkPtr item = newViaDialog();
@@ -247,8 +254,7 @@ void WayfoldScratchOutlineView::handleSendEmailRequest(QObject * /*sender*/)
 
 void WayfoldScratchOutlineView::keyPressEvent(QKeyEvent *event)
 {
-    const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-    if (!isPlain || !selectedItem()) {
+    if (!selectedItem()) {
         WayfoldOutlineView::keyPressEvent(event);
         return;
     }
@@ -285,11 +291,9 @@ bool WayfoldScratchOutlineView::validateEditItem(QAction *item) const
 
 bool WayfoldScratchOutlineView::validateDeleteItem(QAction *item) const
 {
-    QString title = localized("Delete Item%@%@");
-    for (const char *part :
-         {selectedItemCount() >= 2 ? "s" : "", WayfoldDefaults::sharedInstance().confirmItemDelete() ? "..." : ""})
-        replaceFirstPlaceholder(title, QLatin1String(part));
-    item->setText(title);
+    const QString plural = selectedItemCount() >= 2 ? QStringLiteral("s") : QString();
+    const QString question = WayfoldDefaults::sharedInstance().confirmItemDelete() ? QStringLiteral("...") : QString();
+    item->setText(filledIn(localized("Delete Item%@%@"), {plural, question}));
     return allSelectedItemsAreDeletable();
 }
 

@@ -11,6 +11,9 @@
 
 WayfoldSitePopupButton::WayfoldSitePopupButton(QWidget *parent) : QComboBox(parent)
 {
+    // As wide as there is room, whatever the sites are called.
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(1);
     connect(this, &QComboBox::currentIndexChanged, this,
             [this](int index) { _title = index < 0 ? QString() : itemText(index); });
     connect(this, &QComboBox::activated, this, &WayfoldSitePopupButton::siteChangeRequested);

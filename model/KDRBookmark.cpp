@@ -1,13 +1,22 @@
 #include "model/KDRBookmark.h"
 
-#include "core/settings/WayfoldToolkit.h"
 #include "model/ItemDictionary.h"
+#include "model/TextSearch.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/StringRules.h"
 #include "platform/widgets/Image.h"
 #include "platform/widgets/Workspace.h"
 
 #include <QUuid>
+#include <utility>
+
+namespace
+{
+QString freshUUID()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+} // namespace
 
 KDRBookmark::KDRBookmark()
 {
@@ -25,16 +34,22 @@ KDRBookmarkPtr KDRBookmark::bookmarkWithTitle(const QString &title)
 
 void KDRBookmark::init()
 {
-    _title = QString();
+    setTitle(QString());
     _parent.reset();
-    _timestamp = CalendarDate::currentDateTime();
-    createUUID();
+    _timestamp = QDateTime::currentMSecsSinceEpoch();
+    _isUUIDDue = true;
 }
 
 void KDRBookmark::initWithTitle(const QString &title)
 {
     init();
+    setTitle(title);
+}
+
+void KDRBookmark::setTitle(const QString &title)
+{
     _title = title;
+    searchedTextChanged();
 }
 
 KDRBookmarkPtr KDRBookmark::initializeFromDictionary(const QVariantMap &dictionary)
@@ -45,8 +60,31 @@ KDRBookmarkPtr KDRBookmark::initializeFromDictionary(const QVariantMap &dictiona
 
 QString KDRBookmark::createUUID()
 {
-    _uuid = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    setUUID(freshUUID());
     return _uuid;
+}
+
+QString KDRBookmark::uuid() const
+{
+    if (std::exchange(_isUUIDDue, false))
+        _uuid = freshUUID();
+    return _uuid;
+}
+
+void KDRBookmark::setUUID(const QString &uuid)
+{
+    _uuid = uuid;
+    _isUUIDDue = false;
+}
+
+CalendarDate KDRBookmark::timestamp() const
+{
+    return _timestamp == noTimestamp ? CalendarDate() : CalendarDate::fromMSecsSinceEpoch(_timestamp);
+}
+
+void KDRBookmark::setTimestamp(const CalendarDate &timestamp)
+{
+    _timestamp = timestamp.isValid() ? timestamp.toMSecsSinceEpoch() : noTimestamp;
 }
 
 void KDRBookmark::setParent(const KDRBookmarkPtr &parent)
@@ -62,7 +100,7 @@ void KDRBookmark::setValue(const QVariant &value)
 
 KDRBookmarkPtr KDRBookmark::findByUUID(const QString &uuid)
 {
-    return !uuid.isNull() && ItemDictionary::isSameText(_uuid, uuid) ? shared_from_this() : nullptr;
+    return !uuid.isNull() && ItemDictionary::isSameText(this->uuid(), uuid) ? shared_from_this() : nullptr;
 }
 
 bool KDRBookmark::isChildOf(const KDRBookmarkPtr &item) const
@@ -94,21 +132,29 @@ bool KDRBookmark::canBePersistent() const
     return !folder || folder->canBePersistent();
 }
 
+bool KDRBookmark::matches(const TextSearch &search) const
+{
+    // No text that is searched for holds a NUL, so none is found across the two.
+    if (_searchForm.isNull())
+        _searchForm = StringRules::searchForm(title() + QChar::Null + searchedText());
+    return search.isFoundInSearchForm(_searchForm);
+}
+
 bool KDRBookmark::matchesSubstring(const QString &substring) const
 {
-    return WayfoldToolkit::stringContainsString(title(), substring);
+    return matches(TextSearch(substring));
 }
 
 std::vector<KDRBookmarkPtr> KDRBookmark::bookmarksWithSubstring(const QString &substring)
 {
     std::vector<KDRBookmarkPtr> found;
-    appendBookmarksWithSubstring(substring, found);
+    appendMatches(TextSearch(substring), found);
     return found;
 }
 
-void KDRBookmark::appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found)
+void KDRBookmark::appendMatches(const TextSearch &search, std::vector<KDRBookmarkPtr> &found)
 {
-    if (matchesSubstring(substring))
+    if (matches(search))
         found.push_back(shared_from_this());
 }
 
@@ -119,11 +165,8 @@ int KDRBookmark::titleComparator(const KDRBookmark &other) const
 
 int KDRBookmark::timestampAscendingComparator(const KDRBookmark &other) const
 {
-    if (!_timestamp.isValid() || !other._timestamp.isValid())
-        return int(_timestamp.isValid()) - int(other._timestamp.isValid());
-    if (_timestamp == other._timestamp)
-        return 0;
-    return _timestamp < other._timestamp ? -1 : 1;
+    // None is less than any other.
+    return int(_timestamp > other._timestamp) - int(_timestamp < other._timestamp);
 }
 
 int KDRBookmark::timestampDescendingComparator(const KDRBookmark &other) const
@@ -159,7 +202,7 @@ KDRBookmarkPtr KDRBookmark::copy() const
 bool KDRBookmark::isEqual(const KDRBookmark &other) const
 {
     return isSameKindAs(other) && ItemDictionary::isSameText(title(), other.title()) &&
-           ItemDictionary::isSameText(_uuid, other._uuid);
+           ItemDictionary::isSameText(uuid(), other.uuid());
 }
 
 std::shared_ptr<Image> KDRBookmark::imageForCellSize(const QSizeF &size)
@@ -181,15 +224,15 @@ std::shared_ptr<Image> KDRBookmark::loadIconForFileScaledTo(const QString &path,
 void KDRBookmark::encodeWithCoder(KeyedArchiver &coder) const
 {
     coder.encodeValueForKey(title(), QStringLiteral("_title"));
-    coder.encodeValueForKey(_uuid, QStringLiteral("_uuid"));
+    coder.encodeValueForKey(uuid(), QStringLiteral("_uuid"));
 }
 
 void KDRBookmark::initWithCoder(const KeyedUnarchiver &coder)
 {
     init();
-    _title = coder.decodeStringForKey(QStringLiteral("_title"));
-    _uuid = coder.decodeStringForKey(QStringLiteral("_uuid"));
-    _timestamp = CalendarDate();
+    setTitle(coder.decodeStringForKey(QStringLiteral("_title")));
+    setUUID(coder.decodeStringForKey(QStringLiteral("_uuid")));
+    _timestamp = noTimestamp;
 }
 
 KDRBookmarkPtr KDRBookmark::makeNew() const
@@ -205,7 +248,7 @@ bool KDRBookmark::isSameKindAs(const KDRBookmark &other) const
 
 void KDRBookmark::copyTo(KDRBookmark &copy) const
 {
-    copy._title = title();
-    copy._uuid = _uuid;
+    copy.setTitle(title());
+    copy.setUUID(uuid());
     copy._timestamp = _timestamp;
 }

@@ -8,14 +8,17 @@
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
+#include <limits>
 #include <memory>
 #include <vector>
 
 class Image;
 class KDRBookmark;
+class TextSearch;
 class WayfoldBookmarkFolder;
 
 using KDRBookmarkPtr = std::shared_ptr<KDRBookmark>;
+using WayfoldBookmarkFolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
 
 // A row of a list: the base of links, notes, folders and all other items. It holds what every item has and gives the
 // default answer to whatever a list, a dialog or the store asks an item without knowing its kind.
@@ -61,13 +64,19 @@ public:
 
     // Null: no title, which is not the same as an empty one.
     virtual QString title() const { return _title; }
-    void setTitle(const QString &title) { _title = title; }
+    void setTitle(const QString &title);
     // Copies share the identifier of their source.
-    QString uuid() const { return _uuid; }
-    void setUUID(const QString &uuid) { _uuid = uuid; }
-    // When the item was made, or last visited; invalid: none.
-    CalendarDate timestamp() const { return _timestamp; }
-    void setTimestamp(const CalendarDate &timestamp) { _timestamp = timestamp; }
+    QString uuid() const;
+    void setUUID(const QString &uuid);
+    // Whether anybody may know the identifier: a new item's is made when it is first asked for.
+    bool isUUIDMade() const { return !_isUUIDDue; }
+    // When the item was made, or last visited, in the local time zone; invalid: none.
+    CalendarDate timestamp() const;
+    void setTimestamp(const CalendarDate &timestamp);
+    // The same in milliseconds since 1970, GMT, which takes no calendar.
+    static constexpr qint64 noTimestamp = std::numeric_limits<qint64>::min();
+    qint64 timestampInMilliseconds() const { return _timestamp; }
+    void setTimestampInMilliseconds(qint64 timestamp) { _timestamp = timestamp; }
     // The folder that adopted this item last, whether or not it still holds it. None once that folder is gone.
     std::shared_ptr<WayfoldBookmarkFolder> parent() const { return _parent.lock(); }
     // Anything but a folder, none included, is ignored: only another folder takes an item away from its parent.
@@ -99,10 +108,11 @@ public:
     virtual bool refresh() { return true; }
 
     // Whether the search finds this very item, its descendants left aside.
-    virtual bool matchesSubstring(const QString &substring) const;
+    virtual bool matches(const TextSearch &search) const;
+    bool matchesSubstring(const QString &substring) const;
     // Every match of this item and its descendants, in the order of the rows.
     std::vector<KDRBookmarkPtr> bookmarksWithSubstring(const QString &substring);
-    virtual void appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found);
+    virtual void appendMatches(const TextSearch &search, std::vector<KDRBookmarkPtr> &found);
 
     // Negative, 0 or positive, as this item comes before, with or after the other. No title counts as an empty one, no
     // time stamp as the earliest.
@@ -138,12 +148,19 @@ protected:
     // A blank item of this item's class.
     virtual KDRBookmarkPtr makeNew() const;
     virtual bool isSameKindAs(const KDRBookmark &other) const;
+    // What a search looks at beside the title; none for most kinds. `searchedTextChanged` when it is another.
+    virtual QString searchedText() const { return {}; }
+    void searchedTextChanged() { _searchForm = QByteArray(); }
     // Gives the fields of this item to a new one of the same class.
     virtual void copyTo(KDRBookmark &copy) const;
 
 private:
     QString _title;
-    QString _uuid;
+    // Made on demand: it takes time, and most items of a large list are never asked.
+    mutable QString _uuid;
+    mutable bool _isUUIDDue = false;
+    // Of title and searched text; null until the item is searched for the first time.
+    mutable QByteArray _searchForm;
     std::weak_ptr<WayfoldBookmarkFolder> _parent;
-    CalendarDate _timestamp;
+    qint64 _timestamp = noTimestamp;
 };

@@ -5,12 +5,16 @@
 #include "model/ItemDialogs.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
+#include "model/LazyCopies.h"
+#include "model/TextSearch.h"
+#include "model/UUIDSearch.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
 #include "model/WayfoldHistoryAutoFolder.h"
 #include "model/WayfoldHistoryURL.h"
 #include "platform/base/Log.h"
+#include "platform/base/StringRules.h"
 #include "platform/files/PropertyList.h"
 
 #include <algorithm>
@@ -31,6 +35,14 @@ template <class Item>
 std::shared_ptr<Item> unlessUntitled(std::shared_ptr<Item> item)
 {
     return item->title().isEmpty() ? nullptr : item;
+}
+
+// Most lists are sorted again and again and have little to move.
+template <class Item, class Compare>
+void sort(std::vector<Item> &items, Compare isLess)
+{
+    if (!std::is_sorted(items.begin(), items.end(), isLess))
+        std::stable_sort(items.begin(), items.end(), isLess);
 }
 
 // Every entry that a folder's dictionary lists, at every depth.
@@ -78,7 +90,7 @@ WayfoldBookmarkFolder::~WayfoldBookmarkFolder()
     while (!released.empty()) {
         const KDRBookmarkPtr item = std::move(released.back());
         released.pop_back();
-        if (item.use_count() > 1 || !item->isFolder())
+        if (!item || item.use_count() > 1 || !item->isFolder())
             continue;
         auto &folder = static_cast<WayfoldBookmarkFolder &>(*item);
         std::move(folder._children.begin(), folder._children.end(), std::back_inserter(released));
@@ -108,12 +120,13 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionaryFile(const
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::readDictionaryFile(const QString &path, ItemFileReading *reading)
 {
     ItemFileReading result;
-    const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &result.readable);
+    bool isWhole = false;
+    const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &result.readable, &isWhole);
     WayfoldBookmarkFolderPtr folder = bookmarkFromDictionary(dictionary);
     if (!reading)
         return folder;
     result.skippedEntries = int(deepEntryCount(dictionary) - folder->deepChildCount());
-    result.complete = result.readable && isContainedInDictionary(dictionary, folder->createDictionary(true));
+    result.complete = isWhole && isContainedInDictionary(dictionary, folder->createDictionary(true));
     *reading = result;
     return folder;
 }
@@ -134,7 +147,7 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::fromItem(const KDRBookmarkPtr &i
 void WayfoldBookmarkFolder::init()
 {
     KDRBookmark::init();
-    _children.clear();
+    removeAllChildren();
     _lastIconCellSize = QSizeF(0, 0);
     _filterString = QString();
 }
@@ -160,7 +173,7 @@ void WayfoldBookmarkFolder::addChild(const KDRBookmarkPtr &child)
     if (!child)
         return;
     child->setParent(weak_from_this().lock());
-    _children.push_back(child);
+    ownChildren().push_back(child);
 }
 
 void WayfoldBookmarkFolder::addChildAtIndex(const KDRBookmarkPtr &child, int index)
@@ -168,7 +181,8 @@ void WayfoldBookmarkFolder::addChildAtIndex(const KDRBookmarkPtr &child, int ind
     if (!child)
         return;
     child->setParent(weak_from_this().lock());
-    _children.insert(_children.begin() + std::clamp(index, 0, int(_children.size())), child);
+    std::vector<KDRBookmarkPtr> &children = ownChildren();
+    children.insert(children.begin() + std::clamp(index, 0, int(children.size())), child);
 }
 
 bool WayfoldBookmarkFolder::removeChild(const KDRBookmarkPtr &child)
@@ -176,33 +190,52 @@ bool WayfoldBookmarkFolder::removeChild(const KDRBookmarkPtr &child)
     if (!child)
         return false;
     const KDRBookmarkPtr removed = child; // the argument may be one of the references that go
-    if (std::erase(_children, removed) > 0)
+    if (std::erase(ownChildren(), removed) > 0)
         return true;
     return std::erase_if(_children, [&](const KDRBookmarkPtr &item) { return removed->isEqual(item); }) > 0;
 }
 
 void WayfoldBookmarkFolder::removeAllChildren()
 {
+    _lazy.reset();
     _children.clear();
 }
 
 void WayfoldBookmarkFolder::removeAllLeafChildren()
 {
     forEachFolder([](WayfoldBookmarkFolder &folder) {
-        std::erase_if(folder._children, [](const KDRBookmarkPtr &item) { return !item->isFolder(); });
+        for (unsigned i = 0; folder._lazy && i < folder._lazy->count(); ++i) {
+            if (folder._lazy->isFolder(i))
+                folder.madeChild(i);
+        }
+        folder.keepMadeFolders();
     });
+}
+
+void WayfoldBookmarkFolder::removeAllButKnownFolders()
+{
+    forEachFolder([](WayfoldBookmarkFolder &folder) { folder.keepMadeFolders(); });
+}
+
+void WayfoldBookmarkFolder::keepMadeFolders()
+{
+    std::erase_if(_children, [](const KDRBookmarkPtr &item) { return !item || !item->isFolder(); });
+    _lazy.reset();
 }
 
 void WayfoldBookmarkFolder::removeEmptySubfolders()
 {
-    forEachFolder([](WayfoldBookmarkFolder &folder) {
-        std::erase_if(folder._children, [](const KDRBookmarkPtr &item) {
-            return item->isFolder() && static_cast<const WayfoldBookmarkFolder &>(*item).childCount() == 0;
-        });
+    const auto isEmptyFolder = [](const KDRBookmarkPtr &item) {
+        return item && item->isFolder() && static_cast<const WayfoldBookmarkFolder &>(*item).isEmpty();
+    };
+    forEachFolder([&](WayfoldBookmarkFolder &folder) {
+        if (std::any_of(folder._children.begin(), folder._children.end(), isEmptyFolder))
+            std::erase_if(folder.ownChildren(), isEmptyFolder);
     });
 }
 
-// Without recursion, since a tree may be deep. Each folder is visited before the folders that it holds by then.
+// Without recursion, since a tree may be deep; folders that are not made yet are left out. Each folder is visited
+// before the folders that it holds by then.
 void WayfoldBookmarkFolder::forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit)
 {
     std::vector<WayfoldBookmarkFolder *> pending = {this};
@@ -211,7 +244,7 @@ void WayfoldBookmarkFolder::forEachFolder(const std::function<void(WayfoldBookma
         pending.pop_back();
         visit(folder);
         for (const KDRBookmarkPtr &item : folder._children) {
-            if (item->isFolder())
+            if (item && item->isFolder())
                 pending.push_back(static_cast<WayfoldBookmarkFolder *>(item.get()));
         }
     }
@@ -219,21 +252,27 @@ void WayfoldBookmarkFolder::forEachFolder(const std::function<void(WayfoldBookma
 
 void WayfoldBookmarkFolder::sortChildrenByTitle()
 {
-    std::stable_sort(_children.begin(), _children.end(),
-                     [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->titleComparator(*b) < 0; });
+    // As titleComparator() does, with the form that it compares made once of each title.
+    using Entry = std::pair<QString, KDRBookmarkPtr>;
+    std::vector<Entry> entries;
+    entries.reserve(ownChildren().size());
+    for (KDRBookmarkPtr &item : _children)
+        entries.emplace_back(StringRules::comparisonForm(item->title()), std::move(item));
+    sort(entries, [](const Entry &a, const Entry &b) { return a.first < b.first; });
+    std::transform(entries.begin(), entries.end(), _children.begin(),
+                   [](Entry &entry) { return std::move(entry.second); });
 }
 
 void WayfoldBookmarkFolder::sortChildrenByTimestampDescending()
 {
-    std::stable_sort(_children.begin(), _children.end(), [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) {
-        return a->timestampDescendingComparator(*b) < 0;
-    });
+    sort(ownChildren(),
+         [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->timestampDescendingComparator(*b) < 0; });
 }
 
 unsigned WayfoldBookmarkFolder::deepChildCount() const
 {
     unsigned count = childCount();
-    for (const KDRBookmarkPtr &item : _children) {
+    for (const KDRBookmarkPtr &item : children()) {
         if (item->isFolder())
             count += static_cast<const WayfoldBookmarkFolder &>(*item).deepChildCount();
     }
@@ -243,7 +282,7 @@ unsigned WayfoldBookmarkFolder::deepChildCount() const
 unsigned WayfoldBookmarkFolder::persistentChildCount() const
 {
     unsigned count = 0;
-    for (const KDRBookmarkPtr &item : _children) {
+    for (const KDRBookmarkPtr &item : children()) {
         if (!item->canBePersistent())
             continue;
         ++count;
@@ -255,32 +294,103 @@ unsigned WayfoldBookmarkFolder::persistentChildCount() const
 
 KDRBookmarkPtr WayfoldBookmarkFolder::childAtIndex(unsigned index) const
 {
-    return index < childCount() ? _children[index] : lastChild();
+    return index < childCount() ? madeChild(index) : lastChild();
 }
 
 KDRBookmarkPtr WayfoldBookmarkFolder::lastChild() const
 {
-    return _children.empty() ? nullptr : _children.back();
+    return isEmpty() ? nullptr : madeChild(childCount() - 1);
 }
+
+// --- Lazy children --------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkFolder::setLazyChildren(const std::shared_ptr<LazyChildren> &children)
+{
+    removeAllChildren();
+    _lazy = children;
+}
+
+KDRBookmarkPtr WayfoldBookmarkFolder::lazyCopy() const
+{
+    if (_lazy && _lazy->copies())
+        return copy();
+    KDRBookmarkPtr made = makeNew();
+    KDRBookmark::copyTo(*made);
+    auto &folder = static_cast<WayfoldBookmarkFolder &>(*made);
+    folder.setFilterString(filterString());
+    if (!isEmpty())
+        folder.setLazyChildren(std::make_shared<LazyCopies>(children()));
+    return made;
+}
+
+const std::vector<KDRBookmarkPtr> &WayfoldBookmarkFolder::children() const
+{
+    for (unsigned i = 0; _lazy && i < _lazy->count(); ++i)
+        madeChild(i);
+    return _children;
+}
+
+// For a change: they become ordinary children.
+std::vector<KDRBookmarkPtr> &WayfoldBookmarkFolder::ownChildren()
+{
+    children();
+    _lazy.reset();
+    return _children;
+}
+
+const KDRBookmarkPtr &WayfoldBookmarkFolder::madeChild(unsigned index) const
+{
+    if (_children.empty())
+        _children.resize(_lazy->count());
+    KDRBookmarkPtr &child = _children[index];
+    if (!child)
+        child = _lazy->makeChild(index, std::static_pointer_cast<WayfoldBookmarkFolder>(
+                                            std::const_pointer_cast<KDRBookmark>(weak_from_this().lock())));
+    return child;
+}
+
+std::vector<KDRBookmarkPtr> WayfoldBookmarkFolder::madeChildren() const
+{
+    std::vector<KDRBookmarkPtr> made;
+    std::copy_if(_children.begin(), _children.end(), std::back_inserter(made),
+                 [](const KDRBookmarkPtr &item) { return item != nullptr; });
+    return made;
+}
+
+int WayfoldBookmarkFolder::indexOfMadeChild(const KDRBookmark &child) const
+{
+    const auto found = std::find_if(_children.begin(), _children.end(),
+                                    [&](const KDRBookmarkPtr &item) { return item.get() == &child; });
+    return found == _children.end() ? -1 : int(found - _children.begin());
+}
+
+bool WayfoldBookmarkFolder::isFolderAtIndex(unsigned index) const
+{
+    return _lazy ? _lazy->isFolder(index) : _children[index]->isFolder();
+}
+
+// --- Looking for children -------------------------------------------------------------------------------------------
 
 int WayfoldBookmarkFolder::indexOfChild(const KDRBookmark &child) const
 {
-    const auto isChild = [&](const KDRBookmarkPtr &item) { return item.get() == &child; };
-    const auto isEqualToChild = [&](const KDRBookmarkPtr &item) { return child.isEqual(*item); };
-    auto found = std::find_if(_children.begin(), _children.end(), isChild);
-    if (found == _children.end())
-        found = std::find_if(_children.begin(), _children.end(), isEqualToChild);
-    return found == _children.end() ? -1 : int(found - _children.begin());
+    const int index = indexOfMadeChild(child);
+    if (index >= 0)
+        return index;
+    const std::vector<KDRBookmarkPtr> &items = children();
+    const auto found =
+        std::find_if(items.begin(), items.end(), [&](const KDRBookmarkPtr &item) { return child.isEqual(*item); });
+    return found == items.end() ? -1 : int(found - items.begin());
 }
 
 KDRBookmarkPtr WayfoldBookmarkFolder::childWithTitle(const QString &title) const
 {
     if (title.isNull())
         return nullptr;
-    const auto found = std::find_if(_children.begin(), _children.end(), [&](const KDRBookmarkPtr &item) {
+    const std::vector<KDRBookmarkPtr> &items = children();
+    const auto found = std::find_if(items.begin(), items.end(), [&](const KDRBookmarkPtr &item) {
         return ItemDictionary::isSameText(item->title(), title);
     });
-    return found == _children.end() ? nullptr : *found;
+    return found == items.end() ? nullptr : *found;
 }
 
 void WayfoldBookmarkFolder::addAutoFolders()
@@ -299,7 +409,7 @@ void WayfoldBookmarkFolder::addAutoFolders()
 
 void WayfoldBookmarkFolder::removeAutoFolders()
 {
-    std::erase_if(_children,
+    std::erase_if(ownChildren(),
                   [](const KDRBookmarkPtr &item) { return dynamic_cast<const WayfoldAutoFolder *>(item.get()); });
 }
 
@@ -339,7 +449,7 @@ bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
     for (int depth = 0; depth < PropertyList::maximumDepth / 2; ++depth) {
         std::vector<const WayfoldBookmarkFolder *> nextLevel;
         for (const WayfoldBookmarkFolder *folder : level) {
-            for (const KDRBookmarkPtr &item : folder->_children) {
+            for (const KDRBookmarkPtr &item : folder->children()) {
                 if (item->isFolder())
                     nextLevel.push_back(static_cast<const WayfoldBookmarkFolder *>(item.get()));
             }
@@ -353,26 +463,67 @@ bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
 
 KDRBookmarkPtr WayfoldBookmarkFolder::findByUUID(const QString &uuid)
 {
-    if (KDRBookmarkPtr self = KDRBookmark::findByUUID(uuid))
-        return self;
-    for (const KDRBookmarkPtr &item : _children) {
-        if (KDRBookmarkPtr found = item->findByUUID(uuid))
-            return found;
-    }
-    return nullptr;
+    return itemsWithUUIDs({uuid}).value(uuid);
 }
 
-void WayfoldBookmarkFolder::appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found)
+QHash<QString, KDRBookmarkPtr> WayfoldBookmarkFolder::itemsWithUUIDs(const QStringList &uuids)
 {
-    KDRBookmark::appendBookmarksWithSubstring(substring, found);
+    UUIDSearch search(uuids);
+    search.offer(shared_from_this());
+    walkFor(search);
+    return search.found();
+}
+
+// Without recursion, since a tree may be deep.
+void WayfoldBookmarkFolder::walkFor(UUIDSearch &search)
+{
+    struct Step
+    {
+        std::vector<KDRBookmarkPtr> items;
+        std::size_t next = 0;
+    };
+    std::vector<Step> path;
+    path.push_back({itemsThatMayBe(search)});
+    while (!path.empty() && !search.isOver()) {
+        Step &step = path.back();
+        if (step.next == step.items.size()) {
+            path.pop_back();
+            continue;
+        }
+        const KDRBookmarkPtr item = step.items[step.next++];
+        search.offer(item);
+        if (item->isFolder())
+            path.push_back({static_cast<WayfoldBookmarkFolder &>(*item).itemsThatMayBe(search)});
+    }
+}
+
+// The children that the search has to look at, in order: of the lazy ones, those that somebody knows or that hold what
+// is looked for.
+std::vector<KDRBookmarkPtr> WayfoldBookmarkFolder::itemsThatMayBe(const UUIDSearch &search)
+{
+    if (!_lazy)
+        return _children;
+    for (const unsigned index : _lazy->indexesOfWanted(search))
+        madeChild(index);
+    return madeChildren();
+}
+
+void WayfoldBookmarkFolder::appendMatches(const TextSearch &search, std::vector<KDRBookmarkPtr> &found)
+{
+    KDRBookmark::appendMatches(search, found);
+    if (_lazy) {
+        for (const unsigned index : _lazy->indexesOfMatches(search))
+            madeChild(index)->appendMatches(search, found);
+        return;
+    }
     for (const KDRBookmarkPtr &item : _children)
-        item->appendBookmarksWithSubstring(substring, found);
+        item->appendMatches(search, found);
 }
 
 bool WayfoldBookmarkFolder::refresh()
 {
     for (const KDRBookmarkPtr &item : _children) {
-        if (item->isFolder())
+        if (item && item->isFolder())
             item->refresh();
     }
     return true;
@@ -396,7 +547,7 @@ void WayfoldBookmarkFolder::writeToDictionaryForSaving(QVariantMap &dictionary, 
 {
     using namespace ItemDictionary;
     QVariantList entries;
-    for (const KDRBookmarkPtr &item : _children) {
+    for (const KDRBookmarkPtr &item : children()) {
         if (!forSaving || item->canBePersistent())
             entries.append(item->createDictionary(forSaving));
     }
@@ -412,8 +563,10 @@ bool WayfoldBookmarkFolder::isEqual(const KDRBookmark &other) const
     if (_filterString.isNull() || !KDRBookmark::isEqual(other))
         return false;
     const auto &folder = static_cast<const WayfoldBookmarkFolder &>(other);
+    const std::vector<KDRBookmarkPtr> &items = children();
+    const std::vector<KDRBookmarkPtr> &others = folder.children();
     return ItemDictionary::isSameText(_filterString, folder.filterString()) &&
-           std::equal(_children.begin(), _children.end(), folder._children.begin(), folder._children.end(),
+           std::equal(items.begin(), items.end(), others.begin(), others.end(),
                       [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->isEqual(b); });
 }
 
@@ -444,7 +597,7 @@ void WayfoldBookmarkFolder::encodeWithCoder(KeyedArchiver &coder) const
 {
     KDRBookmark::encodeWithCoder(coder);
     coder.encodeValueForKey(_filterString, filterStringCoderKey);
-    coder.encodeObjectsForKey({_children.begin(), _children.end()}, childrenCoderKey);
+    coder.encodeObjectsForKey({children().begin(), children().end()}, childrenCoderKey);
 }
 
 void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
@@ -472,12 +625,14 @@ void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
     KDRBookmark::copyTo(copy);
     auto &folder = static_cast<WayfoldBookmarkFolder &>(copy);
     folder.setFilterString(filterString());
-    folder._children.reserve(_children.size());
-    for (const KDRBookmarkPtr &item : _children)
+    if (_lazy && (folder._lazy = _lazy->copies()))
+        return;
+    folder._children.reserve(children().size());
+    for (const KDRBookmarkPtr &item : children())
         folder.addChild(item->copy());
 }
 
 void WayfoldBookmarkFolder::appendWithoutParent(const KDRBookmarkPtr &child)
 {
-    _children.push_back(child);
+    ownChildren().push_back(child);
 }

@@ -2,10 +2,10 @@
 
 #include "model/ItemFileReading.h"
 #include "model/KDRBookmark.h"
+#include "model/LazyChildren.h"
 
+#include <QHash>
 #include <functional>
-
-using WayfoldBookmarkFolderPtr = std::shared_ptr<WayfoldBookmarkFolder>;
 
 // An item that holds other items, in order. Its tree is what a list shows, and what the item file keeps:
 //
@@ -41,8 +41,25 @@ public:
     QString filterString() const;
     virtual void setFilterString(const QString &filterString);
 
-    const std::vector<KDRBookmarkPtr> &children() const { return _children; }
-    unsigned childCount() const { return unsigned(_children.size()); }
+    const std::vector<KDRBookmarkPtr> &children() const;
+    unsigned childCount() const { return _lazy ? _lazy->count() : unsigned(_children.size()); }
+    bool isEmpty() const { return _lazy ? _lazy->isEmpty() : _children.empty(); }
+    // Gives an empty folder children that are made when they are asked for.
+    void setLazyChildren(const std::shared_ptr<LazyChildren> &children);
+    // A copy whose children are copies made when they are asked for (see LazyCopies).
+    KDRBookmarkPtr lazyCopy() const;
+    // Null when they are, or have become, ordinary ones.
+    const std::shared_ptr<LazyChildren> &lazyChildren() const { return _lazy; }
+    // The children that somebody may know: all but the lazy ones that nobody has asked for yet.
+    std::vector<KDRBookmarkPtr> madeChildren() const;
+    // None: it is not made yet.
+    KDRBookmarkPtr madeChildAtIndex(unsigned index) const
+    {
+        return index < _children.size() ? _children[index] : nullptr;
+    }
+    // -1 when the item is none of those.
+    int indexOfMadeChild(const KDRBookmark &child) const;
+    bool isFolderAtIndex(unsigned index) const;
     // Appends the item and becomes its parent; none is ignored. An item that another folder holds stays there too.
     void addChild(const KDRBookmarkPtr &child);
     // Before the child at that index: a negative one is the front, one past the last child the end.
@@ -52,6 +69,8 @@ public:
     void removeAllChildren();
     // What remains, at every depth, is folders.
     void removeAllLeafChildren();
+    // The same, and lazy folders that nobody has seen go as well.
+    void removeAllButKnownFolders();
     // One level: a folder that becomes empty by this stays until the next call.
     void removeEmptySubfolders();
     // The direct children.
@@ -66,6 +85,8 @@ public:
     KDRBookmarkPtr lastChild() const;
     // The position of that very item, else of the first equal to it; -1 when there is neither.
     int indexOfChild(const KDRBookmark &child) const;
+    // In one walk over the tree, this folder included: the first item of each identifier that is there.
+    QHash<QString, KDRBookmarkPtr> itemsWithUUIDs(const QStringList &uuids);
     // The first direct child of exactly that title.
     KDRBookmarkPtr childWithTitle(const QString &title) const;
 
@@ -88,7 +109,7 @@ public:
     QVariant value() const override { return title(); }
     QString valueAsString() const override { return title(); }
     KDRBookmarkPtr findByUUID(const QString &uuid) override;
-    void appendBookmarksWithSubstring(const QString &substring, std::vector<KDRBookmarkPtr> &found) override;
+    void appendMatches(const TextSearch &search, std::vector<KDRBookmarkPtr> &found) override;
     // Refreshes the folders among the direct children.
     bool refresh() override;
     void loadFromDictionary(const QVariantMap &dictionary) override;
@@ -118,7 +139,15 @@ private:
     void forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit);
     bool isTooDeepToBeSaved() const;
 
-    std::vector<KDRBookmarkPtr> _children;
+    const KDRBookmarkPtr &madeChild(unsigned index) const;
+    std::vector<KDRBookmarkPtr> &ownChildren();
+    void keepMadeFolders();
+    void walkFor(UUIDSearch &search);
+    std::vector<KDRBookmarkPtr> itemsThatMayBe(const UUIDSearch &search);
+
+    // As long as there are lazy ones: empty while none of them is made, then null for those that are not.
+    mutable std::vector<KDRBookmarkPtr> _children;
+    std::shared_ptr<LazyChildren> _lazy;
     QSizeF _lastIconCellSize = QSizeF(0, 0);
     QString _filterString;
 };

@@ -59,13 +59,19 @@ WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkFromDictionary(const QVariantM
 void WayfoldBookmarkURL::init()
 {
     KDRBookmark::init();
-    _url = Url();
+    setURL(Url());
+}
+
+void WayfoldBookmarkURL::setURL(const Url &url)
+{
+    _url = url;
+    searchedTextChanged();
 }
 
 void WayfoldBookmarkURL::initWithTitleAndURL(const QString &title, const Url &url)
 {
     initWithTitle(title);
-    _url = url;
+    setURL(url);
 }
 
 void WayfoldBookmarkURL::initFromDictionary(const QVariantMap &dictionary)
@@ -77,13 +83,7 @@ void WayfoldBookmarkURL::initFromDictionary(const QVariantMap &dictionary)
 void WayfoldBookmarkURL::setValue(const QVariant &value)
 {
     if (!value.isValid() || value.metaType() == QMetaType::fromType<Url>())
-        _url = value.value<Url>();
-}
-
-bool WayfoldBookmarkURL::matchesSubstring(const QString &substring) const
-{
-    return KDRBookmark::matchesSubstring(substring) ||
-           WayfoldToolkit::stringContainsString(_url.absoluteString(), substring);
+        setURL(value.value<Url>());
 }
 
 void WayfoldBookmarkURL::loadFromDictionary(const QVariantMap &dictionary)
@@ -141,7 +141,7 @@ void WayfoldBookmarkURL::encodeWithCoder(KeyedArchiver &coder) const
 void WayfoldBookmarkURL::initWithCoder(const KeyedUnarchiver &coder)
 {
     KDRBookmark::initWithCoder(coder);
-    _url = Url::URLWithString(coder.decodeStringForKey(QStringLiteral("_url")));
+    setURL(Url::URLWithString(coder.decodeStringForKey(QStringLiteral("_url"))));
 }
 
 KDRBookmarkPtr WayfoldBookmarkURL::makeNew() const
@@ -157,5 +157,5 @@ bool WayfoldBookmarkURL::isSameKindAs(const KDRBookmark &other) const
 void WayfoldBookmarkURL::copyTo(KDRBookmark &copy) const
 {
     KDRBookmark::copyTo(copy);
-    static_cast<WayfoldBookmarkURL &>(copy)._url = _url;
+    static_cast<WayfoldBookmarkURL &>(copy).setURL(_url);
 }

@@ -22,7 +22,7 @@ public:
     void initFromDictionary(const QVariantMap &dictionary);
 
     Url url() const { return _url; }
-    void setURL(const Url &url) { _url = url; }
+    void setURL(const Url &url);
 
     Type type() const override { return WebLinkType; }
     QString typeDescription() const override { return QStringLiteral("Bookmark"); }
@@ -30,8 +30,6 @@ public:
     QString valueAsString() const override { return _url.absoluteString(); }
     void setValue(const QVariant &value) override;
     QString tooltipText() const override { return _url.absoluteString(); }
-    // Looks into the address too.
-    bool matchesSubstring(const QString &substring) const override;
     void loadFromDictionary(const QVariantMap &dictionary) override;
     void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
     bool isEqual(const KDRBookmark &other) const override;
@@ -45,6 +43,7 @@ public:
     void initWithCoder(const KeyedUnarchiver &coder) override;
 
 protected:
+    QString searchedText() const override { return _url.absoluteString(); }
     KDRBookmarkPtr makeNew() const override;
     bool isSameKindAs(const KDRBookmark &other) const override;
     void copyTo(KDRBookmark &copy) const override;

@@ -19,12 +19,23 @@ WayfoldHistoryAutoFolderPtr WayfoldHistoryAutoFolder::bookmarkFromDictionary(con
 bool WayfoldHistoryAutoFolder::refresh()
 {
     if (const SmartFolderSources *const sources = SmartFolderSources::current()) {
+        const WayfoldBookmarkFolderPtr root = sources->historyBookmarkRoot();
         const WayfoldBookmarkFolderPtr matches = WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral(""));
-        appendCopiesOfLeaves(matchesBelow(sources->historyBookmarkRoot()), *matches);
+        if (const std::shared_ptr<HistoryItems> entries = root ? HistoryItems::ofFolder(*root) : nullptr)
+            matches->setLazyChildren(search().copiesOfMatches(*entries));
+        else
+            appendCopiesOfLeaves(matchesBelow(root), *matches);
         sources->regroupBookmarksFromFolderIntoFolderWithGroupingStyle(matches, fromItem(shared_from_this()),
                                                                        QStringLiteral("1"));
     }
     return WayfoldBookmarkFolder::refresh();
+}
+
+HistorySearch &WayfoldHistoryAutoFolder::search()
+{
+    if (!_search || _search->text() != filterString())
+        _search = std::make_unique<HistorySearch>(filterString());
+    return *_search;
 }
 
 KDRBookmarkPtr WayfoldHistoryAutoFolder::makeNew() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/HistorySearch.h"
 #include "model/WayfoldAutoFolder.h"
 
 class WayfoldHistoryAutoFolder;
@@ -20,4 +21,9 @@ public:
 protected:
     KDRBookmarkPtr makeNew() const override;
     bool isSameKindAs(const KDRBookmark &other) const override;
+
+private:
+    HistorySearch &search();
+
+    std::unique_ptr<HistorySearch> _search; // null until the first refresh
 };

@@ -1,30 +1,26 @@
 #include "model/WayfoldHistoryURL.h"
 
+#include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
+#include "model/HistoryRecords.h"
 #include "model/ItemDictionary.h"
+#include "platform/base/CalendarFormat.h"
 #include "platform/base/StringRules.h"
 
 #include <QLocale>
-#include <cmath>
 
 namespace
 {
-// 1 January 2001, 00:00:00 GMT, in seconds of the system's clock.
-constexpr double referenceDate = 978307200.0;
-// Some eight thousand years either way; no calendar shows what lies beyond.
-constexpr double furthestDate = 2.5e11;
-
-// In the local time zone; none when the number is beyond all calendars.
-CalendarDate dateWithSecondsSinceReferenceDate(double seconds)
-{
-    if (!(std::abs(seconds) <= furthestDate))
-        return {};
-    return CalendarDate::fromMSecsSinceEpoch(qint64(std::floor((seconds + referenceDate) * 1000.0)));
-}
-
 QString addressInDictionary(const QVariantMap &dictionary)
 {
     return ItemDictionary::string(dictionary, QStringLiteral(""));
+}
+
+// Null when the user has no format of that name.
+QString textInUsersFormat(const CalendarDate &date, const QString &name)
+{
+    const QString format = WayfoldDefaults::fetchPrefObjectForKey(name).toString();
+    return format.isEmpty() ? QString() : CalendarFormat::string(date, format);
 }
 } // namespace
 
@@ -52,6 +48,18 @@ WayfoldHistoryURLPtr WayfoldHistoryURL::bookmarkFromDictionary(const QVariantMap
     return entry;
 }
 
+WayfoldHistoryURLPtr WayfoldHistoryURL::bookmarkFromRecord(const HistoryRecords &records, unsigned number)
+{
+    auto entry = std::make_shared<WayfoldHistoryURL>(Blank());
+    const QString address = records.address(number);
+    entry->setTitle(records.title(number));
+    entry->setURL(Url::URLWithString(address));
+    entry->setUUID(address);
+    entry->setTimestampInMilliseconds(records.visited(number));
+    entry->setTrackedHostName(records.siteName(records.site(number)));
+    return entry;
+}
+
 void WayfoldHistoryURL::init()
 {
     WayfoldBookmarkURL::init();
@@ -60,10 +68,12 @@ void WayfoldHistoryURL::init()
 
 QString WayfoldHistoryURL::tooltipText() const
 {
+    const QString date = textInUsersFormat(timestamp(), QStringLiteral("NSDateFormatString"));
+    const QString time = textInUsersFormat(timestamp(), QStringLiteral("NSTimeFormatString"));
     const QLocale locale;
     return QStringLiteral("%1\n\n%2\n%3")
-        .arg(url().absoluteString(), locale.toString(timestamp().date(), QLocale::LongFormat),
-             locale.toString(timestamp().time(), QLocale::ShortFormat));
+        .arg(url().absoluteString(), date.isNull() ? locale.toString(timestamp().date(), QLocale::LongFormat) : date,
+             time.isNull() ? locale.toString(timestamp().time(), QLocale::ShortFormat) : time);
 }
 
 void WayfoldHistoryURL::loadFromDictionary(const QVariantMap &dictionary)
@@ -75,7 +85,7 @@ void WayfoldHistoryURL::loadFromDictionary(const QVariantMap &dictionary)
     setTitle(ItemDictionary::string(dictionary, QStringLiteral("title")));
     setURL(Url::URLWithString(address));
     setUUID(address);
-    setTimestamp(dateWithSecondsSinceReferenceDate(StringRules::doubleValue(seconds)));
+    setTimestampInMilliseconds(HistoryRecords::timestampFromSeconds(StringRules::doubleValue(seconds)));
     setTrackedHostName(WayfoldToolkit::hostNameToTrackFromHostName(url().host()));
 }
 

@@ -2,6 +2,7 @@
 
 #include "model/WayfoldBookmarkURL.h"
 
+class HistoryRecords;
 class WayfoldHistoryURL;
 using WayfoldHistoryURLPtr = std::shared_ptr<WayfoldHistoryURL>;
 
@@ -16,6 +17,8 @@ public:
     static WayfoldHistoryURLPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     // From an entry of the browser's history file; without a title when the entry has no address.
     static WayfoldHistoryURLPtr bookmarkFromDictionary(const QVariantMap &dictionary);
+
+    static WayfoldHistoryURLPtr bookmarkFromRecord(const HistoryRecords &records, unsigned number);
 
     void init() override;
 

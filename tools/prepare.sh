@@ -6,7 +6,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 say() { printf '%s\n' "$*" >&2; }
 
-wanted_packages() { sed 's/#.*//' "$root/tools/packages.txt" | tr -s '[:space:]' '\n' | grep -v '^$'; }
+package_lists=("$root/tools/packages.txt")
+wanted_packages() { sed 's/#.*//' "${package_lists[@]}" | tr -s '[:space:]' '\n' | grep -v '^$'; }
 
 missing_packages() {
     local installed

@@ -30,12 +30,14 @@ NotificationQueue &NotificationQueue::defaultQueue()
 
 void NotificationQueue::enqueueNotification(const Notification &notification, PostingStyle style)
 {
-    const bool isPending = std::any_of(_pending.begin(), _pending.end(), [&](const Pending &pending) {
-        return pending.style == style && pending.notification.name == notification.name &&
-               pending.notification.object == notification.object;
+    const auto same = std::find_if(_pending.begin(), _pending.end(), [&](const Pending &pending) {
+        return pending.notification.name == notification.name && pending.notification.object == notification.object;
     });
-    if (isPending)
-        return;
+    if (same != _pending.end()) {
+        if (same->style == NSPostASAP || style == NSPostWhenIdle)
+            return;
+        _pending.erase(same); // it was to come when idle, and comes sooner now
+    }
     if (style == NSPostWhenIdle && !hasPending(NSPostWhenIdle)) {
         // What is being handled right now counts as an event of this pass.
         _hasHandledEvent = true;

@@ -7,8 +7,9 @@
 #include <QPointer>
 #include <vector>
 
-// Posts notifications later, to the default centre. A pending notification of the same name, object and style is not
-// queued twice. Nothing is delivered while an application-modal dialog runs; it stays pending until the dialog is gone.
+// Posts notifications later, to the default centre. A notification of the same name and object is pending only once; of
+// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs; it stays pending
+// until the dialog is gone.
 class NotificationQueue : public QObject
 {
     Q_OBJECT

@@ -4,6 +4,8 @@
 #include <QRegularExpression>
 #include <QUrl>
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 #include <limits>
 
 namespace
@@ -50,6 +52,27 @@ bool isCombiningMarkAt(const QString &text, qsizetype position)
     return QChar::combiningClass(character) != 0;
 }
 
+// The same for text in UTF-8.
+bool isCombiningMarkAt(QByteArrayView text, qsizetype position)
+{
+    if (position >= text.size() || static_cast<unsigned char>(text[position]) < 0x80)
+        return false;
+    constexpr qsizetype longestCharacter = 4;
+    const QString character =
+        QString::fromUtf8(text.sliced(position, std::min(longestCharacter, text.size() - position)));
+    return isCombiningMarkAt(character, 0);
+}
+
+bool isAscii(QByteArrayView text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool isBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 int hexValue(char c)
 {
     if (c >= '0' && c <= '9')
@@ -74,11 +97,47 @@ bool StringRules::containsIgnoringCase(const QString &text, const QString &part)
     return false;
 }
 
+QByteArray StringRules::searchForm(const QString &text)
+{
+    return folded(text).toUtf8();
+}
+
+void StringRules::appendSearchForm(QByteArrayView text, QByteArray &form)
+{
+    if (!isAscii(text)) {
+        form.append(searchForm(QString::fromUtf8(text)));
+        return;
+    }
+    const qsizetype before = form.size();
+    form.resize(before + text.size());
+    std::transform(text.begin(), text.end(), form.data() + before,
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+}
+
+bool StringRules::searchFormContains(QByteArrayView text, QByteArrayView part)
+{
+    if (part.isEmpty() || text.isEmpty())
+        return false;
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    while ((at = static_cast<const char *>(memmem(at, size_t(end - at), part.data(), size_t(part.size()))))) {
+        if (!isCombiningMarkAt(text, at - text.data() + part.size()))
+            return true;
+        ++at;
+    }
+    return false;
+}
+
 int StringRules::compareIgnoringCase(const QString &a, const QString &b)
 {
     if (isAscii(a) && isAscii(b))
         return QString::compare(a, b, Qt::CaseInsensitive);
     return QString::compare(folded(a), folded(b));
+}
+
+QString StringRules::comparisonForm(const QString &text)
+{
+    return isAscii(text) ? text.toCaseFolded() : folded(text);
 }
 
 QString StringRules::replacingPercentEscapes(const QString &text)
@@ -135,7 +194,21 @@ int StringRules::integerValue(const QString &text)
 
 double StringRules::doubleValue(const QString &text)
 {
-    static const QRegularExpression leadingNumber(
-        QStringLiteral("^\\s*([+-]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?)"));
-    return leadingNumber.match(text).captured(1).toDouble();
+    return doubleValue(QByteArrayView(text.toLatin1()));
+}
+
+double StringRules::doubleValue(QByteArrayView text)
+{
+    const char *start = std::find_if_not(text.begin(), text.end(), isBlank);
+    const bool isNegative = start != text.end() && *start == '-';
+    if (start != text.end() && (*start == '-' || *start == '+'))
+        ++start;
+    // Neither "inf" nor "nan" are numbers here.
+    if (start == text.end() || !(*start == '.' || (*start >= '0' && *start <= '9')))
+        return 0;
+    double value = 0;
+    const auto [end, error] = std::from_chars(start, text.end(), value);
+    if (error == std::errc::result_out_of_range)
+        value = QString::fromLatin1(start, end - start).toDouble(); // infinite, or 0
+    return isNegative ? -value : value;
 }

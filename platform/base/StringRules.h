@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringView>
 
@@ -10,8 +12,18 @@ namespace StringRules
 // same (an e with an acute accent is found as one character and as two). An empty `part` occurs nowhere; a null text
 // holds nothing.
 bool containsIgnoringCase(const QString &text, const QString &part);
+// The form in which a text is searched without regard to letter case, as UTF-8: texts that `containsIgnoringCase`
+// cannot tell apart have the same. Whoever searches many texts often keeps this form of them.
+QByteArray searchForm(const QString &text);
+// The same for text in UTF-8, appended to `form`. ASCII, as most addresses are, costs next to nothing.
+void appendSearchForm(QByteArrayView text, QByteArray &form);
+// What `containsIgnoringCase` answers for the texts that have these search forms.
+bool searchFormContains(QByteArrayView text, QByteArrayView part);
 // Compares without regard to letter case: negative, 0 or positive.
 int compareIgnoringCase(const QString &a, const QString &b);
+// The form in which texts compare, by their code units, as `compareIgnoringCase` compares the texts themselves. Whoever
+// sorts many texts makes it once of each.
+QString comparisonForm(const QString &text);
 // Replaces percent escapes, reading the escaped bytes as UTF-8; plus signs stay. Null when an escape is broken or the
 // bytes are not UTF-8.
 QString replacingPercentEscapes(const QString &text);
@@ -24,4 +36,5 @@ QString trimmed(const QString &text);
 int integerValue(const QString &text);
 // The leading decimal number after blanks, 0 when there is none.
 double doubleValue(const QString &text);
+double doubleValue(QByteArrayView text);
 } // namespace StringRules

@@ -6,7 +6,10 @@
 #include <QDir>
 #include <QUrl>
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cstring>
+#include <string_view>
 #include <uriparser/Uri.h>
 
 // The text, and where its pieces stand in it; a position of -1 means that there is no such piece.
@@ -75,7 +78,72 @@ bool isAscii(QStringView text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() > 0x20 && c.unicode() < 0x7f; });
 }
+
+// By RFC 3986: what may stand in the scheme, in a plain host, and behind the authority without further rules.
+enum CharacterClass : unsigned char { SchemeCharacter = 1, HostCharacter = 2, Digit = 4, PathCharacter = 8 };
+
+constexpr std::array<unsigned char, 256> characterClasses()
+{
+    std::array<unsigned char, 256> classes{};
+    const auto add = [&classes](std::string_view characters, int added) {
+        for (const char c : characters)
+            classes[static_cast<unsigned char>(c)] |= static_cast<unsigned char>(added);
+    };
+    add("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", SchemeCharacter | HostCharacter | PathCharacter);
+    add("0123456789", SchemeCharacter | HostCharacter | Digit | PathCharacter);
+    add("+-.", SchemeCharacter);
+    add("-.", HostCharacter);
+    add("-._~!$&'()*+,;=:@/", PathCharacter);
+    return classes;
+}
+
+constexpr std::array<unsigned char, 256> classOf = characterClasses();
+
+bool isHexDigit(char c)
+{
+    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// The first position from `at` on that holds no character of the class.
+qsizetype skip(QByteArrayView text, qsizetype at, CharacterClass allowed)
+{
+    while (at < text.size() && classOf[static_cast<unsigned char>(text[at])] & allowed)
+        ++at;
+    return at;
+}
+
+// Whether path, query and fragment hold nothing but what they may.
+bool isPlainRest(QByteArrayView text, qsizetype at)
+{
+    bool inFragment = false;
+    while ((at = skip(text, at, PathCharacter)) < text.size()) {
+        const char c = text[at];
+        const bool isEscape = c == '%' && at + 2 < text.size() && isHexDigit(text[at + 1]) && isHexDigit(text[at + 2]);
+        if (c == '#' && !inFragment)
+            inFragment = true;
+        else if (c != '?' && !isEscape)
+            return false;
+        at += isEscape ? 3 : 1;
+    }
+    return true;
+}
 } // namespace
+
+bool Url::isPlainAddress(QByteArrayView text, Host *host)
+{
+    const qsizetype schemeEnd = skip(text, 0, SchemeCharacter);
+    if (schemeEnd == 0 || !std::isalpha(static_cast<unsigned char>(text[0])) ||
+        !text.sliced(schemeEnd).startsWith("://"))
+        return false;
+    host->start = schemeEnd + 3;
+    qsizetype at = skip(text, host->start, HostCharacter);
+    host->length = at - host->start;
+    if (host->length == 0)
+        return false;
+    if (at < text.size() && text[at] == ':')
+        at = skip(text, at + 1, Digit);
+    return at == text.size() || (strchr("/?#", text[at]) && text[at] != '\0' && isPlainRest(text, at));
+}
 
 Url::Data::Piece Url::Data::pathOf(const QByteArray &text, qsizetype schemeEnd)
 {
@@ -102,6 +170,17 @@ Url Url::URLWithString(const QString &text)
     if (text.isEmpty() || !isAscii(text))
         return {};
     const QByteArray form = toleratedForm(text.toLatin1());
+    Host host;
+    if (isPlainAddress(form, &host)) {
+        const qsizetype schemeLength = host.start - qsizetype(strlen("://"));
+        Url url;
+        url._data = new Data;
+        url._data->text = text;
+        url._data->scheme = {0, schemeLength};
+        url._data->host = {host.start, host.length};
+        url._data->path = Data::pathOf(form, schemeLength + 1);
+        return url;
+    }
     const char *begin = form.constData();
     const char *end = begin + form.size();
     UriUriA parsed;

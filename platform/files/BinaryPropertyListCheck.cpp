@@ -1,6 +1,14 @@
 #include "platform/files/BinaryPropertyListCheck.h"
 
 #include "platform/files/PropertyList.h"
+#include "platform/files/XmlPropertyListWriter.h"
+
+#include <QtEndian>
+
+#include <QtEndian>
+#include <algorithm>
+#include <bit>
+#include <cmath>
 
 namespace
 {
@@ -27,6 +35,48 @@ QString BinaryPropertyListCheck::reasonToRefuse()
             return _reason;
     }
     return {};
+}
+
+BinaryPropertyListCheck::Object BinaryPropertyListCheck::objectAt(quint64 number)
+{
+    Object object;
+    readObject(number, &object);
+    return object;
+}
+
+quint64 BinaryPropertyListCheck::count(quint64 number)
+{
+    const Object object = objectAt(number);
+    return object.kind == Object::Dictionary ? object.references / 2 : object.references;
+}
+
+quint64 BinaryPropertyListCheck::key(quint64 number, quint64 index)
+{
+    return integerAt(objectAt(number).position + index * _referenceSize, _referenceSize);
+}
+
+quint64 BinaryPropertyListCheck::value(quint64 number, quint64 index)
+{
+    const Object object = objectAt(number);
+    const quint64 first = object.kind == Object::Dictionary ? object.references / 2 : 0;
+    return integerAt(object.position + (first + index) * _referenceSize, _referenceSize);
+}
+
+bool BinaryPropertyListCheck::readText(quint64 number, QByteArray *text)
+{
+    const Object object = objectAt(number);
+    text->resize(0);
+    if (object.kind != Object::Text)
+        return true;
+    const QByteArrayView bytes(_data.constData() + object.position, qsizetype(object.length));
+    if (!object.isWide) {
+        text->append(bytes);
+        return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c > 0; });
+    }
+    QString wide(qsizetype(object.length / 2), Qt::Uninitialized);
+    qFromBigEndian<char16_t>(bytes.data(), wide.size(), wide.data());
+    *text = wide.toUtf8();
+    return wide.isValidUtf16() && !wide.contains(QChar::Null);
 }
 
 bool BinaryPropertyListCheck::readTrailer()
@@ -68,7 +118,7 @@ bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
     case 0x2:
         return ((low == 2 || low == 3) && isInside(position, 1 << low)) || refuse("a damaged real");
     case 0x3:
-        return (low == 3 && isInside(position, 8)) || refuse("a damaged date");
+        return (low == 3 && isInside(position, 8) && isDateAt(position)) || refuse("a damaged date");
     default:
         break;
     }
@@ -128,6 +178,16 @@ bool BinaryPropertyListCheck::readCount(quint64 *position, quint64 *count)
     return true;
 }
 
+bool BinaryPropertyListCheck::isDamaged(const Object &text) const
+{
+    const QByteArrayView bytes(_data.constData() + text.position, qsizetype(text.length));
+    if (!text.isWide)
+        return !bytes.isValidUtf8() || !XmlPropertyListWriter::canHold(QString::fromUtf8(bytes));
+    QString characters(bytes.size() / 2, Qt::Uninitialized);
+    qFromBigEndian<char16_t>(bytes.data(), characters.size(), characters.data());
+    return !XmlPropertyListWriter::canHold(characters);
+}
+
 bool BinaryPropertyListCheck::isInside(quint64 position, quint64 length) const
 {
     return position <= _end && length <= _end - position;
@@ -141,6 +201,11 @@ quint64 BinaryPropertyListCheck::integerAt(quint64 position, int size) const
     return value;
 }
 
+bool BinaryPropertyListCheck::isDateAt(quint64 position) const
+{
+    return std::abs(std::bit_cast<double>(integerAt(position, 8))) <= furthestDate;
+}
+
 bool BinaryPropertyListCheck::enter(quint64 number)
 {
     Visit visit;
@@ -150,6 +215,7 @@ bool BinaryPropertyListCheck::enter(quint64 number)
     Known &known = _known[number];
     known.values = 1;
     known.bytes = visit.object.bytes;
+    _hasDamagedText = _hasDamagedText || (visit.object.kind == Object::Text && isDamaged(visit.object));
     if (visit.object.kind == Object::Scalar || visit.object.kind == Object::Text) {
         known.height = 0;
         return true;

@@ -10,11 +10,29 @@
 class BinaryPropertyListCheck
 {
 public:
+    // Some eight thousand years either way from 2001, in seconds; dates beyond are refused.
+    static constexpr double furthestDate = 8000 * 365.25 * 24 * 60 * 60;
+
     // `data` must outlive the check.
     explicit BinaryPropertyListCheck(const QByteArray &data);
 
     // Null when the list can be unfolded safely, else why not.
     QString reasonToRefuse();
+    // Known once that has been asked for: whether any text or key will be read otherwise than it stands there, or
+    // cannot be written again.
+    bool hasDamagedText() const { return _hasDamagedText; }
+
+    // For a list that is not refused: its objects, named by their numbers, for readers that want but a few of them. A
+    // dictionary has a key and a value of each index, an array a value.
+    quint64 topObject() const { return _top; }
+    bool isDictionary(quint64 number) { return objectAt(number).kind == Object::Dictionary; }
+    bool isArray(quint64 number) { return objectAt(number).kind == Object::Array; }
+    quint64 count(quint64 number);
+    quint64 key(quint64 number, quint64 index);
+    quint64 value(quint64 number, quint64 index);
+    // In UTF-8, and whether that is all that there is to say: not for text that holds a NUL or is no proper text. Empty
+    // and true for what is no text.
+    bool readText(quint64 number, QByteArray *text);
 
 private:
     // What is known of an object once everything below it has been looked at.
@@ -41,11 +59,14 @@ private:
         quint64 next = 0;
     };
 
+    Object objectAt(quint64 number);
     bool readTrailer();
     bool readObject(quint64 number, Object *object);
     bool readCount(quint64 *position, quint64 *count);
+    bool isDamaged(const Object &text) const;
     bool isInside(quint64 position, quint64 length) const;
     quint64 integerAt(quint64 position, int size) const;
+    bool isDateAt(quint64 position) const;
     bool enter(quint64 number);
     bool follow(Visit &visit);
     bool add(const Visit &visit, quint64 child);
@@ -60,5 +81,6 @@ private:
     quint64 _top = 0;
     std::vector<Known> _known;
     std::vector<Visit> _visits;
+    bool _hasDamagedText = false;
     QString _reason;
 };

@@ -1,10 +1,12 @@
 #include "platform/files/Bundle.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <dlfcn.h>
+#include <optional>
 
 namespace
 {
@@ -27,6 +29,47 @@ QString findPath()
 bool isPlainFile(const QString &path)
 {
     return QFileInfo(path).isFile();
+}
+
+// The texts of one bundle in one language.
+class Catalogue
+{
+public:
+    Catalogue(const QString &bundle, const QLocale &locale) : _bundle(bundle), _locale(locale)
+    {
+        const QStringList languages = locale.uiLanguages();
+        for (const QString &language : languages) {
+            // Who puts English first wants the keys as they are, whatever comes next.
+            if (language == u"C" || language.startsWith(u"en") || load(language))
+                return;
+        }
+    }
+
+    bool isOf(const QString &bundle, const QLocale &locale) const { return bundle == _bundle && locale == _locale; }
+    QString text(const char *key) const { return _translator.translate("Wayfold", key); }
+
+private:
+    // The language's own catalogue or, for one of a country, the one for all of them.
+    bool load(QString language)
+    {
+        const QString name = QStringLiteral("wayfold_") + language.replace(u'-', u'_');
+        return _translator.load(name, _bundle + QStringLiteral("/Contents/Resources"));
+    }
+
+    QString _bundle;
+    QLocale _locale;
+    QTranslator _translator;
+};
+
+// Loaded once, and again when the language or the bundle is another one.
+const Catalogue &currentCatalogue()
+{
+    static std::optional<Catalogue> catalogue;
+    const QString bundle = Bundle::path();
+    const QLocale locale;
+    if (!catalogue || !catalogue->isOf(bundle, locale))
+        catalogue.emplace(bundle, locale);
+    return *catalogue;
 }
 } // namespace
 
@@ -67,6 +110,6 @@ QString Bundle::localizedString(const QString &key)
 {
     if (key.isEmpty())
         return key;
-    const QString text = QCoreApplication::translate("Wayfold", key.toUtf8().constData());
+    const QString text = currentCatalogue().text(key.toUtf8().constData());
     return text.isEmpty() ? key : text;
 }

@@ -16,6 +16,7 @@ QString pathForResource(const QString &name);
 // The image resource of that name, with or without its ending: .svg, .png, .jpg, .gif are tried in this order. Null
 // when there is none.
 QString pathForImageResource(const QString &name);
-// The text for the English `key` in the user's language; the key itself when there is no translation.
+// The text for the English `key` in the user's language, from the catalogue "wayfold_<language>.qm" of the resources
+// (the host's own catalogues are not asked); the key itself when there is no translation.
 QString localizedString(const QString &key);
 } // namespace Bundle

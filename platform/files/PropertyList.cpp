@@ -4,6 +4,7 @@
 #include "platform/files/BinaryPropertyListCheck.h"
 #include "platform/files/DiskFlush.h"
 #include "platform/files/FileStamp.h"
+#include "platform/files/PlainPropertyList.h"
 #include "platform/files/XmlPropertyListReader.h"
 #include "platform/files/XmlPropertyListWriter.h"
 
@@ -65,8 +66,7 @@ QVariant dateFrom(plist_t node)
     if (bytes.size() < qsizetype(sizeof(quint64)))
         return {};
     const double seconds = std::bit_cast<double>(qFromBigEndian<quint64>(bytes.constData()));
-    constexpr double eightThousandYears = 8000 * 365.25 * 24 * 60 * 60;
-    if (!(std::abs(seconds) <= eightThousandYears))
+    if (!(std::abs(seconds) <= BinaryPropertyListCheck::furthestDate))
         return {};
     return epoch.addMSecs(qRound64(seconds * 1000));
 }
@@ -78,9 +78,9 @@ QString stringFrom(plist_t node)
     return length ? QString::fromUtf8(text, qsizetype(length)) : QStringLiteral("");
 }
 
-QVariant valueFrom(plist_t node);
+QVariant valueFrom(plist_t node, bool *isWhole);
 
-QVariant dictionaryFrom(plist_t node)
+QVariant dictionaryFrom(plist_t node, bool *isWhole)
 {
     QVariantMap dictionary;
     plist_dict_iter position = nullptr;
@@ -93,14 +93,16 @@ QVariant dictionaryFrom(plist_t node)
         const Allocated<char> keyOwner(key);
         if (!child)
             return dictionary;
-        const QVariant value = valueFrom(child);
+        const QVariant value = valueFrom(child, isWhole);
         if (!value.isValid())
             return {};
-        dictionary.insert(QString::fromUtf8(key), value);
+        const QString name = QString::fromUtf8(key);
+        *isWhole = *isWhole && !dictionary.contains(name);
+        dictionary.insert(name, value);
     }
 }
 
-QVariant arrayFrom(plist_t node)
+QVariant arrayFrom(plist_t node, bool *isWhole)
 {
     QVariantList array;
     array.reserve(plist_array_get_size(node));
@@ -112,7 +114,7 @@ QVariant arrayFrom(plist_t node)
         plist_array_next_item(node, position, &child);
         if (!child)
             return array;
-        const QVariant value = valueFrom(child);
+        const QVariant value = valueFrom(child, isWhole);
         if (!value.isValid())
             return {};
         array.append(value);
@@ -120,13 +122,13 @@ QVariant arrayFrom(plist_t node)
 }
 
 // An invalid variant for what has no place among our values. The depth has been looked at before.
-QVariant valueFrom(plist_t node)
+QVariant valueFrom(plist_t node, bool *isWhole)
 {
     switch (plist_get_node_type(node)) {
     case PLIST_DICT:
-        return dictionaryFrom(node);
+        return dictionaryFrom(node, isWhole);
     case PLIST_ARRAY:
-        return arrayFrom(node);
+        return arrayFrom(node, isWhole);
     case PLIST_STRING:
         return stringFrom(node);
     case PLIST_UINT:
@@ -153,40 +155,61 @@ QVariant valueFrom(plist_t node)
     }
 }
 
-QVariant fromBinary(const QByteArray &data, QString *reason)
+QVariant fromBinary(const QByteArray &data, QString *reason, bool *isWhole)
 {
-    *reason = BinaryPropertyListCheck(data).reasonToRefuse();
+    BinaryPropertyListCheck check(data);
+    *reason = check.reasonToRefuse();
+    *isWhole = !check.hasDamagedText();
     if (!reason->isNull())
         return {};
     plist_t list = nullptr;
     plist_from_bin(data.constData(), static_cast<uint32_t>(data.size()), &list);
     const OwnedPropertyList owner(list);
-    QVariant value = list ? valueFrom(list) : QVariant();
+    QVariant value = list ? valueFrom(list, isWhole) : QVariant();
     if (!value.isValid())
         *reason = QStringLiteral("damaged, or a value of an unknown kind");
     return value;
 }
 
-QVariant fromDevice(QIODevice *device, QString *reason)
+QVariant fromXml(QIODevice *device, QString *reason, bool *isWhole)
 {
-    const QByteArray start = device->peek(8);
-    if (start.startsWith("bplist"))
-        return fromBinary(device->readAll(), reason);
-    // Two or four bytes a character, which nobody writes property lists in.
-    if (start.left(4).contains('\0') || start.startsWith("\xfe\xff") || start.startsWith("\xff\xfe")) {
-        *reason = QStringLiteral("not in UTF-8");
-        return {};
-    }
+    const qint64 beginning = device->pos();
+    QVariant value = PlainPropertyList(*device).read();
+    *isWhole = value.isValid();
+    if (value.isValid() || !device->seek(beginning))
+        return value;
     XmlPropertyListReader reader(device);
-    QVariant value = reader.read();
+    value = reader.read();
+    *isWhole = reader.isWhole();
     if (!value.isValid())
         *reason = reader.errorString();
     return value;
 }
 
+QVariant fromDevice(QIODevice *device, QString *reason, bool *isWhole)
+{
+    *isWhole = false;
+    const QByteArray start = device->peek(8);
+    if (start.startsWith("bplist"))
+        return fromBinary(device->readAll(), reason, isWhole);
+    // Two or four bytes a character, which nobody writes property lists in.
+    if (start.left(4).contains('\0') || start.startsWith("\xfe\xff") || start.startsWith("\xff\xfe")) {
+        *reason = QStringLiteral("not in UTF-8");
+        return {};
+    }
+    return fromXml(device, reason, isWhole);
+}
+
 void logRefusal(const QString &path, const QString &reason)
 {
     qCWarning(logFiles).noquote() << "Could not read the property list" << path << "-" << reason;
+}
+
+void logIfNotWhole(const QString &path, const QVariant &value, bool isWhole)
+{
+    if (value.isValid() && !isWhole)
+        qCWarning(logFiles).noquote() << "Could not read the whole of the property list" << path
+                                      << "- it has a key twice, or damaged text";
 }
 
 // Opens a plain file; anything else (a pipe would keep us waiting, a device might do anything) is not touched. Null
@@ -218,6 +241,8 @@ QString replaceFile(const QString &path, const QByteArray &contents)
         return qt_error_string(errno);
     if (stamp && !stamp->isPlainFile)
         return QStringLiteral("not a plain file");
+    // Where the file system has files without a name, the temporary one gets its name as the very last step: a save
+    // that is cut off leaves nothing behind.
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
@@ -238,42 +263,61 @@ QString replaceFile(const QString &path, const QByteArray &contents)
 }
 } // namespace
 
-QVariant PropertyList::readFile(const QString &path)
+bool PropertyList::openFile(const QString &path, QFile *file)
+{
+    const QString reason = openPlainFile(path, file);
+    if (!reason.isEmpty())
+        logRefusal(path, reason);
+    return reason.isNull();
+}
+
+QVariant PropertyList::readFile(const QString &path, bool *isWhole)
 {
     QFile file;
     QString reason = openPlainFile(path, &file);
     QVariant value;
+    bool whole = false;
     if (reason.isNull())
-        value = fromDevice(&file, &reason);
+        value = fromDevice(&file, &reason, &whole);
     if (!reason.isEmpty())
         logRefusal(path, reason);
+    logIfNotWhole(path, value, whole);
+    if (isWhole)
+        *isWhole = value.isValid() && whole;
     return value;
 }
 
-QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok)
+QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok, bool *isWhole)
 {
-    const QVariant value = readFile(path);
+    const QVariant value = readFile(path, isWhole);
     const bool isDictionary = value.metaType().id() == QMetaType::QVariantMap;
     if (value.isValid() && !isDictionary)
         logRefusal(path, QStringLiteral("its top level is no dictionary"));
     if (ok)
         *ok = isDictionary;
+    if (isWhole)
+        *isWhole = *isWhole && isDictionary;
     return isDictionary ? value.toMap() : QVariantMap();
 }
 
-QVariant PropertyList::fromData(const QByteArray &data)
+QVariant PropertyList::fromData(const QByteArray &data, bool *isWhole)
 {
+    const QString fromMemory = QStringLiteral("(from memory)");
     QString reason;
     QVariant value;
+    bool whole = false;
     QBuffer buffer;
     buffer.setData(data);
     buffer.open(QIODevice::ReadOnly);
     if (data.size() > maximumFileSize)
         reason = QStringLiteral("larger than 1 GiB");
     else
-        value = fromDevice(&buffer, &reason);
+        value = fromDevice(&buffer, &reason, &whole);
     if (!reason.isNull())
-        logRefusal(QStringLiteral("(from memory)"), reason);
+        logRefusal(fromMemory, reason);
+    logIfNotWhole(fromMemory, value, whole);
+    if (isWhole)
+        *isWhole = value.isValid() && whole;
     return value;
 }
 

@@ -5,6 +5,8 @@
 #include <QVariant>
 #include <QVariantMap>
 
+class QFile;
+
 // Property lists: the XML form, which is read and written, and the binary form, which is read through libplist. Values
 // are variants:
 //
@@ -13,21 +15,30 @@
 //
 // Reading takes files up to 1 GiB and values nested up to `maximumDepth` deep; what is larger, deeper, damaged, or
 // would unfold to more than the file could hold (entities, objects referred to over and over) is refused. Each refusal
-// goes to the log with its reason. Text in the binary form ends at its first NUL, which no text of ours holds.
+// goes to the log with its reason.
+//
+// Less than the whole is read where a dictionary has a key twice (the later value counts), where text is damaged (bytes
+// that are not UTF-8 are read as U+FFFD), and where text in the binary form holds a NUL, at which it ends. `isWhole`
+// (may be null) tells: true when everything was read, and can be written again just so. Who is going to write over a
+// file that was not read whole keeps a copy of it first. The log says so too.
 namespace PropertyList
 {
 constexpr qint64 maximumFileSize = qint64(1) << 30;
 constexpr int maximumDepth = 1024;
 
+// Opens a file for a reader that knows more about its contents; false when it is missing, unreadable, larger than what
+// is read here or not a plain file (a pipe would keep us waiting). A missing file is not logged.
+bool openFile(const QString &path, QFile *file);
 // An invalid variant when the file is missing, unreadable, not a plain file or refused. A missing file is not logged.
-QVariant readFile(const QString &path);
+QVariant readFile(const QString &path, bool *isWhole = nullptr);
 // The same for a file whose top level is a dictionary; `ok` (may be null) tells an empty dictionary from none.
-QVariantMap readDictionaryFile(const QString &path, bool *ok = nullptr);
-QVariant fromData(const QByteArray &data);
+QVariantMap readDictionaryFile(const QString &path, bool *ok = nullptr, bool *isWhole = nullptr);
+QVariant fromData(const QByteArray &data, bool *isWhole = nullptr);
 
 // The XML form, ending in a line end; empty when the value holds something that a property list cannot, or is nested
-// deeper than can be read back. Characters that XML cannot hold (control characters, lone surrogates) are written as
-// U+FFFD, so that the file stays readable for everyone.
+// deeper than can be read back. Characters that XML cannot hold are written as what a reader sees of them, so that the
+// file stays readable for everyone: a vertical tab and a form feed as a line end, other control characters not at all,
+// lone surrogates, what is no character and a text of nothing but control characters as U+FFFD.
 QByteArray toXml(const QVariant &value);
 // Writes the XML form to a temporary file beside `path`, flushes it to the disk, puts it in place of the old file and
 // flushes the directory. False, with the reason in the log and the old file whole, when any of this fails.

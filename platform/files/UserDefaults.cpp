@@ -86,8 +86,9 @@ UserDefaults::Domain &UserDefaults::domainNamed(const QString &name)
     if (known != _domains.end())
         return *known;
     Domain domain;
-    domain.values = PropertyList::readDictionaryFile(path, &domain.exists);
-    domain.hasUnreadableFile = !domain.exists && QFileInfo::exists(path);
+    bool isWhole = false;
+    domain.values = PropertyList::readDictionaryFile(path, &domain.exists, &isWhole);
+    domain.mustKeepFile = !isWhole && QFileInfo::exists(path);
     return *_domains.insert(path, domain);
 }
 
@@ -107,9 +108,9 @@ void UserDefaults::setDomain(const QVariantMap &values, bool exists, const QStri
 
 bool UserDefaults::writeDomain(Domain &domain, const QString &path)
 {
-    if (domain.hasUnreadableFile && keepCopyOfFile(path).isNull())
+    if (domain.mustKeepFile && keepCopyOfFile(path).isNull())
         return false;
-    domain.hasUnreadableFile = false;
+    domain.mustKeepFile = false;
     if (!domain.exists) {
         QFile file(path);
         if (!file.exists() || file.remove())

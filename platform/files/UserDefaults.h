@@ -37,8 +37,8 @@ private:
     {
         QVariantMap values;
         bool exists = false;
-        bool isChanged = false;         // not on the disk yet
-        bool hasUnreadableFile = false; // which is kept aside before anything is written over it
+        bool isChanged = false;    // not on the disk yet
+        bool mustKeepFile = false; // it was not read whole, and is kept aside before anything is written over it
     };
 
     Domain &domainNamed(const QString &name);

@@ -5,12 +5,40 @@
 #include <QDateTime>
 #include <limits>
 
-XmlPropertyListReader::XmlPropertyListReader(QIODevice *device) : _xml(device)
+XmlPropertyListReader::XmlPropertyListReader(QIODevice *device)
+    : _xml(device)
+    , _device(device)
+    , _beginning(device->pos())
+{
+    _xml.setNamespaceProcessing(false);
+}
+
+XmlPropertyListReader::XmlPropertyListReader(const QString &text) : _xml(text)
 {
     _xml.setNamespaceProcessing(false);
 }
 
 QVariant XmlPropertyListReader::read()
+{
+    QVariant value = readDocument();
+    if (value.isValid())
+        return value;
+    // A few damaged bytes do not take the rest away.
+    const QByteArray data = isInUtf8() && _device->seek(_beginning) ? _device->readAll() : QByteArray();
+    if (data.isValidUtf8())
+        return {};
+    _isWhole = false;
+    return XmlPropertyListReader(QString::fromUtf8(data)).readDocument();
+}
+
+// Whether the document says so, or says nothing.
+bool XmlPropertyListReader::isInUtf8() const
+{
+    const QStringView declared = _xml.documentEncoding();
+    return declared.isEmpty() || declared.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0;
+}
+
+QVariant XmlPropertyListReader::readDocument()
 {
     while (!_xml.atEnd()) {
         switch (_xml.readNext()) {
@@ -135,6 +163,7 @@ void XmlPropertyListReader::addValue(const QVariant &value)
     }
     if (!container.hasKey)
         refused(QStringLiteral("a value without a key"));
+    _isWhole = _isWhole && !container.dictionary.contains(container.key);
     container.dictionary.insert(container.key, value);
     container.hasKey = false;
 }

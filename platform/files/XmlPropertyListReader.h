@@ -19,8 +19,13 @@ public:
     // An invalid variant when it is refused; the reason is in `errorString` then.
     QVariant read();
     QString errorString() const;
+    // False when a value was left out, for another one that stands under the same key, or when bytes that are not UTF-8
+    // were read as U+FFFD.
+    bool isWhole() const { return _isWhole; }
 
 private:
+    explicit XmlPropertyListReader(const QString &text);
+
     struct Container
     {
         bool isDictionary = false;
@@ -30,6 +35,8 @@ private:
         QVariantList array;
     };
 
+    QVariant readDocument();
+    bool isInUtf8() const;
     void startElement();
     void endElement();
     void openContainer(bool isDictionary);
@@ -43,7 +50,10 @@ private:
     QVariant refused(const QString &reason);
 
     QXmlStreamReader _xml;
+    QIODevice *_device = nullptr;
+    qint64 _beginning = 0;
     std::vector<Container> _open;
     bool _isInside = false; // between <plist> and </plist>
+    bool _isWhole = true;
     QVariant _root;
 };

@@ -20,7 +20,15 @@ bool isPlain(QChar character)
     return c >= 0x20 && c != '&' && c != '<' && c != '>' && !character.isSurrogate() && c < 0xfffe;
 }
 
-// What stands in the file for a character that is not plain and not half of a pair.
+// Whether XML has no place for it, not even as a reference.
+bool isUnwritable(QChar character)
+{
+    const char16_t c = character.unicode();
+    return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c >= 0xfffe;
+}
+
+// What stands in the file for a character that is not plain and not half of a pair. Of control characters nobody sees
+// more than the line that some of them begin.
 QString escaped(QChar character)
 {
     switch (character.unicode()) {
@@ -35,8 +43,11 @@ QString escaped(QChar character)
     case '\t':
     case '\n':
         return character;
-    default: // XML cannot hold it, not even as a reference
-        return QChar(QChar::ReplacementCharacter);
+    case '\v':
+    case '\f':
+        return QStringLiteral("\n");
+    default:
+        return character.unicode() < 0x20 ? QString() : QString(QChar::ReplacementCharacter);
     }
 }
 
@@ -56,7 +67,8 @@ QByteArray escaped(const QString &text)
             result.append(escaped(text[i]));
         }
     }
-    return result.toUtf8();
+    // Never the empty text: an item whose title became that would not be read again.
+    return result.isEmpty() ? QString(QChar::ReplacementCharacter).toUtf8() : result.toUtf8();
 }
 
 // As many digits as it takes to read exactly this number again.
@@ -75,6 +87,11 @@ QByteArray XmlPropertyListWriter::write(const QVariant &value)
     if (!writer.writeValue(value, 0))
         return {};
     return writer._xml + "</plist>\n";
+}
+
+bool XmlPropertyListWriter::canHold(const QString &text)
+{
+    return text.isValidUtf16() && std::none_of(text.begin(), text.end(), isUnwritable);
 }
 
 bool XmlPropertyListWriter::writeValue(const QVariant &value, int depth)

@@ -10,6 +10,8 @@ class XmlPropertyListWriter
 public:
     // Empty when the value holds something that a property list cannot, or is nested too deep.
     static QByteArray write(const QVariant &value);
+    // Whether the text can be read again just as it is.
+    static bool canHold(const QString &text);
 
 private:
     bool writeValue(const QVariant &value, int depth);

@@ -4,6 +4,7 @@
 #include "platform/base/PlatformNotifications.h"
 #include "platform/host/HostWindow.h"
 #include "platform/widgets/DrawerGrip.h"
+#include "platform/widgets/TaskBar.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -25,6 +26,7 @@ constexpr int bottomInset = 14;
 constexpr int titleBarHeight = 28; // of a window of another process, which tells only its frame
 constexpr int shadowWidth = 6;
 constexpr int mostTimesPutBack = 20;
+constexpr qreal mostOfTheScreen = 0.75; // that a drawer may cover
 
 using DrawerTable = QHash<const HostWindow *, QList<Drawer *>>;
 
@@ -77,7 +79,7 @@ Drawer::Drawer(QWidget *parent)
         layOut();
     });
     connect(&_slide, &QVariantAnimation::finished, this, &Drawer::slideEnded);
-    connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthBeforeDrag = _contentSize.width(); });
+    connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthBeforeDrag = contentWidth(); });
     connect(_grip, &DrawerGrip::dragged, this, &Drawer::dragWidth);
 }
 
@@ -184,7 +186,11 @@ void Drawer::showWith(const HostWindow &window)
     // A window manager may have minimised the drawer along with its window; shown like that, it would take the window
     // down again.
     setWindowState(windowState() & ~Qt::WindowMinimized);
+    if (visible)
+        TaskBar::leaveOut(*this);
     setVisible(visible);
+    if (visible)
+        TaskBar::leaveOut(*this);
 }
 
 // --- Opening and closing --------------------------------------------------------------------------------------------
@@ -301,7 +307,7 @@ QSizeF Drawer::contentSize() const
     const std::shared_ptr<HostWindow> window = parentWindow();
     if (!window || _state == Closed)
         return _contentSize;
-    return {_contentSize.width(), qreal(openGeometry().height() - 2 * verticalMargin)};
+    return {contentWidth(), qreal(openGeometry().height() - 2 * verticalMargin)};
 }
 
 void Drawer::setContentSize(const QSizeF &size)
@@ -333,9 +339,22 @@ QWidget *Drawer::contentView() const
     return _contentView;
 }
 
+// The widest that its content may be. A width that was set on a wider screen is kept for when there is room again.
+qreal Drawer::widestContent() const
+{
+    const std::shared_ptr<HostWindow> window = parentWindow();
+    const qreal widest = window ? window->visibleScreenFrame().width() * mostOfTheScreen - frameWidth : 0;
+    return std::max(_minContentSize.width(), widest);
+}
+
+qreal Drawer::contentWidth() const
+{
+    return std::min(_contentSize.width(), widestContent());
+}
+
 int Drawer::openWidth() const
 {
-    return qRound(_contentSize.width()) + frameWidth;
+    return qRound(contentWidth()) + frameWidth;
 }
 
 // Where it stands when it is all the way out.
@@ -413,9 +432,7 @@ void Drawer::putBack()
 void Drawer::dragWidth(int distance)
 {
     const qreal width = _widthBeforeDrag + (_edge == NSMinXEdge ? -distance : distance);
-    const QScreen *onScreen = screen() ? screen() : QGuiApplication::primaryScreen();
-    const qreal widest = std::max(_minContentSize.width(), onScreen->geometry().width() * 0.75 - frameWidth);
-    setContentSize(QSizeF(std::clamp(width, _minContentSize.width(), widest), _contentSize.height()));
+    setContentSize(QSizeF(std::clamp(width, _minContentSize.width(), widestContent()), _contentSize.height()));
 }
 
 // The palette's own grounds with a line around the three free sides, and the parent's shadow on the fourth.
@@ -433,11 +450,9 @@ void Drawer::paintEvent(QPaintEvent * /*event*/)
     shadow.setColorAt(1, QColor(0, 0, 0, 0));
     painter.fillRect(QRectF(std::min(parentSide, shadowEnd), 0, shadowWidth, height()), shadow);
 
-    painter.setPen(blended(ground, palette().color(QPalette::WindowText), 0.3F));
-    painter.drawLine(_out.topLeft(), _out.topRight());
-    painter.drawLine(_out.bottomLeft(), _out.bottomRight());
-    if (onLeft)
-        painter.drawLine(_out.topLeft(), _out.bottomLeft());
-    else
-        painter.drawLine(_out.topRight(), _out.bottomRight());
+    // Filled, since a pen does not stay within its pixel where there are several to the point.
+    const QColor line = blended(ground, palette().color(QPalette::WindowText), 0.3F);
+    painter.fillRect(_out.left(), _out.top(), _out.width(), 1, line);
+    painter.fillRect(_out.left(), _out.bottom(), _out.width(), 1, line);
+    painter.fillRect(onLeft ? _out.left() : _out.right(), _out.top(), 1, _out.height(), line);
 }

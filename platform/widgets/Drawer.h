@@ -57,7 +57,8 @@ public:
     void toggle();
 
     // Both in device-independent pixels. The height follows the parent window; the width is the user's to change by
-    // dragging the free edge, between the minimum and three quarters of the screen.
+    // dragging the free edge. An open drawer is between the minimum and three quarters of the screen wide, whatever was
+    // set.
     QSizeF contentSize() const;
     // A width below the minimum is raised to it.
     void setContentSize(const QSizeF &size);
@@ -91,6 +92,8 @@ private:
     int slideTime() const;
 
     QRect openGeometry() const;
+    qreal widestContent() const;
+    qreal contentWidth() const;
     int openWidth() const;
     void layOut();
     void putBack();

@@ -1,5 +1,7 @@
 #include "platform/widgets/DrawerGrip.h"
 
+#include "platform/files/Bundle.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -14,6 +16,8 @@ DrawerGrip::DrawerGrip(QWidget *parent) : QWidget(parent)
 {
     setCursor(Qt::SplitHCursor);
     setFocusPolicy(Qt::NoFocus);
+    setToolTip(Bundle::localizedString(QStringLiteral("Drag to change the width")));
+    setAccessibleName(Bundle::localizedString(QStringLiteral("Width of the drawer")));
 }
 
 void DrawerGrip::mousePressEvent(QMouseEvent *event)

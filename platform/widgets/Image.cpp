@@ -16,9 +16,7 @@ std::shared_ptr<Image> Image::imageWithContentsOfFile(const QString &path)
         size = reader.read().size(); // the format does not tell before it is read
     if (size.isEmpty())
         return nullptr;
-    auto image = std::shared_ptr<Image>(new Image(QIcon(path), size));
-    image->_path = path;
-    return image;
+    return std::shared_ptr<Image>(new Image(QIcon(path), size));
 }
 
 std::shared_ptr<Image> Image::imageWithIcon(const QIcon &icon, const QSizeF &naturalSize)
@@ -31,19 +29,7 @@ std::shared_ptr<Image> Image::imageWithPicture(const QImage &picture)
     if (picture.isNull())
         return nullptr;
     const QIcon icon(QPixmap::fromImage(picture));
-    auto image = std::shared_ptr<Image>(new Image(icon, picture.deviceIndependentSize()));
-    image->_picture = picture;
-    return image;
-}
-
-// An icon keeps what it has rendered; a new one has nothing to keep yet.
-QIcon Image::iconToDraw() const
-{
-    if (_cacheMode != NSImageCacheNever)
-        return _icon;
-    if (!_path.isNull())
-        return QIcon(_path);
-    return _picture.isNull() ? _icon : QIcon(QPixmap::fromImage(_picture));
+    return std::shared_ptr<Image>(new Image(icon, picture.deviceIndependentSize()));
 }
 
 void Image::drawInRect(QPainter &painter, const QRectF &rect, QIcon::Mode mode) const
@@ -55,8 +41,10 @@ void Image::drawInRect(QPainter &painter, const QRectF &rect, QIcon::Mode mode) 
     }
     if (target.isEmpty())
         return;
+    // The icon keeps a rendering of each size and density, which is what drawing it afresh would give: a list draws the
+    // same picture on every row, and rendering it there each time would take longer than a frame.
     const qreal density = painter.device()->devicePixelRatio();
-    const QPixmap pixmap = iconToDraw().pixmap(target.size().toSize().expandedTo(QSize(1, 1)), density, mode);
+    const QPixmap pixmap = _icon.pixmap(target.size().toSize().expandedTo(QSize(1, 1)), density, mode);
     if (pixmap.isNull())
         return;
     painter.save();

@@ -15,7 +15,7 @@ class Image
 public:
     enum CacheMode {
         NSImageCacheDefault = 0,
-        NSImageCacheNever = 3, // every drawing is rendered afresh from the source
+        NSImageCacheNever = 3, // no drawing is scaled from a rendering of another size; which none is here
     };
 
     // None when the file is missing or no image.
@@ -42,11 +42,8 @@ public:
 
 private:
     Image(QIcon icon, const QSizeF &size);
-    QIcon iconToDraw() const;
 
     QIcon _icon;
-    QString _path;   // the file that it came from, if any
-    QImage _picture; // the picture that it came from, if any
     QSizeF _naturalSize;
     QSizeF _size;
     bool _scalesWhenResized = false;

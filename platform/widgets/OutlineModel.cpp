@@ -24,6 +24,7 @@ struct OutlineModel::Branch
     std::vector<std::unique_ptr<Row>> children; // null until somebody asks for one
     std::vector<Row *> open;                    // the expanded ones, ascending
     int shown = 0;                              // the rows shown below when this branch is open
+    bool isMade = false;                        // by the source, as it is asked
 };
 
 struct OutlineModel::Reload
@@ -31,11 +32,18 @@ struct OutlineModel::Reload
     std::unordered_set<const OutlineItem *> expanded;
     std::unordered_set<const Row *> fresh;
     std::unordered_set<const Row *> dead;
+    QModelIndexList persistent;
+    std::vector<const Row *> persistentRows;
     QModelIndexList reopened;
 };
 
-OutlineModel::OutlineModel(OutlineView &view) : _view(view), _root(std::make_unique<Row>())
+OutlineModel::OutlineModel(OutlineView &view)
+    : _view(view)
+    , _root(std::make_unique<Row>())
+    , _nothing(std::make_unique<Row>())
 {
+    _nothing->asked = true;
+    _nothing->parent = _root.get();
     _root->asked = _root->expandable = _root->expanded = true;
 }
 
@@ -62,12 +70,16 @@ void OutlineModel::reload()
 
 OutlineModel::Row *OutlineModel::rowOf(const QModelIndex &index) const
 {
-    return index.isValid() ? static_cast<Row *>(index.internalPointer()) : _root.get();
+    if (!index.isValid())
+        return _root.get();
+    auto *parent = static_cast<Row *>(index.internalPointer());
+    const bool isThere = parent->branch && index.row() < int(parent->branch->children.size());
+    return isThere ? &childOf(*parent, index.row()) : _nothing.get();
 }
 
 QModelIndex OutlineModel::indexOf(const Row &row) const
 {
-    return row.parent ? createIndex(row.index, 0, &row) : QModelIndex();
+    return row.parent ? createIndex(row.index, 0, row.parent) : QModelIndex();
 }
 
 // The caller has counted the parent's children and asks for one of them.
@@ -168,15 +180,27 @@ void OutlineModel::count(Row &row) const
     row.branch = std::make_unique<Branch>();
     row.branch->children.resize(std::size_t(children));
     row.branch->shown = children;
+    row.branch->isMade = _source && _source->outlineViewMakesChildrenOfItem(_view, row.item);
 }
 
 void OutlineModel::askShownBelow(Row &row) const
 {
     count(row);
-    for (int i = 0; i < int(row.branch->children.size()); ++i)
+    for (int i = 0; i < int(row.branch->children.size()) && !row.branch->isMade; ++i)
         ask(childOf(row, i));
     for (Row *child : row.branch->open)
         askShownBelow(*child);
+}
+
+// The same for the rows of these items, where not all items are there to be asked for.
+void OutlineModel::askMadeChildren(Row &row, const Wanted &items) const
+{
+    for (int i = 0; row.branch->isMade && i < int(row.branch->children.size()); ++i) {
+        if (items.count(_source->outlineViewMadeChildOfItem(_view, i, row.item).get()))
+            ask(childOf(row, i));
+    }
+    for (Row *child : row.branch->open)
+        askMadeChildren(*child, items);
 }
 
 // --- Flat row numbers -----------------------------------------------------------------------------------------------
@@ -279,12 +303,30 @@ OutlineItemPtr OutlineModel::itemOfIndex(const QModelIndex &index) const
 
 QModelIndex OutlineModel::indexOfItem(const OutlineItemPtr &item) const
 {
-    if (!item)
-        return {};
+    return indexesOfItems({item}).value(0);
+}
+
+QModelIndexList OutlineModel::indexesOfItems(const std::vector<OutlineItemPtr> &items) const
+{
     if (!_allShownAsked) {
         askShownBelow(*_root);
         _allShownAsked = true;
     }
+    Wanted wanted;
+    for (const OutlineItemPtr &item : items)
+        wanted.insert(item.get());
+    wanted.erase(nullptr); // what is not made is nobody's item
+    askMadeChildren(*_root, wanted);
+    QModelIndexList indexes;
+    for (const OutlineItemPtr &item : items) {
+        if (const QModelIndex index = indexOfAskedItem(item); index.isValid())
+            indexes.append(index);
+    }
+    return indexes;
+}
+
+QModelIndex OutlineModel::indexOfAskedItem(const OutlineItemPtr &item) const
+{
     const Row *found = nullptr;
     int first = numberOfRows();
     for (const Row *row = rowsWithItem(item); row; row = row->nextWithItem) {
@@ -301,6 +343,24 @@ bool OutlineModel::isExpanded(const QModelIndex &index) const
 {
     const Row *row = rowOf(index);
     return row->expanded && row->expandable;
+}
+
+std::vector<OutlineItemPtr> OutlineModel::expandedItems() const
+{
+    std::vector<OutlineItemPtr> items;
+    appendExpanded(*_root, items);
+    return items;
+}
+
+void OutlineModel::appendExpanded(const Row &row, std::vector<OutlineItemPtr> &items)
+{
+    if (!row.branch)
+        return;
+    for (const Row *child : row.branch->open) {
+        if (child->expandable)
+            items.push_back(child->item);
+        appendExpanded(*child, items);
+    }
 }
 
 void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
@@ -352,6 +412,7 @@ QModelIndexList OutlineModel::reloadItem(const OutlineItemPtr &item, bool reload
 
     Reload reload;
     Q_EMIT layoutAboutToBeChanged();
+    collectPersistent(reload);
     for (Row *row : rows) {
         collectExpanded(*row, reload);
         refresh(*row, reload);
@@ -408,7 +469,19 @@ void OutlineModel::replaceChildren(Row &row, Reload &reload)
 {
     std::vector<std::unique_ptr<Row>> old = std::move(row.branch->children);
     row.branch->children = std::vector<std::unique_ptr<Row>>(std::size_t(countInSource(row)));
+    row.branch->isMade = _source->outlineViewMakesChildrenOfItem(_view, row.item);
+    if (row.branch->isMade)
+        placeAmongMade(row, old);
+    else
+        placeInSource(row, old, reload);
+    for (std::unique_ptr<Row> &child : old) {
+        if (child)
+            bury(std::move(child), reload);
+    }
+}
 
+void OutlineModel::placeInSource(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload)
+{
     std::unordered_multimap<const OutlineItem *, std::size_t> places;
     for (std::size_t i = 0; i < old.size(); ++i) {
         if (old[i] && old[i]->item)
@@ -427,9 +500,22 @@ void OutlineModel::replaceChildren(Row &row, Reload &reload)
         row.branch->children[i]->index = int(i);
         places.erase(kept);
     }
-    for (std::unique_ptr<Row> &child : old) {
-        if (child)
-            bury(std::move(child), reload);
+}
+
+void OutlineModel::placeAmongMade(Row &row, std::vector<std::unique_ptr<Row>> &old)
+{
+    std::unordered_map<const OutlineItem *, std::size_t> places;
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        if (old[i] && old[i]->item)
+            places.emplace(old[i]->item.get(), i);
+    }
+    for (std::size_t i = 0; !places.empty() && i < row.branch->children.size(); ++i) {
+        const auto kept = places.find(_source->outlineViewMadeChildOfItem(_view, int(i), row.item).get());
+        if (kept == places.end())
+            continue;
+        row.branch->children[i] = std::move(old[kept->second]);
+        row.branch->children[i]->index = int(i);
+        places.erase(kept);
     }
 }
 
@@ -460,7 +546,7 @@ void OutlineModel::collectReopened(Row &row, bool isOpen, Reload &reload)
         return;
     for (int i = 0; i < int(row.branch->children.size()); ++i) {
         const bool isNew = !row.branch->children[std::size_t(i)];
-        if (isNew && !isOpen)
+        if (isNew && (!isOpen || row.branch->isMade))
             continue;
         Row &child = childOf(row, i);
         ask(child);
@@ -476,16 +562,20 @@ void OutlineModel::collectReopened(Row &row, bool isOpen, Reload &reload)
     }
 }
 
+void OutlineModel::collectPersistent(Reload &reload) const
+{
+    reload.persistent = persistentIndexList();
+    for (const QModelIndex &index : std::as_const(reload.persistent))
+        reload.persistentRows.push_back(rowOf(index));
+}
+
 void OutlineModel::movePersistentIndexes(const Reload &reload)
 {
-    const QModelIndexList from = persistentIndexList();
-    QModelIndexList to;
-    to.reserve(from.size());
-    for (const QModelIndex &index : from) {
-        const Row *row = rowOf(index);
-        to.append(reload.dead.count(row) ? QModelIndex() : indexOf(*row));
-    }
-    changePersistentIndexList(from, to);
+    QModelIndexList moved;
+    moved.reserve(reload.persistent.size());
+    for (const Row *row : reload.persistentRows)
+        moved.append(reload.dead.count(row) ? QModelIndex() : indexOf(*row));
+    changePersistentIndexList(reload.persistent, moved);
 }
 
 // --- What Qt asks ---------------------------------------------------------------------------------------------------
@@ -498,12 +588,12 @@ QModelIndex OutlineModel::index(int row, int column, const QModelIndex &parent) 
     count(above);
     if (row >= int(above.branch->children.size()))
         return {};
-    return indexOf(childOf(above, row));
+    return createIndex(row, 0, &above);
 }
 
 QModelIndex OutlineModel::parent(const QModelIndex &index) const
 {
-    return index.isValid() ? indexOf(*rowOf(index)->parent) : QModelIndex();
+    return index.isValid() ? indexOf(*static_cast<const Row *>(index.internalPointer())) : QModelIndex();
 }
 
 int OutlineModel::rowCount(const QModelIndex &parent) const
@@ -522,7 +612,16 @@ bool OutlineModel::hasChildren(const QModelIndex &parent) const
 {
     if (!parent.isValid())
         return rowCount(parent) > 0;
-    Row &row = *rowOf(parent);
+    return isExpandable(parent);
+}
+
+bool OutlineModel::isExpandable(const QModelIndex &index) const
+{
+    const auto &parent = *static_cast<const Row *>(index.internalPointer());
+    const bool isMade = parent.branch && parent.branch->isMade && index.row() < int(parent.branch->children.size());
+    if (isMade && !parent.branch->children[std::size_t(index.row())])
+        return _source->outlineViewIsChildExpandable(_view, index.row(), parent.item);
+    Row &row = *rowOf(index);
     ask(row);
     return row.expandable;
 }
@@ -539,11 +638,9 @@ Qt::ItemFlags OutlineModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::ItemIsDropEnabled;
-    Row &row = *rowOf(index);
-    ask(row);
     const Qt::ItemFlags flags =
         Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
-    return row.expandable ? flags : flags | Qt::ItemNeverHasChildren;
+    return isExpandable(index) ? flags : flags | Qt::ItemNeverHasChildren;
 }
 
 Qt::DropActions OutlineModel::supportedDropActions() const

@@ -6,13 +6,15 @@
 #include <QHash>
 #include <QModelIndexList>
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 class OutlineView;
 class OutlineViewDataSource;
 
-// The rows of an outline view. A row is made when somebody asks for its index, its item is fetched when somebody asks
-// for the item, and a folder's children are counted when it is opened.
+// The rows of an outline view. A row is made when somebody asks for more than its index, its item is fetched when
+// somebody asks for the item, and a folder's children are counted when it is opened. An index points to the row above
+// it, so that those of a long list cost nothing.
 //
 // Every row knows how many rows are shown below it, so that flat row numbers (over all that is open) and indexes are
 // turned into each other without walking the list.
@@ -46,7 +48,11 @@ public:
     OutlineItemPtr itemOfIndex(const QModelIndex &index) const;
     // The first shown row with that item.
     QModelIndex indexOfItem(const OutlineItemPtr &item) const;
+    // The same for many, in their order; without those that have no row.
+    QModelIndexList indexesOfItems(const std::vector<OutlineItemPtr> &items) const;
     bool isExpanded(const QModelIndex &index) const;
+    // Of the rows that are shown, from the top to the bottom.
+    std::vector<OutlineItemPtr> expandedItems() const;
 
     QModelIndex index(int row, int column, const QModelIndex &parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex &index) const override;
@@ -64,6 +70,7 @@ private:
 
     Row *rowOf(const QModelIndex &index) const;
     QModelIndex indexOf(const Row &row) const;
+    bool isExpandable(const QModelIndex &index) const;
     Row &childOf(Row &parent, int index) const;
     OutlineItemPtr fetch(const Row &parent, int index) const;
     void ask(Row &row) const;
@@ -75,15 +82,22 @@ private:
     int countInSource(const Row &row) const;
     void count(Row &row) const;
     void askShownBelow(Row &row) const;
+    using Wanted = std::unordered_set<const OutlineItem *>;
+    void askMadeChildren(Row &row, const Wanted &items) const;
+    QModelIndex indexOfAskedItem(const OutlineItemPtr &item) const;
     static int shownBelow(const Row &row);
     static void sumUp(Row &row);
     static void sumUpFrom(Row *row);
     static int placeInParent(const Row &row);
     static int flatRow(const Row &row);
 
+    static void appendExpanded(const Row &row, std::vector<OutlineItemPtr> &items);
     static void collectExpanded(const Row &row, Reload &reload);
     void refresh(Row &row, Reload &reload);
     void replaceChildren(Row &row, Reload &reload);
+    void placeInSource(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload);
+    void placeAmongMade(Row &row, std::vector<std::unique_ptr<Row>> &old);
+    void collectPersistent(Reload &reload) const;
     void bury(std::unique_ptr<Row> row, Reload &reload);
     void buryBelow(Row &row, Reload &reload);
     void collectReopened(Row &row, bool isOpen, Reload &reload);
@@ -93,6 +107,7 @@ private:
     OutlineViewDataSource *_source = nullptr;
     // Made on demand, by calls that only look.
     mutable std::unique_ptr<Row> _root;
+    std::unique_ptr<Row> _nothing;                         // stands for the rows of indexes that are out of date
     mutable QHash<const OutlineItem *, Row *> _rowsByItem; // rows with the same item are chained
     mutable bool _hasTable = false;
     mutable bool _allShownAsked = false;

@@ -164,6 +164,11 @@ bool OutlineView::isItemExpanded(const OutlineItemPtr &item) const
     return index.isValid() && _model->isExpanded(index);
 }
 
+std::vector<OutlineItemPtr> OutlineView::expandedItems() const
+{
+    return _model->expandedItems();
+}
+
 void OutlineView::expandItem(const OutlineItemPtr &item)
 {
     expand(_model->indexOfItem(item));
@@ -261,6 +266,27 @@ void OutlineView::selectRowExtending(int row, bool extend)
         return;
     selectionModel()->setCurrentIndex(index,
                                       extend ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
+}
+
+// Rows that follow each other become one range: the selection's own bookkeeping takes quadratic time in its ranges.
+void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
+{
+    QModelIndexList indexes = _model->indexesOfItems(items);
+    if (indexes.isEmpty())
+        return;
+    const QModelIndex last = indexes.last();
+    std::sort(indexes.begin(), indexes.end());
+    QItemSelection selection;
+    for (qsizetype first = 0, next = 0; first < indexes.size(); first = next) {
+        const auto follows = [&](const QModelIndex &index, const QModelIndex &before) {
+            return index.internalPointer() == before.internalPointer() && index.row() <= before.row() + 1;
+        };
+        for (next = first + 1; next < indexes.size() && follows(indexes[next], indexes[next - 1]);)
+            ++next;
+        selection.append(QItemSelectionRange(indexes[first], indexes[next - 1]));
+    }
+    selectionModel()->select(selection, QItemSelectionModel::Select);
+    selectionModel()->setCurrentIndex(last, QItemSelectionModel::NoUpdate);
 }
 
 void OutlineView::deselectAll()

@@ -50,6 +50,8 @@ public:
     bool isExpandable(const OutlineItemPtr &item) const;
     // Whether the first row that shows the item is expanded; so for the other two operations.
     bool isItemExpanded(const OutlineItemPtr &item) const;
+    // Of the rows, from the top to the bottom.
+    std::vector<OutlineItemPtr> expandedItems() const;
     void expandItem(const OutlineItemPtr &item);
     void collapseItem(const OutlineItemPtr &item);
 
@@ -60,6 +62,8 @@ public:
     int numberOfSelectedRows() const;
     // Selects a row alone, or adds it to the selection; a row that does not exist changes nothing.
     void selectRowExtending(int row, bool extend);
+    // Adds the rows of these items to the selection, all at once.
+    void selectRowsOfItems(const std::vector<OutlineItemPtr> &items);
     void deselectAll();
     void scrollRowToVisible(int row);
 

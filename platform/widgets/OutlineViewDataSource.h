@@ -34,6 +34,22 @@ public:
     virtual int outlineViewNumberOfChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) = 0;
     virtual bool outlineViewIsItemExpandable(OutlineView &view, const OutlineItemPtr &item) = 0;
     virtual OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) = 0;
+    // Of an item with a great many children that the source makes as it is asked for them, the view asks for those that
+    // are seen, and otherwise for these.
+    virtual bool outlineViewMakesChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/)
+    {
+        return false;
+    }
+    virtual bool outlineViewIsChildExpandable(OutlineView & /*view*/, int /*index*/, const OutlineItemPtr & /*item*/)
+    {
+        return false;
+    }
+    // None: it was not made yet.
+    virtual OutlineItemPtr outlineViewMadeChildOfItem(OutlineView & /*view*/, int /*index*/,
+                                                      const OutlineItemPtr & /*item*/)
+    {
+        return nullptr;
+    }
     // The row's text.
     virtual QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) = 0;
     virtual void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) = 0;

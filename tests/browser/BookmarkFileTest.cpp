@@ -26,6 +26,7 @@ private Q_SLOTS:
     void keepsWhatIsNotOurs();
     void readsWhatOthersHaveChanged();
     void keepsAnUnreadableFileAside();
+    void keepsAFileThatIsNotReadWholeAside();
     void keepsAFileOfAnotherShapeAside();
     void leavesAFolderOfAnotherShapeAlone();
     void failedWriteChangesNothing();
@@ -242,6 +243,17 @@ void BookmarkFileTest::keepsAnUnreadableFileAside()
     QVERIFY(file.addBookmark("B", "http://b.example/", {}));
     QCOMPARE(keptCopies().size(), 1);
     QCOMPARE(file.menuNodes().size(), 2);
+}
+
+void BookmarkFileTest::keepsAFileThatIsNotReadWholeAside()
+{
+    const QByteArray damaged = "<plist><dict><key>Title</key><string>caf\xe9</string></dict></plist>";
+    _home->write("Library/Safari/Bookmarks.plist", damaged);
+    BookmarkFile file(_path);
+    QVERIFY(file.addBookmark("A", "http://a.example/", {}));
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(_home->read("Library/Safari/" + keptCopies().first()), damaged);
+    QVERIFY(root().contains("Title")); // the rest was read
 }
 
 void BookmarkFileTest::keepsAFileOfAnotherShapeAside()

@@ -25,12 +25,15 @@ private Q_SLOTS:
     void clearForgetsEverything();
     void clearForgetsWhatOthersHaveAdded();
     void keepsAnUnreadableFileAside();
+    void keepsAFileThatIsNotReadWholeAside();
     void keepsAFileOfAnotherShapeAside();
     void writesByItself();
     void writesWhenItGoes();
     void writesNothingWithoutVisits();
     void failedWriteIsRepeated();
     void takesManyEntries();
+    void visitsDuringAWriteAreWrittenNext();
+    void clearsWhatIsBeingWritten();
 
 private:
     QVariantList entries() const;
@@ -254,6 +257,20 @@ void HistoryFileTest::keepsAnUnreadableFileAside()
     QCOMPARE(QDir(_home->path("Library/Safari")).entryList({"History.plist.kept-*"}).size(), 1);
 }
 
+void HistoryFileTest::keepsAFileThatIsNotReadWholeAside()
+{
+    const QByteArray twice = "<plist><dict><key>WebHistoryDates</key><array><dict/></array>"
+                             "<key>WebHistoryDates</key><array/></dict></plist>";
+    _home->write("Library/Safari/History.plist", twice);
+    HistoryFile file(_path);
+    file.addVisit(a, "A");
+    QVERIFY(file.flush());
+    QCOMPARE(entries().size(), 1);
+    const QStringList kept = QDir(_home->path("Library/Safari")).entryList({"History.plist.kept-*"});
+    QCOMPARE(kept.size(), 1);
+    QCOMPARE(_home->read("Library/Safari/" + kept.first()), twice);
+}
+
 void HistoryFileTest::keepsAFileOfAnotherShapeAside()
 {
     QDir().mkpath(QFileInfo(_path).path());
@@ -320,6 +337,32 @@ void HistoryFileTest::takesManyEntries()
     QCOMPARE(file.count(), 100001);
     QCOMPARE(file.latest(1).first().address, many.at(99 * 999).toMap().value("").toString());
     QCOMPARE(entries().size(), 100001);
+}
+
+// The first write is under way when the others come: the events that would tell of its end are not delivered before.
+void HistoryFileTest::visitsDuringAWriteAreWrittenNext()
+{
+    HistoryFile file(_path);
+    file.addVisit(a, "A");
+    QTRY_VERIFY(QFile::exists(_path));
+    file.addVisit(b, "B");
+    file.setTitle(a, "A new");
+    QTRY_COMPARE(entries().size(), 2);
+    QCOMPARE(entry(0).value("").toString(), b);
+    QCOMPARE(entry(1).value("title").toString(), QStringLiteral("A new"));
+    QCOMPARE(entry(1).value("visitCount"), QVariant(qlonglong(1)));
+}
+
+void HistoryFileTest::clearsWhatIsBeingWritten()
+{
+    HistoryFile file(_path);
+    file.addVisit(a, "A");
+    QTRY_VERIFY(QFile::exists(_path));
+    file.clear();
+    file.addVisit(b, "B");
+    QVERIFY(file.flush());
+    QCOMPARE(entries().size(), 1);
+    QCOMPARE(entry(0).value("").toString(), b);
 }
 
 QTEST_GUILESS_MAIN(HistoryFileTest)

@@ -2,6 +2,7 @@
 
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldBookmarkNote.h"
+#include "tests/support/LoggedMessages.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QDir>
@@ -49,13 +50,18 @@ private Q_SLOTS:
     void unreadableFileIsKept();
     void fileWithSkippedEntriesIsKept_data();
     void fileWithSkippedEntriesIsKept();
+    void fileThatIsNotReadWholeIsKept_data();
+    void fileThatIsNotReadWholeIsKept();
     void fileChangedByAnotherProgramIsKept();
     void fileThatAppearedIsKept();
     void fileReplacedWithTheSameContentsIsKept();
     void fileThatVanishedIsWrittenAnew();
     void everyStateIsKeptOnce();
     void saveIsRefusedWhenNothingCanBeKept();
+    void unreadableFileThatCannotBeKeptIsNotWrittenOver();
     void failedSaveKeepsNoSecondCopy();
+    void failedSaveIsTriedAgain();
+    void triesBecomeRare();
     void copyIsLogged();
     void directoryIsNoFile();
 
@@ -170,6 +176,28 @@ void ItemFileStoreTest::fileWithSkippedEntriesIsKept()
     QCOMPARE(keptCopies().size(), 1);
 }
 
+void ItemFileStoreTest::fileThatIsNotReadWholeIsKept_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::newRow("a key twice") << fileWith(
+        note("Milk").replace("<key>Note</key>", "<key>Note</key><string>the first text</string><key>Note</key>"));
+    QTest::newRow("damaged text") << fileWith(note("Milk") + note("Caf\xe9"));
+}
+
+void ItemFileStoreTest::fileThatIsNotReadWholeIsKept()
+{
+    QFETCH(QByteArray, contents);
+    _home->write(name, contents);
+    const auto root = _file.load();
+    QVERIFY(root);
+    QCOMPARE(root->childAtIndex(0)->title(), QStringLiteral("Milk"));
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(keptContents(0), contents);
+    QVERIFY(_file.save(*root));
+    QCOMPARE(keptCopies().size(), 1);
+}
+
 void ItemFileStoreTest::fileChangedByAnotherProgramIsKept()
 {
     _home->write(name, fileWith(note("Milk")));
@@ -244,6 +272,21 @@ void ItemFileStoreTest::saveIsRefusedWhenNothingCanBeKept()
     QVERIFY(keptCopies().isEmpty());
 }
 
+void ItemFileStoreTest::unreadableFileThatCannotBeKeptIsNotWrittenOver()
+{
+    // The name of a copy would be too long, while that of the file itself can be written.
+    const QString longName = QStringLiteral("Wayfold/") + QString(240, u'a');
+    _file.setPath(_home->path(longName));
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
+
+    _home->write(longName, "unreadable");
+    QVERIFY(!_file.load());
+    QVERIFY(!_file.save(*treeWith(QStringLiteral("Bread"))));
+    QVERIFY(!_file.save(*treeWith(QStringLiteral("Bread"))));
+    QCOMPARE(_home->read(longName), QByteArray("unreadable"));
+}
+
 void ItemFileStoreTest::failedSaveKeepsNoSecondCopy()
 {
     _home->write(name, "unreadable");
@@ -263,6 +306,61 @@ void ItemFileStoreTest::failedSaveKeepsNoSecondCopy()
     QCOMPARE(keptCopies().size(), 1);
     QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
     QCOMPARE(keptCopies().size(), 1);
+}
+
+void ItemFileStoreTest::failedSaveIsTriedAgain()
+{
+    const auto root = treeWith(QStringLiteral("Milk"));
+    QVERIFY(QDir().mkpath(_home->path(name))); // a folder in the place of the file
+    _file.retrySave(*root);
+    QVERIFY(!_file.isSaveOwed()); // nobody wanted to save yet
+    QVERIFY(!_file.save(*root));
+    QVERIFY(_file.isSaveOwed());
+    _file.retrySave(*root);
+    QVERIFY(_file.isSaveOwed());
+
+    QVERIFY(QDir().rmdir(_home->path(name)));
+    for (int second = 0; _file.isSaveOwed() && second < 2; ++second)
+        _file.retrySave(*root);
+    QVERIFY(!_file.isSaveOwed());
+    QVERIFY(_home->read(name).contains("Milk"));
+
+    // And then it is left alone.
+    QVERIFY(QFile::remove(_home->path(name)));
+    _file.retrySave(*root);
+    QVERIFY(!QFileInfo::exists(_home->path(name)));
+
+    // A save that works is none that is owed.
+    QVERIFY(QDir().mkpath(_home->path(name)));
+    QVERIFY(!_file.save(*root));
+    QVERIFY(QDir().rmdir(_home->path(name)));
+    QVERIFY(_file.save(*root));
+    QVERIFY(!_file.isSaveOwed());
+}
+
+void ItemFileStoreTest::triesBecomeRare()
+{
+    const auto root = treeWith(QStringLiteral("Milk"));
+    QVERIFY(QDir().mkpath(_home->path(name)));
+    LoggedMessages messages; // one at least for each try
+    QVERIFY(!_file.save(*root));
+    QList<int> pauses;
+    int pause = 0;
+    for (int second = 0; second < 400; ++second) {
+        messages.clear();
+        _file.retrySave(*root);
+        ++pause;
+        if (messages.texts().isEmpty())
+            continue;
+        pauses.append(pause);
+        pause = 0;
+    }
+    QCOMPARE(pauses, (QList<int>{1, 2, 4, 8, 16, 32, 64, 64, 64, 64, 64}));
+
+    QVERIFY(!_file.save(*root)); // what the user does counts afresh
+    messages.clear();
+    _file.retrySave(*root);
+    QVERIFY(!messages.texts().isEmpty());
 }
 
 void ItemFileStoreTest::copyIsLogged()

@@ -51,6 +51,38 @@ const QStringList drawerRequests = {Notifications::DrawerShouldOpenForLocationCh
                                     Notifications::DrawerShouldCloseForLocationChange};
 } // namespace
 
+// A host that tells what the store asks for as it starts, and in which state the store is by then.
+class StartingHost : public FakeHostApplication
+{
+public:
+    QStringList asked;
+    std::function<QString()> state;
+
+    HostMenuBar &mainMenu() override
+    {
+        note("menus");
+        return FakeHostApplication::mainMenu();
+    }
+    HostClasses &classes() override
+    {
+        note("hooks");
+        return FakeHostApplication::classes();
+    }
+    QString bookmarkFilePath() const override
+    {
+        const_cast<StartingHost *>(this)->note("files");
+        return FakeHostApplication::bookmarkFilePath();
+    }
+
+private:
+    void note(const char *what)
+    {
+        const QString entry = QLatin1String(what) + QStringLiteral(": ") + state();
+        if (!asked.contains(entry))
+            asked.append(entry);
+    }
+};
+
 class KDRDrawerBundleTest : public QObject
 {
     Q_OBJECT
@@ -72,6 +104,7 @@ private Q_SLOTS:
     void hooksAreInstalledOnce();
     void hostWithoutClassesIsNoError();
     void startsWithoutHost();
+    void startsInOrder();
     void timerAsksForChecks();
     void releasedStoreObservesNothing();
 
@@ -79,6 +112,8 @@ private Q_SLOTS:
     void saveWritesTheTree();
     void saveLeavesSmartFoldersOut();
     void saveThatFailsAnswersFalse();
+    void saveThatFailedIsTriedAgain();
+    void saveThatFailedIsTriedAgainAtQuit();
 
     // Provisional items
     void newProvisionalFolder();
@@ -95,6 +130,7 @@ private Q_SLOTS:
     void deleteTopLevelLeafIsGone();
     void deleteNestedFolderIsGone();
     void deleteProvisionalFolder();
+    void deleteFolderBesideAProvisionalOne();
     void deleteReloadsAllDrawers();
     void deleteOfNoneOrParentlessItem();
     void knownSite_data();
@@ -112,6 +148,7 @@ private Q_SLOTS:
     void openDrawer();
     void closeDrawer_data();
     void closeDrawer();
+    void openAndCloseWithoutFrontDrawer();
     void windowThatBecomesKey_data();
     void windowThatBecomesKey();
     void windowGetsOneDrawer();
@@ -126,13 +163,17 @@ private Q_SLOTS:
     void backgroundTabChangesNothing();
     void frameWithoutViewOrWindowChangesNothing();
     void windowWithoutDrawerChangesNothing();
+    void windowWithoutCurrentViewChangesNothing();
     void frameIsKept();
     void autoFocusRelabels();
     void labelStaysWithoutAutoFocus();
     void pageWithoutHostIsNoSite();
+    void pageWithoutHostAndWithoutAutoFocus();
     void nullKeyEqualsNullLabelOnly();
     void reloadOfTheSamePagePostsNothing();
     void otherPageOfUnknownSiteClosesAgain();
+    void sameFrameOfUnknownSiteAgain_data();
+    void sameFrameOfUnknownSiteAgain();
     void decision_data();
     void decision();
     void provisionalSiteIsKnownWhenItHoldsSomething();
@@ -285,6 +326,33 @@ void KDRDrawerBundleTest::startsWithoutHost()
     setCurrentHost(&_fresh->host);
 }
 
+void KDRDrawerBundleTest::startsInOrder()
+{
+    _fresh->home.write(itemFile, storedItems);
+    _fresh->home.write(QStringLiteral("Library/Safari/Bookmarks.plist"), storedItems);
+    StartingHost host;
+    host.state = [&] {
+        // Whether the store observes yet shows when a window becomes key.
+        const auto window = host.openWindow();
+        window->becomeKey();
+        const bool observes = !_fresh->room.controllers.empty();
+        _fresh->room.controllers.clear();
+        QStringList done;
+        done.append(QStringLiteral("%1 items").arg(store().bookmarkRoot()->childCount()));
+        done.append(store().wayfoldMenu() ? QStringLiteral("menus") : QStringLiteral("no menus"));
+        done.append(observes ? QStringLiteral("observing") : QStringLiteral("not observing"));
+        done.append(store().safariBookmarkRoot() ? QStringLiteral("bookmarks") : QStringLiteral("no bookmarks"));
+        return done.join(QStringLiteral(", "));
+    };
+    store();
+    QCOMPARE(host.asked, (QStringList{"menus: 2 items, menus, not observing, no bookmarks",
+                                      "hooks: 2 items, menus, observing, no bookmarks",
+                                      "files: 2 items, menus, observing, no bookmarks"}));
+    QVERIFY(store().safariBookmarkRoot());
+    KDRDrawerBundle::releaseSharedInstance();
+    _fresh->room.controllers.clear();
+}
+
 void KDRDrawerBundleTest::timerAsksForChecks()
 {
     NotificationLog log({Notifications::TagSafariFilesNotification});
@@ -334,6 +402,35 @@ void KDRDrawerBundleTest::saveThatFailsAnswersFalse()
     QVERIFY(QDir().mkpath(_fresh->home.path(itemFile)));
     QVERIFY(!store().saveBookmarkFile());
     QVERIFY(QFileInfo(_fresh->home.path(itemFile)).isDir());
+}
+
+void KDRDrawerBundleTest::saveThatFailedIsTriedAgain()
+{
+    QVERIFY(QDir().mkpath(_fresh->home.path(itemFile)));
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    QVERIFY(!store().saveBookmarkFile());
+    QVERIFY(QDir().rmdir(_fresh->home.path(itemFile)));
+    QTRY_VERIFY_WITH_TIMEOUT(_fresh->home.read(itemFile).contains("Milk"), 20000);
+}
+
+void KDRDrawerBundleTest::saveThatFailedIsTriedAgainAtQuit()
+{
+    const auto quit = [] {
+        NotificationCenter::defaultCenter().postNotificationName(
+            PlatformNotifications::NSApplicationWillTerminateNotification, nullptr);
+    };
+    QVERIFY(QDir().mkpath(_fresh->home.path(itemFile)));
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    QVERIFY(!store().saveBookmarkFile());
+    QVERIFY(QDir().rmdir(_fresh->home.path(itemFile)));
+    quit();
+    QVERIFY(_fresh->home.read(itemFile).contains("Milk"));
+
+    // Nothing is saved at quit otherwise.
+    _fresh->restart();
+    QVERIFY(QFile::remove(_fresh->home.path(itemFile)));
+    quit();
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
 }
 
 // ---- Provisional items
@@ -474,6 +571,21 @@ void KDRDrawerBundleTest::deleteProvisionalFolder()
     const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
     store().deleteBookmark(folder);
     QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+}
+
+void KDRDrawerBundleTest::deleteFolderBesideAProvisionalOne()
+{
+    const QString title = QStringLiteral("example.com");
+    const auto provisional = store().newProvisionalBookmarkWithTitle(title);
+    const auto saved = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), title);
+    StoreInTemporaryHome::addNote(saved, QStringLiteral("Milk"));
+    store().deleteBookmark(saved);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QCOMPARE(store().provisionalBookmarkRoot()->children(), (std::vector<KDRBookmarkPtr>{provisional, saved}));
+    QVERIFY(store().isProvisionalBookmark(saved.get()));
+    // The first of that title counts.
+    QCOMPARE(store().newProvisionalBookmarkWithTitle(title), provisional);
+    QVERIFY(!store().isKnownSite(title));
 }
 
 void KDRDrawerBundleTest::deleteReloadsAllDrawers()
@@ -711,6 +823,20 @@ void KDRDrawerBundleTest::closeDrawer()
     QCOMPARE(controller.openedManually, !result);
 }
 
+void KDRDrawerBundleTest::openAndCloseWithoutFrontDrawer()
+{
+    _fresh->openWindow();
+    FakeDrawerController &controller = _fresh->controller();
+    _fresh->host.key.reset(); // the downloads window, say
+    QVERIFY(!store().frontDrawer());
+    QVERIFY(!store().openKDRDrawer());
+    QCOMPARE(controller.drawer.state(), Drawer::Closed);
+    controller.drawer.open();
+    QVERIFY(!store().closeKDRDrawer());
+    QCOMPARE(controller.drawer.state(), Drawer::Open);
+    QVERIFY(controller.calls.isEmpty());
+}
+
 void KDRDrawerBundleTest::windowThatBecomesKey_data()
 {
     QTest::addColumn<QString>("kind");
@@ -852,6 +978,17 @@ void KDRDrawerBundleTest::windowWithoutDrawerChangesNothing()
     QVERIFY(_fresh->controller().calls.isEmpty());
 }
 
+void KDRDrawerBundleTest::windowWithoutCurrentViewChangesNothing()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setAutoFocusOnSiteChange(true);
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    window->frontWebView.reset();
+    store().updateDrawerForFrame(view->frame);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+    QVERIFY(!_fresh->controller().currentWebFrame());
+}
+
 void KDRDrawerBundleTest::frameIsKept()
 {
     const auto window = _fresh->openWindow();
@@ -916,6 +1053,21 @@ void KDRDrawerBundleTest::pageWithoutHostIsNoSite()
     QVERIFY(log.received.empty());
 }
 
+void KDRDrawerBundleTest::pageWithoutHostAndWithoutAutoFocus()
+{
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setOpenDrawerForKnownSite(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    NotificationLog log(drawerRequests);
+    _fresh->controller().label = QStringLiteral("example.com");
+    const auto view = window->addTab(QStringLiteral("file:///home/ann/a.html"));
+    store().updateDrawerForFrame(view->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(_fresh->controller().currentWebFrame(), view->frame);
+    QVERIFY(_fresh->controller().calls.isEmpty());
+    QVERIFY(log.received.empty());
+}
+
 void KDRDrawerBundleTest::nullKeyEqualsNullLabelOnly()
 {
     const auto window = _fresh->openWindow();
@@ -966,6 +1118,34 @@ void KDRDrawerBundleTest::otherPageOfUnknownSiteClosesAgain()
     store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/other"))->frame);
     NotificationLog::deliverPending();
     QCOMPARE(log.received.size(), size_t(2)); // same site, another frame
+}
+
+void KDRDrawerBundleTest::sameFrameOfUnknownSiteAgain_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<int>("posted");
+    QTest::newRow("the site is shown") << "example.com" << 1;
+    QTest::newRow("another site is shown") << "example.org" << 2; // which the page's site differs from each time
+}
+
+void KDRDrawerBundleTest::sameFrameOfUnknownSiteAgain()
+{
+    QFETCH(QString, label);
+    QFETCH(int, posted);
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    _fresh->controller().label = label;
+    NotificationLog log(drawerRequests);
+    const auto view = window->addTab(QStringLiteral("http://www.example.com/"));
+    for (int i = 0; i < 2; ++i) {
+        store().updateDrawerForFrame(view->frame);
+        NotificationLog::deliverPending();
+    }
+    QCOMPARE(int(log.received.size()), posted);
+    view->frame->commit(QStringLiteral("http://www.example.net/")); // another site in the same frame
+    store().updateDrawerForFrame(view->frame);
+    NotificationLog::deliverPending();
+    QCOMPARE(int(log.received.size()), posted + 1);
 }
 
 void KDRDrawerBundleTest::decision_data()

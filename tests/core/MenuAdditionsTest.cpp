@@ -1,5 +1,7 @@
 #include "core/KDRDrawerBundle.h"
 
+#include "core/MenuCommands.h"
+#include "core/WayfoldAboutController.h"
 #include "tests/core/StoreInTemporaryHome.h"
 
 #include <QMenu>
@@ -27,6 +29,25 @@ const ItemOfMenu itemsOfMenu[] = {
     {"handleNewSubFolderRequest:", "j", 7, 1179648},
     {"handleNewNoteRequest:", "k", 8, 1179648},
     {"handleNewEmailRequest:", "l", 9, 1179648},
+    {"handleCheckForNewReleaseRequest:", "", 1, 0},
+    {"handleShowPrefsWindow:", "", 2, 0},
+    {"handleShowAboutWindow:", "", 3, 0},
+};
+
+// A command that is carried out elsewhere, there for as long as this lives.
+class InstalledCommand
+{
+public:
+    explicit InstalledCommand(MenuCommands::Command command) : _command(command)
+    {
+        MenuCommands::setHandler(command, [this] { ++count; });
+    }
+    ~InstalledCommand() { MenuCommands::setHandler(_command, {}); }
+
+    int count = 0; // how often it was carried out
+
+private:
+    MenuCommands::Command _command;
 };
 
 // A plug-in folder of the test's own, with the given interface file.
@@ -80,8 +101,9 @@ private Q_SLOTS:
     void menusAreLoaded();
     void menuGoesToTheEndOfTheHostsMenuBar();
     void itemsAreComplete();
-    void everyItemHasTitleAndDistinctTag();
+    void everyItemHasTitleAndTag();
     void contextualMenuHasTheListsCommands();
+    void storedShortcutIsApplied_data();
     void storedShortcutIsApplied();
     void emptyShortcutLeavesTheInterfaceFiles_data();
     void emptyShortcutLeavesTheInterfaceFiles();
@@ -102,6 +124,9 @@ private Q_SLOTS:
     void switchbackItem_data();
     void switchbackItem();
     void ampersandInTitleIsShown();
+    void releaseItem();
+    void preferencesItem();
+    void aboutItem();
     void otherItemsAskTheList();
     void menuIsValidatedWhenItShows();
 
@@ -118,6 +143,9 @@ private Q_SLOTS:
     void focusCommandOnOpenDrawerAndPageWithoutHost();
     void requestsArePassedOn_data();
     void requestsArePassedOn();
+    void releaseCommand();
+    void preferencesCommand();
+    void aboutCommand();
     void unknownActionDoesNothing();
 
 private:
@@ -175,7 +203,7 @@ void MenuAdditionsTest::itemsAreComplete()
     }
 }
 
-void MenuAdditionsTest::everyItemHasTitleAndDistinctTag()
+void MenuAdditionsTest::everyItemHasTitleAndTag()
 {
     QList<int> tags;
     const QList<QAction *> items = store().wayfoldMenu()->actions();
@@ -183,10 +211,10 @@ void MenuAdditionsTest::everyItemHasTitleAndDistinctTag()
         if (menuItem->isSeparator())
             continue;
         QVERIFY(!menuItem->text().isEmpty());
-        QVERIFY(!tags.contains(MenuItem::tag(menuItem)));
         tags.append(MenuItem::tag(menuItem));
     }
-    QCOMPARE(tags.size(), int(std::size(itemsOfMenu)));
+    std::sort(tags.begin(), tags.end());
+    QCOMPARE(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12})); // no gap: it would end the list
 }
 
 void MenuAdditionsTest::contextualMenuHasTheListsCommands()
@@ -205,14 +233,24 @@ void MenuAdditionsTest::contextualMenuHasTheListsCommands()
                                    "handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:"}));
 }
 
+void MenuAdditionsTest::storedShortcutIsApplied_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<int>("tag");
+    for (const ItemOfMenu &command : itemsOfMenu)
+        QTest::newRow(command.action) << QString::fromLatin1(command.action) << command.tag;
+}
+
 void MenuAdditionsTest::storedShortcutIsApplied()
 {
-    _fresh->settings().setShortcutKeyForItem(QStringLiteral("P"), 0);
-    _fresh->settings().setShortcutModifierMaskForItemForItem(MenuItem::NSAlternateKeyMask, 0);
-    QAction *toggle = item(QStringLiteral("handleToggleKDRDrawer:"));
-    QCOMPARE(MenuItem::keyEquivalent(toggle), QStringLiteral("P"));
-    QCOMPARE(MenuItem::keyEquivalentModifierMask(toggle), unsigned(MenuItem::NSAlternateKeyMask));
-    QCOMPARE(toggle->shortcut(), QKeySequence(QStringLiteral("Alt+P")));
+    QFETCH(QString, action);
+    QFETCH(int, tag);
+    _fresh->settings().setShortcutKeyForItem(QStringLiteral("P"), unsigned(tag));
+    _fresh->settings().setShortcutModifierMaskForItemForItem(MenuItem::NSAlternateKeyMask, unsigned(tag));
+    QAction *command = item(action);
+    QCOMPARE(MenuItem::keyEquivalent(command), QStringLiteral("P"));
+    QCOMPARE(MenuItem::keyEquivalentModifierMask(command), unsigned(MenuItem::NSAlternateKeyMask));
+    QCOMPARE(command->shortcut(), QKeySequence(QStringLiteral("Alt+P")));
 }
 
 void MenuAdditionsTest::emptyShortcutLeavesTheInterfaceFiles_data()
@@ -468,6 +506,43 @@ void MenuAdditionsTest::ampersandInTitleIsShown()
              QStringLiteral("Show Site List for Bed && Breakfast %@"));
 }
 
+void MenuAdditionsTest::releaseItem()
+{
+    const QString action = QStringLiteral("handleCheckForNewReleaseRequest:");
+    const QString before = title(action);
+    QVERIFY(!validate(action)); // nobody carries it out yet
+    const InstalledCommand command(MenuCommands::CheckForNewRelease);
+    QVERIFY(validate(action)); // even without a drawer
+    QCOMPARE(title(action), before);
+}
+
+void MenuAdditionsTest::preferencesItem()
+{
+    const QString action = QStringLiteral("handleShowPrefsWindow:");
+    const QString before = title(action);
+    _fresh->openWindow();
+    QVERIFY(!validate(action)); // nobody carries it out yet
+    const InstalledCommand command(MenuCommands::ShowPreferences);
+    QVERIFY(validate(action));
+    store().setPrefsWindowShown(true);
+    QVERIFY(!validate(action));
+    store().setPrefsWindowShown(false);
+    QVERIFY(validate(action));
+    _fresh->host.key.reset();
+    QVERIFY(!validate(action));
+    QCOMPARE(title(action), before);
+}
+
+void MenuAdditionsTest::aboutItem()
+{
+    const QString action = QStringLiteral("handleShowAboutWindow:");
+    const QString before = title(action);
+    QVERIFY(validate(action)); // even without a drawer
+    _fresh->openWindow();
+    QVERIFY(validate(action));
+    QCOMPARE(title(action), before);
+}
+
 void MenuAdditionsTest::otherItemsAskTheList()
 {
     const auto window = _fresh->openWindow();
@@ -510,8 +585,10 @@ void MenuAdditionsTest::commandsWithoutDrawerDoNothing()
 {
     _fresh->openWindow();
     _fresh->host.key.reset();
-    for (const ItemOfMenu &command : itemsOfMenu)
-        store().performMenuItem(item(QString::fromLatin1(command.action)));
+    for (const ItemOfMenu &command : itemsOfMenu) {
+        if (command.action != QByteArrayLiteral("handleShowAboutWindow:"))
+            store().performMenuItem(item(QString::fromLatin1(command.action)));
+    }
     QVERIFY(controller().calls.isEmpty());
     QCOMPARE(controller().drawer.state(), Drawer::Closed);
 }
@@ -618,6 +695,35 @@ void MenuAdditionsTest::requestsArePassedOn()
     store().performMenuItem(sender);
     QCOMPARE(controller().calls, QStringList{action});
     QCOMPARE(controller().lastSender, sender);
+}
+
+void MenuAdditionsTest::releaseCommand()
+{
+    const QString action = QStringLiteral("handleCheckForNewReleaseRequest:");
+    store().performMenuItem(item(action)); // nobody carries it out yet
+    const InstalledCommand command(MenuCommands::CheckForNewRelease);
+    item(action)->trigger();
+    QCOMPARE(command.count, 1);
+}
+
+void MenuAdditionsTest::preferencesCommand()
+{
+    const QString action = QStringLiteral("handleShowPrefsWindow:");
+    _fresh->openWindow();
+    store().performMenuItem(item(action)); // nobody carries it out yet
+    const InstalledCommand command(MenuCommands::ShowPreferences);
+    item(action)->trigger();
+    QCOMPARE(command.count, 1);
+    QVERIFY(controller().calls.isEmpty());
+}
+
+void MenuAdditionsTest::aboutCommand()
+{
+    item(QStringLiteral("handleShowAboutWindow:"))->trigger();
+    QVERIFY(WayfoldAboutController::window());
+    QVERIFY(WayfoldAboutController::window()->isVisible());
+    WayfoldAboutController::window()->close();
+    QTRY_VERIFY(!WayfoldAboutController::window());
 }
 
 void MenuAdditionsTest::unknownActionDoesNothing()

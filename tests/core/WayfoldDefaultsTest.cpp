@@ -105,6 +105,7 @@ private Q_SLOTS:
     void freshUserHasDefault();
     void freshUserHasFourteenKeys();
     void defaultsReachTheDisk();
+    void loadingAlwaysWrites();
     void storedValuesStay();
     void siteIconsFollowIconsWhenTheyWereNeverSet();
     void boolIsOnOnlyForOne_data();
@@ -126,6 +127,7 @@ private Q_SLOTS:
     void shortcutTableOfForeignTypeIsReplaced();
     void shortcutSettersWriteToTheHost();
     void shortcutReachesTheDomainWithTheNextSetter();
+    void shortcutsFromTheDiskCanBeChanged();
     void shortcutSettersWorkWithoutHost();
     void foreignShortcutEntriesAreNoError();
 
@@ -203,6 +205,18 @@ void WayfoldDefaultsTest::defaultsReachTheDisk()
     QVERIFY(!defaults().autoFocusOnSiteChange());
     QCOMPARE(defaults().defaultDrawerContentWidth(), 250.0F);
     QCOMPARE(defaults().shortcutModifierMaskForItem(7), 1179648U);
+}
+
+void WayfoldDefaultsTest::loadingAlwaysWrites()
+{
+    const QString file = _home->path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"));
+    QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+    QVERIFY(QFile::remove(file));
+    const QVariantMap before = domain();
+    defaults().loadDefaults(); // adds nothing
+    QCOMPARE(domain(), before);
+    QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+    QCOMPARE(PropertyList::readDictionaryFile(file), before);
 }
 
 void WayfoldDefaultsTest::storedValuesStay()
@@ -459,6 +473,26 @@ void WayfoldDefaultsTest::shortcutReachesTheDomainWithTheNextSetter()
     QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("6_KEY")), QVariant(QStringLiteral("")));
     defaults().setConfirmItemDelete(false);
     QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("6_KEY")), QVariant(QStringLiteral("P")));
+}
+
+void WayfoldDefaultsTest::shortcutsFromTheDiskCanBeChanged()
+{
+    const auto startAgain = [] {
+        QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+        UserDefaults::standardUserDefaults().reset();
+        defaults().loadDefaults();
+    };
+    startAgain();
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 7);
+    defaults().setShortcutModifierMaskForItemForItem(MenuItem::NSControlKeyMask, 7);
+    QCOMPARE(defaults().shortcutKeyForItem(7), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(7), unsigned(MenuItem::NSControlKeyMask));
+    QCOMPARE(defaults().shortcutKeyForItem(8), QStringLiteral("K")); // the others stay
+    defaults().setConfirmItemDelete(false);
+    startAgain();
+    QCOMPARE(defaults().shortcutKeyForItem(7), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutModifierMaskForItem(7), unsigned(MenuItem::NSControlKeyMask));
+    QCOMPARE(defaults().shortcutKeyForItem(8), QStringLiteral("K"));
 }
 
 void WayfoldDefaultsTest::shortcutSettersWorkWithoutHost()

@@ -3,6 +3,7 @@
 #include "core/Notifications.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
+#include "platform/files/Bundle.h"
 #include "tests/drawer/DrawerStage.h"
 
 #include <QAction>
@@ -27,12 +28,17 @@ private Q_SLOTS:
     void tabs();
     void contentWidth_data();
     void contentWidth();
+    void widthOfTheForm_data();
+    void widthOfTheForm();
     void firstTab_data();
     void firstTab();
     void makingItTracksTheWindow();
 
     void roomOnTheScreen_data();
     void roomOnTheScreen();
+    void roomOnAnotherScreen_data();
+    void roomOnAnotherScreen();
+    void roomForAWiderDrawer();
     void narrowedWindowIsPutBack();
     void movedWindowStaysWhereItIs();
     void resizeForgetsTheLastOne();
@@ -46,6 +52,7 @@ private Q_SLOTS:
     void closingDeselectsAndClearsTheFlag();
 
     void closingTheWindow();
+    void closingTheWindowOfAnOpeningDrawer();
     void closingTheWindowOfAClosedDrawer();
     void closingTheWindowDuringAnAlert();
     void closingTheWindowDuringADialogKeepsWhatWasTyped();
@@ -56,6 +63,7 @@ private Q_SLOTS:
     void menuItemsAskTheCurrentList();
     void commandsShowTheScratchpad();
     void keyboardGoesToTheList();
+    void contentFitsIntoTheDrawer();
     void closeCommandOfTheDrawer();
 
 private:
@@ -124,6 +132,40 @@ void KDRDrawerControllerTest::contentWidth()
     QCOMPARE(drawer()->state(), Drawer::Closed);
 }
 
+void KDRDrawerControllerTest::widthOfTheForm_data()
+{
+    QTest::addColumn<int>("form");
+    QTest::addColumn<float>("stored");
+    QTest::addColumn<double>("smallest");
+    QTest::addColumn<double>("width");
+    QTest::newRow("narrow") << 250 << 0.0F << 280.0 << 280.0;
+    QTest::newRow("narrow, stored") << 250 << 400.0F << 280.0 << 400.0;
+    QTest::newRow("wide") << 330 << 0.0F << 330.0 << 330.0;
+    QTest::newRow("wide, less stored") << 330 << 300.0F << 330.0 << 330.0;
+}
+
+void KDRDrawerControllerTest::widthOfTheForm()
+{
+    QFETCH(int, form);
+    QFETCH(float, stored);
+    QFETCH(double, smallest);
+    QFETCH(double, width);
+    QFile original(Bundle::pathForResource(QStringLiteral("KDRDrawer.ui")));
+    QVERIFY(original.open(QIODevice::ReadOnly));
+    QByteArray text = original.readAll();
+    QVERIFY(text.contains("<width>280</width>"));
+    text.replace("<width>280</width>", "<width>" + QByteArray::number(form) + "</width>");
+    _stage->home.write(QStringLiteral("Other.plugin/Contents/Resources/KDRDrawer.ui"), text);
+    DrawerStage::settings().setDefaultDrawerContentWidth(stored);
+
+    const QByteArray bundle = qgetenv("WAYFOLD_BUNDLE");
+    qputenv("WAYFOLD_BUNDLE", _stage->home.path(QStringLiteral("Other.plugin")).toUtf8());
+    openWindow();
+    qputenv("WAYFOLD_BUNDLE", bundle);
+    QCOMPARE(drawer()->minContentSize(), QSizeF(smallest, 400));
+    QCOMPARE(drawer()->contentSize(), QSizeF(width, 400));
+}
+
 void KDRDrawerControllerTest::firstTab_data()
 {
     QTest::addColumn<QString>("identifier");
@@ -173,6 +215,8 @@ void KDRDrawerControllerTest::roomOnTheScreen_data()
     QTest::newRow("30 over on the right, 50 on the left")
         << QRectF(250, 50, 880, 500) << right << QRectF(250, 50, 850, 500);
     QTest::newRow("the same on both sides") << QRectF(260, 50, 880, 500) << left << QRectF(300, 50, 840, 500);
+    QTest::newRow("exactly on the left") << QRectF(300, 50, 1000, 500) << left << QRectF();
+    QTest::newRow("taller than the screen") << QRectF(400, -50, 600, 1500) << right << QRectF();
 }
 
 void KDRDrawerControllerTest::roomOnTheScreen()
@@ -188,6 +232,34 @@ void KDRDrawerControllerTest::roomOnTheScreen()
     QCOMPARE(_window->frameRequests.size(), narrowed.isNull() ? 0U : 1U);
     if (!narrowed.isNull())
         QVERIFY(_window->frameRequests.front().animate);
+}
+
+// The same places on a screen that stands elsewhere: only the window's own screen counts.
+void KDRDrawerControllerTest::roomOnAnotherScreen_data()
+{
+    roomOnTheScreen_data();
+}
+
+void KDRDrawerControllerTest::roomOnAnotherScreen()
+{
+    QFETCH(QRectF, frame);
+    QFETCH(int, edge);
+    QFETCH(QRectF, narrowed);
+    const QPointF origin(-1400, 70);
+    openWindow(frame.translated(origin));
+    _window->screenFrame = screen.translated(origin);
+    drawer()->open();
+    QCOMPARE(int(drawer()->edge()), edge);
+    QCOMPARE(_window->frame(), (narrowed.isNull() ? frame : narrowed).translated(origin));
+}
+
+void KDRDrawerControllerTest::roomForAWiderDrawer()
+{
+    DrawerStage::settings().setDefaultDrawerContentWidth(400);
+    openWindow(QRectF(419, 50, 562, 500)); // the drawer takes 420
+    drawer()->open();
+    QCOMPARE(drawer()->edge(), Drawer::NSMinXEdge);
+    QCOMPARE(_window->frame(), QRectF(420, 50, 561, 500));
 }
 
 void KDRDrawerControllerTest::narrowedWindowIsPutBack()
@@ -331,6 +403,19 @@ void KDRDrawerControllerTest::closingTheWindow()
     QVERIFY(!DrawerStage::store().provisionalBookmarkRoot()->childWithTitle(QStringLiteral("a.org")));
 }
 
+void KDRDrawerControllerTest::closingTheWindowOfAnOpeningDrawer()
+{
+    const QRectF frame(260, 50, 880, 500);
+    openWindow(frame);
+    drawer()->setSlideDuration(5000);
+    drawer()->open();
+    QCOMPARE(drawer()->state(), Drawer::Opening);
+    QVERIFY(_window->frame() != frame);
+    _window->close();
+    QCOMPARE(_window->frameRequests.back().frame, frame);
+    QVERIFY(!_window->frameRequests.back().animate);
+}
+
 void KDRDrawerControllerTest::closingTheWindowOfAClosedDrawer()
 {
     openWindow(QRectF(260, 50, 880, 500));
@@ -467,9 +552,28 @@ void KDRDrawerControllerTest::keyboardGoesToTheList()
     drawer()->open();
     controller()->selectInitialFirstResponder();
     QTRY_COMPARE(QApplication::focusWidget(), &list());
+    controller()->showBookmarkTabView();
+    controller()->selectInitialFirstResponder();
+    QTRY_COMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("bookmarkOutlineView"));
     controller()->showHistoryTabView();
     controller()->selectInitialFirstResponder();
     QTRY_COMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("historyOutlineView"));
+}
+
+// The content stays within the drawer, however long the names in it are.
+void KDRDrawerControllerTest::contentFitsIntoTheDrawer()
+{
+    openWindow(QRectF(100, 100, 800, 600), true);
+    controller()->setScratchDrawerLabelUsingFrame(QString(100, u'x') + QStringLiteral(".org"), nullptr);
+    drawer()->open();
+    QTRY_VERIFY(list().isVisible());
+    const QRect content(list().window()->mapToGlobal(QPoint()), list().window()->size());
+    for (const QWidget *widget : drawer()->findChildren<QWidget *>()) {
+        const QRect place(widget->mapToGlobal(QPoint()), widget->size());
+        if (widget->isVisible() && widget->window() == drawer())
+            QVERIFY2(content.contains(place), qPrintable(widget->objectName()));
+    }
+    QVERIFY(controller()->tabView()->minimumSizeHint().width() <= 280);
 }
 
 void KDRDrawerControllerTest::closeCommandOfTheDrawer()

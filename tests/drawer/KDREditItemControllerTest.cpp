@@ -20,6 +20,7 @@ private Q_SLOTS:
     void blankTitleIsKept();
     void emptyAddressLeavesTheOldOne();
     void unreadableAddressGivesNone();
+    void longTextsStayWhole();
     void cancelLeavesAll_data();
     void cancelLeavesAll();
     void returnAccepts();
@@ -98,6 +99,17 @@ void KDREditItemControllerTest::unreadableAddressGivesNone()
         dialog.pressOK();
     }));
     QVERIFY(_link->url().isNull());
+}
+
+// Addresses that hold whole programs or pictures are long.
+void KDREditItemControllerTest::longTextsStayWhole()
+{
+    const QString title(40000, u't');
+    const QString address = QStringLiteral("javascript:") + QString(40000, u'x');
+    _link = DrawerStage::link(title, address);
+    QVERIFY(edit([](const DialogStage &dialog) { dialog.pressOK(); }));
+    QCOMPARE(_link->title(), title);
+    QCOMPARE(_link->valueAsString(), address);
 }
 
 void KDREditItemControllerTest::cancelLeavesAll_data()

@@ -101,10 +101,10 @@ void Session::save()
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
     QVERIFY(Hands::press(QStringLiteral("ctrl+shift+k")));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("Seeds")));
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Beans, peas & <beets>")));
     QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Eyes::dialog());
@@ -124,7 +124,9 @@ void Session::find()
     EVENTUALLY(!Eyes::dialog());
     // And the link still leads to its page.
     QVERIFY(_play.visit(QStringLiteral("http://www.elsewhere.localhost/")));
-    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("The garden")).value()));
+    // By key: the list is read anew when the browser has written its history, perhaps between the clicks of two.
+    QVERIFY(_play.chooseRow(QStringLiteral("The garden")));
+    QVERIFY(Hands::press(QStringLiteral("space")));
     EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.garden.localhost/")));
 }
 

@@ -103,10 +103,10 @@ void ScratchpadTest::writesANote()
 {
     QVERIFY(Hands::clickOn(button(QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("Remember")));
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Good shoes, a red light.")));
     EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == QLatin1String("Good shoes, a red light."));
     QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
@@ -120,7 +120,7 @@ void ScratchpadTest::cancelledNoteLeavesNothing()
     const QStringList before = Play::scratchRows(_window);
     QVERIFY(Hands::clickOn(button(QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(QStringLiteral("Forget")));
     QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("Cancel"))));
     EVENTUALLY(!Eyes::dialog());
@@ -133,7 +133,7 @@ void ScratchpadTest::makesASubfolder()
 {
     QVERIFY(Hands::clickOn(button(QStringLiteral("New Subfolder"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(QStringLiteral("To read")));
     QVERIFY(Hands::press(QStringLiteral("Return")));
@@ -146,7 +146,7 @@ void ScratchpadTest::opensByDoubleClick()
 {
     QVERIFY(save());
     QVERIFY(_play.visit(QStringLiteral("http://www.%1/two").arg(_host)));
-    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Front page")).value()));
+    QVERIFY(Hands::doubleClickOnRow(Play::scratchList(_window), QStringLiteral("Front page")));
     EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.%1/").arg(_host)));
     QCOMPARE(Stage::onMain([this] { return _window->tabCount(); }), 1);
 }

@@ -217,10 +217,10 @@ void FirstSession::writeANote()
 {
     QVERIFY(Hands::clickOn(Play::drawerButton(_window, QStringLiteral("New Note"))));
     EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
     QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
     QVERIFY(Hands::type(noteTitle));
-    QVERIFY(Hands::clickOn(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
+    QVERIFY(Hands::clickInto(Eyes::firstOf<QTextEdit>(Eyes::dialog())));
     QVERIFY(Hands::type(noteText));
     EVENTUALLY(Eyes::firstOf<QTextEdit>(Eyes::dialog())->toPlainText() == noteText);
     QVERIFY(shoot(QStringLiteral("note-being-written")));
@@ -281,7 +281,7 @@ void SecondSession::findAgain()
 
 void SecondSession::readTheNote()
 {
-    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), noteTitle).value()));
+    QVERIFY(Hands::doubleClickOnRow(Play::scratchList(_window), noteTitle));
     const auto isShown = [] {
         for (const QWidget *window : QApplication::topLevelWidgets()) {
             const auto *text = window->findChild<QTextEdit *>();
@@ -298,9 +298,113 @@ void SecondSession::readTheNote()
 
 void SecondSession::openTheLink()
 {
-    QVERIFY(Hands::doubleClickAt(Eyes::rowWithText(Play::scratchList(_window), story).value()));
+    QVERIFY(Hands::doubleClickOnRow(Play::scratchList(_window), story));
     EVENTUALLY(Play::isShown(_window, news + QStringLiteral("observatory")));
     QVERIFY(shoot(QStringLiteral("link-opened")));
+}
+
+// The browser's own bookmarks and its history stand beside the Scratchpad.
+class ListsSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void bookmarkPages();
+    void seeBookmarks();
+    void searchBookmarks();
+    void seeHistory();
+    void searchHistory();
+    void findNothing();
+    void seeWhatIsRelated();
+    void leave() { QVERIFY(quit()); }
+
+private:
+    QTreeView *list(const QString &name) const { return Eyes::widgetNamed<QTreeView>(Play::drawer(_window), name); }
+    bool expandRow(QTreeView *list, const QString &row);
+    bool search(const QString &field, const QString &text);
+
+    const QString _bookmarks = QStringLiteral("bookmarkOutlineView");
+    const QString _history = QStringLiteral("historyOutlineView");
+};
+
+bool ListsSession::expandRow(QTreeView *list, const QString &row)
+{
+    const qsizetype before = Eyes::rowTexts(list).size();
+    return Hands::clickOnRow(list, row) && Stage::eventually([list] { return list->hasFocus(); }) &&
+           Hands::press(QStringLiteral("Right")) &&
+           Stage::eventually([&] { return Eyes::rowTexts(list).size() > before; });
+}
+
+bool ListsSession::search(const QString &field, const QString &text)
+{
+    auto *searchField = Eyes::widgetNamed<QLineEdit>(Play::drawer(_window), field);
+    return Hands::clickOn(searchField) && Hands::press(QStringLiteral("ctrl+a")) && Hands::type(text) &&
+           Stage::eventually([&] { return searchField->text() == text; });
+}
+
+void ListsSession::bookmarkPages()
+{
+    for (const QString &address : {news, kitchen, trains}) {
+        QVERIFY(_play.visit(address));
+        QVERIFY(Hands::press(QStringLiteral("ctrl+d")));
+        EVENTUALLY(Eyes::dialog());
+        QVERIFY(Hands::press(QStringLiteral("Return")));
+        EVENTUALLY(!Eyes::dialog());
+    }
+    QVERIFY(_play.openDrawer());
+}
+
+void ListsSession::seeBookmarks()
+{
+    QVERIFY(_play.showDrawerTab(QStringLiteral("Bookmarks")));
+    QVERIFY(expandRow(list(_bookmarks), QStringLiteral("BookmarksMenu")));
+    EVENTUALLY(Eyes::rowTexts(list(_bookmarks)).size() == 5);
+    QVERIFY(shoot(QStringLiteral("bookmarks")));
+}
+
+void ListsSession::searchBookmarks()
+{
+    QVERIFY(search(QStringLiteral("bookmarkSearchField"), QStringLiteral("kettle")));
+    EVENTUALLY(Eyes::rowTexts(list(_bookmarks)).size() == 1);
+    QVERIFY(shoot(QStringLiteral("bookmarks-searched")));
+}
+
+void ListsSession::seeHistory()
+{
+    QVERIFY(_play.showDrawerTab(QStringLiteral("History")));
+    EVENTUALLY(Eyes::rowTexts(list(_history)).size() >= 3);
+    QVERIFY(expandRow(list(_history), QStringLiteral("fernhill.localhost")));
+    QVERIFY(expandRow(list(_history), Eyes::rowTexts(list(_history)).value(1)));
+    EVENTUALLY(Eyes::rowTexts(list(_history)).contains(story));
+    QVERIFY(shoot(QStringLiteral("history")));
+}
+
+void ListsSession::searchHistory()
+{
+    QVERIFY(search(QStringLiteral("historySearchField"), QStringLiteral("observ")));
+    EVENTUALLY(Eyes::rowTexts(list(_history)) == QStringList{story});
+    QVERIFY(shoot(QStringLiteral("history-searched")));
+}
+
+void ListsSession::findNothing()
+{
+    QVERIFY(search(QStringLiteral("historySearchField"), QStringLiteral("zeppelin")));
+    EVENTUALLY(Eyes::rowTexts(list(_history)).isEmpty());
+    QVERIFY(shoot(QStringLiteral("nothing-found")));
+}
+
+void ListsSession::seeWhatIsRelated()
+{
+    QVERIFY(_play.visit(news));
+    QVERIFY(focus());
+    QVERIFY(expand(QStringLiteral("Related History")));
+    QVERIFY(expand(Play::scratchRows(_window).constLast()));
+    QVERIFY(expand(QStringLiteral("Related Bookmarks")));
+    EVENTUALLY(Play::scratchRows(_window).count(story) == 2); // kept, and visited
+    QVERIFY(shoot(QStringLiteral("related-to-the-site")));
 }
 
 // With the settings of a user who wants the drawer to follow him.
@@ -355,6 +459,8 @@ void DarkSession::visitInTheDark()
     QVERIFY(_play.visit(kitchen));
     EVENTUALLY(Play::isDrawerOpen(_window));
     QVERIFY(shoot(QStringLiteral("dark-palette")));
+    QVERIFY(_play.showDrawerTab(QStringLiteral("History")));
+    QVERIFY(shoot(QStringLiteral("dark-palette-history")));
 }
 
 namespace
@@ -365,6 +471,8 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<FirstSession>(argc, argv);
     if (name == QLatin1String("second"))
         return Play::performAtHome<SecondSession>(argc, argv);
+    if (name == QLatin1String("lists"))
+        return Play::performAtHome<ListsSession>(argc, argv);
     Play::storeSettings(
         {{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1}, {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1}});
     if (name == QLatin1String("following"))
@@ -422,8 +530,8 @@ int main(int argc, char **argv)
     const QDir directory(QDir(QString::fromUtf8(argv[1])).absolutePath());
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
-    for (const QString &name :
-         {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("following"), QStringLiteral("dark")}) {
+    for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"),
+                                QStringLiteral("following"), QStringLiteral("dark")}) {
         if (!runSession(name, directory))
             return 1;
     }

@@ -54,13 +54,14 @@ fail() {
     exit 70
 }
 
-Xvfb -displayfd 3 -screen 0 "${size}x24" -dpi 96 -nolisten tcp -noreset 3>"$place/display" \
+# Without repetition of keys (-r): on a busy machine a key can seem to be held down for long.
+Xvfb -displayfd 3 -screen 0 "${size}x24" -dpi 96 -nolisten tcp -noreset -r 3>"$place/display" \
     >"$place/server.log" 2>&1 </dev/null &
 server=$!
 until_true "$server" grep -q . "$place/display" || fail "the display did not start"
 
 unset WAYLAND_DISPLAY XAUTHORITY SESSION_MANAGER DESKTOP_SESSION XDG_CURRENT_DESKTOP DESKTOP_STARTUP_ID
-unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE QT_SCALE_FACTOR
+unset LANGUAGE XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE QT_SCALE_FACTOR
 export DISPLAY=:$(cat "$place/display")
 export XDG_RUNTIME_DIR=$place
 export DBUS_SESSION_BUS_ADDRESS=disabled: DBUS_SYSTEM_BUS_ADDRESS=disabled: NO_AT_BRIDGE=1

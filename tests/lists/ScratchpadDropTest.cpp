@@ -59,6 +59,7 @@ private Q_SLOTS:
     void refusedMoves_data();
     void refusedMoves();
     void moveSeveral();
+    void moveSeveralFromSeveralFolders();
     void moveSeveralIntoOneOfThem();
     void severalUnknown();
     void twoPeopleMoveOnlyTheFirst();
@@ -66,6 +67,10 @@ private Q_SLOTS:
     // ---- Making
     void contacts();
     void dictionaries();
+    void treeThatIsTooDeepToBeSaved();
+    void movedTooDeepToBeSaved();
+    void nothingGoesTooDeepToBeSaved_data();
+    void nothingGoesTooDeepToBeSaved();
     void urlsWithTitles();
     void url_data();
     void url();
@@ -97,6 +102,14 @@ private:
         return _pad->source->outlineViewValidateDrop(_pad->view, *_data, isLocal, target);
     }
     // After a drop: the first item of the list.
+    // So many folders, one inside the other.
+    static WayfoldBookmarkFolderPtr chain(int length)
+    {
+        WayfoldBookmarkFolderPtr outermost = ListStage::folder(QStringLiteral("bottom"));
+        for (int i = 1; i < length; ++i)
+            outermost = ListStage::folder(QStringLiteral("f"), {outermost});
+        return outermost;
+    }
     KDRBookmarkPtr first() { return ListStage::store().bookmarkRoot()->childAtIndex(0); }
 
     std::optional<ListStage> _stage;
@@ -258,6 +271,19 @@ void ScratchpadDropTest::moveSeveral()
              QStringList({QStringLiteral("inner"), QStringLiteral("x"), QStringLiteral("a"), QStringLiteral("c")}));
 }
 
+// The rows that they leave go as well, wherever they stood.
+void ScratchpadDropTest::moveSeveralFromSeveralFolders()
+{
+    const KDRBookmarkPtr x = _folder->childAtIndex(1);
+    _pad->view.expandItem(_inner);
+    setList(PasteboardTypes::KDRBookmarkList, {_b->uuid(), x->uuid()});
+    QVERIFY(drop({_inner, 0}));
+    QCOMPARE(rowsOf(*_pad),
+             QStringList({QStringLiteral("a"), QStringLiteral("c"), QStringLiteral("folder"), QStringLiteral("-inner"),
+                          QStringLiteral("--b"), QStringLiteral("--x"), QStringLiteral("--deep")}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList({QStringLiteral("b"), QStringLiteral("x")}));
+}
+
 // The folder stays where it is, but the place moves up for it all the same.
 void ScratchpadDropTest::moveSeveralIntoOneOfThem()
 {
@@ -320,6 +346,79 @@ void ScratchpadDropTest::dictionaries()
              QStringList{QStringLiteral("Leaf")});
     setList(PasteboardTypes::BookmarkDictionaryList, {});
     QVERIFY(!drop({nullptr, 0}));
+}
+
+// The root and 511 folders are as much as a file can hold.
+void ScratchpadDropTest::treeThatIsTooDeepToBeSaved()
+{
+    const auto link = ListStage::link(QStringLiteral("Link"));
+    const QVariantMap deep = chain(511)->createDictionary(false);
+    const QStringList before = ListStage::titles(_folder);
+
+    setList(PasteboardTypes::BookmarkDictionaryList, {deep});
+    QVERIFY(!drop({_folder, 0}));
+    QCOMPARE(ListStage::titles(_folder), before);
+    setList(PasteboardTypes::BookmarkDictionaryList, {deep, link->createDictionary(false)});
+    QVERIFY(drop({_folder, 0})); // the others are taken
+    QCOMPARE(ListStage::titles(_folder), QStringList(QStringLiteral("Link")) + before);
+    QVERIFY(ListStage::store().saveBookmarkFile());
+
+    setList(PasteboardTypes::BookmarkDictionaryList, {deep});
+    QVERIFY(drop({nullptr, 0}));
+    QVERIFY(ListStage::store().saveBookmarkFile());
+    ItemFileReading reading;
+    const auto saved = WayfoldBookmarkFolder::readDictionaryFile(ListStage::store().bookmarkFilePath(), &reading);
+    QVERIFY(reading.readable);
+    QCOMPARE(saved->deepChildCount(), ListStage::store().bookmarkRoot()->deepChildCount());
+}
+
+void ScratchpadDropTest::movedTooDeepToBeSaved()
+{
+    const auto moved = chain(256);
+    const auto other = chain(256);
+    auto bottom = other;
+    while (bottom->childCount() != 0)
+        bottom = WayfoldBookmarkFolder::fromItem(bottom->childAtIndex(0));
+    ListStage::store().bookmarkRoot()->addChild(moved);
+    ListStage::store().bookmarkRoot()->addChild(other);
+
+    setString(PasteboardTypes::KDRBookmark, moved->uuid());
+    QVERIFY(!drop({bottom, 0}));
+    _data = std::make_unique<QMimeData>();
+    setList(PasteboardTypes::KDRBookmarkList, {moved->uuid(), _a->uuid()});
+    QVERIFY(drop({bottom, 0})); // the other one moves
+    QCOMPARE(ListStage::titles(bottom), QStringList(QStringLiteral("a")));
+    QVERIFY(moved->parent() == ListStage::store().bookmarkRoot());
+    QVERIFY(ListStage::store().saveBookmarkFile());
+
+    const auto shorter = WayfoldBookmarkFolder::fromItem(moved->childAtIndex(0));
+    setString(PasteboardTypes::KDRBookmark, shorter->uuid());
+    QVERIFY(drop({bottom, 0}));
+    QVERIFY(shorter->parent() == bottom);
+    QVERIFY(ListStage::store().saveBookmarkFile());
+}
+
+void ScratchpadDropTest::nothingGoesTooDeepToBeSaved_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::newRow("text") << PasteboardTypes::NSStringPboardType;
+    QTest::newRow("address") << PasteboardTypes::NSURLPboardType;
+}
+
+void ScratchpadDropTest::nothingGoesTooDeepToBeSaved()
+{
+    QFETCH(QString, type);
+    const auto outermost = chain(511);
+    ListStage::store().bookmarkRoot()->addChild(outermost);
+    auto last = outermost;
+    while (last->childCount() != 0)
+        last = WayfoldBookmarkFolder::fromItem(last->childAtIndex(0));
+    setString(type, QStringLiteral("http://www.example.com/"));
+    QVERIFY(!drop({last, 0}));
+    QCOMPARE(last->childCount(), 0U);
+    QVERIFY(drop({last->parent(), 0}));
+    QCOMPARE(last->parent()->childCount(), 2U);
+    QVERIFY(ListStage::store().saveBookmarkFile());
 }
 
 void ScratchpadDropTest::urlsWithTitles()

@@ -1,9 +1,11 @@
 #include "lists/WayfoldHistoryDataSource.h"
-#include "model/WayfoldBookmarkFolder.h"
-#include "model/WayfoldHistoryURL.h"
-#include "tests/support/TemporaryHome.h"
 
-#include <QTest>
+#include "core/Notifications.h"
+#include "lists/WayfoldHistoryOutlineView.h"
+#include "tests/lists/ListStage.h"
+#include "tests/support/BrowserFiles.h"
+
+#include <QLineEdit>
 
 namespace
 {
@@ -51,6 +53,54 @@ void regroup(const WayfoldBookmarkFolderPtr &from, const WayfoldBookmarkFolderPt
 {
     WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingStyle(from, into, style);
 }
+
+// The History tab of one drawer.
+class HistoryTab
+{
+public:
+    HistoryTab()
+    {
+        source = std::make_unique<WayfoldHistoryDataSource>(&view);
+        view.setDelegate(source.get());
+        view.awakeFromNib();
+        view.setOutlineDataSource(source.get());
+        source->awakeFromNib();
+        view.resize(300, 400);
+        view.show();
+    }
+
+    WayfoldHistoryOutlineView view;
+    QLineEdit field;
+    std::unique_ptr<WayfoldHistoryDataSource> source; // goes before the view does
+
+    QStringList rows() const { return ListStage::rows(view); }
+    QString shown() const { return outline(*source->localRootFolder()); }
+    void search(const QString &text)
+    {
+        field.setText(text);
+        source->processSearchFilter(&field);
+    }
+    void expandAll()
+    {
+        for (int row = 0; row < view.numberOfRows(); ++row)
+            view.expandItem(view.itemAtRow(row));
+    }
+};
+
+QVariantList someVisits()
+{
+    using Files = BrowserFiles;
+    return {
+        Files::visit("b today", "http://www.b.org/1", Files::noonOf(3)),
+        Files::visit("a today", "http://www.a.org/1", Files::noonOf(3)),
+        Files::visit("a yesterday", "http://www.a.org/2", Files::noonOf(2)),
+        Files::visit("no site", "file:///etc/hosts", Files::noonOf(2)),
+        Files::visit("b long ago", "http://www.b.org/2", Files::noonOf(1)),
+    };
+}
+
+const char *const bySiteAndDay = "a.org(03.01.01(a today), 02.01.01(a yesterday)), "
+                                 "b.org(03.01.01(b today), 01.01.01(b long ago))";
 } // namespace
 
 class WayfoldHistoryDataSourceTest : public QObject
@@ -58,7 +108,17 @@ class WayfoldHistoryDataSourceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
+    // Days as 03.01.01, and the texts as they are, since nobody has translated them.
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Switzerland)); }
+    void init()
+    {
+        _stage.emplace();
+        BrowserFiles(_stage->home).writeHistory(someVisits());
+        ListStage::store();
+        QCoreApplication::processEvents(); // what the start had to tell is told
+    }
+    void cleanup() { _stage.reset(); }
+
     void styles_data();
     void styles();
     void entriesAreTheVeryOnes();
@@ -66,7 +126,62 @@ private Q_SLOTS:
     void emptyFoldersGo();
     void noTargetIsNoMistake();
     void unknownStyleKeepsFoldersOnly();
+
+    void nothingIsShownBeforeItIsLoaded();
+    void loadsOnce();
+    void listOfEveryStyle_data();
+    void listOfEveryStyle();
+    void daysInTheUsersFormat_data();
+    void daysInTheUsersFormat();
+    void emptyHistoryGivesAnEmptyList();
+    void everyDrawerHasFoldersOfItsOwn();
+
+    void newHistoryKeepsTheFolders();
+    void openFoldersStayOpen();
+    void siteThatIsGoneGoesWithTheReloadAfter();
+    void styleChangeStartsAnew();
+    void otherStyleOfTheSameTitlesStartsAnew();
+    void nothingIsHeardBeforeItIsLoaded();
+
+    void matches_data();
+    void matches();
+    void matchesAreCopies();
+    void noMatchesGiveAnEmptyList();
+    void refiningKeepsTheFolderOfMatches();
+    void clearingGroupsAgain_data();
+    void clearingGroupsAgain();
+    void openFoldersAreOpenAfterTheSearch();
+    void clearingWhatIsNotFilteredChangesNothing();
+    void newHistoryIsFilteredToo();
+    void styleChangeWaitsForTheFilter();
+    void searchDeselects();
+
+    void rowsAreOpened();
+    void dropsAreRefused();
+    void savingWritesNothing();
+    void goesBeforeItsView();
+    void worksWithoutView();
+
+private:
+    // The browser has written its file again.
+    void change(const QVariantList &visits)
+    {
+        BrowserFiles(_stage->home).writeHistory(visits);
+        ListStage::store().tagSafariFiles();
+        QCoreApplication::processEvents();
+    }
+    // As the preferences do.
+    static void changeStyle(const QString &style)
+    {
+        ListStage::settings().setHistoryGroupingStyle(style);
+        NotificationCenter::defaultCenter().postNotificationName(Notifications::SafariHistoryFileModNotification,
+                                                                 nullptr);
+    }
+
+    std::optional<ListStage> _stage;
 };
+
+// --- Grouping -------------------------------------------------------------------------------------------------------
 
 void WayfoldHistoryDataSourceTest::styles_data()
 {
@@ -144,6 +259,389 @@ void WayfoldHistoryDataSourceTest::unknownStyleKeepsFoldersOnly()
     into->addChild(WayfoldHistoryURL::bookmarkWithTitle("leaf"));
     regroup(someHistory(), into, "9");
     QCOMPARE(outline(*into), QString("a.org(), b.org()"));
+}
+
+// --- The list -------------------------------------------------------------------------------------------------------
+
+void WayfoldHistoryDataSourceTest::nothingIsShownBeforeItIsLoaded()
+{
+    const HistoryTab tab;
+    QVERIFY(!tab.source->localRootFolder());
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.source->myOutlineView(), &tab.view);
+}
+
+void WayfoldHistoryDataSourceTest::loadsOnce()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.rows(), QStringList({"a.org", "b.org"}));
+    const KDRBookmarkPtr entry = ListStage::store().historyBookmarkRoot()->childAtIndex(0);
+    ListStage::store().historyBookmarkRoot()->removeAllChildren();
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.shown(), QString(bySiteAndDay));
+    QCOMPARE(tab.source->localRootFolder()->findByUUID("http://www.b.org/1"), entry);
+}
+
+void WayfoldHistoryDataSourceTest::listOfEveryStyle_data()
+{
+    QTest::addColumn<QString>("style");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("0") << "0"
+                       << "b today, a today, a yesterday, no site, b long ago";
+    QTest::newRow("1") << "1"
+                       << "03.01.01(b today, a today), 02.01.01(a yesterday, no site), 01.01.01(b long ago)";
+    QTest::newRow("2") << "2"
+                       << "03.01.01(a.org(a today), b.org(b today)), 02.01.01(a.org(a yesterday)), "
+                          "01.01.01(b.org(b long ago))";
+    QTest::newRow("3") << "3"
+                       << "a.org(a today, a yesterday), b.org(b today, b long ago)";
+    QTest::newRow("4") << "4" << bySiteAndDay;
+    QTest::newRow("unknown") << "7"
+                             << "";
+}
+
+void WayfoldHistoryDataSourceTest::listOfEveryStyle()
+{
+    QFETCH(QString, style);
+    QFETCH(QString, expected);
+    ListStage::settings().setHistoryGroupingStyle(style);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.shown(), expected);
+}
+
+void WayfoldHistoryDataSourceTest::daysInTheUsersFormat_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("day") << "%1d.%1m.%Y"
+                         << "3.1.2001(b today, a today), 2.1.2001(a yesterday, no site), 1.1.2001(b long ago)";
+    QTest::newRow("month") << "%B %Y"
+                           << "gennaio 2001(b today, a today, a yesterday, no site, b long ago)";
+    QTest::newRow("time of day") << "%d %H:%M"
+                                 << "03 12:00(b today, a today), 02 12:00(a yesterday, no site), "
+                                    "01 12:00(b long ago)";
+    QTest::newRow("none") << ""
+                          << "03.01.01(b today, a today), 02.01.01(a yesterday, no site), 01.01.01(b long ago)";
+}
+
+void WayfoldHistoryDataSourceTest::daysInTheUsersFormat()
+{
+    QFETCH(QString, format);
+    QFETCH(QString, expected);
+    _stage->host.hostSettings.values.insert("NSShortDateFormatString", format);
+    ListStage::settings().setHistoryGroupingStyle("1");
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.shown(), expected);
+    // Later visits of the same days.
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("b later", "http://www.b.org/3", QString::number(2 * 86400 + 43200 + 1800)));
+    change(visits);
+    QCOMPARE(tab.source->localRootFolder()->childCount(), format.contains("%M") ? 4U : format == "%B %Y" ? 1U : 3U);
+}
+
+void WayfoldHistoryDataSourceTest::emptyHistoryGivesAnEmptyList()
+{
+    change({});
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+}
+
+void WayfoldHistoryDataSourceTest::everyDrawerHasFoldersOfItsOwn()
+{
+    HistoryTab tab;
+    HistoryTab other;
+    tab.source->ensureDataLoaded();
+    other.source->ensureDataLoaded();
+    QVERIFY(tab.source->localRootFolder() != other.source->localRootFolder());
+    QVERIFY(tab.view.itemAtRow(0) != other.view.itemAtRow(0));
+    QCOMPARE(tab.shown(), other.shown());
+}
+
+void WayfoldHistoryDataSourceTest::newHistoryKeepsTheFolders()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const WayfoldBookmarkFolderPtr root = tab.source->localRootFolder();
+    const KDRBookmarkPtr site = root->childWithTitle("a.org");
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("c", "http://www.c.org/", BrowserFiles::noonOf(4)));
+    change(visits);
+    QCOMPARE(tab.source->localRootFolder(), root);
+    QCOMPARE(root->childWithTitle("a.org"), site);
+    QCOMPARE(tab.rows(), QStringList({"a.org", "b.org", "c.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::openFoldersStayOpen()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.view.itemAtRow(0));
+    tab.view.expandItem(tab.view.itemAtRow(1));
+    tab.view.selectItem(tab.source->localRootFolder()->findByUUID("http://www.a.org/1"));
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("a new", "http://www.a.org/9", BrowserFiles::noonOf(3)));
+    change(visits);
+    QCOMPARE(tab.rows(), QStringList({"a.org", "-03.01.01", "--a new", "--a today", "-02.01.01", "b.org"}));
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"a today"});
+}
+
+void WayfoldHistoryDataSourceTest::siteThatIsGoneGoesWithTheReloadAfter()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    change({someVisits().first()});
+    tab.source->parseHistoryBookmarks(); // when it was looked into, only its days were empty before
+    QCOMPARE(tab.shown(), QString("b.org(03.01.01(b today))"));
+}
+
+void WayfoldHistoryDataSourceTest::styleChangeStartsAnew()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const WayfoldBookmarkFolderPtr root = tab.source->localRootFolder();
+    changeStyle("1");
+    QCOMPARE(tab.source->localRootFolder(), root);
+    QCOMPARE(tab.rows(), QStringList({"03.01.01", "02.01.01", "01.01.01"}));
+    changeStyle("0");
+    QCOMPARE(tab.rows(), QStringList({"b today", "a today", "a yesterday", "no site", "b long ago"}));
+    changeStyle("8");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+}
+
+void WayfoldHistoryDataSourceTest::otherStyleOfTheSameTitlesStartsAnew()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const KDRBookmarkPtr site = tab.source->localRootFolder()->childWithTitle("a.org");
+    changeStyle("3");
+    QVERIFY(tab.source->localRootFolder()->childWithTitle("a.org") != site);
+    QCOMPARE(tab.shown(), QString("a.org(a today, a yesterday), b.org(b today, b long ago)"));
+}
+
+void WayfoldHistoryDataSourceTest::nothingIsHeardBeforeItIsLoaded()
+{
+    const HistoryTab tab;
+    change({someVisits().first()});
+    QVERIFY(!tab.source->localRootFolder());
+}
+
+// --- Searching ------------------------------------------------------------------------------------------------------
+
+void WayfoldHistoryDataSourceTest::matches_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("titles, whatever their letters' case") << "TODAY" << QStringList({"b today", "a today"});
+    QTest::newRow("addresses") << "www.b.org" << QStringList({"b today", "b long ago"});
+    QTest::newRow("what no site has") << "hosts" << QStringList{"no site"};
+    QTest::newRow("the root has a title too") << "istor" << QStringList{"History"};
+}
+
+void WayfoldHistoryDataSourceTest::matches()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, rows);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search(text);
+    QCOMPARE(tab.rows(), rows);
+    QCOMPARE(tab.source->localRootFolder()->title(), QString(""));
+}
+
+void WayfoldHistoryDataSourceTest::matchesAreCopies()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const WayfoldBookmarkFolderPtr grouped = tab.source->localRootFolder();
+    tab.search("b long ago");
+    const KDRBookmarkPtr match = tab.source->localRootFolder()->childAtIndex(0);
+    const KDRBookmarkPtr original = ListStage::store().historyBookmarkRoot()->childAtIndex(4);
+    QVERIFY(match != original);
+    QVERIFY(match->isEqual(*original));
+    QCOMPARE(outline(*grouped), QString(bySiteAndDay));
+    QCOMPARE(original->parent()->title(), QString("01.01.01"));
+}
+
+void WayfoldHistoryDataSourceTest::noMatchesGiveAnEmptyList()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("zeppelin");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
+    tab.search("");
+    QCOMPARE(tab.shown(), QString(bySiteAndDay));
+}
+
+void WayfoldHistoryDataSourceTest::refiningKeepsTheFolderOfMatches()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("a");
+    const WayfoldBookmarkFolderPtr found = tab.source->localRootFolder();
+    tab.search("a y");
+    QCOMPARE(tab.source->localRootFolder(), found);
+    QCOMPARE(tab.rows(), QStringList{"a yesterday"});
+}
+
+void WayfoldHistoryDataSourceTest::clearingGroupsAgain_data()
+{
+    listOfEveryStyle_data();
+}
+
+void WayfoldHistoryDataSourceTest::clearingGroupsAgain()
+{
+    QFETCH(QString, style);
+    QFETCH(QString, expected);
+    ListStage::settings().setHistoryGroupingStyle(style);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("o"); // the root among others
+    const WayfoldBookmarkFolderPtr found = tab.source->localRootFolder();
+    tab.search("");
+    QCOMPARE(tab.source->localRootFolder(), found);
+    QCOMPARE(tab.shown(), expected);
+    tab.search("long");
+    QCOMPARE(tab.rows(), QStringList{"b long ago"});
+}
+
+void WayfoldHistoryDataSourceTest::openFoldersAreOpenAfterTheSearch()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const KDRBookmarkPtr site = tab.source->localRootFolder()->childWithTitle("a.org");
+    tab.view.expandItem(tab.view.itemAtRow(0));
+    tab.view.expandItem(tab.view.itemAtRow(1));
+    const QStringList before = tab.rows();
+    QCOMPARE(before.size(), 5);
+    tab.search("t");
+    tab.search("to");
+    tab.search("");
+    QCOMPARE(tab.rows(), before);
+    QCOMPARE(tab.source->localRootFolder()->childWithTitle("a.org"), site);
+    // With what came meanwhile.
+    tab.search("to");
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("a new", "http://www.a.org/9", BrowserFiles::noonOf(3)));
+    change(visits);
+    tab.search("");
+    QCOMPARE(tab.rows(), QStringList({"a.org", "-03.01.01", "--a new", "--a today", "-02.01.01", "b.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::clearingWhatIsNotFilteredChangesNothing()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.view.itemAtRow(0));
+    const WayfoldBookmarkFolderPtr grouped = tab.source->localRootFolder();
+    tab.search("");
+    QCOMPARE(tab.source->localRootFolder(), grouped);
+    QCOMPARE(tab.rows(), QStringList({"a.org", "-03.01.01", "-02.01.01", "b.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::newHistoryIsFilteredToo()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("today");
+    QVariantList visits = someVisits();
+    visits.removeFirst();
+    visits.append(BrowserFiles::visit("c today", "http://www.c.org/", BrowserFiles::noonOf(3)));
+    change(visits);
+    QCOMPARE(tab.rows(), QStringList({"a today", "c today"}));
+    tab.search("");
+    QCOMPARE(tab.rows(), QStringList({"a.org", "b.org", "c.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::styleChangeWaitsForTheFilter()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("today");
+    changeStyle("1");
+    QCOMPARE(tab.rows(), QStringList({"b today", "a today"}));
+    tab.search("");
+    QCOMPARE(tab.rows(), QStringList({"03.01.01", "02.01.01", "01.01.01"}));
+}
+
+void WayfoldHistoryDataSourceTest::searchDeselects()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.selectRow(1);
+    tab.search("today");
+    QVERIFY(!tab.source->anyItemSelected());
+    tab.view.selectRow(1);
+    tab.search("");
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+// --- The rest -------------------------------------------------------------------------------------------------------
+
+void WayfoldHistoryDataSourceTest::rowsAreOpened()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.expandAll();
+    tab.view.selectItem(tab.source->localRootFolder()->findByUUID("http://www.b.org/2"));
+    tab.view.doubleAction();
+    QCOMPARE(_stage->openedURLs, QStringList{"http://www.b.org/2"});
+    tab.search("yesterday");
+    tab.view.selectRow(0);
+    tab.view.doubleAction();
+    QCOMPARE(_stage->openedURLs.last(), QString("http://www.a.org/2"));
+}
+
+void WayfoldHistoryDataSourceTest::dropsAreRefused()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QMimeData data;
+    data.setUrls({QUrl("http://a.org/")});
+    OutlineDropTarget target;
+    QCOMPARE(tab.source->outlineViewValidateDrop(tab.view, data, false, target), Qt::IgnoreAction);
+    QVERIFY(!tab.source->outlineViewAcceptDrop(tab.view, data, target));
+}
+
+void WayfoldHistoryDataSourceTest::savingWritesNothing()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    const QByteArray before = _stage->home.read("Library/Safari/History.plist");
+    tab.source->localRootFolder()->removeAllChildren();
+    tab.source->saveHistoryBookmarkRoot();
+    QCOMPARE(_stage->home.read("Library/Safari/History.plist"), before);
+}
+
+void WayfoldHistoryDataSourceTest::goesBeforeItsView()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.source.reset();
+    QVERIFY(!tab.view.outlineDataSource());
+    change({});
+    QCOMPARE(tab.view.numberOfRows(), 0);
+}
+
+void WayfoldHistoryDataSourceTest::worksWithoutView()
+{
+    WayfoldHistoryDataSource source(nullptr);
+    source.awakeFromNib();
+    source.ensureDataLoaded();
+    QCOMPARE(outline(*source.localRootFolder()), QString(bySiteAndDay));
+    QLineEdit field("long");
+    source.processSearchFilter(&field);
+    QCOMPARE(outline(*source.localRootFolder()), QString("b long ago"));
+    field.clear();
+    source.processSearchFilter(&field);
+    QCOMPARE(outline(*source.localRootFolder()), QString(bySiteAndDay));
+    change({someVisits().last()});
+    QCOMPARE(outline(*source.localRootFolder()), QString("a.org(), b.org(01.01.01(b long ago))"));
 }
 
 QTEST_MAIN(WayfoldHistoryDataSourceTest)

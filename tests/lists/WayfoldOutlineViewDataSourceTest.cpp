@@ -1,5 +1,6 @@
 #include "lists/WayfoldOutlineViewDataSource.h"
 
+#include "lists/DroppedData.h"
 #include "lists/NoteViewer.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/WayfoldOutlineView.h"
@@ -79,6 +80,7 @@ private Q_SLOTS:
     void dataOutlivesTheSource();
     void desktopTypes();
     void desktopTypesOfSeveralLinks();
+    void largeFoldersAreWrittenOnlyWhenAskedFor();
 
     void openNothing();
     void openFolders();
@@ -391,6 +393,28 @@ void WayfoldOutlineViewDataSourceTest::desktopTypesOfSeveralLinks()
     const QByteArray mozilla = data->data(QStringLiteral("text/x-moz-url"));
     QCOMPARE(QString(reinterpret_cast<const QChar *>(mozilla.constData()), mozilla.size() / 2),
              QStringLiteral("http://a/1\nOne\nmailto:ann\nTwo"));
+}
+
+// What a list asks of the data at every move of a drag.
+void WayfoldOutlineViewDataSourceTest::largeFoldersAreWrittenOnlyWhenAskedFor()
+{
+    class WrittenFolder : public WayfoldBookmarkFolder
+    {
+    public:
+        mutable int written = 0;
+        void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override
+        {
+            ++written;
+            WayfoldBookmarkFolder::writeToDictionaryForSaving(dictionary, forSaving);
+        }
+    };
+    PlainSource source;
+    const auto folder = std::make_shared<WrittenFolder>();
+    const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(source.view, {folder}));
+    for (int move = 0; move < 10; ++move)
+        QVERIFY(DroppedData(*data).offersAnyOf(PasteboardTypes::acceptableDragTypes()));
+    QVERIFY(folder->written <= 1);
+    QVERIFY(!data->data(QStringLiteral("BookmarkDictionaryListPboardType")).isEmpty());
 }
 
 void WayfoldOutlineViewDataSourceTest::openNothing()

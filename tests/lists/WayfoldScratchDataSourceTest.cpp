@@ -106,6 +106,7 @@ private Q_SLOTS:
     void declinedDelete_data();
     void declinedDelete();
     void deleteWithoutQuestion();
+    void deleteManyRefreshesOnce();
     void deletedSiteFolder();
 
     void editRenamesSmartFolders();
@@ -496,6 +497,26 @@ void WayfoldScratchDataSourceTest::deleteWithoutQuestion()
     QCOMPARE(_pad->view.numberOfRows(), 0);
 }
 
+// One after the other, each with its own writing of the file and refreshing of the lists, would take long.
+void WayfoldScratchDataSourceTest::deleteManyRefreshesOnce()
+{
+    ListStage::settings().setConfirmItemDelete(false);
+    std::vector<KDRBookmarkPtr> notes;
+    for (int i = 0; i < 50; ++i)
+        notes.push_back(ListStage::note(QString::number(i)));
+    const auto kept = ListStage::note("Kept");
+    notes.push_back(kept);
+    _pad->showItems(notes);
+    notes.pop_back();
+    _pad->select(notes);
+    _pad->drawer.reloadCount = 0;
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Kept")});
+    QCOMPARE(_pad->drawer.reloadCount, 1);
+    QVERIFY(_stage->savedFile().contains("Kept"));
+    QVERIFY(!_stage->savedFile().contains(">49<"));
+}
+
 void WayfoldScratchDataSourceTest::deletedSiteFolder()
 {
     ListStage::settings().setConfirmItemDelete(false);
@@ -561,8 +582,10 @@ void WayfoldScratchDataSourceTest::editRefreshesOtherDrawers()
         return true;
     };
     other.drawer.reloadCount = 0;
+    _stage->removeSavedFile();
     _pad->source->handleItemEditRequest(nullptr);
     QVERIFY(other.drawer.reloadCount > 0);
+    QVERIFY(_stage->savedFile().isEmpty()); // what was changed is saved by the dialogs
 }
 
 // --- Observing ------------------------------------------------------------------------------------------------------
@@ -620,6 +643,16 @@ public:
         return true;
     }
 };
+
+// Looks itself up again at each refresh, as contacts do.
+class RefreshedItem : public OtherItem
+{
+public:
+    int refreshed = 0;
+
+    RefreshedItem() : OtherItem(PersonType, QStringLiteral("Person")) {}
+    bool refresh() override { return ++refreshed; }
+};
 } // namespace
 
 void WayfoldScratchDataSourceTest::outsideChanges()
@@ -629,7 +662,8 @@ void WayfoldScratchDataSourceTest::outsideChanges()
     smart->initWithTitle(QStringLiteral("Smart"));
     smart->found = ListStage::link("Found");
     const auto note = ListStage::note("Note");
-    _pad->showItems({note, smart});
+    const auto person = std::make_shared<RefreshedItem>();
+    _pad->showItems({note, smart, person});
     _pad->view.grab();
     _pad->view.expandItem(smart);
     const KDRBookmarkPtr before = smart->childAtIndex(0);
@@ -638,10 +672,17 @@ void WayfoldScratchDataSourceTest::outsideChanges()
     const int refreshed = smart->refreshed;
     postFileChange(name);
     QCOMPARE(smart->refreshed, refreshed + 1);
+    QCOMPARE(person->refreshed, 1);
     QVERIFY(smart->childAtIndex(0) != before);
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()),
              QStringList({QStringLiteral("Note"), QStringLiteral("Found")}));
     QVERIFY(_pad->view.selectedItemList()[1] == smart->childAtIndex(0));
+    // The buttons are those of what is selected then: what was found could not be deleted.
+    QVERIFY(!_pad->deleteItemButton.isEnabled());
+    smart->found = ListStage::link("Another");
+    postFileChange(name);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Note")});
+    QVERIFY(_pad->deleteItemButton.isEnabled());
 }
 
 void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()

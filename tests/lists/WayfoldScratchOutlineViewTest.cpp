@@ -43,6 +43,7 @@ private Q_SLOTS:
     void popupIsRebuiltAsItOpens();
     void popupKeepsTheFirstEntryForNoTitle();
     void popupTitles();
+    void popupWithoutTheSelectedSite();
     void pickingASite();
     void dragOverThePopupShowsTheWholeTree();
 
@@ -130,6 +131,20 @@ void WayfoldScratchOutlineViewTest::popupTitles()
     QCOMPARE(_pad->popup.count(), 2);
 }
 
+void WayfoldScratchOutlineViewTest::popupWithoutTheSelectedSite()
+{
+    const auto site = ListStage::folder("a.org", {ListStage::note("Of a")});
+    _pad->showItems({site});
+    _pad->show(QStringLiteral("a.org"));
+    site->setTitle(QStringLiteral("b.org"));
+    _pad->view.refreshSitePopup();
+    QCOMPARE(_pad->popup.itemTitles(), QStringList({sites, QStringLiteral("b.org")}));
+    QVERIFY(_pad->popup.title().isNull());
+    // Without a title there is no site to show.
+    _pad->source->handleSiteChange(&_pad->popup);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Of a")});
+}
+
 void WayfoldScratchOutlineViewTest::pickingASite()
 {
     _pad->showItems({ListStage::folder("a.org", {ListStage::note("Of a")})});
@@ -167,13 +182,17 @@ void WayfoldScratchOutlineViewTest::dragOverThePopupShowsTheWholeTree()
 void WayfoldScratchOutlineViewTest::keysEdit_data()
 {
     QTest::addColumn<int>("key");
-    QTest::newRow("Return") << int(Qt::Key_Return);
-    QTest::newRow("Enter") << int(Qt::Key_Enter);
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Return") << int(Qt::Key_Return) << int(Qt::NoModifier);
+    QTest::newRow("Enter") << int(Qt::Key_Enter) << int(Qt::KeypadModifier);
+    QTest::newRow("Shift and Return") << int(Qt::Key_Return) << int(Qt::ShiftModifier);
+    QTest::newRow("Control and Return") << int(Qt::Key_Return) << int(Qt::ControlModifier);
 }
 
 void WayfoldScratchOutlineViewTest::keysEdit()
 {
     QFETCH(int, key);
+    QFETCH(int, modifiers);
     const auto folder = ListStage::folder("Folder");
     _pad->showItems({folder});
     _pad->select({folder});
@@ -181,20 +200,23 @@ void WayfoldScratchOutlineViewTest::keysEdit()
         item.setTitle(QStringLiteral("Renamed"));
         return true;
     };
-    QTest::keyClick(&_pad->view, Qt::Key(key));
+    QTest::keyClick(&_pad->view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Renamed")});
 }
 
 void WayfoldScratchOutlineViewTest::keysDelete_data()
 {
     QTest::addColumn<int>("key");
-    QTest::newRow("Delete") << int(Qt::Key_Delete);
-    QTest::newRow("Backspace") << int(Qt::Key_Backspace);
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Delete") << int(Qt::Key_Delete) << int(Qt::NoModifier);
+    QTest::newRow("Backspace") << int(Qt::Key_Backspace) << int(Qt::NoModifier);
+    QTest::newRow("Control and Backspace") << int(Qt::Key_Backspace) << int(Qt::ControlModifier);
 }
 
 void WayfoldScratchOutlineViewTest::keysDelete()
 {
     QFETCH(int, key);
+    QFETCH(int, modifiers);
     const auto note = ListStage::note("Note");
     _pad->showItems({note});
     _pad->select({note});
@@ -205,7 +227,7 @@ void WayfoldScratchOutlineViewTest::keysDelete()
         if (box)
             QTest::keyClick(box, Qt::Key_Return);
     });
-    QTest::keyClick(&_pad->view, Qt::Key(key));
+    QTest::keyClick(&_pad->view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     QVERIFY(asked);
     QCOMPARE(_pad->view.numberOfRows(), 0);
 }
@@ -234,9 +256,11 @@ void WayfoldScratchOutlineViewTest::newItemPlaces_data()
     QTest::newRow("closed folder") << QStringLiteral("Folder") << false << QStringList{outer, made, after};
     QTest::newRow("open folder") << QStringLiteral("Folder") << true
                                  << QStringList{outer, QStringLiteral("-New"), inner, after};
+    QTest::newRow("open folder without contents")
+        << QStringLiteral("After") << true << QStringList{outer, inner, after, QStringLiteral("-New")};
     QTest::newRow("item in a folder") << QStringLiteral("Inside") << true
                                       << QStringList{outer, inner, QStringLiteral("-New"), after};
-    QTest::newRow("item at the top") << QStringLiteral("After") << false << QStringList{outer, after, made};
+    QTest::newRow("closed folder at the end") << QStringLiteral("After") << false << QStringList{outer, after, made};
 }
 
 void WayfoldScratchOutlineViewTest::newItemPlaces()
@@ -246,7 +270,7 @@ void WayfoldScratchOutlineViewTest::newItemPlaces()
     QFETCH(QStringList, rows);
     const auto inside = ListStage::note("Inside");
     const auto folder = ListStage::folder("Folder", {inside});
-    const auto after = ListStage::note("After");
+    const auto after = ListStage::folder("After");
     _stage->dialogs.answer = [](KDRBookmark &item) {
         item.setTitle(QStringLiteral("New"));
         return true;
@@ -256,11 +280,14 @@ void WayfoldScratchOutlineViewTest::newItemPlaces()
          {&WayfoldScratchOutlineView::handleNewNoteRequest, &WayfoldScratchOutlineView::handleNewEmailRequest}) {
         folder->removeAllChildren();
         folder->addChild(inside);
+        after->removeAllChildren();
         _pad->showItems({folder, after});
-        if (open)
-            _pad->view.expandItem(folder);
-        else
-            _pad->view.collapseItem(folder);
+        for (const WayfoldBookmarkFolderPtr &each : {folder, after}) {
+            if (open)
+                _pad->view.expandItem(each);
+            else
+                _pad->view.collapseItem(each);
+        }
         _pad->view.deselectAll();
         for (const KDRBookmarkPtr &item : {KDRBookmarkPtr(inside), KDRBookmarkPtr(folder), KDRBookmarkPtr(after)}) {
             if (item->title() == selected)
@@ -316,6 +343,12 @@ void WayfoldScratchOutlineViewTest::newFolderInTheRootGetsSmartFolders()
     const auto deeper = WayfoldBookmarkFolder::fromItem(_pad->view.selectedItem());
     QVERIFY(deeper->parent() == made);
     QCOMPARE(deeper->childCount(), 0U);
+    // The root of a site's list is the site's own folder.
+    _pad->show(QStringLiteral("y.org"));
+    _pad->view.handleNewSubFolderRequest(nullptr);
+    const auto inSite = WayfoldBookmarkFolder::fromItem(_pad->view.selectedItem());
+    QVERIFY(inSite->parent() == _pad->source->localRootFolder());
+    QCOMPARE(inSite->childCount(), 2U);
 }
 
 // A page may load, and another site be shown, while the dialog is open; what was typed goes where it was meant to go.

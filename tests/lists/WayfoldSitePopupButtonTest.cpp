@@ -25,6 +25,7 @@ private Q_SLOTS:
     void titleOfTheSelectedEntry();
     void setTitleAddsWhatIsMissing();
     void entriesAreReplacedQuietly();
+    void longTitlesDoNotMakeItWider();
     void tellsBeforeItOpens();
     void keysOpenItInsteadOfChangingTheSite();
     void wheelChangesNothing();
@@ -67,6 +68,16 @@ void WayfoldSitePopupButtonTest::entriesAreReplacedQuietly()
     popup.setEntries(sites(), QStringLiteral("gone.org"));
     QVERIFY(popup.title().isNull());
     QCOMPARE(requested.count(), 0);
+}
+
+void WayfoldSitePopupButtonTest::longTitlesDoNotMakeItWider()
+{
+    WayfoldSitePopupButton popup;
+    popup.setTitle(QStringLiteral("Sites"));
+    const int narrow = popup.minimumSizeHint().width();
+    WayfoldSitePopupButton other;
+    other.setTitle(QString(100, u'x'));
+    QCOMPARE(other.minimumSizeHint().width(), narrow);
 }
 
 void WayfoldSitePopupButtonTest::tellsBeforeItOpens()

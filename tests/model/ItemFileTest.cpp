@@ -34,6 +34,7 @@ private Q_SLOTS:
     void entries();
     void foldersOfTheBrowser();
     void withoutInsertAFolderIsLoadedIntoThisOne();
+    void withoutInsertOtherKinds();
     void missingFile();
     void unreadableFiles_data();
     void unreadableFiles();
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void valuesOfOtherTypes();
     void truncatedFiles();
     void oddTexts();
+    void titlesOfControlCharacters();
     void cannotBeWritten();
     void deepestTree();
 };
@@ -317,6 +319,25 @@ void ItemFileTest::withoutInsertAFolderIsLoadedIntoThisOne()
     QCOMPARE(childTitles(*root), (QStringList{"New link", "Another"}));
 }
 
+void ItemFileTest::withoutInsertOtherKinds()
+{
+    const auto root = makeFolder("Old", {makeLink("Old link")});
+    for (const char *type : {"BookmarksBar", "BookmarksMenu"}) { // loaded into this one as well
+        QVariantMap dictionary = list(QLatin1String(type), {leaf("L", "http://a.example/")});
+        dictionary["WebBookmarkType"] = QLatin1String(type);
+        root->parseBookmarkDictionaryInsert(dictionary, false);
+        QCOMPARE(root->title(), QLatin1String(type));
+        QCOMPARE(childTitles(*root), QStringList{"L"});
+    }
+    const QVariantMap note{{"WebBookmarkType", "WebBookmarkTypeNote"}, {"URIDictionary", QVariantMap{{"title", "N"}}}};
+    root->parseBookmarkDictionaryInsert(note, false);
+    QCOMPARE(childTitles(*root), (QStringList{"L", "N"}));
+    root->parseBookmarkDictionaryInsert({{"WebBookmarkType", "Newer"}, {"Title", "Newer"}}, false);
+    root->parseBookmarkDictionaryInsert({{"Title", "Without a type"}}, false);
+    QCOMPARE(root->title(), "BookmarksMenu");
+    QCOMPARE(childTitles(*root), (QStringList{"L", "N"}));
+}
+
 void ItemFileTest::missingFile()
 {
     ItemFileReading reading;
@@ -507,6 +528,18 @@ void ItemFileTest::oddTexts()
         QVERIFY2(root->isEqual(readBack(&reading)), qPrintable(text));
         QVERIFY(reading.complete);
     }
+}
+
+// A title that no file can hold does not take its item away.
+void ItemFileTest::titlesOfControlCharacters()
+{
+    const auto folder =
+        makeFolder("\x01", {makeLink("\x18"), WayfoldBookmarkNote::bookmarkWithTitleAndNote("\x7", "kept")});
+    QVERIFY(makeFolder("root", {folder})->writeDictionaryFile(path()));
+    const auto read = WayfoldBookmarkFolder::fromItem(readBack()->childAtIndex(0));
+    QVERIFY(read);
+    QCOMPARE(read->childCount(), 2U);
+    QCOMPARE(read->lastChild()->valueAsString(), QString("kept"));
 }
 
 void ItemFileTest::cannotBeWritten()

@@ -1,3 +1,4 @@
+#include "platform/files/PropertyList.h"
 #include "tests/model/ModelTestSupport.h"
 
 #include "model/WayfoldBookmarkAutoFolder.h"
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void copies();
     void archives_data();
     void archives();
+    void archiveKeys_data();
+    void archiveKeys();
     void archivesKeepNoneAndEmptyApart();
     void equality();
     void equalityIsOneSided();
@@ -446,6 +449,45 @@ void KDRBookmarkTest::archives()
     QCOMPARE(decoded->uuid(), item->uuid());
     QVERIFY(!decoded->timestamp().isValid());
     QVERIFY(!decoded->parent());
+}
+
+void KDRBookmarkTest::archiveKeys_data()
+{
+    QTest::addColumn<KDRBookmarkPtr>("item");
+    QTest::addColumn<QStringList>("keys");
+    const auto folder = [](const WayfoldBookmarkFolderPtr &item) {
+        item->setFilterString("search");
+        return item;
+    };
+    const auto url = [](const WayfoldBookmarkURLPtr &item) {
+        item->setValue(QVariant::fromValue(Url::URLWithString("http://a.example/")));
+        return item;
+    };
+    const QStringList folderKeys{"_children", "_filterString"};
+    QTest::newRow("base") << std::make_shared<KDRBookmark>() << QStringList();
+    QTest::newRow("folder") << KDRBookmarkPtr(folder(std::make_shared<WayfoldBookmarkFolder>())) << folderKeys;
+    QTest::newRow("smart folder") << KDRBookmarkPtr(folder(std::make_shared<WayfoldAutoFolder>())) << folderKeys;
+    QTest::newRow("link") << KDRBookmarkPtr(url(std::make_shared<WayfoldBookmarkURL>())) << QStringList{"_url"};
+    QTest::newRow("file") << KDRBookmarkPtr(url(std::make_shared<WayfoldBookmarkFile>())) << QStringList{"_url"};
+    QTest::newRow("mail") << KDRBookmarkPtr(url(std::make_shared<WayfoldBookmarkEmail>())) << QStringList{"_url"};
+    QTest::newRow("history") << KDRBookmarkPtr(url(std::make_shared<WayfoldHistoryURL>())) << QStringList{"_url"};
+    QTest::newRow("note") << KDRBookmarkPtr(WayfoldBookmarkNote::bookmarkWithTitleAndNote("T", "text"))
+                          << QStringList{"_noteText"};
+}
+
+void KDRBookmarkTest::archiveKeys()
+{
+    QFETCH(KDRBookmarkPtr, item);
+    QFETCH(QStringList, keys);
+    item->setTitle("Title");
+    item->setUUID("Identifier");
+    QVariantMap archive = PropertyList::fromData(KeyedArchiver::archivedDataWithRootObject(*item)).toMap();
+    QCOMPARE(archive.take("$class").toString(), item->classNameForCoder());
+    QCOMPARE(archive.value("_title"), QVariant("Title"));
+    QCOMPARE(archive.value("_uuid"), QVariant("Identifier"));
+    keys += QStringList{"_title", "_uuid"};
+    keys.sort();
+    QCOMPARE(archive.keys(), keys);
 }
 
 void KDRBookmarkTest::archivesKeepNoneAndEmptyApart()

@@ -185,6 +185,11 @@ void WayfoldBookmarkEmailTest::editViaDialog()
     QVERIFY(made->editViaDialog());
     QCOMPARE(dialogs.opened, QStringList{"editEmail"});
     QCOMPARE(dialogs.item, made);
+
+    const KDRBookmarkPtr before = made->copy();
+    dialogs.accepts = false;
+    QVERIFY(!made->editViaDialog());
+    QVERIFY(made->isEqual(before));
 }
 
 void WayfoldBookmarkEmailTest::dictionary()

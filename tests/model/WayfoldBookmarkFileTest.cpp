@@ -80,6 +80,11 @@ void WayfoldBookmarkFileTest::editViaDialog()
     QVERIFY(made->editViaDialog());
     QCOMPARE(dialogs.opened, QStringList{"editFile"});
     QCOMPARE(dialogs.item, made);
+
+    const KDRBookmarkPtr before = made->copy();
+    dialogs.accepts = false;
+    QVERIFY(!made->editViaDialog());
+    QVERIFY(made->isEqual(before));
 }
 
 void WayfoldBookmarkFileTest::dictionary()

@@ -1,5 +1,6 @@
 #include "tests/model/ModelTestSupport.h"
 
+#include "core/settings/WayfoldToolkit.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "model/WayfoldHistoryAutoFolder.h"
 
@@ -512,6 +513,7 @@ void WayfoldBookmarkFolderTest::icon()
     const auto small = a->imageForCellSize(QSizeF(32, 32));
     QVERIFY(small);
     QCOMPARE(small->size(), QSizeF(16, 16));
+    QCOMPARE(pictureOf(small), pictureOf(WayfoldToolkit::loadImageNamed("WayfoldFolderIcon16")));
     QCOMPARE(small->cacheMode(), Image::NSImageCacheNever);
     QCOMPARE(a->imageForCellSize(QSizeF(32, 32)), small);
     // Another folder has not been shown at that size: the image is loaded anew, for both.
@@ -521,6 +523,8 @@ void WayfoldBookmarkFolderTest::icon()
     const auto large = a->imageForCellSize(QSizeF(33, 33));
     QVERIFY(large != again);
     QVERIFY(large->size() != again->size());
+    QCOMPARE(pictureOf(large), pictureOf(WayfoldToolkit::loadImageNamed("WayfoldFolderIcon")));
+    QVERIFY(pictureOf(large) != pictureOf(small));
     QCOMPARE(a->imageForCellSize(QSizeF(33, 33)), large);
     // The size is compared, not only its height; the height alone decides on the image.
     const auto narrow = a->imageForCellSize(QSizeF(99, 32));

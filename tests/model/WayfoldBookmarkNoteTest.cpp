@@ -1,6 +1,7 @@
 #include "tests/model/ModelTestSupport.h"
 
 #include "core/settings/WayfoldToolkit.h"
+#include "platform/files/PropertyList.h"
 
 #include <QtTest>
 
@@ -148,6 +149,13 @@ void WayfoldBookmarkNoteTest::archive()
 {
     QCOMPARE(roundTripThroughArchive(note("Two\nlines"))->valueAsString(), "Two\nlines");
     QVERIFY(roundTripThroughArchive(WayfoldBookmarkNote::bookmarkWithTitle("T"))->valueAsString().isNull());
+
+    // The limit holds on this way in as well.
+    const QVariantMap archive{{"$class", "WayfoldBookmarkNote"}, {"_noteText", QString(40000, u'a')}};
+    const auto decoded = KeyedUnarchiver::unarchiveObjectWithData(PropertyList::toXml(archive));
+    const auto cut = std::dynamic_pointer_cast<WayfoldBookmarkNote>(decoded);
+    QVERIFY(cut);
+    QCOMPARE(cut->valueAsString(), QString(32768, u'a'));
 }
 
 void WayfoldBookmarkNoteTest::search()
@@ -236,6 +244,11 @@ void WayfoldBookmarkNoteTest::editViaDialog()
     QVERIFY(made->editViaDialog());
     QCOMPARE(dialogs.opened, QStringList{"editNote"});
     QCOMPARE(dialogs.item, made);
+
+    const KDRBookmarkPtr before = made->copy();
+    dialogs.accepts = false;
+    QVERIFY(!made->editViaDialog());
+    QVERIFY(made->isEqual(before));
 }
 
 QTEST_MAIN(WayfoldBookmarkNoteTest)

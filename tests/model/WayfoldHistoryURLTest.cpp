@@ -1,4 +1,5 @@
 #include "tests/model/ModelTestSupport.h"
+#include "tests/support/FakeHost.h"
 
 #include <QtTest>
 
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void dictionaryIsEmpty();
     void copyKeepsTheSite();
     void tooltip();
+    void tooltipInTheUsersFormat();
     void search();
 };
 
@@ -200,6 +202,17 @@ void WayfoldHistoryURLTest::tooltip()
     made->setURL({});
     QCOMPARE(made->tooltipText(), "\n\n\n");
     QLocale::setDefault(oldLocale);
+}
+
+void WayfoldHistoryURLTest::tooltipInTheUsersFormat()
+{
+    FakeHostApplication host;
+    host.hostSettings.values = {{"NSDateFormatString", "%e. %m %Y"}, {"NSTimeFormatString", "%1I:%M %p"}};
+    const auto made = WayfoldHistoryURL::bookmarkFromDictionary(entry("T", "http://a.example/"));
+    made->setTimestamp(QDateTime(QDate(2004, 5, 1), QTime(14, 30)));
+    QCOMPARE(made->tooltipText(), "http://a.example/\n\n1. 05 2004\n2:30 " + QLocale().pmText());
+    made->setTimestamp({});
+    QCOMPARE(made->tooltipText(), "http://a.example/\n\n\n");
 }
 
 void WayfoldHistoryURLTest::search()

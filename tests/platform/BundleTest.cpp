@@ -22,7 +22,14 @@ private Q_SLOTS:
     void pathForImageResource();
     void localizedString_data();
     void localizedString();
-    void localizedStringWithoutCatalogue();
+    void localizedStringOfAnotherBundle();
+    void catalogueOfTheHostIsNotAsked();
+    void languagesOfTheUser_data();
+    void languagesOfTheUser();
+
+private:
+    const QByteArray _installed = qgetenv("WAYFOLD_BUNDLE");
+    const QLocale _locale;
 };
 
 namespace
@@ -40,27 +47,12 @@ QString bundleSeenFrom(const QString &program)
     child.waitForFinished();
     return QString::fromUtf8(child.readAllStandardOutput()).trimmed();
 }
-
-class Catalogue : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char *context, const char *text, const char *, int) const override
-    {
-        if (QByteArray(context) != "Wayfold")
-            return QStringLiteral("of another context");
-        if (QByteArray(text) == "New Folder")
-            return QStringLiteral("Neuer Ordner");
-        if (QByteArray(text) == "Caf\xc3\xa9")
-            return QStringLiteral("Kaffeehaus");
-        return QByteArray(text) == "Emptied" ? QStringLiteral("") : QString();
-    }
-};
 } // namespace
 
 void BundleTest::cleanup()
 {
     qunsetenv("WAYFOLD_BUNDLE");
+    QLocale::setDefault(_locale);
 }
 
 void BundleTest::environmentNamesTheBundle()
@@ -143,33 +135,85 @@ void BundleTest::pathForImageResource()
 
 void BundleTest::localizedString_data()
 {
+    QTest::addColumn<QString>("locale");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("text");
-    QTest::newRow("translated") << "New Folder"
-                                << "Neuer Ordner";
-    QTest::newRow("beyond ASCII") << QStringLiteral("Caf\u00e9") << "Kaffeehaus";
-    QTest::newRow("not translated") << "Untitled Note"
-                                    << "Untitled Note";
-    QTest::newRow("translated as nothing") << "Emptied"
-                                           << "Emptied";
-    QTest::newRow("empty") << ""
-                           << "";
+    const auto row = [](const char *name, const char *locale, const char *key, const QString &text) {
+        QTest::newRow(name) << QString::fromLatin1(locale) << QString::fromUtf8(key) << text;
+    };
+    row("translated", "de_DE", "Untitled Note", QStringLiteral("Notiz ohne Titel"));
+    row("another country", "de_AT", "Untitled Note", QStringLiteral("Notiz ohne Titel"));
+    row("beyond ASCII", "de_DE", "About Wayfold", QStringLiteral("\u00dcber Wayfold"));
+    row("not translated", "de_DE", "Not a text of ours", QStringLiteral("Not a text of ours"));
+    row("key beyond ASCII", "de_DE", "\xe6\x97\xa5\xe6\x9c\xac", QStringLiteral("\u65e5\u672c"));
+    row("empty", "de_DE", "", QStringLiteral(""));
+    row("without catalogue", "fr_FR", "Untitled Note", QStringLiteral("Untitled Note"));
+    row("English", "en_GB", "Untitled Note", QStringLiteral("Untitled Note"));
+    row("no language", "C", "Untitled Note", QStringLiteral("Untitled Note"));
 }
 
 void BundleTest::localizedString()
 {
+    QFETCH(QString, locale);
     QFETCH(QString, key);
     QFETCH(QString, text);
-    Catalogue catalogue;
-    QCoreApplication::installTranslator(&catalogue);
+    qputenv("WAYFOLD_BUNDLE", _installed);
+    QLocale::setDefault(QLocale(locale));
     QCOMPARE(Bundle::localizedString(key), text);
-    QCoreApplication::removeTranslator(&catalogue);
 }
 
-void BundleTest::localizedStringWithoutCatalogue()
+void BundleTest::localizedStringOfAnotherBundle()
 {
+    const TemporaryHome other;
+    QFile catalogue(QFile::decodeName(_installed) + "/Contents/Resources/wayfold_de.qm");
+    QVERIFY(catalogue.open(QIODevice::ReadOnly));
+    other.write("Contents/Resources/wayfold_fr.qm", catalogue.readAll());
+
+    qputenv("WAYFOLD_BUNDLE", QFile::encodeName(other.path()));
+    QLocale::setDefault(QLocale("fr_FR"));
+    QCOMPARE(Bundle::localizedString("Untitled Note"), "Notiz ohne Titel");
+    QLocale::setDefault(QLocale("de_DE"));
     QCOMPARE(Bundle::localizedString("Untitled Note"), "Untitled Note");
-    QCOMPARE(Bundle::localizedString(QStringLiteral("\u65e5\u672c")), QStringLiteral("\u65e5\u672c"));
+    qunsetenv("WAYFOLD_BUNDLE");
+    QCOMPARE(Bundle::localizedString("Untitled Note"), "Untitled Note");
+}
+
+void BundleTest::catalogueOfTheHostIsNotAsked()
+{
+    QTranslator ofTheHost;
+    QVERIFY(ofTheHost.load("wayfold_de", QFile::decodeName(_installed) + "/Contents/Resources"));
+    QCoreApplication::installTranslator(&ofTheHost);
+    qputenv("WAYFOLD_BUNDLE", _installed);
+    QCOMPARE(Bundle::localizedString("Untitled Note"), "Untitled Note");
+    QCoreApplication::removeTranslator(&ofTheHost);
+}
+
+void BundleTest::languagesOfTheUser_data()
+{
+    QTest::addColumn<QString>("languages");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("German") << "de"
+                            << "Notiz ohne Titel";
+    QTest::newRow("French, then German") << "fr:de_AT"
+                                         << "Notiz ohne Titel";
+    QTest::newRow("English, then German") << "en:de"
+                                          << "Untitled Note";
+    QTest::newRow("none") << ""
+                          << "Untitled Note";
+}
+
+void BundleTest::languagesOfTheUser()
+{
+    QFETCH(QString, languages);
+    QFETCH(QString, text);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("WAYFOLD_BUNDLE", QString::fromLocal8Bit(_installed));
+    environment.insert("LANGUAGE", languages);
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(), {"--print-text", "Untitled Note"});
+    QVERIFY(child.waitForFinished());
+    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()).trimmed(), text);
 }
 
 int main(int argc, char **argv)
@@ -178,6 +222,10 @@ int main(int argc, char **argv)
     if (argc == 2 && QByteArray(argv[1]) == "--print-bundle") {
         const QString path = Bundle::path();
         puts(path.isNull() ? "(none)" : qPrintable(path));
+        return 0;
+    }
+    if (argc == 3 && QByteArray(argv[1]) == "--print-text") {
+        puts(Bundle::localizedString(QString::fromUtf8(argv[2])).toUtf8().constData());
         return 0;
     }
     BundleTest test;

@@ -5,6 +5,7 @@
 #include "platform/widgets/DrawerGrip.h"
 #include "tests/support/FakeHost.h"
 
+#include <QGuiApplication>
 #include <QScreen>
 #include <QStyle>
 #include <QTest>
@@ -20,6 +21,12 @@ void slideInto(const Drawer &drawer, int least, int most)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 constexpr int slowly = 5000;
+
+// All screens, the tests' own among them: a drawer may reach from one onto the next.
+QRect desktop()
+{
+    return QRect(0, 0, 1000, 900) | QGuiApplication::primaryScreen()->availableVirtualGeometry();
+}
 } // namespace
 
 class DrawerTest : public QObject
@@ -54,11 +61,14 @@ private Q_SLOTS:
     void endsWhereTheScreenEnds_data();
     void endsWhereTheScreenEnds();
     void hidesBeyondTheScreen();
+    void standsOnAnyScreen_data();
+    void standsOnAnyScreen();
     void returnsWhenItIsMovedAway();
     void isAToolWindowOfItsWindow();
     void doesNotStayMinimised();
 
     void widthHasAMinimum();
+    void widthIsLimitedByTheScreen();
     void heightFollowsTheWindow();
     void contentFillsTheInside_data();
     void contentFillsTheInside();
@@ -379,9 +389,12 @@ void DrawerTest::endsWhereTheScreenEnds_data()
     QTest::addColumn<int>("edge");
     QTest::addColumn<int>("left");
     QTest::addColumn<int>("right");
-    QTest::newRow("right") << QRectF(500, 100, 400, 300) << int(Drawer::NSMaxXEdge) << 900 << 1000;
-    QTest::newRow("left") << QRectF(150, 100, 400, 300) << int(Drawer::NSMinXEdge) << 0 << 150;
-    QTest::newRow("below") << QRectF(300, 700, 400, 300) << int(Drawer::NSMaxXEdge) << 700 << 900;
+    const QRect all = desktop();
+    const int end = all.right() + 1;
+    const int start = all.left();
+    QTest::newRow("right") << QRectF(end - 500, 100, 400, 300) << int(Drawer::NSMaxXEdge) << end - 100 << end;
+    QTest::newRow("left") << QRectF(start + 150, 100, 400, 300) << int(Drawer::NSMinXEdge) << start << start + 150;
+    QTest::newRow("below") << QRectF(300, all.bottom() - 200, 400, 300) << int(Drawer::NSMaxXEdge) << 700 << 900;
 }
 
 // A window manager would push it back onto the screen, over its window.
@@ -393,13 +406,13 @@ void DrawerTest::endsWhereTheScreenEnds()
     QFETCH(int, right);
     auto *content = new QWidget;
     _drawer->setContentView(content);
-    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _window->screenFrame = desktop();
     _window->setFrame(window, false);
     _drawer->setPreferredEdge(Drawer::Edge(edge));
     _drawer->open();
     QCOMPARE(_drawer->geometry().left(), left);
     QCOMPARE(_drawer->geometry().right() + 1, right);
-    QVERIFY(_drawer->geometry().bottom() < 900);
+    QVERIFY(_drawer->geometry().bottom() <= desktop().bottom());
     // Only the view of it is cut off.
     QCOMPARE(_drawer->contentSize().width(), 180.0);
     QCOMPARE(QSizeF(content->size()), _drawer->contentSize());
@@ -409,13 +422,38 @@ void DrawerTest::endsWhereTheScreenEnds()
 
 void DrawerTest::hidesBeyondTheScreen()
 {
-    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _window->screenFrame = desktop();
     _drawer->open();
-    _window->setFrame(QRectF(700, 100, 400, 300), false);
+    const int end = desktop().right() + 1;
+    _window->setFrame(QRectF(end - 300, 100, 400, 300), false);
     QVERIFY(!_drawer->isVisible());
     QCOMPARE(_drawer->state(), Drawer::Open);
-    _window->setFrame(QRectF(500, 100, 400, 300), false);
+    _window->setFrame(QRectF(end - 500, 100, 400, 300), false);
     QVERIFY(_drawer->isVisible());
+}
+
+void DrawerTest::standsOnAnyScreen_data()
+{
+    QTest::addColumn<QRectF>("screen");
+    QTest::newRow("to the right") << QRectF(2000, 0, 1000, 900);
+    QTest::newRow("to the left, lower") << QRectF(-1000, 300, 1000, 900);
+    QTest::newRow("above") << QRectF(0, -900, 1000, 900);
+}
+
+void DrawerTest::standsOnAnyScreen()
+{
+    QFETCH(QRectF, screen);
+    _window->screenFrame = screen;
+    for (const Drawer::Edge edge : {Drawer::NSMaxXEdge, Drawer::NSMinXEdge}) {
+        _window->setFrame(QRectF(screen.x() + 300, screen.y() + 100, 400, 300), false);
+        _drawer->setPreferredEdge(edge);
+        _drawer->open();
+        QVERIFY(_drawer->isVisible());
+        QCOMPARE(_drawer->width(), 200);
+        QCOMPARE(_drawer->geometry().left(), int(screen.x()) + (edge == Drawer::NSMaxXEdge ? 700 : 100));
+        QVERIFY(screen.contains(QRectF(_drawer->geometry())));
+        _drawer->close();
+    }
 }
 
 void DrawerTest::returnsWhenItIsMovedAway()
@@ -480,6 +518,30 @@ void DrawerTest::widthHasAMinimum()
     _drawer->setContentSize(QSizeF(320, 50));
     QCOMPARE(_drawer->width(), 340);
     QCOMPARE(_drawer->geometry().left(), 700);
+}
+
+// A width that was chosen on a wide screen waits there while the window is on a narrow one.
+void DrawerTest::widthIsLimitedByTheScreen()
+{
+    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _drawer->setContentSize(QSizeF(1500, 50));
+    QCOMPARE(_drawer->contentSize().width(), 1500.0);
+    qreal widthBeforeItOpens = 0;
+    NotificationCenter::defaultCenter().addObserver(
+        this, [&](const Notification &) { widthBeforeItOpens = _drawer->contentSize().width(); },
+        N::NSDrawerWillOpenNotification, _drawer);
+    _drawer->open();
+    QCOMPARE(widthBeforeItOpens, 730.0);
+    QCOMPARE(_drawer->contentSize().width(), 730.0);
+    QCOMPARE(_drawer->findChild<DrawerGrip *>()->parentWidget()->width(), 750);
+    _drawer->close();
+    QCOMPARE(_drawer->contentSize().width(), 1500.0);
+    _window->screenFrame = QRectF(0, 0, 4000, 900);
+    _drawer->open();
+    QCOMPARE(_drawer->contentSize().width(), 1500.0);
+    // The minimum is kept on the narrowest screen.
+    _window->screenFrame = QRectF(0, 0, 110, 900);
+    QCOMPARE(_drawer->contentSize().width(), 100.0);
 }
 
 void DrawerTest::heightFollowsTheWindow()
@@ -565,7 +627,10 @@ void DrawerTest::gripChangesTheWidth()
     QFETCH(qreal, width);
     _drawer->setPreferredEdge(Drawer::Edge(edge));
     _drawer->open();
-    QCOMPARE(_drawer->findChild<DrawerGrip *>()->cursor().shape(), Qt::SplitHCursor);
+    const auto *grip = _drawer->findChild<DrawerGrip *>();
+    QCOMPARE(grip->cursor().shape(), Qt::SplitHCursor);
+    QVERIFY(!grip->accessibleName().isEmpty());
+    QVERIFY(!grip->toolTip().isEmpty());
     dragGrip(*_drawer, distance);
     QCOMPARE(_drawer->contentSize().width(), width);
     QCOMPARE(_drawer->width(), int(width) + Drawer::frameWidth);
@@ -577,11 +642,18 @@ void DrawerTest::gripChangesTheWidth()
 
 void DrawerTest::gripStopsAtTheMinimumAndThreeQuartersOfTheScreen()
 {
+    _window->screenFrame = QRectF(0, 0, 1000, 900);
     _drawer->open();
     dragGrip(*_drawer, -500);
     QCOMPARE(_drawer->contentSize().width(), 100.0);
     dragGrip(*_drawer, 5000);
-    QCOMPARE(_drawer->width(), _drawer->screen()->geometry().width() * 3 / 4);
+    QCOMPARE(_drawer->contentSize().width(), 730.0); // with its frame, 750
+    // From there it goes back without a gap, also when more had been set.
+    dragGrip(*_drawer, -10);
+    QCOMPARE(_drawer->contentSize().width(), 720.0);
+    _drawer->setContentSize(QSizeF(3000, 50));
+    dragGrip(*_drawer, -10);
+    QCOMPARE(_drawer->contentSize().width(), 720.0);
 }
 
 // --- Life -----------------------------------------------------------------------------------------------------------
@@ -713,6 +785,7 @@ void DrawerTest::looksLikeThePalette()
     QCOMPARE(shot.pixelColor(shot.width() / 2, middle), window);
     // A line on the free sides that stands out, and none where the window is.
     const auto distance = [&](int x, int y) { return qAbs(shot.pixelColor(x, y).lightness() - window.lightness()); };
+    QVERIFY(distance(shot.width() / 2, int(shot.devicePixelRatio() + 0.5)) < 30); // and a thin one
     QVERIFY(distance(shot.width() - 1, middle) > 30);
     QVERIFY(distance(shot.width() / 2, 0) > 30);
     QVERIFY(distance(shot.width() / 2, shot.height() - 1) > 30);

@@ -12,7 +12,6 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
-#include <QTranslator>
 
 namespace
 {
@@ -61,18 +60,6 @@ class FancyList : public QLabel
 public:
     using QLabel::QLabel;
 };
-
-// Knows the word "Title" only, and only among the program's own texts.
-class Translator : public QTranslator
-{
-public:
-    QString translate(const char *context, const char *text, const char * /*disambiguation*/, int /*n*/) const override
-    {
-        const bool knows = qstrcmp(context, "Wayfold") == 0 && qstrcmp(text, "Title") == 0;
-        return knows ? QStringLiteral("Titel") : QString();
-    }
-    bool isEmpty() const override { return false; }
-};
 } // namespace
 
 class InterfaceFileTest : public QObject
@@ -102,6 +89,7 @@ private:
 
 void InterfaceFileTest::initTestCase()
 {
+    _oldBundle = qgetenv("WAYFOLD_BUNDLE");
     qputenv("WAYFOLD_BUNDLE", _home.path("Test.plugin").toUtf8());
     InterfaceFile::registerClass("FancyList", [](QWidget *parent) { return new FancyList(parent); });
     _home.write("Test.plugin/Contents/Resources/TestForm.ui", form);
@@ -168,17 +156,20 @@ void InterfaceFileTest::connectsActions()
 
 void InterfaceFileTest::translatesItsTexts()
 {
-    Translator translator;
-    QCoreApplication::installTranslator(&translator);
+    QFile catalogue(QFile::decodeName(_oldBundle) + "/Contents/Resources/wayfold_de.qm");
+    QVERIFY(catalogue.open(QIODevice::ReadOnly));
+    _home.write("Test.plugin/Contents/Resources/wayfold_de.qm", catalogue.readAll());
+    const QLocale before;
+    QLocale::setDefault(QLocale("de_DE"));
     InterfaceFile file("TestForm");
-    QCoreApplication::removeTranslator(&translator);
+    QLocale::setDefault(before);
     QCOMPARE(file.outlet<QLabel>("label")->text(), QString("Titel"));
     QCOMPARE(file.outlet<QLineEdit>("titleField")->placeholderText(), QString("Titel"));
     QCOMPARE(file.outlet<QComboBox>("pop")->itemText(0), QString("Titel"));
     QCOMPARE(file.outlet<QTabWidget>("tabs")->tabText(0), QString("Titel"));
     QCOMPARE(file.outlet<QAction>("menuAction")->text(), QString("Titel"));
-    // What there is no translation for, and what the user edits.
-    QCOMPARE(file.outlet<QLineEdit>("titleField")->toolTip(), QString("Edit Note"));
+    QCOMPARE(file.topLevelWidget()->windowTitle(), QString("Notiz bearbeiten"));
+    // What the user edits.
     QCOMPARE(file.outlet<QLineEdit>("titleField")->text(), QString("Title"));
 }
 

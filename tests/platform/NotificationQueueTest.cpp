@@ -62,7 +62,9 @@ private Q_SLOTS:
     void coalesces_data();
     void coalesces();
     void otherObjectsArePostsOfTheirOwn();
-    void otherStylesArePostsOfTheirOwn();
+    void soonerStyleCounts_data();
+    void soonerStyleCounts();
+    void broughtForwardWhileDelivering();
     void keepsTheOrder();
     void enqueuedWhileDelivered_data();
     void enqueuedWhileDelivered();
@@ -121,8 +123,9 @@ void NotificationQueueTest::runPasses(int count)
 void NotificationQueueTest::nothingIsDeliveredAtOnce()
 {
     observe("A");
+    observe("B");
     enqueue("A", asap);
-    enqueue("A", idle);
+    enqueue("B", idle);
     QVERIFY(_told.isEmpty());
     QTRY_COMPARE(_told.size(), 2);
 }
@@ -265,14 +268,44 @@ void NotificationQueueTest::otherObjectsArePostsOfTheirOwn()
     QTRY_COMPARE(_told, QStringList({"A", "A", "Last"}));
 }
 
-void NotificationQueueTest::otherStylesArePostsOfTheirOwn()
+void NotificationQueueTest::soonerStyleCounts_data()
 {
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("second");
+    QTest::newRow("brought forward") << int(idle) << int(asap);
+    QTest::newRow("not put off") << int(asap) << int(idle);
+}
+
+void NotificationQueueTest::soonerStyleCounts()
+{
+    QFETCH(int, first);
+    QFETCH(int, second);
     observe("A");
+    observe("Other");
     observe("Last");
-    enqueue("A", idle, this);
-    enqueue("A", asap, this);
+    enqueue("Other", idle);
+    enqueue("A", static_cast<NotificationQueue::PostingStyle>(first), this);
+    enqueue("A", static_cast<NotificationQueue::PostingStyle>(second), this);
     enqueue("Last", idle);
-    QTRY_COMPARE(_told, QStringList({"A", "A", "Last"}));
+    QCoreApplication::sendPostedEvents(); // the end of a pass, and no idle moment
+    QCOMPARE(_told, QStringList("A"));
+    QTRY_COMPARE(_told, QStringList({"A", "Other", "Last"}));
+}
+
+void NotificationQueueTest::broughtForwardWhileDelivering()
+{
+    // What an observer enqueues is not delivered with the rest, even if it was pending before.
+    observe("First", [] { enqueue("A", asap); });
+    observe("Second");
+    observe("A");
+    enqueue("A", idle);
+    enqueue("First", asap);
+    enqueue("Second", asap);
+    QTRY_COMPARE(_told, QStringList({"First", "Second", "A"}));
+    _told.clear();
+    observe("Last");
+    enqueue("Last", idle);
+    QTRY_COMPARE(_told, QStringList("Last")); // and it is not delivered again
 }
 
 void NotificationQueueTest::keepsTheOrder()

@@ -238,6 +238,8 @@ private Q_SLOTS:
     void realsAreReadWithoutTheLocale();
     void encodings_data();
     void encodings();
+    void wholeOrNot_data();
+    void wholeOrNot();
     void entitiesDoNotUnfold_data();
     void entitiesDoNotUnfold();
     void longTextOfEntitiesIsReadInTime();
@@ -359,9 +361,15 @@ void PropertyListTest::textThatXmlCannotHold_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("read");
-    QTest::newRow("NUL") << QString(QChar(0)) << QStringLiteral("\ufffd");
-    QTest::newRow("control characters") << QStringLiteral("a\u0001\u0008\u000b\u001fb")
-                                        << QStringLiteral("a\ufffd\ufffd\ufffd\ufffdb");
+    // Of these a reader sees the new line at most.
+    QTest::newRow("vertical tab") << QStringLiteral("a\u000bb") << QStringLiteral("a\nb");
+    QTest::newRow("form feed") << QStringLiteral("a\u000cb") << QStringLiteral("a\nb");
+    QTest::newRow("NUL") << QStringLiteral("a") + QChar(0) << QStringLiteral("a");
+    QTest::newRow("nothing else") << QStringLiteral("\u0018\u0001") << QStringLiteral("\ufffd");
+    QTest::newRow("empty") << QStringLiteral("") << QStringLiteral("");
+    QTest::newRow("control characters") << QStringLiteral("a \u0001\u0008\u001b[1m\u001fb\t\n\r")
+                                        << QStringLiteral("a [1mb\t\n\r");
+    QTest::newRow("among markup") << QStringLiteral("<\u0007\u00e9&\u000b>") << QStringLiteral("<\u00e9&\n>");
     QTest::newRow("not a character") << QStringLiteral("\ufffe\uffff") << QStringLiteral("\ufffd\ufffd");
     QTest::newRow("lone high surrogate") << QString(QChar(0xd800)) + 'a' << QStringLiteral("\ufffda");
     QTest::newRow("high surrogate at the end") << 'a' + QString(QChar(0xdbff)) << QStringLiteral("a\ufffd");
@@ -382,7 +390,7 @@ void PropertyListTest::textThatXmlCannotHold()
 void PropertyListTest::keysThatXmlCannotHold()
 {
     const QVariantMap read = PropertyList::fromData(PropertyList::toXml(QVariantMap{{"a\1", "b"}})).toMap();
-    QCOMPARE(read, QVariantMap({{QStringLiteral("a\ufffd"), "b"}}));
+    QCOMPARE(read, QVariantMap({{"a", "b"}}));
 }
 
 void PropertyListTest::cannotBeWritten_data()
@@ -446,7 +454,7 @@ void PropertyListTest::otherReadersAgree()
                            "assert d['count'] == -3 and d['width'] == 250.25 and d['flag'] is True, d\n"
                            "assert d['data'] == b'\\x00\\x01\\x02', d\n"
                            "assert d['date'] == datetime.datetime(2004, 2, 29, 12, 34, 56), d\n"
-                           "assert d['odd'] == 'a\\rb\\t\\ufffd]]>', d\n"
+                           "assert d['odd'] == 'a\\rb\\t]]>', d\n"
                            "d.pop('odd')\n"
                            "plistlib.dump(d, open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)\n"
                            "plistlib.dump(d, open(sys.argv[3], 'wb'))\n");
@@ -568,9 +576,18 @@ void PropertyListTest::encodings_data()
                                            "<plist><string>caf\xe9</string></plist>")
                              << QVariant(cafe);
     QTest::newRow("Latin 1 that is not declared")
-        << QByteArray("<plist><string>caf\xe9</string></plist>") << QVariant();
-    QTest::newRow("UTF-8 cut short") << QByteArray("<plist><string>caf\xc3</string></plist>") << QVariant();
-    QTest::newRow("surrogates in UTF-8") << QByteArray("<plist><string>\xed\xa0\x80</string></plist>") << QVariant();
+        << QByteArray("<plist><string>caf\xe9</string></plist>") << QVariant(QStringLiteral("caf\ufffd"));
+    QTest::newRow("Latin 1 that is declared as UTF-8")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?><plist><string>caf\xe9</string></plist>")
+        << QVariant(QStringLiteral("caf\ufffd"));
+    QTest::newRow("UTF-8 cut short") << QByteArray("<plist><string>caf\xc3</string></plist>")
+                                     << QVariant(QStringLiteral("caf\ufffd"));
+    QTest::newRow("damaged after a byte order mark")
+        << QByteArray("\xef\xbb\xbf<plist><string>\xe9</string></plist>") << QVariant(QStringLiteral("\ufffd"));
+    QTest::newRow("damaged far behind") << "<plist><string>" + QByteArray(100000, 'a') + "\xe9</string></plist>"
+                                        << QVariant(QString(100000, u'a') + QChar(QChar::ReplacementCharacter));
+    QTest::newRow("damaged inside of a tag") << QByteArray("<plist><str\xe9ing>a</string></plist>") << QVariant();
+    QTest::newRow("damaged and cut short") << QByteArray("<plist><string>caf\xe9</string>") << QVariant();
     QTest::newRow("unknown encoding") << "<?xml version=\"1.0\" encoding=\"x-foo\"?>" + body << QVariant();
     QTest::newRow("UTF-16, big end first") << utf16(QStringConverter::Utf16BE, true) << QVariant();
     QTest::newRow("UTF-16, little end first") << utf16(QStringConverter::Utf16LE, true) << QVariant();
@@ -583,8 +600,75 @@ void PropertyListTest::encodings()
     QFETCH(QByteArray, data);
     QFETCH(QVariant, value);
     const LoggedMessages messages;
-    compare(PropertyList::fromData(data), value);
-    QCOMPARE(messages.texts().size(), value.isValid() ? 0 : 1);
+    bool isWhole = false;
+    compare(PropertyList::fromData(data, &isWhole), value);
+    const bool isDamaged = value.toString().contains(QChar(QChar::ReplacementCharacter));
+    QCOMPARE(isWhole, value.isValid() && !isDamaged);
+    QCOMPARE(messages.texts().size(), isWhole ? 0 : 1);
+}
+
+void PropertyListTest::wholeOrNot_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<bool>("isWhole");
+    const auto dictionary = [](const QList<QByteArray> &keys) {
+        BinaryList list;
+        QList<quint32> numbers;
+        for (const QByteArray &key : keys)
+            numbers.append(list.addText(key));
+        return list.finished(list.addDictionary(numbers, numbers));
+    };
+    const auto text = [](const QByteArray &object) {
+        BinaryList list;
+        const quint32 number = list.add(object);
+        return list.finished(list.addArray({list.addArray({number}), number}));
+    };
+    const auto utf16 = [](const QByteArray &bytes) { return BinaryList::sized(0x6, bytes.size() / 2) + bytes; };
+    QTest::newRow("a file") << PropertyList::toXml(sampleFile()) << true;
+    QTest::newRow("equal keys side by side")
+        << xml("<array><dict><key>a</key><true/></dict><dict><key>a</key><true/></dict></array>") << true;
+    QTest::newRow("a key twice") << xml("<dict><key>a</key><true/><key>a</key><true/></dict>") << false;
+    QTest::newRow("a key twice, deep down")
+        << xml("<array><dict><key>a</key><dict><key/><true/><key></key><true/></dict></dict></array>") << false;
+    QTest::newRow("U+FFFD that stands in the file") << xml("<string>\xef\xbf\xbd</string>") << true;
+    QTest::newRow("refused") << xml("<string>") << false;
+    QTest::newRow("binary") << dictionary({"a", "b"}) << true;
+    QTest::newRow("binary, a key twice") << dictionary({"a", "b", "a"}) << false;
+    QTest::newRow("binary, text") << text(BinaryList::sized(0x5, 3) + "a\nb") << true;
+    QTest::newRow("binary, text with a NUL") << text(BinaryList::sized(0x5, 3) + QByteArray("a\0b", 3)) << false;
+    QTest::newRow("binary, text that is not in ASCII") << text(BinaryList::sized(0x5, 1) + "\xe9") << false;
+    QTest::newRow("binary, text with a control character") << text(BinaryList::sized(0x5, 2) + "a\x0b") << false;
+    QTest::newRow("binary, key with a control character") << dictionary({"a\x01"}) << false;
+    QTest::newRow("binary, UTF-16") << text(utf16(QByteArray("\x65\xe5\xd8\x3d\xde\x00", 6))) << true;
+    QTest::newRow("binary, UTF-16 with a NUL") << text(utf16(QByteArray("\x65\xe5\0\0", 4))) << false;
+    QTest::newRow("binary, half a character at the end") << text(utf16("\x65\xe5\xd8\x3d")) << false;
+    QTest::newRow("binary, half a character within") << text(utf16("\xde\x3d\x65\xe5")) << false;
+    QTest::newRow("binary, no character") << text(utf16("\xff\xfe")) << false;
+    QTest::newRow("binary, refused") << QByteArray("bplist00") << false;
+}
+
+void PropertyListTest::wholeOrNot()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(bool, isWhole);
+    const LoggedMessages messages;
+    bool answer = !isWhole;
+    const QVariant value = PropertyList::fromData(data, &answer);
+    QCOMPARE(answer, isWhole);
+    QCOMPARE(messages.texts().size(), isWhole ? 0 : 1);
+    if (isWhole) // and it can be written again just so
+        compare(PropertyList::fromData(PropertyList::toXml(value)), value);
+
+    const TemporaryHome home;
+    home.write("file", data);
+    answer = !isWhole;
+    PropertyList::readFile(home.path("file"), &answer);
+    QCOMPARE(answer, isWhole);
+    answer = !isWhole;
+    PropertyList::readDictionaryFile(home.path("file"), nullptr, &answer);
+    QCOMPARE(answer, isWhole && value.metaType() == QMetaType::fromType<QVariantMap>());
+    PropertyList::readDictionaryFile(home.path("nothing"), nullptr, &answer);
+    QVERIFY(!answer);
 }
 
 void PropertyListTest::entitiesDoNotUnfold_data()

@@ -89,6 +89,10 @@ void StringRulesTest::containsIgnoringCase()
     QFETCH(QString, part);
     QFETCH(bool, answer);
     QCOMPARE(StringRules::containsIgnoringCase(text, part), answer);
+    QByteArray form;
+    StringRules::appendSearchForm(text.toUtf8(), form);
+    QCOMPARE(form, StringRules::searchForm(text));
+    QCOMPARE(StringRules::searchFormContains(form, StringRules::searchForm(part)), answer);
 }
 
 void StringRulesTest::compareIgnoringCase_data()
@@ -119,6 +123,7 @@ void StringRulesTest::compareIgnoringCase()
     const auto sign = [](int value) { return (value > 0) - (value < 0); };
     QCOMPARE(sign(StringRules::compareIgnoringCase(a, b)), answer);
     QCOMPARE(sign(StringRules::compareIgnoringCase(b, a)), -answer);
+    QCOMPARE(sign(QString::compare(StringRules::comparisonForm(a), StringRules::comparisonForm(b))), answer);
 }
 
 void StringRulesTest::replacingPercentEscapes_data()
@@ -259,6 +264,7 @@ void StringRulesTest::doubleValue()
     QFETCH(QString, text);
     QFETCH(double, answer);
     QCOMPARE(StringRules::doubleValue(text), answer);
+    QCOMPARE(StringRules::doubleValue(QByteArrayView(text.toUtf8())), answer);
 }
 
 QTEST_GUILESS_MAIN(StringRulesTest)

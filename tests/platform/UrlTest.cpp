@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QTest>
+#include <random>
+#include <uriparser/Uri.h>
 
 class UrlTest : public QObject
 {
@@ -22,6 +24,9 @@ private Q_SLOTS:
     void fileURLs_data();
     void fileURLs();
     void fileURLOfARelativePath();
+    void plainAddressesAreTheParsersAddresses();
+    void plainAddresses_data();
+    void plainAddresses();
 };
 
 // A null QString in a table means that the answer is none.
@@ -269,6 +274,56 @@ void UrlTest::fileURLs()
 void UrlTest::fileURLOfARelativePath()
 {
     QCOMPARE(Url::fileURLWithPath("a b.txt").path(), QDir::currentPath() + "/a b.txt");
+}
+
+// What is called plain is not shown to the parser, so it must be nothing that the parser would take otherwise.
+void UrlTest::plainAddressesAreTheParsersAddresses()
+{
+    const QByteArrayList pieces = {"http", "HTTPS", "a+b",  "1x", ":",  "//", "/", "?",  "#",    "@",    "%41",    "%4",
+                                   "[",    "]",     "host", ".",  "-",  "_",  "~", "80", "=&;",  "(x)*", "!",      "'",
+                                   "|",    "\\",    "^",    "`",  "\"", "<",  ">", " ",  "\x7f", "\xe4", "1.2.3.4"};
+    std::mt19937 random(20260101);
+    int plain = 0;
+    for (int run = 0; run < 200'000; ++run) {
+        QByteArray text = run % 2 ? QByteArray("http://host") : QByteArray();
+        for (unsigned length = random() % 8; length > 0; --length)
+            text += pieces[int(random() % unsigned(pieces.size()))];
+        Url::Host host;
+        if (!Url::isPlainAddress(text, &host))
+            continue;
+        ++plain;
+        UriUriA parsed;
+        const char *error = nullptr;
+        QVERIFY2(uriParseSingleUriExA(&parsed, text.constData(), text.constData() + text.size(), &error) == URI_SUCCESS,
+                 text.constData());
+        QCOMPARE(host.start, parsed.hostText.first - text.constData());
+        QCOMPARE(host.length, parsed.hostText.afterLast - parsed.hostText.first);
+        QCOMPARE(Url::URLWithString(QString::fromLatin1(text)).scheme().toLatin1(),
+                 QByteArray(parsed.scheme.first, parsed.scheme.afterLast - parsed.scheme.first));
+        uriFreeUriMembersA(&parsed);
+    }
+    QVERIFY(plain > 1000);
+}
+
+void UrlTest::plainAddresses_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("plain");
+    QTest::newRow("page") << QByteArray("https://news.example.com/a%20b/?c=d#e") << true;
+    QTest::newRow("port") << QByteArray("http://localhost:8080") << true;
+    QTest::newRow("user") << QByteArray("http://ann@example.com/") << false;
+    QTest::newRow("no host") << QByteArray("file:///home/ann") << false;
+    QTest::newRow("mail") << QByteArray("mailto:ann@example.com") << false;
+    QTest::newRow("broken escape") << QByteArray("http://example.com/%4") << false;
+    QTest::newRow("two fragments") << QByteArray("http://example.com/#a#b") << false;
+    QTest::newRow("empty") << QByteArray() << false;
+}
+
+void UrlTest::plainAddresses()
+{
+    QFETCH(QByteArray, text);
+    Url::Host host;
+    QTEST(Url::isPlainAddress(text, &host), "plain");
 }
 
 QTEST_GUILESS_MAIN(UrlTest)

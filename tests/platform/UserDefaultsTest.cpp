@@ -28,6 +28,7 @@ private Q_SLOTS:
     void valuesKeepTheirTypes();
     void unreadableFileIsKeptAside_data();
     void unreadableFileIsKeptAside();
+    void fileThatIsNotReadWholeIsKeptAside();
     void unreadableFileIsLeftAloneUntilWritten();
     void unreadableFileThatCannotBeKeptIsNotWrittenOver();
     void unreadableFileIsKeptBeforeItIsRemoved();
@@ -172,6 +173,19 @@ void UserDefaultsTest::unreadableFileIsKeptAside()
     _defaults->setPersistentDomainForName({{"a", 2}}, _name);
     QVERIFY(_defaults->synchronize());
     QCOMPARE(keptCopies().size(), 1);
+}
+
+void UserDefaultsTest::fileThatIsNotReadWholeIsKeptAside()
+{
+    const QByteArray contents =
+        "<plist><dict><key>a</key><true/><key>a</key><false/><key>b</key><true/></dict></plist>";
+    const LoggedMessages messages;
+    _home->write(file(), contents);
+    QCOMPARE(_defaults->persistentDomainForName(_name).value("b"), true);
+    _defaults->setPersistentDomainForName({{"a", 1}}, _name);
+    QVERIFY(_defaults->synchronize());
+    QCOMPARE(keptCopies().size(), 1);
+    QCOMPARE(_home->read("Library/Preferences/" + keptCopies().constFirst()), contents);
 }
 
 void UserDefaultsTest::unreadableFileIsLeftAloneUntilWritten()

@@ -36,12 +36,20 @@ QRect Desk::geometryOf(WId window)
 {
     const auto info = Tool::run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), QString::number(window)});
     static const QRegularExpression numbers(
-        QStringLiteral("left X:\\s+(-?\\d+).*left Y:\\s+(-?\\d+).*Width: (\\d+).*Height: (\\d+)"),
+        QStringLiteral(
+            "Absolute upper-left X:\\s+(-?\\d+).*Absolute upper-left Y:\\s+(-?\\d+).*Width: (\\d+).*Height: (\\d+)"),
         QRegularExpression::DotMatchesEverythingOption);
     const auto match = numbers.match(QString::fromUtf8(info.value_or(QByteArray())));
     if (!match.hasMatch())
         return {};
     return {match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(), match.captured(4).toInt()};
+}
+
+bool Desk::isLeftOutOfTaskBar(WId window)
+{
+    const auto states = Tool::run(QStringLiteral("xprop"),
+                                  {QStringLiteral("-id"), QString::number(window), QStringLiteral("_NET_WM_STATE")});
+    return states && states->contains("_NET_WM_STATE_SKIP_TASKBAR");
 }
 
 bool Desk::minimise(WId window)

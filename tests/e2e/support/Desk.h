@@ -14,6 +14,8 @@ namespace Desk
 QList<WId> visibleWindows();
 // Without decorations, in global coordinates; empty when there is no such window.
 QRect geometryOf(WId window);
+// Whether the desktop's list of windows leaves it out.
+bool isLeftOutOfTaskBar(WId window);
 
 bool minimise(WId window);
 // Shows a minimised window again, changes to its workspace and gives it the keyboard.

@@ -4,7 +4,9 @@
 #include "tests/e2e/support/Eyes.h"
 #include "tests/e2e/support/Tool.h"
 
+#include <QApplication>
 #include <QDeadlineTimer>
+#include <QTreeView>
 
 namespace
 {
@@ -17,6 +19,27 @@ QStringList move(const QPoint &position)
 {
     return {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())};
 }
+
+// Without a pause anywhere: on a busy machine any pause can grow until the second click is one of its own.
+QStringList clicks(int count, int button)
+{
+    QStringList arguments;
+    for (int click = 0; click < count; ++click) {
+        for (const QString &command : {QStringLiteral("mousedown"), QStringLiteral("mouseup")})
+            arguments += {command, QString::number(button)};
+    }
+    return arguments;
+}
+
+// Whether the pointer would meet the widget there. The application asks the display which window lies on top, so this
+// is false for a window that is not mapped yet or is covered by another.
+bool meets(const QWidget *widget, const QPoint &position)
+{
+    const QWidget *top = widget->window();
+    const QWidget *met = QApplication::widgetAt(position);
+    return widget->isVisible() && widget->isEnabled() && (top->isActiveWindow() || !top->isModal()) &&
+           (met == widget || widget->isAncestorOf(met));
+}
 } // namespace
 
 bool Hands::moveTo(const QPoint &position)
@@ -26,33 +49,58 @@ bool Hands::moveTo(const QPoint &position)
 
 bool Hands::clickAt(const QPoint &position, int button)
 {
-    return xdotool(move(position) + QStringList{QStringLiteral("click"), QString::number(button)});
+    return xdotool(move(position) + clicks(1, button));
 }
 
-bool Hands::clickOn(QWidget *widget)
+bool Hands::pointAt(QWidget *widget, const Place &place)
 {
     if (!widget)
         return false;
     const WId window = Stage::onMain([&] { return widget->window()->winId(); });
-    const QDeadlineTimer deadline(30000);
-    while (!deadline.hasExpired()) {
-        const QRect place = Desk::geometryOf(window);
-        const bool isReady = Stage::onMain([&] {
-            const QWidget *top = widget->window();
-            return widget->isVisible() && widget->isEnabled() && top->geometry() == place &&
-                   (top->isActiveWindow() || !top->isModal());
+    const QDeadlineTimer deadline(Stage::patience);
+    do {
+        // A tool tip that lies over the widget goes away when the pointer comes.
+        const std::optional<QPoint> position = Stage::onMain(place);
+        if (!position || !moveTo(*position))
+            continue;
+        const QRect geometry = Desk::geometryOf(window);
+        const bool isThere = Stage::onMain([&] {
+            return widget->window()->geometry() == geometry && meets(widget, *position) && place() == position;
         });
-        if (isReady)
-            return clickAt(Eyes::middleOf(widget));
-    }
+        if (isThere)
+            return true;
+    } while (!deadline.hasExpired());
     return false;
 }
 
-bool Hands::doubleClickAt(const QPoint &position)
+bool Hands::click(int button)
 {
-    return xdotool(move(position) + QStringList{QStringLiteral("click"), QStringLiteral("--repeat"),
-                                                QStringLiteral("2"), QStringLiteral("--delay"), QStringLiteral("60"),
-                                                QStringLiteral("1")});
+    return xdotool(clicks(1, button));
+}
+
+bool Hands::doubleClick()
+{
+    return xdotool(clicks(2, 1));
+}
+
+bool Hands::clickOn(QWidget *widget)
+{
+    return pointAt(widget, [widget] { return std::optional(Eyes::middleOf(widget)); }) && click();
+}
+
+bool Hands::clickInto(QWidget *field)
+{
+    return clickOn(field) && Stage::eventually([field] { return field->hasFocus(); });
+}
+
+bool Hands::clickOnRow(QTreeView *list, const QString &text)
+{
+    return list && pointAt(list->viewport(), [&] { return Eyes::rowWithText(list, text); }) && click();
+}
+
+bool Hands::doubleClickOnRow(QTreeView *list, const QString &text)
+{
+    return list && pointAt(list->viewport(), [&] { return Eyes::rowWithText(list, text); }) && doubleClick();
 }
 
 bool Hands::drag(const QPoint &from, const QPoint &to)

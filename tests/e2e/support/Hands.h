@@ -2,7 +2,10 @@
 
 #include <QPoint>
 #include <QString>
+#include <functional>
+#include <optional>
 
+class QTreeView;
 class QWidget;
 
 // The user's hands: the real pointer and the real keyboard of the display, moved with xdotool. Positions are global
@@ -13,10 +16,22 @@ namespace Hands
 bool moveTo(const QPoint &position);
 // Buttons are counted from the left: 1, 2, 3.
 bool clickAt(const QPoint &position, int button = 1);
-// The middle of a widget, once its window stands where the window manager has put it and, for a dialog, has the
-// keyboard, and the widget is enabled. False when there is no such widget or it never comes so far.
+// Moves the pointer to a place within a widget and waits until it is there to be clicked: enabled, not covered by
+// another window, in a window that stands where the window manager has put it and, for a dialog, has the keyboard; and
+// until the place, which is asked for on the main thread, stays where it is. False when there is no such widget or it
+// never comes so far.
+using Place = std::function<std::optional<QPoint>()>;
+bool pointAt(QWidget *widget, const Place &place);
+// Where the pointer is.
+bool click(int button = 1);
+bool doubleClick();
+// The middle of a widget, once it is there to be clicked.
 bool clickOn(QWidget *widget);
-bool doubleClickAt(const QPoint &position);
+// The same, and waits until it has the keyboard: a window manager may hold a click back while keys go on.
+bool clickInto(QWidget *field);
+// The same for the first row of a list with that text.
+bool clickOnRow(QTreeView *list, const QString &text);
+bool doubleClickOnRow(QTreeView *list, const QString &text);
 // Presses the left button, moves the pointer in small steps and lets go.
 bool drag(const QPoint &from, const QPoint &to);
 // A key with its modifiers: "ctrl+q", "Return", "space".

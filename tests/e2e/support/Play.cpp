@@ -144,11 +144,10 @@ bool Play::chooseTab(int index)
     const BrowserWindow *front = window();
     if (!front)
         return false;
-    const QPoint place = Stage::onMain([&] {
-        const auto *bar = front->findChild<QTabBar *>();
-        return bar->mapToGlobal(bar->tabRect(index).center());
-    });
-    return Hands::clickAt(place) && Stage::eventually([&] { return front->currentTab() == index; });
+    auto *bar = Stage::onMain([&] { return front->findChild<QTabBar *>(); });
+    const auto tab = [&] { return std::optional(bar->mapToGlobal(bar->tabRect(index).center())); };
+    return Hands::pointAt(bar, tab) && Hands::click() &&
+           Stage::eventually([&] { return front->currentTab() == index; });
 }
 
 bool Play::visit(const QString &address)
@@ -193,7 +192,7 @@ bool Play::clickLinkAt(const QPoint &position, int button)
                                 [isPointedAt](const QString &url) { *isPointedAt = !url.isEmpty(); });
     });
     const QPoint place = Stage::onMain([&] { return front->currentWebView()->mapToGlobal(position); });
-    const QDeadlineTimer deadline(30000);
+    const QDeadlineTimer deadline(Stage::patience);
     bool isReady = false;
     for (int turn = 0; !isReady && !deadline.hasExpired(); ++turn) {
         if (!Hands::moveTo(place + QPoint(turn % 2, 0)))
@@ -209,19 +208,20 @@ bool Play::choose(const QStringList &titles)
     const BrowserWindow *front = window();
     if (!front)
         return false;
-    std::optional<QPoint> place;
-    const auto isInMenuBar = [&] { return (place = entryOf(front->menuBar(), titles.first())).has_value(); };
-    if (!Stage::eventually(isInMenuBar))
+    QMenuBar *bar = Stage::onMain([&] { return front->menuBar(); });
+    if (!Hands::pointAt(bar, [&] { return entryOf(bar, titles.first()); }) || !Hands::click())
         return false;
     for (const QString &title : titles.mid(1)) {
+        QMenu *menu = nullptr;
         const auto isInMenu = [&] {
-            place = entryOf(qobject_cast<QMenu *>(QApplication::activePopupWidget()), title);
-            return place.has_value();
+            menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            return entryOf(menu, title).has_value();
         };
-        if (!Hands::clickAt(*place) || !Stage::eventually(isInMenu))
+        if (!Stage::eventually(isInMenu) || !Hands::pointAt(menu, [&] { return entryOf(menu, title); }) ||
+            !Hands::click())
             return false;
     }
-    return Hands::clickAt(*place) && Stage::eventually([] { return !QApplication::activePopupWidget(); });
+    return Stage::eventually([] { return !QApplication::activePopupWidget(); });
 }
 
 bool Play::openDrawer()
@@ -238,31 +238,44 @@ bool Play::closeDrawer()
            Stage::eventually([&] { return isDrawerClosed(front); });
 }
 
+bool Play::showDrawerTab(const QString &title)
+{
+    auto *bar = Eyes::firstOf<QTabBar>(drawer(window()));
+    const auto index = [&] {
+        int tab = 0;
+        while (tab < bar->count() && bar->tabText(tab) != title)
+            ++tab;
+        return tab;
+    };
+    const auto header = [&] { return std::optional(bar->mapToGlobal(bar->tabRect(index()).center())); };
+    return bar && Hands::pointAt(bar, header) && Hands::click() &&
+           Stage::eventually([&] { return bar->currentIndex() == index(); });
+}
+
 bool Play::chooseSite(const QString &title)
 {
     QComboBox *popup = sitePopup(window());
-    std::optional<QPoint> place;
-    const auto isInList = [&] {
-        const QAbstractItemView *list = popup->view();
-        const QModelIndex entry = popup->model()->index(popup->findText(title), 0);
-        if (!list->isVisible() || !entry.isValid())
-            return false;
-        place = list->viewport()->mapToGlobal(list->visualRect(entry).center());
-        return true;
+    if (!Hands::clickOn(popup))
+        return false;
+    QAbstractItemView *list = Stage::onMain([&] { return popup->view(); });
+    const auto entry = [&]() -> std::optional<QPoint> {
+        const QModelIndex index = popup->model()->index(popup->findText(title), 0);
+        if (!list->isVisible() || !index.isValid())
+            return std::nullopt;
+        return list->viewport()->mapToGlobal(list->visualRect(index).center());
     };
-    return popup && Hands::clickOn(popup) && Stage::eventually(isInList) && Hands::clickAt(*place) &&
-           Stage::eventually([&] { return !popup->view()->isVisible(); });
+    return Stage::eventually([&] { return entry().has_value(); }) && Hands::pointAt(list->viewport(), entry) &&
+           Hands::click() && Stage::eventually([&] { return !list->isVisible(); });
 }
 
 bool Play::chooseRow(const QString &text)
 {
     QTreeView *list = scratchList(window());
-    const auto place = Eyes::rowWithText(list, text);
     const auto isChosen = [&] {
         const QModelIndexList selected = list->selectionModel()->selectedIndexes();
         return list->hasFocus() && selected.size() == 1 && selected.first().data().toString() == text;
     };
-    return place && Hands::clickAt(*place) && Stage::eventually(isChosen);
+    return Hands::clickOnRow(list, text) && Stage::eventually(isChosen);
 }
 
 bool Play::isShown(const BrowserWindow *window, const QString &address)

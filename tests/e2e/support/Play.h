@@ -91,6 +91,8 @@ public:
     // Ctrl+0, the drawer's command, for the window in front.
     bool openDrawer();
     bool closeDrawer();
+    // Clicks the header of a tab of that drawer.
+    bool showDrawerTab(const QString &title);
     // Picks an entry of the Scratchpad's pop-up of the window in front.
     bool chooseSite(const QString &title);
     // Clicks a row of its list, which has the keyboard then.

@@ -6,10 +6,7 @@
 #include <QDeadlineTimer>
 #include <QSemaphore>
 #include <QThread>
-#include <chrono>
 #include <memory>
-
-using namespace std::chrono_literals;
 
 namespace
 {
@@ -40,7 +37,7 @@ int Stage::perform(const std::function<int()> &play)
 
 bool Stage::eventually(const std::function<bool()> &condition)
 {
-    const QDeadlineTimer deadline(30s);
+    const QDeadlineTimer deadline(patience);
     while (!onMain(condition)) {
         if (deadline.hasExpired()) {
             takePicture();

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QThread>
 #include <QtTest>
+#include <chrono>
 #include <functional>
 #include <type_traits>
 
@@ -32,6 +33,9 @@ auto onMain(Question question)
         return answer;
     }
 }
+
+// How long a condition is waited for: much longer than it takes on a machine that has other things to do as well.
+constexpr std::chrono::seconds patience(60);
 
 // Whether a condition, asked on the main thread, becomes true in good time.
 bool eventually(const std::function<bool()> &condition);

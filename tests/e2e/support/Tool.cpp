@@ -9,7 +9,7 @@ std::optional<QByteArray> Tool::run(const QString &program, const QStringList &a
     process.setStandardInputFile(QProcess::nullDevice());
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(program, arguments);
-    if (!process.waitForFinished()) {
+    if (!process.waitForFinished(60000)) {
         qWarning() << program << arguments << process.errorString();
         return std::nullopt;
     }

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+class GeneratedFiles;
+
+// What can only be measured in a process that has done nothing else: this program runs itself again for it.
+namespace ChildProcess
+{
+// What the child, run over these files, answers; none when it fails.
+std::optional<double> measure(const QString &name, const GeneratedFiles &files);
+// The child's part: prints its answer. The program's exit code.
+int run(const QString &name, const GeneratedFiles &files);
+} // namespace ChildProcess

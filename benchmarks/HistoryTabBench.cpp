@@ -1,0 +1,89 @@
+#include "benchmarks/Benches.h"
+#include "benchmarks/DrawerOnFiles.h"
+#include "benchmarks/Figures.h"
+#include "lists/WayfoldHistoryDataSource.h"
+#include "model/WayfoldAutoFolder.h"
+#include "model/WayfoldHistoryURL.h"
+
+#include <cstdio>
+
+namespace
+{
+// The Scratchpad shows the site that was visited last, whose smart folders have been looked into.
+bool showSiteWithSmartFolders(const DrawerOnFiles &drawer)
+{
+    const KDRBookmarkPtr newest = DrawerStage::store().historyBookmarkRoot()->childAtIndex(0);
+    const QString key = std::static_pointer_cast<WayfoldHistoryURL>(newest)->trackedHostName();
+    const auto site = WayfoldBookmarkFolder::bookmarkWithTitle(key);
+    site->addChild(DrawerStage::note(QStringLiteral("Something to remember")));
+    DrawerStage::store().bookmarkRoot()->addChild(site);
+    site->addAutoFolders();
+    drawer.controller()->setScratchDrawerLabelUsingFrame(key, nullptr);
+    for (const KDRBookmarkPtr &child : site->children()) {
+        if (const auto folder = std::dynamic_pointer_cast<WayfoldAutoFolder>(child))
+            folder->ensureUpToDate();
+    }
+    const auto related = std::dynamic_pointer_cast<WayfoldAutoFolder>(site->lastChild());
+    return related && related->isLoaded() && related->childCount() > 0 &&
+           drawer.controller()->scratchDataSource()->localRootFolder() == site;
+}
+
+// Everything that the main thread does when the browser has written one visit more.
+bool measureReread(Figures &figures, GeneratedFiles &files, const DrawerOnFiles &drawer)
+{
+    KDRDrawerBundle &store = DrawerStage::store();
+    const unsigned before = store.historyBookmarkRoot()->childCount();
+    bool written = true;
+    const double milliseconds = Figures::medianMilliseconds(
+        [&] {
+            store.tagSafariFiles();
+            QCoreApplication::processEvents(); // the notifications
+            DrawerOnFiles::layOut(drawer.history());
+        },
+        7, [&] { written = files.addVisit() && written; });
+    figures.add(QStringLiteral("history_reread_ms"), milliseconds, QStringLiteral("ms"));
+    const WayfoldBookmarkFolderPtr shown = drawer.controller()->historyDataSource()->localRootFolder();
+    if (written && store.historyBookmarkRoot()->childCount() == before + 8 &&
+        shown->findByUUID(store.historyBookmarkRoot()->childAtIndex(0)->uuid()))
+        return true;
+    std::fprintf(stderr, "the visits did not come into the list\n");
+    return false;
+}
+
+void measureReload(Figures &figures, WayfoldHistoryOutlineView &list)
+{
+    for (int row = std::min(200, list.numberOfRows()) - 1; row >= 0; --row)
+        list.expandItem(list.itemAtRow(row));
+    const double milliseconds = Figures::medianMilliseconds([&] {
+        list.prepForReloadData();
+        list.reloadData();
+        DrawerOnFiles::layOut(list);
+    });
+    figures.add(QStringLiteral("list_reload_ms"), milliseconds, QStringLiteral("ms"));
+}
+
+void measureIdleCheck(Figures &figures)
+{
+    constexpr int checks = 1000;
+    const double milliseconds = Figures::medianMilliseconds([&] {
+        for (int check = 0; check < checks; ++check)
+            DrawerStage::store().tagSafariFiles();
+    });
+    figures.add(QStringLiteral("idle_check_us"), milliseconds * 1000 / checks, QStringLiteral("us"));
+}
+} // namespace
+
+bool measureHistoryTab(Figures &figures, GeneratedFiles &files, bool /*peers*/)
+{
+    const DrawerOnFiles drawer(files);
+    if (!showSiteWithSmartFolders(drawer)) {
+        std::fprintf(stderr, "the Scratchpad does not show the site with its smart folders\n");
+        return false;
+    }
+    drawer.controller()->showHistoryTabView();
+    DrawerOnFiles::layOut(drawer.history());
+    const bool complete = measureReread(figures, files, drawer);
+    measureReload(figures, drawer.history());
+    measureIdleCheck(figures);
+    return complete;
+}

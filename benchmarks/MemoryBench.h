@@ -1,0 +1,12 @@
+#pragma once
+
+#include <optional>
+
+class GeneratedFiles;
+
+namespace MemoryBench
+{
+// By how many bytes the memory of this process grows for each visit in the history, when that is read and shown in a
+// drawer, and filtered once if wanted, by a word that is in nearly every entry. None when that cannot be told.
+std::optional<double> bytesPerEntry(const GeneratedFiles &files, bool filtered);
+} // namespace MemoryBench

@@ -1,0 +1,57 @@
+#include "lists/SavedDepth.h"
+
+#include "model/WayfoldBookmarkFolder.h"
+#include "platform/files/PropertyList.h"
+
+namespace
+{
+// A folder's dictionary and the list of its children; any other item's dictionary and the one with its title.
+constexpr int levelsOfAnItem = 2;
+
+using Folders = std::vector<const WayfoldBookmarkFolder *>;
+
+void appendSavedFolder(const KDRBookmark &item, Folders &folders)
+{
+    if (item.isFolder() && item.canBePersistent())
+        folders.push_back(static_cast<const WayfoldBookmarkFolder *>(&item));
+}
+
+int levelsDownTo(const WayfoldBookmarkFolder &folder)
+{
+    int levels = levelsOfAnItem;
+    for (WayfoldBookmarkFolderPtr above = folder.parent(); above; above = above->parent())
+        levels += levelsOfAnItem;
+    return levels;
+}
+
+// Counted generation by generation, so that no depth can exhaust the stack.
+int levelsOf(const KDRBookmark &item)
+{
+    int levels = levelsOfAnItem;
+    Folders generation;
+    appendSavedFolder(item, generation);
+    while (!generation.empty()) {
+        bool hasChildren = false;
+        Folders next;
+        for (const WayfoldBookmarkFolder *folder : generation) {
+            for (const KDRBookmarkPtr &child : folder->children()) {
+                hasChildren = true;
+                appendSavedFolder(*child, next);
+            }
+        }
+        levels += hasChildren ? levelsOfAnItem : 0;
+        generation = std::move(next);
+    }
+    return levels;
+}
+} // namespace
+
+bool SavedDepth::fits(const WayfoldBookmarkFolder &folder, const KDRBookmark &item)
+{
+    return levelsDownTo(folder) + levelsOf(item) <= PropertyList::maximumDepth;
+}
+
+bool SavedDepth::hasRoom(const WayfoldBookmarkFolder &folder)
+{
+    return levelsDownTo(folder) + levelsOfAnItem <= PropertyList::maximumDepth;
+}

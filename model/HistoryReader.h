@@ -1,0 +1,46 @@
+#pragma once
+
+#include "model/HistoryRecords.h"
+
+#include <QVariantMap>
+
+class BinaryPropertyListCheck;
+class PlainXml;
+class QIODevice;
+
+// Reads the browser's history file, again and again: what has not changed since the last time is taken over, so that
+// the one entry that a visit adds costs no more than a look at the rest.
+class HistoryReader
+{
+public:
+    // None when the file is missing or is no property-list dictionary; the reason is in the log then.
+    std::shared_ptr<const HistoryRecords> read(const QString &path);
+
+private:
+    // An element of the file's list, whether or not it became an entry: where it ends behind the one before, and what
+    // its bytes are.
+    struct Element
+    {
+        quint64 hash = 0;
+        quint32 length = 0;
+        quint32 isEntry = 0;
+    };
+
+    std::shared_ptr<HistoryRecords> readPlain(QIODevice &device);
+    bool readTopLevel(PlainXml &xml, HistoryRecords &records);
+    bool readList(PlainXml &xml, HistoryRecords &records);
+    bool readElement(PlainXml &xml, HistoryRecords &records);
+    bool takeOver(PlainXml &xml, HistoryRecords &records);
+    static bool isAhead(PlainXml &xml, const Element &element);
+    std::shared_ptr<HistoryRecords> readBinary(QIODevice &device);
+    bool readBinaryEntry(BinaryPropertyListCheck &list, quint64 entry, HistoryRecords &records);
+    std::shared_ptr<HistoryRecords> recordsFrom(const QVariantMap &file);
+    std::shared_ptr<HistoryRecords> startRecords();
+    void append(HistoryRecords &records, QByteArrayView title, QByteArrayView address, QByteArrayView seconds);
+
+    std::shared_ptr<const HistoryRecords> _former;
+    std::vector<Element> _formerElements;
+    std::vector<Element> _elements; // of the present reading
+    std::size_t _next = 0;          // the first former element that may still follow
+    unsigned _nextRecord = 0;       // and the first former entry
+};

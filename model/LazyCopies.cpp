@@ -1,0 +1,38 @@
+#include "model/LazyCopies.h"
+
+#include "model/UUIDSearch.h"
+#include "model/WayfoldBookmarkFolder.h"
+
+KDRBookmarkPtr LazyCopies::makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder)
+{
+    const WayfoldBookmarkFolderPtr original = WayfoldBookmarkFolder::fromItem(_items[index]);
+    const KDRBookmarkPtr copy = original ? original->lazyCopy() : _items[index]->copy();
+    copy->setParent(folder);
+    return copy;
+}
+
+bool LazyCopies::isFolder(unsigned index)
+{
+    return _items[index]->isFolder();
+}
+
+std::vector<unsigned> LazyCopies::indexesOfMatches(const TextSearch &search)
+{
+    std::vector<unsigned> indexes;
+    for (unsigned index = 0; index < _items.size(); ++index) {
+        if (_items[index]->isFolder() || _items[index]->matches(search))
+            indexes.push_back(index);
+    }
+    return indexes;
+}
+
+std::vector<unsigned> LazyCopies::indexesOfWanted(const UUIDSearch &search)
+{
+    std::vector<unsigned> indexes;
+    for (unsigned index = 0; index < _items.size(); ++index) {
+        // A copy has the identifier of its item; what a folder holds is found in the copy.
+        if (_items[index]->isFolder() || search.isWanted(_items[index]->uuid()))
+            indexes.push_back(index);
+    }
+    return indexes;
+}

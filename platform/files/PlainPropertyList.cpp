@@ -1,0 +1,88 @@
+#include "platform/files/PlainPropertyList.h"
+
+#include <QVariantList>
+#include <QVariantMap>
+
+using Tag = PlainXml::Tag;
+
+QVariant PlainPropertyList::read()
+{
+    if (!_xml.readProlog())
+        return {};
+    const QVariant value = readValue(_xml.readTag(), 0);
+    return value.isValid() && _xml.readEpilog() ? value : QVariant();
+}
+
+QVariant PlainPropertyList::readValue(Tag tag, int depth)
+{
+    if (depth > PlainXml::greatestDepth)
+        return giveUp();
+    switch (tag) {
+    case Tag::String:
+    case Tag::EmptyString:
+        return readString(tag);
+    case Tag::Dictionary:
+        return readDictionary(depth);
+    case Tag::EmptyDictionary:
+        return QVariantMap();
+    case Tag::Array:
+        return readArray(depth);
+    case Tag::EmptyArray:
+        return QVariantList();
+    case Tag::True:
+        return true;
+    case Tag::False:
+        return false;
+    case Tag::Integer: {
+        const QByteArrayView digits = _xml.readScalar(tag);
+        return digits.isEmpty() ? giveUp() : QVariant(digits.toLongLong());
+    }
+    case Tag::Real: {
+        const QByteArrayView number = _xml.readScalar(tag);
+        return number.isEmpty() ? giveUp() : QVariant(number.toDouble());
+    }
+    default:
+        return giveUp();
+    }
+}
+
+QVariant PlainPropertyList::readDictionary(int depth)
+{
+    QVariantMap dictionary;
+    for (Tag tag = _xml.readTag(); tag != Tag::EndDictionary; tag = _xml.readTag()) {
+        if (tag != Tag::Key && tag != Tag::EmptyKey)
+            return giveUp();
+        const QString key = readString(tag);
+        QVariant value = readValue(_xml.readTag(), depth + 1);
+        // A key that is there twice is for the general way to judge.
+        if (!value.isValid() || dictionary.contains(key))
+            return giveUp();
+        dictionary.insert(key, std::move(value));
+    }
+    return dictionary;
+}
+
+QVariant PlainPropertyList::readArray(int depth)
+{
+    QVariantList array;
+    for (Tag tag = _xml.readTag(); tag != Tag::EndArray; tag = _xml.readTag()) {
+        QVariant value = readValue(tag, depth + 1);
+        if (!value.isValid())
+            return {};
+        array.append(std::move(value));
+    }
+    return array;
+}
+
+QVariant PlainPropertyList::giveUp()
+{
+    _xml.fail();
+    return {};
+}
+
+// Empty but never null; what follows fails when this did.
+QString PlainPropertyList::readString(Tag tag)
+{
+    const QByteArrayView text = _xml.readText(tag);
+    return text.isEmpty() ? QString(QLatin1String("")) : QString::fromUtf8(text);
+}

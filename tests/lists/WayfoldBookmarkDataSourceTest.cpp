@@ -1,0 +1,391 @@
+#include "lists/WayfoldBookmarkDataSource.h"
+
+#include "core/Notifications.h"
+#include "lists/WayfoldBookmarkOutlineView.h"
+#include "tests/lists/ListStage.h"
+#include "tests/support/BrowserFiles.h"
+
+#include <QLineEdit>
+
+namespace
+{
+// The Bookmarks tab of one drawer.
+class BookmarksTab
+{
+public:
+    BookmarksTab()
+    {
+        source = std::make_unique<WayfoldBookmarkDataSource>(&view);
+        view.setDelegate(source.get());
+        view.awakeFromNib();
+        view.setOutlineDataSource(source.get());
+        source->awakeFromNib();
+        view.resize(300, 400);
+        view.show();
+    }
+
+    WayfoldBookmarkOutlineView view;
+    QLineEdit field;
+    std::unique_ptr<WayfoldBookmarkDataSource> source; // goes before the view does
+
+    QStringList rows() const { return ListStage::rows(view); }
+    void search(const QString &text)
+    {
+        field.setText(text);
+        source->processSearchFilter(&field);
+    }
+    KDRBookmarkPtr item(const QString &uuid) const { return source->localRootFolder()->findByUUID(uuid); }
+};
+
+QVariantList someBookmarks()
+{
+    using Files = BrowserFiles;
+    return {
+        Files::folder(
+            "Bookmarks Bar", "BAR",
+            {Files::link("Marsh Line", "http://www.marsh.org/", "MARSH"),
+             Files::folder("Trains", "TRAINS", {Files::link("Timetable", "http://www.marsh.org/t", "TIMES")})}),
+        Files::folder("Kitchen", "KITCHEN", {Files::link("Kettle works", "http://kettle.example.com/", "KETTLE")}),
+        Files::link("Observatory", "http://stars.org/", "STARS"),
+    };
+}
+} // namespace
+
+class WayfoldBookmarkDataSourceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        _stage.emplace();
+        BrowserFiles(_stage->home).writeBookmarks(someBookmarks());
+        ListStage::store();
+        QCoreApplication::processEvents(); // what the start had to tell is told
+    }
+    void cleanup() { _stage.reset(); }
+
+    void nothingIsShownBeforeItIsLoaded();
+    void loadsOnce();
+    void showsTheTreeOfAllDrawers();
+    void nothingIsHeardBeforeItIsLoaded();
+
+    void newTreeIsTaken();
+    void openFoldersStayOpen();
+    void missingFileKeepsTheTree();
+
+    void matches_data();
+    void matches();
+    void matchesAreCopies();
+    void noMatchesGiveAnEmptyList();
+    void refiningKeepsTheFolderOfMatches();
+    void clearingShowsTheTreeAgain();
+    void openFoldersAreOpenAfterTheSearch();
+    void clearingWhatIsNotFilteredChangesNothing();
+    void newTreeIsFilteredToo();
+    void matchesBeginAtTheTop();
+
+    void rowsAreOpened();
+    void selection();
+    void dropsAreRefused();
+    void savingWritesNothing();
+    void goesBeforeItsView();
+    void worksWithoutView();
+
+private:
+    // The browser has written its file again.
+    void change(const QVariantList &children)
+    {
+        BrowserFiles(_stage->home).writeBookmarks(children);
+        ListStage::store().tagSafariFiles();
+        QCoreApplication::processEvents();
+    }
+
+    std::optional<ListStage> _stage;
+};
+
+// --- Loading --------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkDataSourceTest::nothingIsShownBeforeItIsLoaded()
+{
+    const BookmarksTab tab;
+    QVERIFY(!tab.source->localRootFolder());
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.source->myOutlineView(), &tab.view);
+}
+
+void WayfoldBookmarkDataSourceTest::loadsOnce()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "Kitchen", "Observatory"}));
+    tab.view.expandItem(tab.item("BAR"));
+    ListStage::store().safariBookmarkRoot()->removeChild(tab.item("STARS"));
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "-Marsh Line", "-Trains", "Kitchen", "Observatory"}));
+}
+
+void WayfoldBookmarkDataSourceTest::showsTheTreeOfAllDrawers()
+{
+    BookmarksTab tab;
+    BookmarksTab other;
+    tab.source->ensureDataLoaded();
+    other.source->ensureDataLoaded();
+    QCOMPARE(tab.source->localRootFolder(), ListStage::store().safariBookmarkRoot());
+    QCOMPARE(other.source->localRootFolder(), tab.source->localRootFolder());
+    QCOMPARE(other.view.itemAtRow(0), tab.view.itemAtRow(0));
+}
+
+void WayfoldBookmarkDataSourceTest::nothingIsHeardBeforeItIsLoaded()
+{
+    const BookmarksTab tab;
+    change({BrowserFiles::link("New", "http://new.org/", "NEW")});
+    QVERIFY(!tab.source->localRootFolder());
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.rows(), QStringList{"New"});
+}
+
+// --- New trees ------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkDataSourceTest::newTreeIsTaken()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    const WayfoldBookmarkFolderPtr before = tab.source->localRootFolder();
+    change({BrowserFiles::link("New", "http://new.org/", "NEW")});
+    QVERIFY(tab.source->localRootFolder() != before);
+    QCOMPARE(tab.source->localRootFolder(), ListStage::store().safariBookmarkRoot());
+    QCOMPARE(tab.rows(), QStringList{"New"});
+}
+
+void WayfoldBookmarkDataSourceTest::openFoldersStayOpen()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.item("BAR"));
+    tab.view.expandItem(tab.item("TRAINS"));
+    tab.view.expandItem(tab.item("KITCHEN"));
+    tab.view.selectItem(tab.item("TIMES"));
+    QVariantList changed = someBookmarks();
+    changed.removeAt(1); // the kitchen
+    changed.prepend(BrowserFiles::link("New", "http://new.org/", "NEW"));
+    change(changed);
+    QCOMPARE(tab.rows(), QStringList({"New", "Bookmarks Bar", "-Marsh Line", "-Trains", "--Timetable", "Observatory"}));
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"Timetable"});
+    QCOMPARE(tab.view.selectedItem(), tab.item("TIMES"));
+}
+
+void WayfoldBookmarkDataSourceTest::missingFileKeepsTheTree()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QVERIFY(QFile::remove(_stage->home.path("Library/Safari/Bookmarks.plist")));
+    ListStage::store().tagSafariFiles();
+    QCoreApplication::processEvents();
+    QCOMPARE(tab.view.numberOfRows(), 3);
+}
+
+// --- Searching ------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkDataSourceTest::matches_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("a title, whatever its letters' case") << "kETTLE" << QStringList{"Kettle works"};
+    QTest::newRow("an address") << "stars.org" << QStringList{"Observatory"};
+    QTest::newRow("several, in the order of the tree") << "marsh" << QStringList({"Marsh Line", "Timetable"});
+    QTest::newRow("a folder, and what is in it")
+        << "t" << QStringList({"Marsh Line", "Trains", "Timetable", "Kitchen", "Kettle works", "Observatory"});
+    QTest::newRow("the root has a title too") << "bookmarks" << QStringList({"Bookmarks", "Bookmarks Bar"});
+    QTest::newRow("blanks count") << "kettle " << QStringList{"Kettle works"};
+}
+
+void WayfoldBookmarkDataSourceTest::matches()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, rows);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search(text);
+    QCOMPARE(tab.rows(), rows);
+    QCOMPARE(tab.source->localRootFolder()->title(), QString(""));
+}
+
+void WayfoldBookmarkDataSourceTest::matchesAreCopies()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("kettle");
+    const KDRBookmarkPtr match = tab.source->localRootFolder()->childAtIndex(0);
+    const KDRBookmarkPtr original = ListStage::store().safariBookmarkRoot()->findByUUID("KETTLE");
+    QVERIFY(match != original);
+    QVERIFY(match->isEqual(*original));
+    QCOMPARE(original->parent(), ListStage::store().safariBookmarkRoot()->findByUUID("KITCHEN"));
+}
+
+void WayfoldBookmarkDataSourceTest::noMatchesGiveAnEmptyList()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("zeppelin");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
+    tab.search("");
+    QCOMPARE(tab.view.numberOfRows(), 3);
+    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+}
+
+void WayfoldBookmarkDataSourceTest::refiningKeepsTheFolderOfMatches()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("t");
+    const WayfoldBookmarkFolderPtr found = tab.source->localRootFolder();
+    tab.search("ti");
+    QCOMPARE(tab.source->localRootFolder(), found);
+    QCOMPARE(tab.rows(), QStringList{"Timetable"});
+}
+
+void WayfoldBookmarkDataSourceTest::clearingShowsTheTreeAgain()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("kettle");
+    tab.search("");
+    QCOMPARE(tab.source->localRootFolder(), ListStage::store().safariBookmarkRoot());
+    QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "Kitchen", "Observatory"}));
+    tab.search("stars");
+    QCOMPARE(tab.rows(), QStringList{"Observatory"});
+    QCOMPARE(ListStage::store().safariBookmarkRoot()->childCount(), 3U);
+}
+
+void WayfoldBookmarkDataSourceTest::openFoldersAreOpenAfterTheSearch()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.item("BAR"));
+    tab.view.expandItem(tab.item("TRAINS"));
+    const QStringList before = tab.rows();
+    QCOMPARE(before.size(), 6);
+    tab.search("k");
+    tab.search("ke");
+    tab.search("");
+    QCOMPARE(tab.rows(), before);
+    // What was closed meanwhile stays so.
+    tab.view.collapseItem(tab.item("BAR"));
+    tab.search("k");
+    tab.search("");
+    QCOMPARE(tab.rows().size(), 3);
+}
+
+void WayfoldBookmarkDataSourceTest::clearingWhatIsNotFilteredChangesNothing()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.item("BAR"));
+    tab.search("");
+    QCOMPARE(tab.source->localRootFolder(), ListStage::store().safariBookmarkRoot());
+    QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "-Marsh Line", "-Trains", "Kitchen", "Observatory"}));
+}
+
+void WayfoldBookmarkDataSourceTest::newTreeIsFilteredToo()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("kettle");
+    change({BrowserFiles::link("Copper kettle", "http://copper.org/", "COPPER"),
+            BrowserFiles::link("New", "http://new.org/", "NEW")});
+    QCOMPARE(tab.rows(), QStringList{"Copper kettle"});
+    QVERIFY(tab.source->localRootFolder() != ListStage::store().safariBookmarkRoot());
+    tab.search("");
+    QCOMPARE(tab.rows(), QStringList({"Copper kettle", "New"}));
+}
+
+void WayfoldBookmarkDataSourceTest::matchesBeginAtTheTop()
+{
+    QVariantList many;
+    for (int i = 0; i < 200; ++i)
+        many.append(BrowserFiles::link(QString("Page %1").arg(i), "http://a.org/", QString::number(i)));
+    change(many);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.scrollRowToVisible(150);
+    QVERIFY(tab.view.rectOfRow(0).bottom() < 0);
+    tab.search("page");
+    QCOMPARE(tab.view.rectOfRow(0).top(), 0);
+}
+
+// --- The rest -------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkDataSourceTest::rowsAreOpened()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.selectItem(tab.item("STARS"));
+    tab.view.doubleAction();
+    QCOMPARE(_stage->openedURLs, QStringList{"http://stars.org/"});
+    tab.search("kettle");
+    tab.view.selectRow(0);
+    tab.view.doubleAction();
+    QCOMPARE(_stage->openedURLs.last(), QString("http://kettle.example.com/"));
+}
+
+void WayfoldBookmarkDataSourceTest::selection()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QVERIFY(!tab.source->anyItemSelected());
+    tab.view.selectRow(1);
+    QVERIFY(tab.source->anyItemSelected());
+    tab.source->deselectAllItems();
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+void WayfoldBookmarkDataSourceTest::dropsAreRefused()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QMimeData data;
+    data.setUrls({QUrl("http://a.org/")});
+    OutlineDropTarget target;
+    QCOMPARE(tab.source->outlineViewValidateDrop(tab.view, data, false, target), Qt::IgnoreAction);
+    QVERIFY(!tab.source->outlineViewAcceptDrop(tab.view, data, target));
+    QVERIFY(!tab.view.allowIncomingDrops());
+}
+
+void WayfoldBookmarkDataSourceTest::savingWritesNothing()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    const QByteArray before = _stage->home.read("Library/Safari/Bookmarks.plist");
+    tab.source->localRootFolder()->removeAllChildren();
+    tab.source->savebookmarkBookmarkRoot();
+    QCOMPARE(_stage->home.read("Library/Safari/Bookmarks.plist"), before);
+}
+
+void WayfoldBookmarkDataSourceTest::goesBeforeItsView()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.source.reset();
+    QVERIFY(!tab.view.outlineDataSource());
+    change({});
+    QCOMPARE(tab.view.numberOfRows(), 0);
+}
+
+void WayfoldBookmarkDataSourceTest::worksWithoutView()
+{
+    WayfoldBookmarkDataSource source(nullptr);
+    source.awakeFromNib();
+    source.ensureDataLoaded();
+    QLineEdit field("kettle");
+    source.processSearchFilter(&field);
+    QCOMPARE(source.localRootFolder()->childCount(), 1U);
+    change({});
+    QCOMPARE(source.localRootFolder()->childCount(), 0U);
+    source.deselectAllItems();
+    QVERIFY(!source.anyItemSelected());
+}
+
+QTEST_MAIN(WayfoldBookmarkDataSourceTest)
+#include "WayfoldBookmarkDataSourceTest.moc"
