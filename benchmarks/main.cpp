@@ -1,6 +1,6 @@
 // Measures Wayfold against what a user would run instead, on the same data in the same run.
 //
-//   wayfold-bench [--json FILE] [--entries N] [--no-peers]
+//   wayfold-bench [--json FILE] [--entries N] [--no-peers] [--only NAME]
 //   wayfold-bench --scale
 
 #include "benchmarks/Benches.h"
@@ -29,7 +29,8 @@ bool measureOwnFile(Figures &figures)
     return reported(measureItemFile(figures), "item file") && pageLoad;
 }
 
-bool measureBrowserFiles(Figures &figures, int entries, bool peers)
+// `only`: the name of the one to measure; empty: all.
+bool measureBrowserFiles(Figures &figures, int entries, bool peers, const QString &only)
 {
     const std::pair<const char *, bool (*)(Figures &, GeneratedFiles &, bool)> benches[] = {
         {"reading", measureReading},        {"grouping", measureGrouping}, {"filtering", measureFiltering},
@@ -40,8 +41,10 @@ bool measureBrowserFiles(Figures &figures, int entries, bool peers)
     if (!reported(files.write(), "the browser's files"))
         return false;
     bool complete = true;
-    for (const auto &[name, measure] : benches)
-        complete = reported(measure(figures, files, peers), name) && complete;
+    for (const auto &[name, measure] : benches) {
+        if (only.isEmpty() || only == QLatin1String(name))
+            complete = reported(measure(figures, files, peers), name) && complete;
+    }
     return complete;
 }
 } // namespace
@@ -57,11 +60,15 @@ int main(int argc, char **argv)
                                      QStringLiteral("Only what depends on the browser's files, with N visits in them."),
                                      QStringLiteral("N"), QStringLiteral("100000"));
     const QCommandLineOption noPeers(QStringLiteral("no-peers"), QStringLiteral("Leave others out."));
+    const QCommandLineOption only(QStringLiteral("only"),
+                                  QStringLiteral("Only one of: reading, grouping, filtering, history tab, memory, "
+                                                 "start."),
+                                  QStringLiteral("NAME"));
     const QCommandLineOption scale(QStringLiteral("scale"),
                                    QStringLiteral("Only how each cost grows with the browser's files."));
     QCommandLineOption child(QStringLiteral("child"), QString(), QStringLiteral("NAME"));
     child.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({json, entries, noPeers, scale, child});
+    parser.addOptions({json, entries, noPeers, only, scale, child});
     parser.addHelpOption();
     parser.process(application);
 
@@ -72,8 +79,8 @@ int main(int argc, char **argv)
         return Scale::print() ? 0 : 1;
 
     Figures figures;
-    bool complete = parser.isSet(entries) || measureOwnFile(figures);
-    complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers)) && complete;
+    bool complete = parser.isSet(entries) || parser.isSet(only) || measureOwnFile(figures);
+    complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), parser.value(only)) && complete;
     figures.print();
     if (parser.isSet(json) && !figures.writeJson(parser.value(json))) {
         std::fprintf(stderr, "could not be written: %s\n", qPrintable(parser.value(json)));

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <QUrl>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -63,9 +64,86 @@ bool isCombiningMarkAt(QByteArrayView text, qsizetype position)
     return isCombiningMarkAt(character, 0);
 }
 
-bool isAscii(QByteArrayView text)
+// What each character of two bytes in UTF-8 is when case is disregarded, 0 where it takes more than a look at the
+// character alone: marks that join what stands before them, what is written otherwise when composed, and what stands
+// for several letters.
+class ShortFoldings
 {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+public:
+    static constexpr char16_t first = 0x80;
+    static constexpr char16_t last = 0x7ff;
+
+    ShortFoldings()
+    {
+        for (char16_t c = first; c <= last; ++c) {
+            const QString text{QChar(c)};
+            const QString folding = folded(text);
+            const bool isPlain = QChar::combiningClass(c) == 0 && folding.size() == 1 && folding[0] >= QChar(first) &&
+                                 folding[0] <= QChar(last) && text.normalized(QString::NormalizationForm_C) == text;
+            _foldings[c - first] = isPlain ? folding[0].unicode() : char16_t(0);
+        }
+    }
+
+    char16_t operator[](char16_t c) const { return _foldings[c - first]; }
+
+private:
+    std::array<char16_t, last - first + 1> _foldings;
+};
+
+// Characters of three bytes that have no case and never join: punctuation, currency signs, kana, ideographs and the
+// syllables of Hangul, which only what is none of these could complete.
+bool isInert(char16_t c)
+{
+    return (c >= 0x4e00 && c <= 0x9fff) || (c >= 0xac00 && c <= 0xd7a3) || (c >= 0x2010 && c <= 0x2027) ||
+           (c >= 0x2030 && c <= 0x205e) || (c >= 0x20a0 && c <= 0x20bf) || (c >= 0x3001 && c <= 0x3029) ||
+           (c >= 0x3041 && c <= 0x3096) || (c >= 0x30a1 && c <= 0x30fc);
+}
+
+bool isContinuation(unsigned char byte)
+{
+    return (byte & 0xc0) == 0x80;
+}
+
+// Whether the four bytes are one of the pictographs, U+1F300 to U+1FAFF.
+bool isPictograph(const unsigned char *bytes)
+{
+    return bytes[0] == 0xf0 && bytes[1] == 0x9f && bytes[2] >= 0x8c && bytes[2] <= 0xab && isContinuation(bytes[3]);
+}
+
+// Appends the search form of text whose characters can be looked at one by one, as nearly all are; appends nothing
+// and answers false when one cannot. The form is as long as the text.
+bool appendPlainSearchForm(QByteArrayView text, QByteArray &form)
+{
+    static const ShortFoldings foldings;
+    const qsizetype before = form.size();
+    form.resize(before + text.size());
+    char *out = form.data() + before;
+    const auto *in = reinterpret_cast<const unsigned char *>(text.data());
+    const auto *const end = in + text.size();
+    while (in != end) {
+        const unsigned char c = *in;
+        char16_t folding = 0;
+        if (c < 0x80) {
+            *out++ = char(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
+            ++in;
+        } else if (c >= 0xc2 && c <= 0xdf && end - in >= 2 && isContinuation(in[1]) &&
+                   (folding = foldings[char16_t((c & 0x1f) << 6 | (in[1] & 0x3f))])) {
+            *out++ = char(0xc0 | folding >> 6);
+            *out++ = char(0x80 | (folding & 0x3f));
+            in += 2;
+        } else if (c >= 0xe2 && c <= 0xed && end - in >= 3 && isContinuation(in[1]) && isContinuation(in[2]) &&
+                   isInert(char16_t((c & 0xf) << 12 | (in[1] & 0x3f) << 6 | (in[2] & 0x3f)))) {
+            out = std::copy(in, in + 3, out);
+            in += 3;
+        } else if (end - in >= 4 && isPictograph(in)) {
+            out = std::copy(in, in + 4, out);
+            in += 4;
+        } else {
+            form.resize(before);
+            return false;
+        }
+    }
+    return true;
 }
 
 bool isBlank(char c)
@@ -104,14 +182,8 @@ QByteArray StringRules::searchForm(const QString &text)
 
 void StringRules::appendSearchForm(QByteArrayView text, QByteArray &form)
 {
-    if (!isAscii(text)) {
+    if (!appendPlainSearchForm(text, form))
         form.append(searchForm(QString::fromUtf8(text)));
-        return;
-    }
-    const qsizetype before = form.size();
-    form.resize(before + text.size());
-    std::transform(text.begin(), text.end(), form.data() + before,
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
 }
 
 bool StringRules::searchFormContains(QByteArrayView text, QByteArrayView part)

@@ -15,7 +15,7 @@ bool containsIgnoringCase(const QString &text, const QString &part);
 // The form in which a text is searched without regard to letter case, as UTF-8: texts that `containsIgnoringCase`
 // cannot tell apart have the same. Whoever searches many texts often keeps this form of them.
 QByteArray searchForm(const QString &text);
-// The same for text in UTF-8, appended to `form`. ASCII, as most addresses are, costs next to nothing.
+// The same for text in UTF-8, appended to `form`. Text in the common scripts costs next to nothing.
 void appendSearchForm(QByteArrayView text, QByteArray &form);
 // What `containsIgnoringCase` answers for the texts that have these search forms.
 bool searchFormContains(QByteArrayView text, QByteArrayView part);

@@ -10,6 +10,7 @@ class StringRulesTest : public QObject
 private Q_SLOTS:
     void containsIgnoringCase_data();
     void containsIgnoringCase();
+    void searchFormOfUtf8IsThatOfTheText();
     void compareIgnoringCase_data();
     void compareIgnoringCase();
     void replacingPercentEscapes_data();
@@ -93,6 +94,31 @@ void StringRulesTest::containsIgnoringCase()
     StringRules::appendSearchForm(text.toUtf8(), form);
     QCOMPARE(form, StringRules::searchForm(text));
     QCOMPARE(StringRules::searchFormContains(form, StringRules::searchForm(part)), answer);
+}
+
+// Every character, alone, in company, and with marks that it may or may not join.
+void StringRulesTest::searchFormOfUtf8IsThatOfTheText()
+{
+    const QString frames[] = {QStringLiteral("%1"), QStringLiteral("A%1\u00c9%1"), QStringLiteral("%1\u0301"),
+                              QStringLiteral("\u30cf%1\u3099\uac00\u11a8")};
+    constexpr char32_t last = 0x1ffff;
+    for (char32_t c = 0x20; c <= last; ++c) {
+        if (QChar::isSurrogate(c))
+            continue;
+        for (const QString &frame : frames) {
+            const QString text = frame.arg(QString::fromUcs4(&c, 1));
+            QByteArray form;
+            StringRules::appendSearchForm(text.toUtf8(), form);
+            if (form != StringRules::searchForm(text))
+                QFAIL(qPrintable(QStringLiteral("U+%1 in \"%2\"").arg(uint(c), 4, 16).arg(frame)));
+        }
+    }
+    const QByteArray broken[] = {"Caf\xc3", "\xc3\x41", "\xe2\x80", "\xe4\xb8\x41", "\xf0\x9f\x8c", "\xf0\x9f\x8c\x41"};
+    for (const QByteArray &bytes : broken) {
+        QByteArray form = "before ";
+        StringRules::appendSearchForm(bytes, form);
+        QCOMPARE(form, "before " + StringRules::searchForm(QString::fromUtf8(bytes)));
+    }
 }
 
 void StringRulesTest::compareIgnoringCase_data()
