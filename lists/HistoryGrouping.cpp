@@ -9,39 +9,38 @@
 
 namespace
 {
-using Numbers = std::vector<unsigned>;
-
 // The entries of a folder, which become its own when they are looked at.
 class EntryChildren : public LazyChildren
 {
 public:
-    EntryChildren(std::shared_ptr<HistoryEntries> entries, Numbers numbers)
+    EntryChildren(std::shared_ptr<HistoryEntries> entries, EntryNumbers numbers)
         : _entries(std::move(entries))
         , _numbers(std::move(numbers))
     {}
 
-    unsigned count() override { return unsigned(_numbers.size()); }
+    unsigned count() override { return _numbers.size(); }
     bool isFolder(unsigned /*index*/) override { return false; }
+    bool hasFolders() override { return false; }
     KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) override
     {
         const KDRBookmarkPtr item = _entries->item(_numbers[index]);
         item->setParent(folder);
         return item;
     }
-    Numbers indexesOfMatches(const TextSearch &search) override
+    std::vector<unsigned> indexesOfMatches(const TextSearch &search) override
     {
         return indexesOf([&](unsigned number) { return _entries->matches(number, search); });
     }
-    Numbers indexesOfWanted(const UUIDSearch &search) override
+    std::vector<unsigned> indexesOfWanted(const UUIDSearch &search) override
     {
         return indexesOf([&](unsigned number) { return _entries->isWanted(number, search); });
     }
 
 private:
     template <class Predicate>
-    Numbers indexesOf(Predicate isOne) const
+    std::vector<unsigned> indexesOf(Predicate isOne) const
     {
-        Numbers indexes;
+        std::vector<unsigned> indexes;
         for (unsigned index = 0; index < _numbers.size(); ++index) {
             if (isOne(_numbers[index]))
                 indexes.push_back(index);
@@ -50,14 +49,14 @@ private:
     }
 
     std::shared_ptr<HistoryEntries> _entries;
-    Numbers _numbers;
+    EntryNumbers _numbers;
 };
 
 // The folders of the second level, which are sorted out when somebody looks.
 class GroupChildren : public LazyChildren
 {
 public:
-    GroupChildren(const std::shared_ptr<HistoryEntries> &entries, Numbers numbers, HistoryGrouping::Level level)
+    GroupChildren(const std::shared_ptr<HistoryEntries> &entries, EntryNumbers numbers, HistoryGrouping::Level level)
         : _entries(entries)
         , _grouping(entries, {level})
         , _numbers(std::move(numbers))
@@ -72,20 +71,20 @@ public:
         child->setParent(folder);
         return child;
     }
-    Numbers indexesOfMatches(const TextSearch & /*search*/) override
+    std::vector<unsigned> indexesOfMatches(const TextSearch & /*search*/) override
     {
-        Numbers indexes(count());
+        std::vector<unsigned> indexes(count());
         std::iota(indexes.begin(), indexes.end(), 0);
         return indexes;
     }
-    Numbers indexesOfWanted(const UUIDSearch &search) override
+    std::vector<unsigned> indexesOfWanted(const UUIDSearch &search) override
     {
         const auto isWanted = [&](unsigned number) { return _entries->isWanted(number, search); };
-        Numbers indexes;
+        std::vector<unsigned> indexes;
         if (std::none_of(_numbers.begin(), _numbers.end(), isWanted))
             return indexes;
         for (unsigned index = 0; index < count(); ++index) {
-            const Numbers &numbers = groups()[index].numbers;
+            const EntryNumbers &numbers = groups()[index].numbers;
             if (std::any_of(numbers.begin(), numbers.end(), isWanted))
                 indexes.push_back(index);
         }
@@ -102,7 +101,7 @@ private:
 
     std::shared_ptr<HistoryEntries> _entries;
     HistoryGrouping _grouping;
-    Numbers _numbers;
+    EntryNumbers _numbers;
     std::vector<HistoryGrouping::Group> _groups; // empty until somebody looks
 };
 
@@ -128,12 +127,13 @@ void HistoryGrouping::fill(const WayfoldBookmarkFolderPtr &folder) const
 {
     const std::vector<WayfoldBookmarkFolderPtr> outer = unseenOuterFolders(*folder);
     folder->removeAllButKnownFolders();
-    Numbers numbers;
-    numbers.reserve(_entries->count());
+    std::vector<unsigned> all;
+    all.reserve(_entries->count());
     for (unsigned number = 0; number < _entries->count(); ++number) {
         if (_levels.empty() || _entries->visited(number) != KDRBookmark::noTimestamp)
-            numbers.push_back(number);
+            all.push_back(number);
     }
+    const EntryNumbers numbers(std::move(all));
     if (_levels.empty()) {
         fillGroup(folder, numbers);
         return;
@@ -147,7 +147,7 @@ void HistoryGrouping::fill(const WayfoldBookmarkFolderPtr &folder) const
     tidy(*folder);
 }
 
-void HistoryGrouping::fillGroups(const WayfoldBookmarkFolderPtr &folder, const Numbers &numbers) const
+void HistoryGrouping::fillGroups(const WayfoldBookmarkFolderPtr &folder, const EntryNumbers &numbers) const
 {
     QHash<QString, WayfoldBookmarkFolderPtr> known;
     for (const KDRBookmarkPtr &child : folder->children()) {
@@ -173,33 +173,54 @@ void HistoryGrouping::tidy(WayfoldBookmarkFolder &folder) const
         folder.sortChildrenByTitle();
 }
 
+std::vector<HistoryGrouping::Group> HistoryGrouping::groupsOf(const EntryNumbers &numbers) const
+{
+    Sorting sorting = sort(numbers);
+    std::vector<unsigned> ends(sorting.groups.size() + 1); // of the groups before, then of each
+    for (const unsigned group : sorting.groupOfPlace) {
+        if (group != nowhere)
+            ++ends[group + 1];
+    }
+    std::partial_sum(ends.begin(), ends.end(), ends.begin());
+    const auto list = std::make_shared<std::vector<unsigned>>(ends.back());
+    for (std::size_t group = 0; group < sorting.groups.size(); ++group)
+        sorting.groups[group].numbers = EntryNumbers(list, ends[group], ends[group + 1]);
+    for (unsigned place = 0; place < numbers.size(); ++place) {
+        if (const unsigned group = sorting.groupOfPlace[place]; group != nowhere)
+            (*list)[ends[group]++] = numbers[place];
+    }
+    return std::move(sorting.groups);
+}
+
 // Entries without a site are left out where sites are asked for.
-std::vector<HistoryGrouping::Group> HistoryGrouping::groupsOf(const Numbers &numbers) const
+HistoryGrouping::Sorting HistoryGrouping::sort(const EntryNumbers &numbers) const
 {
     const bool isByDay = _levels.front() == Level::Day;
     const bool needsSite = std::find(_levels.begin(), _levels.end(), Level::Site) != _levels.end();
-    std::vector<Group> groups;
-    std::vector<int> groupOfKey; // -1: none yet
+    Sorting sorting;
+    sorting.groupOfPlace.reserve(numbers.size());
+    std::vector<unsigned> groupOfKey;
     for (const unsigned number : numbers) {
         const bool isLeftOut = needsSite && _entries->site(number) == 0;
         // A day has its folder even if all that it holds is left out.
-        if (isLeftOut && !isByDay)
+        if (isLeftOut && !isByDay) {
+            sorting.groupOfPlace.push_back(nowhere);
             continue;
+        }
         const unsigned key = isByDay ? _entries->day(number) : _entries->site(number);
         if (key >= groupOfKey.size())
-            groupOfKey.resize(std::size_t(key) * 2 + 16, -1);
-        int &group = groupOfKey[key];
-        if (group < 0) {
-            group = int(groups.size());
-            groups.push_back({isByDay ? _entries->dayTitle(key) : _entries->siteTitle(key), number, {}});
+            groupOfKey.resize(std::size_t(key) * 2 + 16, nowhere);
+        unsigned &group = groupOfKey[key];
+        if (group == nowhere) {
+            group = unsigned(sorting.groups.size());
+            sorting.groups.push_back({isByDay ? _entries->dayTitle(key) : _entries->siteTitle(key), number, {}});
         }
-        if (!isLeftOut)
-            groups[std::size_t(group)].numbers.push_back(number);
+        sorting.groupOfPlace.push_back(isLeftOut ? nowhere : group);
     }
-    return groups;
+    return sorting;
 }
 
-std::vector<HistoryGrouping::Group> HistoryGrouping::sortedGroupsOf(const Numbers &numbers) const
+std::vector<HistoryGrouping::Group> HistoryGrouping::sortedGroupsOf(const EntryNumbers &numbers) const
 {
     std::vector<Group> groups = groupsOf(numbers);
     std::erase_if(groups, [](const Group &group) { return group.numbers.empty(); });
@@ -227,7 +248,7 @@ WayfoldBookmarkFolderPtr HistoryGrouping::folderOf(const Group &group) const
 }
 
 // A folder that holds something already is filled at once.
-void HistoryGrouping::fillGroup(const WayfoldBookmarkFolderPtr &folder, const Numbers &numbers) const
+void HistoryGrouping::fillGroup(const WayfoldBookmarkFolderPtr &folder, const EntryNumbers &numbers) const
 {
     const bool hasFolders = _levels.size() > 1;
     if (numbers.empty())

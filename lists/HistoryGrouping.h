@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lists/EntryNumbers.h"
 #include "model/WayfoldBookmarkFolder.h"
 
 #include <vector>
@@ -26,20 +27,29 @@ public:
     {
         QString title;
         unsigned first = 0; // the entry for which the folder is made, whether or not it is put there
-        std::vector<unsigned> numbers;
+        EntryNumbers numbers;
     };
     // In the order in which the entries come.
-    std::vector<Group> groupsOf(const std::vector<unsigned> &numbers) const;
+    std::vector<Group> groupsOf(const EntryNumbers &numbers) const;
     // In the order of the list, and without those that are empty.
-    std::vector<Group> sortedGroupsOf(const std::vector<unsigned> &numbers) const;
+    std::vector<Group> sortedGroupsOf(const EntryNumbers &numbers) const;
     // The folder of a group, filled.
     WayfoldBookmarkFolderPtr folderOf(const Group &group) const;
 
 private:
+    // Groups without their entries, and of each entry which group it belongs to; `nowhere`: none.
+    struct Sorting
+    {
+        std::vector<Group> groups;
+        std::vector<unsigned> groupOfPlace;
+    };
+    static constexpr unsigned nowhere = ~0U;
+
+    Sorting sort(const EntryNumbers &numbers) const;
     WayfoldBookmarkFolderPtr emptyFolderOf(const Group &group) const;
-    void fillGroups(const WayfoldBookmarkFolderPtr &folder, const std::vector<unsigned> &numbers) const;
+    void fillGroups(const WayfoldBookmarkFolderPtr &folder, const EntryNumbers &numbers) const;
     void tidy(WayfoldBookmarkFolder &folder) const;
-    void fillGroup(const WayfoldBookmarkFolderPtr &folder, const std::vector<unsigned> &numbers) const;
+    void fillGroup(const WayfoldBookmarkFolderPtr &folder, const EntryNumbers &numbers) const;
 
     std::shared_ptr<HistoryEntries> _entries;
     std::vector<Level> _levels;

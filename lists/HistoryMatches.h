@@ -13,6 +13,7 @@ public:
     unsigned count() override;
     KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) override;
     bool isFolder(unsigned index) override;
+    bool hasFolders() override { return _folder != nullptr; }
     std::vector<unsigned> indexesOfMatches(const TextSearch &search) override;
     std::vector<unsigned> indexesOfWanted(const UUIDSearch &search) override;
 

@@ -188,11 +188,21 @@ bool WayfoldOutlineViewDataSource::outlineViewIsChildExpandable(OutlineView & /*
     return folder && unsigned(index) < folder->childCount() && folder->isFolderAtIndex(unsigned(index));
 }
 
-OutlineItemPtr WayfoldOutlineViewDataSource::outlineViewMadeChildOfItem(OutlineView & /*view*/, int index,
-                                                                        const OutlineItemPtr &item)
+bool WayfoldOutlineViewDataSource::outlineViewMakesLeavesOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
 {
     const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
-    return folder ? folder->madeChildAtIndex(unsigned(index)) : nullptr;
+    return folder && folder->lazyChildren() && !folder->mayHaveLazyFolders();
+}
+
+std::vector<std::pair<int, OutlineItemPtr>>
+WayfoldOutlineViewDataSource::outlineViewMadeChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
+{
+    std::vector<std::pair<int, OutlineItemPtr>> made;
+    if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item))) {
+        for (auto &[index, child] : folder->madeChildrenWithIndexes())
+            made.emplace_back(int(index), std::move(child));
+    }
+    return made;
 }
 
 QString WayfoldOutlineViewDataSource::outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item)

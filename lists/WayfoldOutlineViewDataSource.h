@@ -40,7 +40,9 @@ public:
     OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override;
     bool outlineViewMakesChildrenOfItem(OutlineView &view, const OutlineItemPtr &item) override;
     bool outlineViewIsChildExpandable(OutlineView &view, int index, const OutlineItemPtr &item) override;
-    OutlineItemPtr outlineViewMadeChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override;
+    bool outlineViewMakesLeavesOfItem(OutlineView &view, const OutlineItemPtr &item) override;
+    std::vector<std::pair<int, OutlineItemPtr>> outlineViewMadeChildrenOfItem(OutlineView &view,
+                                                                              const OutlineItemPtr &item) override;
     QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) override;
     void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) override;
     // Never: titles are changed in the dialogs.

@@ -28,6 +28,7 @@ public:
     unsigned count() override;
     KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) override;
     bool isFolder(unsigned index) override;
+    bool hasFolders() override { return false; }
     std::vector<unsigned> indexesOfMatches(const TextSearch &search) override;
     std::vector<unsigned> indexesOfWanted(const UUIDSearch &search) override;
     std::shared_ptr<LazyChildren> copies() override;

@@ -28,6 +28,8 @@ public:
     // Never none; it has a parent. A folder among the children is not empty.
     virtual KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) = 0;
     virtual bool isFolder(unsigned index) = 0;
+    // Whether there may be folders among them; false is of use to whoever would ask for each.
+    virtual bool hasFolders() { return true; }
 
     // Ascending: the leaves that the search finds, and the folders in which it may find something.
     virtual std::vector<unsigned> indexesOfMatches(const TextSearch &search) = 0;

@@ -3,6 +3,13 @@
 #include "model/UUIDSearch.h"
 #include "model/WayfoldBookmarkFolder.h"
 
+#include <algorithm>
+
+LazyCopies::LazyCopies(std::vector<KDRBookmarkPtr> items)
+    : _items(std::move(items))
+    , _hasFolders(std::any_of(_items.begin(), _items.end(), [](const auto &item) { return item->isFolder(); }))
+{}
+
 KDRBookmarkPtr LazyCopies::makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder)
 {
     const WayfoldBookmarkFolderPtr original = WayfoldBookmarkFolder::fromItem(_items[index]);

@@ -7,14 +7,16 @@
 class LazyCopies : public LazyChildren
 {
 public:
-    explicit LazyCopies(std::vector<KDRBookmarkPtr> items) : _items(std::move(items)) {}
+    explicit LazyCopies(std::vector<KDRBookmarkPtr> items);
 
     unsigned count() override { return unsigned(_items.size()); }
     KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) override;
     bool isFolder(unsigned index) override;
+    bool hasFolders() override { return _hasFolders; }
     std::vector<unsigned> indexesOfMatches(const TextSearch &search) override;
     std::vector<unsigned> indexesOfWanted(const UUIDSearch &search) override;
 
 private:
     std::vector<KDRBookmarkPtr> _items;
+    bool _hasFolders;
 };

@@ -357,6 +357,16 @@ std::vector<KDRBookmarkPtr> WayfoldBookmarkFolder::madeChildren() const
     return made;
 }
 
+std::vector<std::pair<unsigned, KDRBookmarkPtr>> WayfoldBookmarkFolder::madeChildrenWithIndexes() const
+{
+    std::vector<std::pair<unsigned, KDRBookmarkPtr>> made;
+    for (unsigned index = 0; index < _children.size(); ++index) {
+        if (_children[index])
+            made.emplace_back(index, _children[index]);
+    }
+    return made;
+}
+
 int WayfoldBookmarkFolder::indexOfMadeChild(const KDRBookmark &child) const
 {
     const auto found = std::find_if(_children.begin(), _children.end(),

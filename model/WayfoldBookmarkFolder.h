@@ -52,14 +52,13 @@ public:
     const std::shared_ptr<LazyChildren> &lazyChildren() const { return _lazy; }
     // The children that somebody may know: all but the lazy ones that nobody has asked for yet.
     std::vector<KDRBookmarkPtr> madeChildren() const;
-    // None: it is not made yet.
-    KDRBookmarkPtr madeChildAtIndex(unsigned index) const
-    {
-        return index < _children.size() ? _children[index] : nullptr;
-    }
+    // The same with their indexes, ascending.
+    std::vector<std::pair<unsigned, KDRBookmarkPtr>> madeChildrenWithIndexes() const;
     // -1 when the item is none of those.
     int indexOfMadeChild(const KDRBookmark &child) const;
     bool isFolderAtIndex(unsigned index) const;
+    // Whether there may be folders among lazy children.
+    bool mayHaveLazyFolders() const { return _lazy && _lazy->hasFolders(); }
     // Appends the item and becomes its parent; none is ignored. An item that another folder holds stays there too.
     void addChild(const KDRBookmarkPtr &child);
     // Before the child at that index: a negative one is the front, one past the last child the end.

@@ -25,6 +25,7 @@ struct OutlineModel::Branch
     std::vector<Row *> open;                    // the expanded ones, ascending
     int shown = 0;                              // the rows shown below when this branch is open
     bool isMade = false;                        // by the source, as it is asked
+    bool areLeaves = false;                     // what is made so; false: not known
 };
 
 struct OutlineModel::Reload
@@ -180,7 +181,13 @@ void OutlineModel::count(Row &row) const
     row.branch = std::make_unique<Branch>();
     row.branch->children.resize(std::size_t(children));
     row.branch->shown = children;
+    askHowMade(row);
+}
+
+void OutlineModel::askHowMade(Row &row) const
+{
     row.branch->isMade = _source && _source->outlineViewMakesChildrenOfItem(_view, row.item);
+    row.branch->areLeaves = row.branch->isMade && _source->outlineViewMakesLeavesOfItem(_view, row.item);
 }
 
 void OutlineModel::askShownBelow(Row &row) const
@@ -195,9 +202,11 @@ void OutlineModel::askShownBelow(Row &row) const
 // The same for the rows of these items, where not all items are there to be asked for.
 void OutlineModel::askMadeChildren(Row &row, const Wanted &items) const
 {
-    for (int i = 0; row.branch->isMade && i < int(row.branch->children.size()); ++i) {
-        if (items.count(_source->outlineViewMadeChildOfItem(_view, i, row.item).get()))
-            ask(childOf(row, i));
+    if (row.branch->isMade) {
+        for (const auto &[index, item] : _source->outlineViewMadeChildrenOfItem(_view, row.item)) {
+            if (index < int(row.branch->children.size()) && items.count(item.get()))
+                ask(childOf(row, index));
+        }
     }
     for (Row *child : row.branch->open)
         askMadeChildren(*child, items);
@@ -313,10 +322,12 @@ QModelIndexList OutlineModel::indexesOfItems(const std::vector<OutlineItemPtr> &
         _allShownAsked = true;
     }
     Wanted wanted;
-    for (const OutlineItemPtr &item : items)
-        wanted.insert(item.get());
-    wanted.erase(nullptr); // what is not made is nobody's item
-    askMadeChildren(*_root, wanted);
+    for (const OutlineItemPtr &item : items) {
+        if (item && !rowsWithItem(item))
+            wanted.insert(item.get());
+    }
+    if (!wanted.empty())
+        askMadeChildren(*_root, wanted);
     QModelIndexList indexes;
     for (const OutlineItemPtr &item : items) {
         if (const QModelIndex index = indexOfAskedItem(item); index.isValid())
@@ -469,7 +480,7 @@ void OutlineModel::replaceChildren(Row &row, Reload &reload)
 {
     std::vector<std::unique_ptr<Row>> old = std::move(row.branch->children);
     row.branch->children = std::vector<std::unique_ptr<Row>>(std::size_t(countInSource(row)));
-    row.branch->isMade = _source->outlineViewMakesChildrenOfItem(_view, row.item);
+    askHowMade(row);
     if (row.branch->isMade)
         placeAmongMade(row, old);
     else
@@ -509,12 +520,13 @@ void OutlineModel::placeAmongMade(Row &row, std::vector<std::unique_ptr<Row>> &o
         if (old[i] && old[i]->item)
             places.emplace(old[i]->item.get(), i);
     }
-    for (std::size_t i = 0; !places.empty() && i < row.branch->children.size(); ++i) {
-        const auto kept = places.find(_source->outlineViewMadeChildOfItem(_view, int(i), row.item).get());
-        if (kept == places.end())
+    for (const auto &[index, item] : _source->outlineViewMadeChildrenOfItem(_view, row.item)) {
+        const auto kept = places.find(item.get());
+        if (kept == places.end() || index >= int(row.branch->children.size()))
             continue;
-        row.branch->children[i] = std::move(old[kept->second]);
-        row.branch->children[i]->index = int(i);
+        std::unique_ptr<Row> &child = row.branch->children[std::size_t(index)];
+        child = std::move(old[kept->second]);
+        child->index = index;
         places.erase(kept);
     }
 }
@@ -619,6 +631,8 @@ bool OutlineModel::isExpandable(const QModelIndex &index) const
 {
     const auto &parent = *static_cast<const Row *>(index.internalPointer());
     const bool isMade = parent.branch && parent.branch->isMade && index.row() < int(parent.branch->children.size());
+    if (isMade && parent.branch->areLeaves)
+        return false;
     if (isMade && !parent.branch->children[std::size_t(index.row())])
         return _source->outlineViewIsChildExpandable(_view, index.row(), parent.item);
     Row &row = *rowOf(index);

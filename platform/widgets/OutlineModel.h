@@ -81,6 +81,7 @@ private:
     void disown(Row &row) const;
     int countInSource(const Row &row) const;
     void count(Row &row) const;
+    void askHowMade(Row &row) const;
     void askShownBelow(Row &row) const;
     using Wanted = std::unordered_set<const OutlineItem *>;
     void askMadeChildren(Row &row, const Wanted &items) const;

@@ -271,6 +271,8 @@ void OutlineView::selectRowExtending(int row, bool extend)
 // Rows that follow each other become one range: the selection's own bookkeeping takes quadratic time in its ranges.
 void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
 {
+    if (items.empty())
+        return;
     QModelIndexList indexes = _model->indexesOfItems(items);
     if (indexes.isEmpty())
         return;

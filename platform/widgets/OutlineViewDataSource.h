@@ -44,11 +44,13 @@ public:
     {
         return false;
     }
-    // None: it was not made yet.
-    virtual OutlineItemPtr outlineViewMadeChildOfItem(OutlineView & /*view*/, int /*index*/,
-                                                      const OutlineItemPtr & /*item*/)
+    // Whether all of them are known to be leaves.
+    virtual bool outlineViewMakesLeavesOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) { return false; }
+    // Those that are made already, with their indexes, ascending.
+    virtual std::vector<std::pair<int, OutlineItemPtr>> outlineViewMadeChildrenOfItem(OutlineView & /*view*/,
+                                                                                      const OutlineItemPtr & /*item*/)
     {
-        return nullptr;
+        return {};
     }
     // The row's text.
     virtual QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) = 0;

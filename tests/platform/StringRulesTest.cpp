@@ -11,6 +11,7 @@ private Q_SLOTS:
     void containsIgnoringCase_data();
     void containsIgnoringCase();
     void searchFormOfUtf8IsThatOfTheText();
+    void findsAtEveryPlace();
     void compareIgnoringCase_data();
     void compareIgnoringCase();
     void replacingPercentEscapes_data();
@@ -118,6 +119,24 @@ void StringRulesTest::searchFormOfUtf8IsThatOfTheText()
         QByteArray form = "before ";
         StringRules::appendSearchForm(bytes, form);
         QCOMPARE(form, "before " + StringRules::searchForm(QString::fromUtf8(bytes)));
+    }
+}
+
+// At the front, in the middle and at the end of long and of short texts, and nowhere when a letter is missing.
+void StringRulesTest::findsAtEveryPlace()
+{
+    const QByteArray parts[] = {"x", "xy", "xay", "xyxyx", "x-is-longer-than-sixteen-y"};
+    for (const QByteArray &part : parts) {
+        for (int before = 0; before < 40; ++before) {
+            for (int after = 0; after < 40; ++after) {
+                const QByteArray text = QByteArray(before, 'x') + part + QByteArray(after, 'y');
+                QVERIFY(StringRules::searchFormContains(text, part));
+                const QByteArray other = QByteArray(before, 'a') + part.chopped(1) + QByteArray(after, 'x');
+                QCOMPARE(StringRules::searchFormContains(other, part), other.contains(part));
+                const QByteArrayView cut = QByteArrayView(text).chopped(after + 1);
+                QCOMPARE(StringRules::searchFormContains(cut, part), cut.toByteArray().contains(part));
+            }
+        }
     }
 }
 
