@@ -739,6 +739,8 @@ void BrowserTest::download()
 
 int main(int argc, char **argv)
 {
+    // Or a click that comes before the page has been drawn is thrown away.
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--allow-pre-commit-input");
     Browser::prepareProcess();
     QApplication application(argc, argv);
     BrowserTest test;

@@ -19,7 +19,7 @@ quint16 PageServer::port() const
 
 QByteArray PageServer::browserFlags() const
 {
-    return "--host-resolver-rules=\"MAP * 127.0.0.1:" + QByteArray::number(port()) + '"';
+    return "--allow-pre-commit-input --host-resolver-rules=\"MAP * 127.0.0.1:" + QByteArray::number(port()) + '"';
 }
 
 void PageServer::setPage(const QString &host, const QString &path, const QByteArray &html)

@@ -16,7 +16,8 @@ class QTcpSocket;
 //     web.setPage("news.site.localhost", "/", "<title>News</title>...");
 //     qputenv("QTWEBENGINE_CHROMIUM_FLAGS", web.browserFlags());
 //
-// With these flags every address that a browser asks for, whatever its host, leads here, and none to the network. A
+// With these flags every address that a browser asks for, whatever its host, leads here, and none to the network; and
+// a page that has been loaded minds a click at once, even if it has not been drawn yet. A
 // host or path without a page of its own gets a plain page that tells its address. The server lives on the main thread;
 // pages may be set, and requests counted, from any.
 class PageServer : public QObject
