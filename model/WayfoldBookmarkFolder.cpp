@@ -452,7 +452,8 @@ bool WayfoldBookmarkFolder::writeDictionaryFile(const QString &path) const
     return PropertyList::writeFile(createDictionary(true), path);
 }
 
-// Of each folder the file holds a dictionary and a list, one inside the other.
+// Of each folder the file holds a dictionary and a list, one inside the other. What is not saved may be as deep as it
+// likes, and is not looked at: that would make all the entries of "Related History".
 bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
 {
     std::vector<const WayfoldBookmarkFolder *> level = {this};
@@ -460,7 +461,7 @@ bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
         std::vector<const WayfoldBookmarkFolder *> nextLevel;
         for (const WayfoldBookmarkFolder *folder : level) {
             for (const KDRBookmarkPtr &item : folder->children()) {
-                if (item->isFolder())
+                if (item->isFolder() && item->canBePersistent())
                     nextLevel.push_back(static_cast<const WayfoldBookmarkFolder *>(item.get()));
             }
         }

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void titlesOfControlCharacters();
     void cannotBeWritten();
     void deepestTree();
+    void deepSmartFolder();
 };
 
 void ItemFileTest::init()
@@ -568,6 +569,25 @@ void ItemFileTest::deepestTree()
     }
     QVERIFY(deepest >= 500);
     QVERIFY(deepest < 520);
+}
+
+void ItemFileTest::deepSmartFolder()
+{
+    // As deep as is saved, with a smart folder below in which others lie.
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("Related Bookmarks");
+    auto below = makeFolder("Inside");
+    smart->addChild(below);
+    for (int depth = 0; depth < 600; ++depth) {
+        const auto next = makeFolder("Inside");
+        below->addChild(next);
+        below = next;
+    }
+    auto root = makeFolder("T", {smart});
+    for (int depth = 0; depth < 510; ++depth)
+        root = makeFolder("T", {root});
+    QVERIFY(root->writeDictionaryFile(path()));
+    QCOMPARE(readBack()->deepChildCount(), 510U);
+    QVERIFY(!_home->read("Bookmarks.plist").contains("Inside"));
 }
 
 QTEST_MAIN(ItemFileTest)

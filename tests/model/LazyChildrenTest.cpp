@@ -1,6 +1,7 @@
 #include "model/LazyChildren.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
+#include "model/WayfoldAutoFolder.h"
 #include "tests/model/ModelTestSupport.h"
 
 #include <QtTest>
@@ -139,6 +140,7 @@ private Q_SLOTS:
     void copyOfCopyableOnes();
     void equality();
     void dictionary();
+    void writingMakesNoneInSmartFolders();
     void refreshMakesNone();
     void archive();
     void goneFolderLeavesItsItems();
@@ -508,6 +510,16 @@ void LazyChildrenTest::dictionary()
     QCOMPARE(written.size(), 5);
     QCOMPARE(written.at(1).toMap().value("Children").toList().size(), 2);
     QCOMPARE(written.at(4).toMap().value("URIDictionary").toMap().value("title").toString(), QString("c"));
+}
+
+void LazyChildrenTest::writingMakesNoneInSmartFolders()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle("Related History");
+    smart->addChild(_folder);
+    const auto root = makeFolder("Root", {makeFolder("a.example", {makeLink("Page"), smart})});
+    QVERIFY(root->writeDictionaryFile(_home->path("Bookmarks.plist")));
+    QVERIFY(_home->read("Bookmarks.plist").contains("Page"));
+    QCOMPARE(madeInAll(), 0);
 }
 
 void LazyChildrenTest::refreshMakesNone()
