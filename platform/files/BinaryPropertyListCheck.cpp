@@ -4,8 +4,6 @@
 #include "platform/files/XmlPropertyListWriter.h"
 
 #include <QtEndian>
-
-#include <QtEndian>
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -71,7 +69,8 @@ bool BinaryPropertyListCheck::readText(quint64 number, QByteArray *text)
     const QByteArrayView bytes(_data.constData() + object.position, qsizetype(object.length));
     if (!object.isWide) {
         text->append(bytes);
-        return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c > 0; });
+        // Whether a char has a sign depends on the processor.
+        return std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) { return c > 0 && c < 0x80; });
     }
     QString wide(qsizetype(object.length / 2), Qt::Uninitialized);
     qFromBigEndian<char16_t>(bytes.data(), wide.size(), wide.data());

@@ -1,3 +1,4 @@
+#include "model/UUIDSearch.h"
 #include "tests/model/HistoryReading.h"
 #include "tests/model/ModelTestSupport.h"
 #include "tests/support/BinaryPropertyList.h"
@@ -365,6 +366,11 @@ void HistoryReaderTest::forms_data()
             {"WebHistoryDates", QVariantList{QVariantMap{{"", "http://a.example/"},
                                                          {"title", QString::fromUtf8("\xc3\xa9\xf0\x9f\x98\x80")}}}}}),
         {QString::fromUtf8("\xc3\xa9\xf0\x9f\x98\x80")});
+    row("binary, bytes beyond ASCII in its text",
+        binaryPropertyList(QVariantMap{{"WebHistoryDates",
+                                        QVariantList{QVariantMap{{"", "http://a.example/Cafe"}, {"title", "Cafe"}}}}})
+            .replace("Cafe", "Caf\xe9"),
+        {QStringLiteral("Caf\ufffd")});
 }
 
 void HistoryReaderTest::forms()
@@ -377,8 +383,10 @@ void HistoryReaderTest::forms()
         const auto records = reader.read(path());
         QVERIFY(records);
         QStringList read;
-        for (unsigned i = 0; i < records->count(); ++i)
+        for (unsigned i = 0; i < records->count(); ++i) {
             read.append(records->title(i));
+            QVERIFY(records->isWanted(i, UUIDSearch({records->address(i)}))); // found by what it says of itself
+        }
         QCOMPARE(read, titles);
     }
 }
