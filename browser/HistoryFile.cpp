@@ -19,9 +19,9 @@ const QString countKey = QStringLiteral("visitCount");
 const QString entriesKey = QStringLiteral("WebHistoryDates");
 const QString versionKey = QStringLiteral("WebHistoryFileVersion");
 
-constexpr int writeDelay = 1000; // milliseconds
-// Writing may take this share of the time at most, however large the file is.
-constexpr int restPerWrite = 4;
+// In milliseconds: long enough for a page to tell its title, and short enough for the drawer, which looks every second,
+// to show a visit within two.
+constexpr int writeDelay = 200;
 
 const QDateTime referenceDate(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
 
@@ -147,6 +147,7 @@ void HistoryFile::finishWriting()
     if (finished->succeeded) {
         _stamp = finished->stamp;
         _lastWriteDuration = finished->duration;
+        _sinceWrite.start();
     } else {
         _unwritten = finished->changes + _unwritten;
         _wasCleared = _wasCleared || finished->clears;
@@ -225,8 +226,11 @@ QVariantMap HistoryFile::contents() const
     return result;
 }
 
+// However large the file is, it is written half of the time at most.
 void HistoryFile::writeLater()
 {
-    if (!_writeTimer.isActive())
-        _writeTimer.start(static_cast<int>(qMax<qint64>(writeDelay, restPerWrite * _lastWriteDuration)));
+    if (_writeTimer.isActive())
+        return;
+    const qint64 rest = _sinceWrite.isValid() ? _lastWriteDuration - _sinceWrite.elapsed() : 0;
+    _writeTimer.start(static_cast<int>(qMax<qint64>(writeDelay, rest)));
 }

@@ -3,6 +3,7 @@
 #include "platform/files/FileStamp.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QStringList>
@@ -89,5 +90,6 @@ private:
     };
     std::unique_ptr<Writing> _writing;
     qint64 _lastWriteDuration = 0; // milliseconds
+    QElapsedTimer _sinceWrite;     // invalid before the first
     QTimer _writeTimer;
 };
