@@ -4,6 +4,8 @@
 #include "benchmarks/FilterPeers.h"
 #include "benchmarks/Typing.h"
 
+#include <QScrollBar>
+
 namespace
 {
 // From the change of the search field to the list that is ready to be painted.
@@ -15,6 +17,20 @@ Typing typeInto(QLineEdit &field, OutlineView &list)
     };
     return Typing(search, [&] { search(QString()); });
 }
+
+// One screen of a list of nearly all entries, elsewhere in it each time.
+double paintScreens(QLineEdit &field, OutlineView &list)
+{
+    field.setText(QStringLiteral("http"));
+    DrawerOnFiles::layOut(list);
+    QScrollBar &bar = *list.verticalScrollBar();
+    const double time = Figures::medianMilliseconds([&] {
+        bar.setValue((bar.value() + bar.maximum() / 3) % bar.maximum());
+        list.viewport()->grab();
+    });
+    field.clear();
+    return time;
+}
 } // namespace
 
 bool measureFiltering(Figures &figures, GeneratedFiles &files, bool peers)
@@ -25,6 +41,7 @@ bool measureFiltering(Figures &figures, GeneratedFiles &files, bool peers)
     const Typing history = typeInto(drawer.historyField(), drawer.history());
     figures.add(QStringLiteral("filter_ms_worst"), history.worst(), unit, QStringLiteral("proxy_filter_ms_worst"));
     figures.add(QStringLiteral("filter_ms_median"), history.median(), unit);
+    figures.add(QStringLiteral("list_paint_ms"), paintScreens(drawer.historyField(), drawer.history()), unit);
     drawer.controller()->showBookmarkTabView();
     figures.add(QStringLiteral("bookmark_filter_ms_worst"),
                 typeInto(drawer.bookmarkField(), drawer.bookmarks()).worst(), unit);
