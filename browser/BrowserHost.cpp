@@ -7,6 +7,13 @@
 #include "browser/SiteIcons.h"
 #include "browser/SymbolIcon.h"
 
+#include <QGuiApplication>
+
+namespace
+{
+constexpr QSizeF naturalSize(32, 32); // of the drawings, in device-independent pixels
+} // namespace
+
 BrowserHost::BrowserHost(BrowserServices &services, KeyWindow keyWindow)
     : _services(services)
     , _keyWindow(std::move(keyWindow))
@@ -47,7 +54,15 @@ QString BrowserHost::historyFilePath() const
 
 QImage BrowserHost::imageNamed(const QString &name, const QSize &size) const
 {
-    return name == QLatin1String("BookmarkPreferences") ? SymbolIcon::image(QStringLiteral("link"), size) : QImage();
+    if (name != QLatin1String("BookmarkPreferences"))
+        return {};
+    const QString symbol = QStringLiteral("link");
+    if (!size.isEmpty())
+        return SymbolIcon::image(symbol, size);
+    const qreal density = qGuiApp->devicePixelRatio();
+    QImage image = SymbolIcon::image(symbol, (naturalSize * density).toSize());
+    image.setDevicePixelRatio(density);
+    return image;
 }
 
 QImage BrowserHost::siteIconForAddress(const QString &address, const QSize &size) const

@@ -10,6 +10,8 @@
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
 
+#include <QGuiApplication>
+
 namespace
 {
 bool isMailAddress(const Url &url)
@@ -22,7 +24,11 @@ std::shared_ptr<Image> siteIconForAddress(const QString &address)
     const HostApplication *const host = currentHost();
     if (!host)
         return nullptr;
-    return ItemImages::neverCached(Image::imageWithPicture(host->siteIconForAddress(address, QSize(16, 16))));
+    // A size in points, so that the icon is as sharp as the screen.
+    const qreal density = qGuiApp->devicePixelRatio();
+    QImage picture = host->siteIconForAddress(address, (QSizeF(16, 16) * density).toSize());
+    picture.setDevicePixelRatio(density);
+    return ItemImages::neverCached(Image::imageWithPicture(picture));
 }
 } // namespace
 

@@ -28,8 +28,10 @@ public:
     virtual QString bookmarkFilePath() const = 0;
     virtual QString historyFilePath() const = 0;
 
-    // The image that the host knows by that name, in a resolution fit for `size`; null when there is none.
+    // The image that the host knows by that name, in a resolution fit for `size` (pixels); an empty size: the image as
+    // it is, in its natural one. Null when there is none.
     virtual QImage imageNamed(const QString &name, const QSize &size) const = 0;
-    // The icon of the site that the address belongs to, from what the browser has seen already; null when it has none.
+    // The icon of the site that the address belongs to, from what the browser has seen already, for that size (pixels);
+    // null when it has none.
     virtual QImage siteIconForAddress(const QString &address, const QSize &size) const = 0;
 };

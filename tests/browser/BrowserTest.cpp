@@ -625,7 +625,10 @@ void BrowserTest::images()
 {
     const QImage image = _browser->host().imageNamed("BookmarkPreferences", QSize(24, 24));
     QCOMPARE(image.size(), QSize(24, 24));
+    const QImage natural = _browser->host().imageNamed("BookmarkPreferences", QSize());
+    QCOMPARE(natural.deviceIndependentSize(), QSizeF(32, 32));
     QVERIFY(_browser->host().imageNamed("Nothing", QSize(24, 24)).isNull());
+    QVERIFY(_browser->host().imageNamed("Nothing", QSize()).isNull());
     QVERIFY(_browser->host().siteIconForAddress("http://never.example/", QSize(16, 16)).isNull());
 }
 

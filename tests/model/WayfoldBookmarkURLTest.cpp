@@ -24,6 +24,7 @@ private Q_SLOTS:
     void tooltip();
     void search_data();
     void search();
+    void searchAfterChanges();
     void equality();
     void copy();
     void archive();
@@ -157,6 +158,23 @@ void WayfoldBookmarkURLTest::search()
     const auto made = makeLink("Title", "http://a.Example/Path%20");
     QCOMPARE(made->bookmarksWithSubstring(substring).size(), std::size_t(found ? 1 : 0));
     QVERIFY(WayfoldBookmarkURL::bookmarkWithTitle(QString())->bookmarksWithSubstring(substring).empty());
+}
+
+void WayfoldBookmarkURLTest::searchAfterChanges()
+{
+    const auto made = makeLink("first", "http://second.example/");
+    const auto isFound = [&](const char *text) { return !made->bookmarksWithSubstring(text).empty(); };
+    QVERIFY(isFound("first") && isFound("second"));
+    made->setTitle("third");
+    QVERIFY(isFound("third") && isFound("second") && !isFound("first"));
+    made->setURL(Url::URLWithString("http://fourth.example/"));
+    QVERIFY(isFound("third") && isFound("fourth") && !isFound("second"));
+    made->setValue({});
+    QVERIFY(isFound("third") && !isFound("fourth"));
+    made->initFromDictionary(leafDictionary("fifth", "http://sixth.example/"));
+    QVERIFY(isFound("fifth") && isFound("sixth") && !isFound("third"));
+    made->init();
+    QVERIFY(!isFound("fifth") && !isFound("sixth"));
 }
 
 void WayfoldBookmarkURLTest::equality()
@@ -296,11 +314,12 @@ void WayfoldBookmarkURLTest::siteIcon()
     QImage picture(16, 16, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::red);
     host.siteIcons.insert("http://a.example/", picture);
+    const QSize pixels = QSize(16, 16) * qGuiApp->devicePixelRatio(); // sharp on every screen
     const auto image = makeLink("T")->imageForCellSize(QSizeF(32, 32));
     QVERIFY(image);
     QCOMPARE(image->cacheMode(), Image::NSImageCacheNever);
     QCOMPARE(image->size(), QSizeF(16, 16));
-    QCOMPARE(host.sizes, QList<QSize>{QSize(16, 16)});
+    QCOMPARE(host.sizes, QList<QSize>{pixels});
     QCOMPARE(host.addresses, QStringList{"http://a.example/"});
     QVERIFY(!makeLink("T", "http://unseen.example/")->imageForCellSize(QSizeF(16, 16)));
     QVERIFY(WayfoldHistoryURL::bookmarkWithTitleAndURL("T", Url::URLWithString("http://a.example/"))
