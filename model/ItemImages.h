@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/FileIcons.h"
 #include "platform/widgets/Image.h"
 
 #include <memory>
@@ -13,6 +14,7 @@ struct ItemImages
     std::shared_ptr<Image> webLink;
     std::shared_ptr<Image> mail;
     std::shared_ptr<Image> note;
+    FileIcons files;
 
     static ItemImages &shared();
     // As before the first use, for tests.

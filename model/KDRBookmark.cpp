@@ -1,11 +1,10 @@
 #include "model/KDRBookmark.h"
 
 #include "model/ItemDictionary.h"
+#include "model/ItemImages.h"
 #include "model/TextSearch.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/StringRules.h"
-#include "platform/widgets/Image.h"
-#include "platform/widgets/Workspace.h"
 
 #include <QUuid>
 #include <utility>
@@ -100,7 +99,7 @@ void KDRBookmark::setValue(const QVariant &value)
 
 KDRBookmarkPtr KDRBookmark::findByUUID(const QString &uuid)
 {
-    return !uuid.isNull() && ItemDictionary::isSameText(this->uuid(), uuid) ? shared_from_this() : nullptr;
+    return !uuid.isEmpty() && this->uuid() == uuid ? shared_from_this() : nullptr;
 }
 
 bool KDRBookmark::isChildOf(const KDRBookmarkPtr &item) const
@@ -213,7 +212,7 @@ std::shared_ptr<Image> KDRBookmark::imageForCellSize(const QSizeF &size)
 
 std::shared_ptr<Image> KDRBookmark::loadIconForFileScaledTo(const QString &path, const QSizeF &size)
 {
-    std::shared_ptr<Image> icon = Workspace::iconForFile(path);
+    const std::shared_ptr<Image> icon = ItemImages::shared().files.iconForFile(path);
     if (icon && !size.isNull()) {
         icon->setScalesWhenResized(true);
         icon->setSize(size);

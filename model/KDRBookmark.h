@@ -93,7 +93,8 @@ public:
     virtual void setValue(const QVariant &value);
     virtual QString tooltipText() const { return {}; }
 
-    // This item or the first of its descendants, depth first, that has the identifier.
+    // This item or the first of its descendants, depth first, that has the identifier. None for the empty one: items
+    // without an identifier cannot be told apart by it.
     virtual KDRBookmarkPtr findByUUID(const QString &uuid);
     // Whether this item lies anywhere below `item`.
     bool isChildOf(const KDRBookmarkPtr &item) const;
@@ -134,7 +135,7 @@ public:
 
     // None: the item is shown without an image.
     virtual std::shared_ptr<Image> imageForCellSize(const QSizeF &size);
-    // The desktop's icon of a file; the zero size keeps the icon's own.
+    // The desktop's icon of a file, a new image each time (see FileIcons); the zero size keeps the icon's own.
     static std::shared_ptr<Image> loadIconForFileScaledTo(const QString &path, const QSizeF &size);
     // Whether the user accepted the kind's dialog; false when it has none.
     virtual bool editViaDialog() { return false; }

@@ -28,7 +28,9 @@ WayfoldBookmarkFilePtr WayfoldBookmarkFile::bookmarkFromDictionary(const QVarian
 
 QString WayfoldBookmarkFile::tooltipText() const
 {
-    return url().path();
+    const QString path = url().path();
+    // Addresses of folders end in a slash, paths do not.
+    return path.size() > 1 && path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
 }
 
 std::shared_ptr<Image> WayfoldBookmarkFile::imageForCellSize(const QSizeF &size)

@@ -49,6 +49,8 @@ private Q_SLOTS:
     void archiveKeys_data();
     void archiveKeys();
     void archivesKeepNoneAndEmptyApart();
+    void linksKeepTheirAddress_data();
+    void linksKeepTheirAddress();
     void equality();
     void equalityIsOneSided();
     void iconOfAFile();
@@ -232,6 +234,9 @@ void KDRBookmarkTest::findByUUID()
     item->setUUID(QString());
     QVERIFY(!item->findByUUID(QString()));
     QVERIFY(!item->findByUUID(""));
+    item->setUUID(""); // an identifier by which nothing can be told apart
+    QVERIFY(!item->findByUUID(""));
+    QVERIFY(!makeFolder("Home", {item})->findByUUID(""));
 }
 
 void KDRBookmarkTest::isChildOf()
@@ -249,6 +254,10 @@ void KDRBookmarkTest::isChildOf()
     QVERIFY(!item->isChildOf(other));
     QVERIFY(!item->isChildOf(nullptr));
     QVERIFY(!inner->isChildOf(inner));
+    // Who is taken out keeps the way up.
+    QVERIFY(inner->removeChild(item));
+    QVERIFY(item->isChildOf(inner));
+    QVERIFY(item->isChildOf(outer));
 }
 
 void KDRBookmarkTest::childIsAtIndex()
@@ -500,6 +509,28 @@ void KDRBookmarkTest::archivesKeepNoneAndEmptyApart()
     item->setTitle("");
     decoded = roundTripThroughArchive(item);
     QVERIFY(decoded->title().isEmpty() && !decoded->title().isNull());
+}
+
+void KDRBookmarkTest::linksKeepTheirAddress_data()
+{
+    QTest::addColumn<WayfoldBookmarkURLPtr>("link");
+    const Url web = Url::URLWithString("http://a.example/b%20c");
+    QTest::newRow("web") << WayfoldBookmarkURL::bookmarkWithTitleAndURL("T", web);
+    QTest::newRow("file") << WayfoldBookmarkURL::bookmarkWithTitleAndURL("T", Url::fileURLWithPath("/tmp/a b.txt"));
+    QTest::newRow("mail") << WayfoldBookmarkURL::bookmarkWithTitleAndURL("T", Url::URLWithString("mailto:ann?cc=bob"));
+    QTest::newRow("history") << WayfoldBookmarkURLPtr(WayfoldHistoryURL::bookmarkWithTitleAndURL("T", web));
+}
+
+void KDRBookmarkTest::linksKeepTheirAddress()
+{
+    QFETCH(WayfoldBookmarkURLPtr, link);
+    QVERIFY(!link->url().isNull());
+    for (const KDRBookmarkPtr &other : {link->copy(), KDRBookmarkPtr(roundTripThroughArchive(link))}) {
+        QVERIFY(other);
+        QCOMPARE(other->type(), link->type());
+        QCOMPARE(other->valueAsString(), link->valueAsString());
+        QVERIFY(link->isEqual(other));
+    }
 }
 
 void KDRBookmarkTest::equality()

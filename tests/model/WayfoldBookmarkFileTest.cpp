@@ -48,6 +48,8 @@ void WayfoldBookmarkFileTest::tooltipIsThePath_data()
     QTest::newRow("blank") << Url::fileURLWithPath("/tmp/a b.txt") << "/tmp/a b.txt";
     QTest::newRow("not ASCII") << Url::fileURLWithPath(QString::fromUtf8("/tmp/ä.txt"))
                                << QString::fromUtf8("/tmp/ä.txt");
+    QTest::newRow("folder") << Url::URLWithString("file:///home/ann/dir/") << "/home/ann/dir";
+    QTest::newRow("root") << Url::URLWithString("file:///") << "/";
     QTest::newRow("none") << Url() << QString();
 }
 
@@ -66,6 +68,10 @@ void WayfoldBookmarkFileTest::image()
     QVERIFY(image);
     QCOMPARE(image->size(), Workspace::iconForFile(path)->size()); // the icon's own, whatever the cell's
     QVERIFY(!image->scalesWhenResized());
+    // Whatever size a list has drawn it at.
+    image->setScalesWhenResized(true);
+    image->setSize(QSizeF(48, 48));
+    QCOMPARE(made->imageForCellSize(QSizeF(48, 48))->size(), Workspace::iconForFile(path)->size());
     WayfoldDefaults::sharedInstance().setShowBookmarkIcons(false);
     QVERIFY(!made->imageForCellSize(QSizeF(48, 48)));
     WayfoldDefaults::sharedInstance().setShowBookmarkIcons(true);
