@@ -13,6 +13,7 @@
 #include "platform/files/UserDefaults.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <QLocale>
 #include <QPainter>
 
 // A home, settings and images as on the first day.
@@ -32,6 +33,16 @@ public:
         SmartFolderSources::setCurrent(nullptr);
         UserDefaults::standardUserDefaults().reset();
     }
+};
+
+// What the user has put first among the languages, until this goes.
+class UserLanguage
+{
+public:
+    explicit UserLanguage(const char *name) { QLocale::setDefault(QLocale(QString::fromLatin1(name))); }
+    ~UserLanguage() { QLocale::setDefault(QLocale::c()); }
+    UserLanguage(const UserLanguage &) = delete;
+    UserLanguage &operator=(const UserLanguage &) = delete;
 };
 
 // Notes down which dialog was opened on what, and answers as it was told.

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void tooltip();
     void image();
     void newViaDialog();
+    void titleInTheUsersLanguage();
     void editViaDialog();
     void dictionary();
 };
@@ -175,6 +176,13 @@ void WayfoldBookmarkEmailTest::newViaDialog()
     QCOMPARE(dialogs.item, made);
     dialogs.accepts = false;
     QVERIFY(!WayfoldBookmarkEmail::newViaDialog());
+}
+
+void WayfoldBookmarkEmailTest::titleInTheUsersLanguage()
+{
+    const UserLanguage german("de_DE");
+    RecordingDialogs dialogs;
+    QCOMPARE(WayfoldBookmarkEmail::newViaDialog()->title(), "Neuer E-Mail-Link");
 }
 
 void WayfoldBookmarkEmailTest::editViaDialog()

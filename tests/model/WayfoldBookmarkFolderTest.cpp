@@ -43,10 +43,12 @@ private Q_SLOTS:
     void noAutoFoldersWhenSwitchedOff();
     void equality();
     void equalityIsLopsided();
+    void equalityGoesChildByChild();
     void copiesAreDeep();
     void copyOfAFolderWithoutSearchString();
     void archive();
     void newViaDialog();
+    void titlesInTheUsersLanguage();
     void editViaDialog();
     void icon();
     void iconIsNotLoadedWhileIconsAreOff();
@@ -215,6 +217,13 @@ void WayfoldBookmarkFolderTest::removeAllLeafChildren()
     QCOMPARE(childTitles(*home), (QStringList{"Inner", "Last"}));
     QCOMPARE(childTitles(*inner), QStringList{"Innermost"});
     QCOMPARE(home->deepChildCount(), 3u);
+    // A smart folder is a folder as well.
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle("Smart");
+    smart->addChild(makeLink("E"));
+    home->addChild(smart);
+    home->removeAllLeafChildren();
+    QCOMPARE(home->lastChild(), smart);
+    QVERIFY(smart->isEmpty());
 }
 
 void WayfoldBookmarkFolderTest::removeEmptySubfoldersGoesOneLevelACall()
@@ -227,6 +236,13 @@ void WayfoldBookmarkFolderTest::removeEmptySubfoldersGoesOneLevelACall()
     QCOMPARE(b->childCount(), 0u);
     a->removeEmptySubfolders();
     QCOMPARE(childTitles(*a), QStringList{"Leaf"});
+    // Of smart folders, those that nobody has looked into are empty.
+    const auto full = WayfoldAutoFolder::bookmarkWithTitle("Full");
+    full->addChild(makeLink("L"));
+    a->addChild(WayfoldAutoFolder::bookmarkWithTitle("Not looked into"));
+    a->addChild(full);
+    a->removeEmptySubfolders();
+    QCOMPARE(childTitles(*a), (QStringList{"Leaf", "Full"}));
 }
 
 void WayfoldBookmarkFolderTest::sortChildrenByTitle()
@@ -430,6 +446,35 @@ void WayfoldBookmarkFolderTest::equalityIsLopsided()
     QVERIFY(told->isEqual(empty));
 }
 
+void WayfoldBookmarkFolderTest::equalityGoesChildByChild()
+{
+    const auto a = makeLink("A");
+    const auto b = makeLink("B");
+    const auto home = makeFolder("Home", {a, b});
+    home->setFilterString("Home");
+    const auto turned = WayfoldBookmarkFolder::fromItem(home->copy());
+    turned->sortChildrenByTitle();
+    QVERIFY(home->isEqual(turned));
+    const KDRBookmarkPtr first = turned->childAtIndex(0);
+    turned->removeChild(first);
+    turned->addChild(first);
+    QVERIFY(!home->isEqual(turned)); // the same children in another order
+
+    // Each child decides by its own rule, which may hold from one side only.
+    const Url address = Url::fileURLWithPath("/tmp/a.txt");
+    const auto web = WayfoldBookmarkURL::bookmarkWithTitle("A");
+    web->setURL(address);
+    const auto file = WayfoldBookmarkFile::bookmarkWithTitleAndURL("A", address);
+    file->setUUID(web->uuid());
+    const auto ours = makeFolder("Home", {web});
+    const auto theirs = makeFolder("Home", {file});
+    theirs->setUUID(ours->uuid());
+    ours->setFilterString("Home");
+    theirs->setFilterString("Home");
+    QVERIFY(ours->isEqual(theirs));
+    QVERIFY(!theirs->isEqual(ours));
+}
+
 void WayfoldBookmarkFolderTest::copiesAreDeep()
 {
     const auto leaf = makeLink("A");
@@ -492,6 +537,16 @@ void WayfoldBookmarkFolderTest::newViaDialog()
     QCOMPARE(dialogs.item, made);
     dialogs.accepts = false;
     QVERIFY(!WayfoldBookmarkFolder::newViaDialog());
+}
+
+void WayfoldBookmarkFolderTest::titlesInTheUsersLanguage()
+{
+    const UserLanguage german("de_DE");
+    RecordingDialogs dialogs;
+    QCOMPARE(WayfoldBookmarkFolder::newViaDialog()->title(), "Ordner ohne Titel");
+    const auto site = makeFolder("example.com");
+    site->addAutoFolders();
+    QCOMPARE(childTitles(*site), (QStringList{"Verwandte Lesezeichen", "Verwandte Seiten im Verlauf"}));
 }
 
 void WayfoldBookmarkFolderTest::editViaDialog()

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void readsValuesOfOtherTypes();
     void image();
     void newViaDialog();
+    void titleInTheUsersLanguage();
     void editViaDialog();
 };
 
@@ -234,6 +235,13 @@ void WayfoldBookmarkNoteTest::newViaDialog()
     QCOMPARE(dialogs.item, made);
     dialogs.accepts = false;
     QVERIFY(!WayfoldBookmarkNote::newViaDialog());
+}
+
+void WayfoldBookmarkNoteTest::titleInTheUsersLanguage()
+{
+    const UserLanguage german("de_DE");
+    RecordingDialogs dialogs;
+    QCOMPARE(WayfoldBookmarkNote::newViaDialog()->title(), "Notiz ohne Titel");
 }
 
 void WayfoldBookmarkNoteTest::editViaDialog()
