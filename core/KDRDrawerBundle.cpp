@@ -27,7 +27,7 @@ namespace
 {
 constexpr qreal minimumWindowWidth = 350;
 constexpr qreal minimumWindowHeight = 200;
-constexpr int secondsBetweenChecks = 1;
+constexpr auto betweenChecks = std::chrono::seconds(1);
 
 KDRDrawerBundle *shared = nullptr;
 
@@ -110,7 +110,7 @@ void KDRDrawerBundle::start()
         _itemFile.retrySave(*_bookmarkRoot);
         tagSafariFilesNextEvent();
     });
-    _timer.start(secondsBetweenChecks * 1000);
+    _timer.start(betweenChecks);
 }
 
 void KDRDrawerBundle::installHooks()
@@ -348,7 +348,7 @@ void KDRDrawerBundle::safariWillTerminate(const Notification & /*notification*/)
 
 void KDRDrawerBundle::updateDrawerForFrame(const std::shared_ptr<HostFrame> &frame)
 {
-    // Up to the first look at the settings this runs at every drawing of every page: nothing here may allocate.
+    // Up to the copy of the site key this runs at every drawing of every page: nothing here may allocate.
     const std::shared_ptr<HostWebView> view = frame ? frame->webView() : nullptr;
     if (!view || view->mainFrame() != frame)
         return;
@@ -366,17 +366,24 @@ void KDRDrawerBundle::updateDrawerForFrame(const std::shared_ptr<HostFrame> &fra
     if (sameSite && sameFrame)
         return;
 
-    const QString siteKey = siteKeyInPlace.toString();
+    // Without auto focus the label stays another than the site's, and this is the way out.
     const WayfoldDefaults &settings = WayfoldDefaults::sharedInstance();
-    if (settings.autoFocusOnSiteChange())
+    const bool focusesOnSite = settings.autoFocusOnSiteChange();
+    const bool opensForKnownSite = settings.openDrawerForKnownSite() && !sameSite;
+    const bool closesForUnknownSite = settings.closeDrawerForUnknownSite();
+    if (!focusesOnSite && !opensForKnownSite && !closesForUnknownSite)
+        return;
+
+    const QString siteKey = siteKeyInPlace.toString();
+    if (focusesOnSite)
         controller->setScratchDrawerLabelUsingFrame(siteKey.isNull() ? QStringLiteral("") : siteKey, frame);
     if (siteKey.isNull())
         return;
     const Drawer *object = drawer;
     if (isKnownSite(siteKey)) {
-        if (settings.openDrawerForKnownSite() && !sameSite)
+        if (opensForKnownSite)
             WayfoldToolkit::postDelayedNotificationNameObject(Notifications::DrawerShouldOpenForLocationChange, object);
-    } else if (settings.closeDrawerForUnknownSite()) {
+    } else if (closesForUnknownSite) {
         WayfoldToolkit::postDelayedNotificationNameObject(Notifications::DrawerShouldCloseForLocationChange, object);
     }
 }

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QTimer>
 #include <QVariantMap>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -118,6 +119,8 @@ public:
 
     static QString safariBookmarkFilePath();
     static QString safariHistoryFilePath();
+    // The timer that asks for a check at each tick: from one to the next.
+    std::chrono::milliseconds intervalOfChecks() const { return _timer.intervalAsDuration(); }
     // Asks for a check when the event loop is idle.
     void tagSafariFilesNextEvent();
     // Reads what has changed on disk since the last check, and says so in a notification.

@@ -356,7 +356,7 @@ void KDRDrawerBundleTest::startsInOrder()
 void KDRDrawerBundleTest::timerAsksForChecks()
 {
     NotificationLog log({Notifications::TagSafariFilesNotification});
-    store();
+    QCOMPARE(store().intervalOfChecks(), std::chrono::milliseconds(1000));
     QVERIFY(log.received.empty());
     QTRY_VERIFY_WITH_TIMEOUT(log.received.size() >= 2, 20000);
     QCOMPARE(log.received.front().object, static_cast<const void *>(&store()));

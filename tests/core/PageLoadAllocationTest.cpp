@@ -80,19 +80,31 @@ void PageLoadAllocationTest::countingWorks()
 void PageLoadAllocationTest::samePageAllocatesNothing_data()
 {
     QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("label");
     QTest::addColumn<bool>("autoFocus");
+    const QString none;
+    const QString allSites = QStringLiteral("Sites");
 
-    QTest::newRow("site shown") << "http://news.some-rather-long-name.example.com:8080/index.html" << true;
-    QTest::newRow("numeric address") << "http://192.168.100.100/" << true;
-    QTest::newRow("no host, no label") << "file:///home/ann/a.html" << false;
+    QTest::newRow("site shown") << "http://news.some-rather-long-name.example.com:8080/index.html" << none << true;
+    QTest::newRow("numeric address") << "http://192.168.100.100/" << none << true;
+    QTest::newRow("no host, no label") << "file:///home/ann/a.html" << none << false;
+    // Where the label follows no page, as for a new user, it differs from the site's at every drawing.
+    QTest::newRow("another label") << "http://news.some-rather-long-name.example.com/" << allSites << false;
+    QTest::newRow("another label, known site") << "http://www.some-rather-long-name.example.org/" << allSites << false;
+    QTest::newRow("no host, another label") << "file:///home/ann/a.html" << allSites << false;
 }
 
 void PageLoadAllocationTest::samePageAllocatesNothing()
 {
     QFETCH(QString, address);
+    QFETCH(QString, label);
     QFETCH(bool, autoFocus);
-    _fresh->settings().setAutoFocusOnSiteChange(autoFocus);
+    if (autoFocus)
+        _fresh->settings().setAutoFocusOnSiteChange(true);
     const auto window = _fresh->openWindow();
+    _fresh->controller().label = label;
+    StoreInTemporaryHome::addFolder(StoreInTemporaryHome::store().bookmarkRoot(),
+                                    QStringLiteral("some-rather-long-name.example.org"));
     const auto view = window->addTab(address);
     KDRDrawerBundle &store = StoreInTemporaryHome::store();
     store.updateDrawerForFrame(view->frame);
