@@ -244,6 +244,11 @@ std::shared_ptr<HostWindow> KDRDrawerController::parentWindow() const
 
 // --- Tabs -----------------------------------------------------------------------------------------------------------
 
+QWidget *KDRDrawerController::currentTabViewItem() const
+{
+    return _tabView ? _tabView->currentWidget() : nullptr;
+}
+
 QString KDRDrawerController::currentTabViewLabel() const
 {
     return _tabView ? _tabView->currentLabel() : QString();
@@ -358,7 +363,7 @@ void KDRDrawerController::undoParentWindowResize()
 void KDRDrawerController::storeContentWidth() const
 {
     if (_drawer)
-        WayfoldDefaults::sharedInstance().setDefaultDrawerContentWidth(float(_drawer->contentSize().width()));
+        WayfoldDefaults::sharedInstance().setDefaultDrawerContentWidth(float(_drawer->chosenContentWidth()));
 }
 
 // --- Opening and closing --------------------------------------------------------------------------------------------

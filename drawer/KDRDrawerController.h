@@ -47,6 +47,8 @@ public:
     std::shared_ptr<HostFrame> currentWebFrame() const override { return _currentWebFrame.lock(); }
     void setCurrentWebFrame(const std::shared_ptr<HostFrame> &frame) override { _currentWebFrame = frame; }
 
+    // The page of the current tab; null when there is none.
+    QWidget *currentTabViewItem() const;
     // The label of the current tab, "Scratchpad", "Bookmarks" or "History"; null when there is none.
     QString currentTabViewLabel() const;
     bool isScratchPadTabViewCurrent() const override;
@@ -57,7 +59,7 @@ public:
     void showHistoryTabView() override;
     // Gives the keyboard to the current tab.
     void selectInitialFirstResponder() override;
-    // Loads the data of the tab that is about to be shown.
+    // Loads the data of the tab that comes to the front.
     void tabViewWillSelectTab(const QString &identifier);
 
     // Chooses the edge that the drawer opens on; narrows the window when there is room on neither side.

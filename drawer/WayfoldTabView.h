@@ -27,7 +27,8 @@ public:
     // null when there is none.
     QWidget *initialFirstResponderOfTab(int index) const;
 
-    // Told the identifier of the tab that is about to be shown.
+    // Told the identifier of the tab that has come to the front, before anything of it is painted; told again when a
+    // tab is selected that is in front already.
     std::function<void(const QString &identifier)> willSelectTab;
 
 protected:

@@ -79,8 +79,8 @@ Drawer::Drawer(QWidget *parent)
         layOut();
     });
     connect(&_slide, &QVariantAnimation::finished, this, &Drawer::slideEnded);
-    connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthBeforeDrag = contentWidth(); });
-    connect(_grip, &DrawerGrip::dragged, this, &Drawer::dragWidth);
+    connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthWhenGrabbed = contentWidth(); });
+    connect(_grip, &DrawerGrip::dragged, this, &Drawer::moveFreeEdge);
 }
 
 Drawer::~Drawer()
@@ -429,10 +429,14 @@ void Drawer::putBack()
     QMetaObject::invokeMethod(this, put, Qt::QueuedConnection);
 }
 
-void Drawer::dragWidth(int distance)
+// From where it stood when the grip was taken. At the widest that there is room for, a chosen width that waits for more
+// room is left alone.
+void Drawer::moveFreeEdge(int distance)
 {
-    const qreal width = _widthBeforeDrag + (_edge == NSMinXEdge ? -distance : distance);
-    setContentSize(QSizeF(std::clamp(width, _minContentSize.width(), widestContent()), _contentSize.height()));
+    const qreal wanted = _widthWhenGrabbed + (_edge == NSMinXEdge ? -distance : distance);
+    const qreal width = std::clamp(wanted, _minContentSize.width(), widestContent());
+    if (width != contentWidth())
+        setContentSize(QSizeF(width, _contentSize.height()));
 }
 
 // The palette's own grounds with a line around the three free sides, and the parent's shadow on the fourth.

@@ -56,10 +56,11 @@ public:
     // Opens a drawer that is closed or closing, closes any other.
     void toggle();
 
-    // Both in device-independent pixels. The height follows the parent window; the width is the user's to change by
-    // dragging the free edge. An open drawer is between the minimum and three quarters of the screen wide, whatever was
-    // set.
+    // In device-independent pixels. The height follows the parent window; the width is the user's to change by the grip
+    // on the free edge. An open drawer is between the minimum and three quarters of the screen wide, whatever was set.
     QSizeF contentSize() const;
+    // The width that was set or that the user chose last; an open drawer is narrower where the screen has less room.
+    qreal chosenContentWidth() const { return _contentSize.width(); }
     // A width below the minimum is raised to it.
     void setContentSize(const QSizeF &size);
     QSizeF minContentSize() const { return _minContentSize; }
@@ -97,7 +98,7 @@ private:
     int openWidth() const;
     void layOut();
     void putBack();
-    void dragWidth(int distance);
+    void moveFreeEdge(int distance);
 
     std::weak_ptr<HostWindow> _parentWindow;
     const HostWindow *_attachedTo = nullptr; // only compared: the window may be gone
@@ -110,7 +111,7 @@ private:
     Edge _edge = NSMaxXEdge;
     QSizeF _contentSize;
     QSizeF _minContentSize;
-    qreal _widthBeforeDrag = 0;
+    qreal _widthWhenGrabbed = 0;
 
     QVariantAnimation _slide;
     int _slideDuration = -1; // negative: the desktop's

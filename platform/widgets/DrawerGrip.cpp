@@ -2,6 +2,7 @@
 
 #include "platform/files/Bundle.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -15,8 +16,8 @@ constexpr int dotDistance = 6;
 DrawerGrip::DrawerGrip(QWidget *parent) : QWidget(parent)
 {
     setCursor(Qt::SplitHCursor);
-    setFocusPolicy(Qt::NoFocus);
-    setToolTip(Bundle::localizedString(QStringLiteral("Drag to change the width")));
+    setFocusPolicy(Qt::TabFocus); // the mouse leaves the keyboard where it is
+    setToolTip(Bundle::localizedString(QStringLiteral("Drag or press the arrow keys to change the width")));
     setAccessibleName(Bundle::localizedString(QStringLiteral("Width of the drawer")));
 }
 
@@ -34,11 +35,24 @@ void DrawerGrip::mouseMoveEvent(QMouseEvent *event)
         Q_EMIT dragged(event->globalPosition().toPoint().x() - _start);
 }
 
+void DrawerGrip::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Left && event->key() != Qt::Key_Right) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    Q_EMIT grabbed();
+    Q_EMIT dragged(event->key() == Qt::Key_Left ? -keyStep : keyStep);
+}
+
 void DrawerGrip::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    QColor color = palette().color(QPalette::WindowText);
-    color.setAlphaF(0.35F);
+    QColor color = palette().color(hasFocus() ? QPalette::HighlightedText : QPalette::WindowText);
+    if (hasFocus())
+        painter.fillRect(rect(), palette().color(QPalette::Highlight));
+    else
+        color.setAlphaF(0.35F);
     const int x = (width() - dotSize) / 2;
     const int y = (height() - (dots - 1) * dotDistance - dotSize) / 2;
     for (int i = 0; i < dots; ++i)

@@ -412,8 +412,8 @@
         <translation>Breite der Schublade</translation>
     </message>
     <message>
-        <source>Drag to change the width</source>
-        <translation>Ziehen, um die Breite zu ändern</translation>
+        <source>Drag or press the arrow keys to change the width</source>
+        <translation>Ziehen oder Pfeiltasten drücken, um die Breite zu ändern</translation>
     </message>
     <message>
         <source>Related Bookmarks</source>

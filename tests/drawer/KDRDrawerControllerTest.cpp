@@ -6,6 +6,7 @@
 #include "platform/files/Bundle.h"
 #include "tests/drawer/DrawerStage.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDialog>
 #include <QLineEdit>
@@ -40,7 +41,8 @@ private Q_SLOTS:
     void roomOnAnotherScreen();
     void roomForAWiderDrawer();
     void narrowedWindowIsPutBack();
-    void movedWindowStaysWhereItIs();
+    void changedWindowStaysAsItIs_data();
+    void changedWindowStaysAsItIs();
     void resizeForgetsTheLastOne();
 
     void locationOpens();
@@ -49,19 +51,28 @@ private Q_SLOTS:
     void frameIsHeldWeakly();
 
     void closingStoresTheWidth();
+    void closingOnANarrowScreenKeepsTheWidth_data();
+    void closingOnANarrowScreenKeepsTheWidth();
     void closingDeselectsAndClearsTheFlag();
+    void closingWithoutTabs();
 
     void closingTheWindow();
     void closingTheWindowOfAnOpeningDrawer();
+    void closingTheWindowOfAClosingDrawer();
     void closingTheWindowOfAClosedDrawer();
     void closingTheWindowDuringAnAlert();
     void closingTheWindowDuringADialogKeepsWhatWasTyped();
     void windowVanishes();
+    void missingInterfaceFile();
 
     void scratchLabels();
     void globalRoot();
     void menuItemsAskTheCurrentList();
     void commandsShowTheScratchpad();
+    void commandsMakeNewItems_data();
+    void commandsMakeNewItems();
+    void buttonsMakeNewItems_data();
+    void buttonsMakeNewItems();
     void keyboardGoesToTheList();
     void contentFitsIntoTheDrawer();
     void closeCommandOfTheDrawer();
@@ -78,6 +89,15 @@ private:
     void post(const QString &name)
     {
         NotificationCenter::defaultCenter().postNotificationName(name, static_cast<const Drawer *>(drawer()));
+    }
+
+    // Types a title into the dialog that opens next, and accepts it.
+    void acceptNextDialog()
+    {
+        DrawerStage::whenDialogOpens<QDialog>(this, [](QDialog *dialog) {
+            dialog->findChild<QLineEdit *>(QStringLiteral("titleField"))->setText(QStringLiteral("Typed"));
+            QTest::keyClick(dialog, Qt::Key_Return);
+        });
     }
 
     std::optional<DrawerStage> _stage;
@@ -104,6 +124,7 @@ void KDRDrawerControllerTest::tabs()
     controller()->showHistoryTabView();
     QVERIFY(controller()->isHistoryTabViewCurrent());
     QCOMPARE(controller()->currentTabViewLabel(), QStringLiteral("History"));
+    QCOMPARE(controller()->currentTabViewItem(), tabs->widget(2));
     controller()->showScratchPadTabView();
     QVERIFY(controller()->isScratchPadTabViewCurrent());
     QVERIFY(!controller()->isHistoryTabViewCurrent());
@@ -273,15 +294,26 @@ void KDRDrawerControllerTest::narrowedWindowIsPutBack()
     QVERIFY(_window->frameRequests.back().animate);
 }
 
-void KDRDrawerControllerTest::movedWindowStaysWhereItIs()
+void KDRDrawerControllerTest::changedWindowStaysAsItIs_data()
 {
+    QTest::addColumn<QRectF>("change");
+    QTest::newRow("moved") << QRectF(0, 10, 0, 0);
+    QTest::newRow("moved sideways") << QRectF(-1, 0, 0, 0);
+    QTest::newRow("wider") << QRectF(0, 0, 1, 0);
+    QTest::newRow("lower") << QRectF(0, 0, 0, -20);
+}
+
+void KDRDrawerControllerTest::changedWindowStaysAsItIs()
+{
+    QFETCH(QRectF, change);
     openWindow(QRectF(260, 50, 880, 500));
     drawer()->open();
-    const QRectF moved = _window->frame().translated(0, 10);
-    _window->windowFrame = moved;
+    const QRectF narrowed = _window->frame();
+    const QRectF changed(narrowed.topLeft() + change.topLeft(), narrowed.size() + change.size());
+    _window->windowFrame = changed;
     _window->frameDidChange();
     drawer()->close();
-    QCOMPARE(_window->frame(), moved);
+    QCOMPARE(_window->frame(), changed);
     QCOMPARE(_window->frameRequests.size(), 1U);
 }
 
@@ -357,6 +389,29 @@ void KDRDrawerControllerTest::closingStoresTheWidth()
     QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 333.0F);
 }
 
+void KDRDrawerControllerTest::closingOnANarrowScreenKeepsTheWidth_data()
+{
+    QTest::addColumn<bool>("closesTheDrawer");
+    QTest::newRow("the drawer") << true;
+    QTest::newRow("the window") << false;
+}
+
+// The width that was chosen on a wide screen, not the one that there is room for here.
+void KDRDrawerControllerTest::closingOnANarrowScreenKeepsTheWidth()
+{
+    QFETCH(bool, closesTheDrawer);
+    DrawerStage::settings().setDefaultDrawerContentWidth(900);
+    openWindow(QRectF(100, 100, 600, 500));
+    _window->screenFrame = QRectF(0, 0, 1024, 768);
+    drawer()->open();
+    QCOMPARE(drawer()->contentSize().width(), 748.0);
+    if (closesTheDrawer)
+        drawer()->close();
+    else
+        _window->close();
+    QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 900.0F);
+}
+
 void KDRDrawerControllerTest::closingDeselectsAndClearsTheFlag()
 {
     openWindow();
@@ -379,6 +434,27 @@ void KDRDrawerControllerTest::closingDeselectsAndClearsTheFlag()
     controller()->showHistoryTabView();
     drawer()->close();
     QCOMPARE(list().selectedRow(), 0);
+}
+
+// No label matches then: the rest of the closing is done all the same.
+void KDRDrawerControllerTest::closingWithoutTabs()
+{
+    openWindow(QRectF(260, 50, 880, 500));
+    DrawerStage::store().bookmarkRoot()->addChild(DrawerStage::note(QStringLiteral("Note")));
+    drawer()->reloadBookmarks();
+    drawer()->open();
+    list().selectRow(0);
+    drawer()->setContentSize(QSizeF(333, 400));
+    controller()->markDrawerAsOpenedManually(true);
+    controller()->tabView()->clear();
+    QVERIFY(!controller()->currentTabViewItem());
+    QVERIFY(controller()->currentTabViewLabel().isNull());
+    drawer()->close();
+    QCOMPARE(drawer()->state(), Drawer::Closed);
+    QCOMPARE(list().selectedRow(), 0);
+    QVERIFY(!controller()->drawerOpenedManually());
+    QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 333.0F);
+    QCOMPARE(_window->frame(), QRectF(260, 50, 880, 500));
 }
 
 void KDRDrawerControllerTest::closingTheWindow()
@@ -416,15 +492,37 @@ void KDRDrawerControllerTest::closingTheWindowOfAnOpeningDrawer()
     QVERIFY(!_window->frameRequests.back().animate);
 }
 
-void KDRDrawerControllerTest::closingTheWindowOfAClosedDrawer()
+// On its way in it is as good as closed: the window, which is gone anyway, is left as it is.
+void KDRDrawerControllerTest::closingTheWindowOfAClosingDrawer()
 {
     openWindow(QRectF(260, 50, 880, 500));
     drawer()->open();
+    drawer()->setSlideDuration(5000);
     drawer()->close();
+    QCOMPARE(drawer()->state(), Drawer::Closing);
     const std::size_t requests = _window->frameRequests.size();
     const QPointer<KDRDrawerController> alive = controller();
     _window->close();
     QCOMPARE(_window->frameRequests.size(), requests);
+    QTRY_VERIFY(!alive);
+    QCOMPARE(_window->frameRequests.size(), requests);
+}
+
+void KDRDrawerControllerTest::closingTheWindowOfAClosedDrawer()
+{
+    openWindow(QRectF(260, 50, 880, 500));
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), _window->frontWebView->frame);
+    drawer()->open();
+    drawer()->close();
+    drawer()->setContentSize(QSizeF(333, 400));
+    controller()->scratchDataSource()->localRootFolder()->addChild(DrawerStage::note(QStringLiteral("Last words")));
+    _stage->removeSavedFile();
+    const std::size_t requests = _window->frameRequests.size();
+    const QPointer<KDRDrawerController> alive = controller();
+    _window->close();
+    QCOMPARE(_window->frameRequests.size(), requests);
+    QCOMPARE(DrawerStage::settings().defaultDrawerContentWidth(), 333.0F);
+    QVERIFY(_stage->savedFile().contains("Last words"));
     QTRY_VERIFY(!alive);
 }
 
@@ -492,6 +590,33 @@ void KDRDrawerControllerTest::windowVanishes()
     QTRY_VERIFY(!alive);
 }
 
+// The browser goes on, without a drawer.
+void KDRDrawerControllerTest::missingInterfaceFile()
+{
+    const QByteArray bundle = qgetenv("WAYFOLD_BUNDLE");
+    const auto restored = qScopeGuard([&] { qputenv("WAYFOLD_BUNDLE", bundle); });
+    DrawerStage::settings().setAutoFocusOnSiteChange(true);
+    DrawerStage::settings().setOpenDrawerOnNewWindow(true);
+    DrawerStage::store();
+    qputenv("WAYFOLD_BUNDLE", _stage->home.path(QStringLiteral("nowhere.plugin")).toUtf8());
+    _window = _stage->host.openWindow();
+    _window->addTab(QStringLiteral("http://news.example.com/"));
+    _window->becomeKey();
+    QVERIFY(DrawerStage::store().isWindowTracked(_window.get()));
+    QVERIFY(!DrawerStage::store().drawerForWindow(_window.get()));
+
+    _stage->host.finishLoad(*_window->frontWebView, _window->frontWebView->frame);
+    _stage->host.draw(*_window->frontWebView);
+    DrawerStage::store().handleToggleKDRDrawer(nullptr);
+    DrawerStage::store().handleShowHistoryTabView(nullptr);
+    DrawerStage::store().handleNewNoteRequest(nullptr);
+    DrawerStage::store().handleSaveCurrentURLRequest(nullptr);
+    QVERIFY(!DrawerStage::store().openKDRDrawer());
+    DrawerStage::store().updateAllDrawerContentsExceptFor(nullptr);
+    QCOMPARE(DrawerStage::store().bookmarkRoot()->childCount(), 0U);
+    _window->close();
+}
+
 // --- Scratchpad -----------------------------------------------------------------------------------------------------
 
 void KDRDrawerControllerTest::scratchLabels()
@@ -544,6 +669,51 @@ void KDRDrawerControllerTest::commandsShowTheScratchpad()
     }
     QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("A story")});
     QCOMPARE(drawer()->state(), Drawer::Open);
+}
+
+void KDRDrawerControllerTest::commandsMakeNewItems_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<int>("type");
+    QTest::newRow("subfolder") << QByteArray("newSubfolderButton") << int(KDRBookmark::FolderType);
+    QTest::newRow("note") << QByteArray("newNoteButton") << int(KDRBookmark::NoteType);
+    QTest::newRow("mail") << QByteArray("newEmailButton") << int(KDRBookmark::EmailLinkType);
+}
+
+// With the drawer open, and another tab in front.
+void KDRDrawerControllerTest::commandsMakeNewItems()
+{
+    QFETCH(int, type);
+    openWindow();
+    drawer()->open();
+    controller()->showHistoryTabView();
+    acceptNextDialog();
+    if (type == KDRBookmark::FolderType)
+        controller()->handleNewSubFolderRequest(nullptr);
+    else if (type == KDRBookmark::NoteType)
+        controller()->handleNewNoteRequest(nullptr);
+    else
+        controller()->handleNewEmailRequest(nullptr);
+    QVERIFY(controller()->isScratchPadTabViewCurrent());
+    QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("Typed")});
+    QCOMPARE(int(DrawerStage::store().bookmarkRoot()->children().at(0)->type()), type);
+}
+
+void KDRDrawerControllerTest::buttonsMakeNewItems_data()
+{
+    commandsMakeNewItems_data();
+}
+
+void KDRDrawerControllerTest::buttonsMakeNewItems()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(int, type);
+    openWindow();
+    drawer()->open();
+    acceptNextDialog();
+    drawer()->findChild<QAbstractButton *>(QString::fromLatin1(button))->click();
+    QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("Typed")});
+    QCOMPARE(int(DrawerStage::store().bookmarkRoot()->children().at(0)->type()), type);
 }
 
 void KDRDrawerControllerTest::keyboardGoesToTheList()

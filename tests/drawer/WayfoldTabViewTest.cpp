@@ -35,7 +35,7 @@ private Q_SLOTS:
     void acceptableTypesInOrder();
     void identifiersAndLabels();
     void selectsByIdentifier();
-    void tellsBeforeATabShows();
+    void tellsOfEverySelection();
     void responders();
     void dragsSwitchTabs_data();
     void dragsSwitchTabs();
@@ -91,7 +91,7 @@ void WayfoldTabViewTest::selectsByIdentifier()
     QCOMPARE(_view->currentIndex(), 2);
 }
 
-void WayfoldTabViewTest::tellsBeforeATabShows()
+void WayfoldTabViewTest::tellsOfEverySelection()
 {
     QStringList told;
     _view->willSelectTab = [&told](const QString &identifier) { told.append(identifier); };

@@ -6,6 +6,7 @@
 #include "tests/support/FakeHost.h"
 
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QScreen>
 #include <QStyle>
 #include <QTest>
@@ -14,13 +15,23 @@ namespace N = PlatformNotifications;
 
 namespace
 {
-// Handles events until the drawer, which slides slowly, is between the two widths.
-void slideInto(const Drawer &drawer, int least, int most)
+// How much of a drawer on the right is out, as it has laid itself out: what a window manager says of it comes later.
+int partOut(const Drawer &drawer)
 {
-    while (drawer.width() < least || drawer.width() > most)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return drawer.findChild<DrawerGrip *>()->parentWidget()->geometry().right() + 1;
 }
-constexpr int slowly = 5000;
+
+// Handles events until the drawer, which slides slowly, is partly out. False when it has got to the end without.
+bool slidesPartly(const Drawer &drawer)
+{
+    while (partOut(drawer) < 2 || partOut(drawer) > 199) {
+        if (drawer.state() == Drawer::Open || drawer.state() == Drawer::Closed)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+constexpr int slowly = 20000;
 
 // All screens, the tests' own among them: a drawer may reach from one onto the next.
 QRect desktop()
@@ -76,6 +87,11 @@ private Q_SLOTS:
     void gripChangesTheWidth_data();
     void gripChangesTheWidth();
     void gripStopsAtTheMinimumAndThreeQuartersOfTheScreen();
+    void gripLeavesAWiderChoiceAlone();
+    void gripWorksByKeyboard_data();
+    void gripWorksByKeyboard();
+    void gripIsReachedByTab();
+    void gripTakesNoKeyboardFromTheMouse();
 
     void isListedWithItsWindow();
     void changesWindows();
@@ -208,10 +224,10 @@ void DrawerTest::slidesOut()
     _drawer->open();
     QCOMPARE(_drawer->state(), Drawer::Opening);
     QVERIFY(_drawer->isVisible());
-    QVERIFY(_drawer->width() < 200);
+    QVERIFY(partOut(*_drawer) < 200);
     QCOMPARE(_posted, QStringList({"WillOpen"}));
     QTRY_COMPARE(_drawer->state(), Drawer::Open);
-    QCOMPARE(_drawer->width(), 200);
+    QTRY_COMPARE(_drawer->width(), 200);
     QCOMPARE(_posted, QStringList({"WillOpen", "DidOpen"}));
 
     _drawer->close();
@@ -226,15 +242,14 @@ void DrawerTest::turnsRoundWhileClosing()
     _posted.clear();
     _drawer->setSlideDuration(slowly);
     _drawer->close();
-    slideInto(*_drawer, 100, 195);
-    const int width = _drawer->width();
-    _drawer->setSlideDuration(60);
+    QVERIFY(slidesPartly(*_drawer));
+    const int out = partOut(*_drawer);
     _drawer->open();
     QCOMPARE(_drawer->state(), Drawer::Opening);
-    QCOMPARE(_drawer->width(), width); // from where it was
+    QCOMPARE(partOut(*_drawer), out); // from where it was
     QTRY_COMPARE(_drawer->state(), Drawer::Open);
     QCOMPARE(_posted, QStringList({"WillClose", "DidOpen"}));
-    QCOMPARE(_drawer->width(), 200);
+    QTRY_COMPARE(_drawer->width(), 200);
     QVERIFY(_drawer->isVisible());
 }
 
@@ -242,10 +257,11 @@ void DrawerTest::turnsRoundWhileOpening()
 {
     _drawer->setSlideDuration(slowly);
     _drawer->open();
-    slideInto(*_drawer, 5, 100);
-    _drawer->setSlideDuration(60);
+    QVERIFY(slidesPartly(*_drawer));
+    const int out = partOut(*_drawer);
     _drawer->toggle();
     QCOMPARE(_drawer->state(), Drawer::Closing);
+    QCOMPARE(partOut(*_drawer), out);
     QTRY_COMPARE(_drawer->state(), Drawer::Closed);
     QCOMPARE(_posted, QStringList({"WillOpen", "WillClose", "DidClose"}));
 }
@@ -533,6 +549,7 @@ void DrawerTest::widthIsLimitedByTheScreen()
     _drawer->open();
     QCOMPARE(widthBeforeItOpens, 730.0);
     QCOMPARE(_drawer->contentSize().width(), 730.0);
+    QCOMPARE(_drawer->chosenContentWidth(), 1500.0);
     QCOMPARE(_drawer->findChild<DrawerGrip *>()->parentWidget()->width(), 750);
     _drawer->close();
     QCOMPARE(_drawer->contentSize().width(), 1500.0);
@@ -654,6 +671,88 @@ void DrawerTest::gripStopsAtTheMinimumAndThreeQuartersOfTheScreen()
     _drawer->setContentSize(QSizeF(3000, 50));
     dragGrip(*_drawer, -10);
     QCOMPARE(_drawer->contentSize().width(), 720.0);
+}
+
+// At the widest that there is room for, whoever asks for more has not asked for less than was chosen before.
+void DrawerTest::gripLeavesAWiderChoiceAlone()
+{
+    _window->screenFrame = QRectF(0, 0, 1000, 900);
+    _drawer->setContentSize(QSizeF(1500, 50));
+    _drawer->open();
+    dragGrip(*_drawer, 0);
+    dragGrip(*_drawer, 40);
+    QTest::keyClick(_drawer->findChild<DrawerGrip *>(), Qt::Key_Right);
+    QCOMPARE(_drawer->chosenContentWidth(), 1500.0);
+    dragGrip(*_drawer, -40);
+    QCOMPARE(_drawer->chosenContentWidth(), 690.0);
+}
+
+void DrawerTest::gripWorksByKeyboard_data()
+{
+    QTest::addColumn<int>("edge");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<qreal>("width"); // from 180, after two strokes
+    const int step = DrawerGrip::keyStep;
+    QTest::newRow("right, wider") << int(Drawer::NSMaxXEdge) << int(Qt::Key_Right) << 180.0 + 2 * step;
+    QTest::newRow("right, narrower") << int(Drawer::NSMaxXEdge) << int(Qt::Key_Left) << 180.0 - 2 * step;
+    QTest::newRow("left, wider") << int(Drawer::NSMinXEdge) << int(Qt::Key_Left) << 180.0 + 2 * step;
+    QTest::newRow("left, narrower") << int(Drawer::NSMinXEdge) << int(Qt::Key_Right) << 180.0 - 2 * step;
+    QTest::newRow("another key") << int(Drawer::NSMaxXEdge) << int(Qt::Key_Up) << 180.0;
+}
+
+void DrawerTest::gripWorksByKeyboard()
+{
+    QFETCH(int, edge);
+    QFETCH(int, key);
+    QFETCH(qreal, width);
+    _drawer->setPreferredEdge(Drawer::Edge(edge));
+    _drawer->open();
+    auto *grip = _drawer->findChild<DrawerGrip *>();
+    QTest::keyClick(grip, Qt::Key(key));
+    QTest::keyClick(grip, Qt::Key(key));
+    QCOMPARE(_drawer->contentSize().width(), width);
+    QCOMPARE(_drawer->chosenContentWidth(), width);
+    // Down to the minimum, and not beyond.
+    const Qt::Key narrower = edge == Drawer::NSMinXEdge ? Qt::Key_Right : Qt::Key_Left;
+    for (int i = 0; i < 20; ++i)
+        QTest::keyClick(grip, narrower);
+    QCOMPARE(_drawer->contentSize().width(), 100.0);
+}
+
+void DrawerTest::gripIsReachedByTab()
+{
+    auto *content = new QWidget;
+    auto *first = new QLineEdit(content);
+    auto *last = new QLineEdit(content);
+    _drawer->setContentView(content);
+    _drawer->open();
+    _drawer->activateWindow();
+    QTRY_VERIFY(_drawer->isActiveWindow());
+    first->setFocus();
+    auto *grip = _drawer->findChild<DrawerGrip *>();
+    const QImage plain = grip->grab().toImage();
+    QStringList order;
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(_drawer->focusWidget(), Qt::Key_Tab);
+        const QWidget *reached = _drawer->focusWidget();
+        order.append(reached == last ? "last" : reached == grip ? "grip" : reached == first ? "first" : "other");
+        if (reached == grip) // and it is seen that it has the keyboard
+            QVERIFY(grip->grab().toImage() != plain);
+    }
+    QCOMPARE(order, QStringList({"last", "grip", "first"}));
+    QCOMPARE(grip->grab().toImage(), plain);
+}
+
+void DrawerTest::gripTakesNoKeyboardFromTheMouse()
+{
+    auto *content = new QLineEdit;
+    _drawer->setContentView(content);
+    _drawer->open();
+    _drawer->activateWindow();
+    QTRY_VERIFY(_drawer->isActiveWindow());
+    content->setFocus();
+    QTest::mouseClick(_drawer->findChild<DrawerGrip *>(), Qt::LeftButton);
+    QCOMPARE(_drawer->focusWidget(), content);
 }
 
 // --- Life -----------------------------------------------------------------------------------------------------------
