@@ -28,6 +28,23 @@ NotificationQueue &NotificationQueue::defaultQueue()
     return queue;
 }
 
+NotificationQueue::Pause::Pause()
+{
+    ++defaultQueue()._pauses;
+}
+
+NotificationQueue::Pause::~Pause()
+{
+    NotificationQueue &queue = defaultQueue();
+    if (--queue._pauses == 0 && queue._dispatcher)
+        queue._dispatcher->wakeUp(); // or the next pass might be long in coming
+}
+
+bool NotificationQueue::isHeldBack() const
+{
+    return _pauses > 0 || isApplicationModalDialogRunning();
+}
+
 void NotificationQueue::enqueueNotification(const Notification &notification, PostingStyle style)
 {
     const auto same = std::find_if(_pending.begin(), _pending.end(), [&](const Pending &pending) {
@@ -92,7 +109,7 @@ bool NotificationQueue::eventFilter(QObject *, QEvent *)
 void NotificationQueue::deliver(PostingStyle style)
 {
     const quint64 last = _lastSerial;
-    while (!isApplicationModalDialogRunning()) {
+    while (!isHeldBack()) {
         const auto next = std::find_if(_pending.begin(), _pending.end(),
                                        [&](const Pending &p) { return p.style == style && p.serial <= last; });
         if (next == _pending.end())
@@ -131,7 +148,7 @@ void NotificationQueue::watchEventLoop()
 // landmarks without an event hold at least one whole pass.
 void NotificationQueue::passedLandmark()
 {
-    if (isApplicationModalDialogRunning())
+    if (isHeldBack())
         return;
     if (hasPending(NSPostASAP))
         postDeliveryEvent();

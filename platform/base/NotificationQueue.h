@@ -8,8 +8,8 @@
 #include <vector>
 
 // Posts notifications later, to the default centre. A notification of the same name and object is pending only once; of
-// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs; it stays pending
-// until the dialog is gone.
+// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs or something is
+// dragged (see Pause); it stays pending until that is over.
 class NotificationQueue : public QObject
 {
     Q_OBJECT
@@ -18,6 +18,17 @@ public:
     enum PostingStyle {
         NSPostWhenIdle = 1, // when the event loop has been through a whole pass without handling an event
         NSPostASAP = 2,     // at the end of the current pass of the event loop, after all events that are waiting
+    };
+
+    // Holds all deliveries of the default queue back for as long as it lives. For an event loop in which the user does
+    // something that must not be disturbed, such as a drag.
+    class Pause
+    {
+    public:
+        Pause();
+        ~Pause();
+        Pause(const Pause &) = delete;
+        Pause &operator=(const Pause &) = delete;
     };
 
     static NotificationQueue &defaultQueue();
@@ -38,6 +49,7 @@ private:
         quint64 serial; // in the order of enqueueing
     };
 
+    bool isHeldBack() const;
     bool hasPending(PostingStyle style) const;
     void postDeliveryEvent();
     void deliver(PostingStyle style);
@@ -46,6 +58,7 @@ private:
 
     std::vector<Pending> _pending;
     quint64 _lastSerial = 0;
+    int _pauses = 0;
     QPointer<QAbstractEventDispatcher> _dispatcher;
     bool _isDeliveryEventPosted = false;
     bool _hasHandledEvent = false;

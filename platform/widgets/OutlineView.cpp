@@ -1,5 +1,6 @@
 #include "platform/widgets/OutlineView.h"
 
+#include "platform/base/NotificationQueue.h"
 #include "platform/widgets/OutlineDelegate.h"
 #include "platform/widgets/OutlineModel.h"
 #include "platform/widgets/OutlineViewDataSource.h"
@@ -404,7 +405,11 @@ void OutlineView::startDrag(Qt::DropActions /*supportedActions*/)
     drag->setHotSpot(QPoint(0, rowPixels() / 2));
 
     const QPointer<OutlineView> alive(this); // events are handled while the drag runs
-    runDrag(drag);
+    {
+        // A list that is loaded anew, or a drawer that closes, would be in the way.
+        const NotificationQueue::Pause pause;
+        runDrag(drag);
+    }
     if (!alive)
         return;
     endDropTracking();

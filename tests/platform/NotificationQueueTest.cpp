@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace
 {
@@ -76,6 +77,8 @@ private Q_SLOTS:
     void sheetOnAModalDialogHoldsBoth();
     void dialogOpenedByAnObserverHoldsTheRest();
     void windowModalDialogHoldsNothing();
+    void pauseHoldsBoth();
+    void pauseOfAnObserverHoldsTheRest();
     void leavesNoFilterBehind();
     void withoutWindows();
     void withTheOtherDispatcher();
@@ -460,6 +463,46 @@ void NotificationQueueTest::windowModalDialogHoldsNothing()
     enqueue("Idle", idle);
     enqueue("ASAP", asap);
     QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
+}
+
+void NotificationQueueTest::pauseHoldsBoth()
+{
+    observe("Before");
+    observe("Idle");
+    observe("ASAP");
+    enqueue("Before", asap); // about to be delivered, and held as well
+    {
+        const NotificationQueue::Pause outer;
+        {
+            const NotificationQueue::Pause inner;
+            enqueue("Idle", idle);
+            enqueue("ASAP", asap);
+        }
+        runPasses(20);
+        for (int i = 0; i < 20; i++)
+            QCoreApplication::processEvents();
+        QVERIFY(_told.isEmpty());
+    }
+    QVERIFY(_told.isEmpty()); // in a pass of the event loop, as always
+    QEventLoop loop;          // in which nothing else happens
+    NotificationCenter::defaultCenter().addObserver(
+        this, [&](const Notification &) { loop.quit(); }, "Idle");
+    loop.exec();
+    QCOMPARE(_told, QStringList({"Before", "ASAP", "Idle"}));
+}
+
+void NotificationQueueTest::pauseOfAnObserverHoldsTheRest()
+{
+    std::optional<NotificationQueue::Pause> pause;
+    observe("A", [&] { pause.emplace(); });
+    observe("B");
+    enqueue("A", asap);
+    enqueue("B", asap);
+    QTRY_COMPARE(_told, QStringList("A"));
+    runPasses(20);
+    QCOMPARE(_told, QStringList("A"));
+    pause.reset();
+    QTRY_COMPARE(_told, QStringList({"A", "B"}));
 }
 
 void NotificationQueueTest::leavesNoFilterBehind()

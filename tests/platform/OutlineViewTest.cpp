@@ -1,5 +1,7 @@
 #include "platform/widgets/OutlineView.h"
 
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/NotificationQueue.h"
 #include "platform/widgets/Image.h"
 #include "platform/widgets/OutlineDelegate.h"
 #include "tests/support/OutlineTree.h"
@@ -149,6 +151,7 @@ private Q_SLOTS:
 
     void dragsTheSelectionInRowOrder();
     void startsNoDragWithoutData();
+    void notificationsWaitForTheEndOfADrag();
     void survivesBeingDeletedWhileDragging();
     void mapsDropsToPlaces_data();
     void mapsDropsToPlaces();
@@ -758,6 +761,29 @@ void OutlineViewTest::startsNoDragWithoutData()
     QCOMPARE(_tree->draggingEnded, 0);
 }
 
+void OutlineViewTest::notificationsWaitForTheEndOfADrag()
+{
+    QStringList told;
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    const auto tell = [&told](const Notification &notification) { told.append(notification.name); };
+    const auto removed = qScopeGuard([&] { center.removeObserver(&told); });
+    center.addObserver(&told, tell, "Idle");
+    center.addObserver(&told, tell, "ASAP");
+    bool ran = false;
+    _view->duringDrag = [&](QDrag &) {
+        NotificationQueue &queue = NotificationQueue::defaultQueue();
+        queue.enqueueNotification({"Idle", nullptr}, NotificationQueue::NSPostWhenIdle);
+        queue.enqueueNotification({"ASAP", nullptr}, NotificationQueue::NSPostASAP);
+        for (int i = 0; i < 100; ++i)
+            QCoreApplication::processEvents();
+        ran = told.isEmpty();
+    };
+    _view->selectRowExtending(0, false);
+    _view->startDrag(Qt::CopyAction);
+    QVERIFY(ran);
+    QTRY_COMPARE(told, QStringList({"ASAP", "Idle"}));
+}
+
 void OutlineViewTest::survivesBeingDeletedWhileDragging()
 {
     auto *view = new TestedView;
@@ -928,14 +954,15 @@ void OutlineViewTest::paintsTheImageAsASquare()
     const QRect cell = _view->visualRect(_view->model()->index(1, 0));
     QCOMPARE(cell.height(), 20);
     const QImage shot = _view->viewport()->grab().toImage();
+    const int scale = int(shot.devicePixelRatio()); // pixels to the point
     QRect painted;
-    for (int y = cell.top(); y <= cell.bottom(); ++y) {
+    for (int y = cell.top() * scale; y < (cell.bottom() + 1) * scale; ++y) {
         for (int x = 0; x < shot.width(); ++x) {
             if (shot.pixelColor(x, y) == QColor(Qt::red))
                 painted |= QRect(x, y, 1, 1);
         }
     }
-    QCOMPARE(painted, QRect(cell.left() + 3, cell.top(), 20, 20));
+    QCOMPARE(painted, QRect((cell.left() + 3) * scale, cell.top() * scale, 20 * scale, 20 * scale));
 }
 
 void OutlineViewTest::elidesLongTitles()
@@ -947,8 +974,9 @@ void OutlineViewTest::elidesLongTitles()
     const QImage shot = _view->viewport()->grab().toImage();
     // An ellipsis leaves the upper half of the row's right end free, a letter cut off would not.
     const QColor ground = _view->palette().color(QPalette::Base);
-    for (int y = cell.top(); y < cell.center().y() - 2; ++y)
-        QCOMPARE(shot.pixelColor(cell.right() - 5, y), ground);
+    const int scale = int(shot.devicePixelRatio()); // pixels to the point
+    for (int y = cell.top() * scale; y < (cell.center().y() - 2) * scale; ++y)
+        QCOMPARE(shot.pixelColor((cell.right() - 5) * scale, y), ground);
 }
 
 void OutlineViewTest::rowsHaveAccessibleNames()
