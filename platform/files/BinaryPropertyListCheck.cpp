@@ -42,6 +42,11 @@ BinaryPropertyListCheck::Object BinaryPropertyListCheck::objectAt(quint64 number
     return object;
 }
 
+quint64 BinaryPropertyListCheck::markerOf(quint64 number) const
+{
+    return integerAt(_end + number * _offsetSize, _offsetSize);
+}
+
 quint64 BinaryPropertyListCheck::count(quint64 number)
 {
     const Object object = objectAt(number);
@@ -99,7 +104,7 @@ bool BinaryPropertyListCheck::readTrailer()
 
 bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
 {
-    quint64 position = integerAt(_end + number * _offsetSize, _offsetSize);
+    quint64 position = markerOf(number);
     if (position < headerSize || position >= _end)
         return refuse("an object outside of the file");
     const quint8 marker = _data[position];
@@ -215,6 +220,8 @@ bool BinaryPropertyListCheck::enter(quint64 number)
     known.values = 1;
     known.bytes = visit.object.bytes;
     _hasDamagedText = _hasDamagedText || (visit.object.kind == Object::Text && isDamaged(visit.object));
+    if (visit.object.isWide && visit.object.length == 0)
+        _emptyWideTexts.push_back(markerOf(number));
     if (visit.object.kind == Object::Scalar || visit.object.kind == Object::Text) {
         known.height = 0;
         return true;

@@ -21,6 +21,8 @@ public:
     // Known once that has been asked for: whether any text or key will be read otherwise than it stands there, or
     // cannot be written again.
     bool hasDamagedText() const { return _hasDamagedText; }
+    // Likewise: where the markers of texts stand that are empty and in UTF-16, in bytes from the start.
+    const std::vector<quint64> &emptyWideTexts() const { return _emptyWideTexts; }
 
     // For a list that is not refused: its objects, named by their numbers, for readers that want but a few of them. A
     // dictionary has a key and a value of each index, an array a value.
@@ -60,6 +62,7 @@ private:
     };
 
     Object objectAt(quint64 number);
+    quint64 markerOf(quint64 number) const;
     bool readTrailer();
     bool readObject(quint64 number, Object *object);
     bool readCount(quint64 *position, quint64 *count);
@@ -82,5 +85,6 @@ private:
     std::vector<Known> _known;
     std::vector<Visit> _visits;
     bool _hasDamagedText = false;
+    std::vector<quint64> _emptyWideTexts;
     QString _reason;
 };

@@ -155,13 +155,29 @@ QVariant valueFrom(plist_t node, bool *isWhole)
     }
 }
 
-QVariant fromBinary(const QByteArray &data, QString *reason, bool *isWhole)
+// The library takes an empty text in UTF-16 for damage; in ASCII it is the same text.
+QByteArray withEmptyTextsInAscii(QByteArray data, const std::vector<quint64> &markers)
+{
+    for (const quint64 marker : markers)
+        data[qsizetype(marker)] = char(0x50 | (data[qsizetype(marker)] & 0xf));
+    return data;
+}
+
+QVariant fromBinary(QByteArray data, QString *reason, bool *isWhole)
 {
     BinaryPropertyListCheck check(data);
     *reason = check.reasonToRefuse();
     *isWhole = !check.hasDamagedText();
     if (!reason->isNull())
         return {};
+    if (!check.emptyWideTexts().empty()) {
+        // Objects may overlap, and then this may have changed more.
+        const QByteArray changed = withEmptyTextsInAscii(data, check.emptyWideTexts());
+        *reason = BinaryPropertyListCheck(changed).reasonToRefuse();
+        if (!reason->isNull())
+            return {};
+        data = changed;
+    }
     plist_t list = nullptr;
     plist_from_bin(data.constData(), static_cast<uint32_t>(data.size()), &list);
     const OwnedPropertyList owner(list);

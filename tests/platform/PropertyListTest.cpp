@@ -813,6 +813,7 @@ void PropertyListTest::binaryScalars_data()
     row("empty data", BinaryList::sized(0x4, 0), QByteArray(""));
     row("data", BinaryList::sized(0x4, 3) + QByteArray("\0\1\xff", 3), QByteArray("\0\1\xff", 3));
     row("empty text", BinaryList::sized(0x5, 0), "");
+    row("empty text in UTF-16", BinaryList::sized(0x6, 0), "");
     row("text", BinaryList::sized(0x5, 20) + QByteArray(20, 'a'), QString(20, u'a'));
     row("text ends at a NUL", BinaryList::sized(0x5, 3) + QByteArray("a\0b", 3), "a");
     row("text in UTF-16", utf16(QStringLiteral("\u65e5\u672c \U0001f600")), QStringLiteral("\u65e5\u672c \U0001f600"));
