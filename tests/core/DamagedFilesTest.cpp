@@ -1,5 +1,6 @@
 #include "core/KDRDrawerBundle.h"
 
+#include "core/Notifications.h"
 #include "model/WayfoldHistoryURL.h"
 #include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
@@ -246,6 +247,7 @@ private Q_SLOTS:
     void becomesAPipeBeforeItIsRead();
     void changesWhileItIsRead_data();
     void changesWhileItIsRead();
+    void checkDuringAWriteBack();
 
 private:
     static void kindsAndForms()
@@ -656,6 +658,41 @@ void DamagedFilesTest::changesWhileItIsRead()
     write(kind, oldContents);
     QVERIFY(load(kind));
     QCOMPARE(contentsOf(kind), expectedOf(kind, before));
+}
+
+void DamagedFilesTest::checkDuringAWriteBack()
+{
+    for (const Kind kind : {Bookmarks, History}) {
+        write(kind, inForm(sample(kind), false));
+        makeOld(kind);
+    }
+    store();
+    NotificationLog::deliverPending();
+    NotificationLog log(
+        {Notifications::SafariBookmarkFileModNotification, Notifications::SafariHistoryFileModNotification});
+    const WayfoldBookmarkFolderPtr bookmarks = rootOf(Bookmarks);
+    const WayfoldBookmarkFolderPtr history = rootOf(History);
+    Meddling meddled;
+    meddled.path = QFile::encodeName(path(Bookmarks));
+    meddled.action = [&] {
+        const QVariantMap newer{{"WebHistoryDates", QVariantList{entry("New", "http://www.new.example/")}}};
+        write(History, inForm(newer, false));
+        store().tagSafariFiles(); // does not wait for the write-back, which waits for it
+    };
+    meddling = &meddled;
+    const QVariantMap item = link(QStringLiteral("Written"), QStringLiteral("http://www.written.example/"));
+    const QVariantMap written{{"Children", QVariantList{item}}};
+    QVERIFY(store().saveSafariBookmarkFile(written));
+    meddling = nullptr;
+    QVERIFY(meddled.isDone);
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QCOMPARE(rootOf(Bookmarks), bookmarks);
+    QCOMPARE(rootOf(History), history);
+    // The next one finds both changes.
+    store().tagSafariFiles();
+    QCOMPARE(contentsOf(Bookmarks), QStringList{"Written http://www.written.example/"});
+    QCOMPARE(contentsOf(History), QStringList{"New http://www.new.example/ 100.5"});
 }
 
 QTEST_MAIN(DamagedFilesTest)

@@ -1,6 +1,7 @@
 #include "core/KDRDrawerBundle.h"
 
 #include "core/Notifications.h"
+#include "core/settings/WayfoldToolkit.h"
 #include "model/WayfoldHistoryURL.h"
 #include "platform/base/PlatformNotifications.h"
 #include "platform/files/PropertyList.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPoint>
 #include <optional>
 
 namespace
@@ -56,7 +58,11 @@ private Q_SLOTS:
     void changedFileIsReadAgain();
     void touchedFileIsReadAgain();
     void unchangedFileIsLeftAlone();
+    void replacedFileOfTheSameDateIsReadAgain_data() { bothFiles(); }
+    void replacedFileOfTheSameDateIsReadAgain();
+    void fileBehindALinkIsFollowed_data() { bothFiles(); }
     void fileBehindALinkIsFollowed();
+    void vanishedFileKeepsTheTreeUntilItIsBack_data() { bothFiles(); }
     void vanishedFileKeepsTheTreeUntilItIsBack();
     void fileThatAppearsIsRead();
     void unreadableFileGivesAnEmptyTree_data();
@@ -66,13 +72,21 @@ private Q_SLOTS:
     void treesAreReplacedWhole();
     void historyIsInFileOrder();
     void historyWithoutDatesIsEmpty();
+    void nothingIsReadAfterQuitting_data() { bothFiles(); }
     void nothingIsReadAfterQuitting();
+    void changedFileIsNotReadAfterQuitting_data() { bothFiles(); }
+    void changedFileIsNotReadAfterQuitting();
+    void changeIsToldWithoutWaiting_data() { bothFiles(); }
+    void changeIsToldWithoutWaiting();
     void tickIsPostedWhenIdle();
+    void ticksAreCoalesced();
     void tickChecksTheFiles();
 
     void writeBackKeepsTheFilesOwnKeys();
     void writeBackWithoutReadableFileWritesNothing_data();
     void writeBackWithoutReadableFileWritesNothing();
+    void writeBackThatFails_data();
+    void writeBackThatFails();
     void writeBackToFileWithoutItsKeys();
     void writeBackIsNoticedAsAChange();
 
@@ -80,6 +94,25 @@ private:
     KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
     QStringList bookmarkTitles() { return StoreInTemporaryHome::titles(store().safariBookmarkRoot()); }
     QStringList historyTitles() { return StoreInTemporaryHome::titles(store().historyBookmarkRoot()); }
+    // The same of either file.
+    static void bothFiles()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::newRow("bookmarks") << bookmarkFile;
+        QTest::newRow("history") << historyFile;
+    }
+    void writeFile(const QString &file, const QByteArray &title, const QString &place = QString())
+    {
+        _fresh->home.write(place.isNull() ? file : place,
+                           file == bookmarkFile ? bookmarksWith(title)
+                                                : historyWith(historyEntry(title, "http://www.example.com/")));
+    }
+    WayfoldBookmarkFolderPtr rootOf(const QString &file)
+    {
+        return file == bookmarkFile ? store().safariBookmarkRoot() : store().historyBookmarkRoot();
+    }
+    QStringList titlesOf(const QString &file) { return StoreInTemporaryHome::titles(rootOf(file)); }
+    static QString changeOf(const QString &file) { return file == bookmarkFile ? bookmarksChanged : historyChanged; }
     // Gives a file another date, whatever the clock says.
     void touch(const QString &file, int seconds)
     {
@@ -187,39 +220,64 @@ void SafariFilesTest::unchangedFileIsLeftAlone()
     QCOMPARE(store().historyBookmarkRoot(), history);
 }
 
+void SafariFilesTest::replacedFileOfTheSameDateIsReadAgain()
+{
+    QFETCH(QString, file);
+    writeFile(file, "One");
+    touch(file, 1);
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+    // A file of the same length, as a backup that keeps the dates puts it back.
+    const QString spare = QStringLiteral("spare.plist");
+    writeFile(file, "Two", spare);
+    touch(spare, 1);
+    QVERIFY(QFile::remove(_fresh->home.path(file)));
+    QVERIFY(QFile::rename(_fresh->home.path(spare), _fresh->home.path(file)));
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"Two"});
+    // The very same file, rewritten within one tick of the clock.
+    writeFile(file, "Three");
+    touch(file, 1);
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"Three"});
+}
+
 void SafariFilesTest::fileBehindALinkIsFollowed()
 {
-    _fresh->home.write(QStringLiteral("elsewhere.plist"), bookmarksWith("One"));
+    QFETCH(QString, file);
+    const QString elsewhere = QStringLiteral("elsewhere.plist");
+    writeFile(file, "One", elsewhere);
     QVERIFY(QDir().mkpath(_fresh->home.path(QStringLiteral("Library/Safari"))));
-    QVERIFY(QFile::link(_fresh->home.path(QStringLiteral("elsewhere.plist")), _fresh->home.path(bookmarkFile)));
-    QCOMPARE(bookmarkTitles(), QStringList{"One"});
-    _fresh->home.write(QStringLiteral("elsewhere.plist"), bookmarksWith("Two"));
-    touch(QStringLiteral("elsewhere.plist"), 1);
+    QVERIFY(QFile::link(_fresh->home.path(elsewhere), _fresh->home.path(file)));
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+    writeFile(file, "Two", elsewhere);
+    touch(elsewhere, 1);
     store().tagSafariFiles();
-    QCOMPARE(bookmarkTitles(), QStringList{"Two"});
+    QCOMPARE(titlesOf(file), QStringList{"Two"});
 }
 
 void SafariFilesTest::vanishedFileKeepsTheTreeUntilItIsBack()
 {
-    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
-    touch(bookmarkFile, 1);
-    const auto root = store().safariBookmarkRoot();
+    QFETCH(QString, file);
+    writeFile(file, "One");
+    touch(file, 1);
+    store();
+    const WayfoldBookmarkFolderPtr root = rootOf(file);
     NotificationLog::deliverPending();
     NotificationLog log({bookmarksChanged, historyChanged});
-    const QString path = _fresh->home.path(bookmarkFile);
+    const QString path = _fresh->home.path(file);
     QVERIFY(QFile::rename(path, path + QStringLiteral(".away")));
     store().tagSafariFiles();
     NotificationLog::deliverPending();
     QVERIFY(log.received.empty());
-    QCOMPARE(store().safariBookmarkRoot(), root);
+    QCOMPARE(rootOf(file), root);
 
     // The very same file is read again when it comes back.
     QVERIFY(QFile::rename(path + QStringLiteral(".away"), path));
     store().tagSafariFiles();
     NotificationLog::deliverPending();
-    QCOMPARE(log.names(), QStringList{bookmarksChanged});
-    QVERIFY(store().safariBookmarkRoot() != root);
-    QCOMPARE(bookmarkTitles(), QStringList{"One"});
+    QCOMPARE(log.names(), QStringList{changeOf(file)});
+    QVERIFY(rootOf(file) != root);
+    QCOMPARE(titlesOf(file), QStringList{"One"});
 }
 
 void SafariFilesTest::fileThatAppearsIsRead()
@@ -322,31 +380,85 @@ void SafariFilesTest::historyWithoutDatesIsEmpty()
     }
 }
 
-void SafariFilesTest::nothingIsReadAfterQuitting()
+static void quit()
 {
-    store();
-    NotificationLog log({bookmarksChanged, historyChanged});
     NotificationCenter::defaultCenter().postNotificationName(
         PlatformNotifications::NSApplicationWillTerminateNotification, nullptr);
-    _fresh->home.write(bookmarkFile, bookmarksWith("One"));
+}
+
+void SafariFilesTest::nothingIsReadAfterQuitting()
+{
+    QFETCH(QString, file);
+    store();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    quit();
+    writeFile(file, "One");
     store().tagSafariFiles();
     store().tagSafariFilesNextEvent();
     NotificationLog::deliverPending();
     QVERIFY(log.received.empty());
-    QVERIFY(!store().safariBookmarkRoot());
+    QVERIFY(!rootOf(file));
     // Quitting saves nothing either.
     QVERIFY(!QFileInfo::exists(store().bookmarkFilePath()));
+}
+
+void SafariFilesTest::changedFileIsNotReadAfterQuitting()
+{
+    QFETCH(QString, file);
+    writeFile(file, "One");
+    touch(file, 1);
+    store();
+    const WayfoldBookmarkFolderPtr root = rootOf(file);
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    quit();
+    writeFile(file, "Two");
+    touch(file, 2);
+    store().tagSafariFiles();
+    store().tagSafariFilesNextEvent();
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+    QCOMPARE(rootOf(file), root);
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+}
+
+void SafariFilesTest::changeIsToldWithoutWaiting()
+{
+    QFETCH(QString, file);
+    store();
+    const QString whenIdle = QStringLiteral("WhenIdle");
+    NotificationLog log({changeOf(file), whenIdle});
+    WayfoldToolkit::postDelayedNotificationNameObject(whenIdle, this);
+    writeFile(file, "One");
+    store().tagSafariFiles();
+    QVERIFY(log.received.empty());
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), (QStringList{changeOf(file), whenIdle}));
 }
 
 void SafariFilesTest::tickIsPostedWhenIdle()
 {
     store();
-    NotificationLog log({Notifications::TagSafariFilesNotification});
+    const QString asSoonAsPossible = QStringLiteral("AsSoonAsPossible");
+    NotificationLog log({Notifications::TagSafariFilesNotification, asSoonAsPossible});
     store().tagSafariFilesNextEvent();
+    WayfoldToolkit::postNotificationNameObject(asSoonAsPossible, this);
     QVERIFY(log.received.empty());
     NotificationLog::deliverPending();
-    QVERIFY(!log.received.empty());
-    QCOMPARE(log.received.front().object, static_cast<const void *>(&store()));
+    QCOMPARE(log.names().mid(0, 2), (QStringList{asSoonAsPossible, Notifications::TagSafariFilesNotification}));
+    QCOMPARE(log.received[1].object, static_cast<const void *>(&store()));
+}
+
+void SafariFilesTest::ticksAreCoalesced()
+{
+    store();
+    const QString last = QStringLiteral("LastOfAll");
+    NotificationLog log({Notifications::TagSafariFilesNotification, last});
+    store().tagSafariFilesNextEvent();
+    store().tagSafariFilesNextEvent();
+    WayfoldToolkit::postDelayedNotificationNameObject(last, this);
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names().mid(0, 2), (QStringList{Notifications::TagSafariFilesNotification, last}));
 }
 
 void SafariFilesTest::tickChecksTheFiles()
@@ -393,6 +505,30 @@ void SafariFilesTest::writeBackWithoutReadableFileWritesNothing()
     QVERIFY(!store().saveSafariBookmarkFile({{QStringLiteral("Title"), QStringLiteral("x")}}));
     QCOMPARE(_fresh->home.read(bookmarkFile), contents);
     QCOMPARE(QFileInfo::exists(_fresh->home.path(bookmarkFile)), !contents.isEmpty());
+}
+
+void SafariFilesTest::writeBackThatFails_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("file that cannot be read") << QByteArray("hello") << QVariant(QStringLiteral("x"));
+    QTest::newRow("value that no property list holds") << bookmarksWith("One") << QVariant(QPoint(1, 2));
+}
+
+void SafariFilesTest::writeBackThatFails()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QVariant, value);
+    _fresh->home.write(bookmarkFile, contents);
+    touch(bookmarkFile, 1);
+    store();
+    QVERIFY(!store().saveSafariBookmarkFile({{QStringLiteral("Title"), value}}));
+    QCOMPARE(_fresh->home.read(bookmarkFile), contents);
+    // Looking at the file goes on afterwards.
+    writeFile(bookmarkFile, "Two");
+    touch(bookmarkFile, 2);
+    store().tagSafariFiles();
+    QCOMPARE(bookmarkTitles(), QStringList{"Two"});
 }
 
 void SafariFilesTest::writeBackToFileWithoutItsKeys()
