@@ -118,6 +118,22 @@ bool boolValue(const QVariant &value)
     return StringRules::compareIgnoringCase(text, QStringLiteral("yes")) == 0 ||
            StringRules::compareIgnoringCase(text, QStringLiteral("true")) == 0 || StringRules::integerValue(text) != 0;
 }
+
+// What the family calls the weight and slant of the font; null for the plain style, or when it has no such style.
+QString styleOfFont(const QFont &font)
+{
+    if (font.weight() == QFont::Normal && !font.italic())
+        return {};
+    QString shortest; // beside "Bold" there may be a "Condensed Bold"
+    const QStringList styles = QFontDatabase::styles(font.family());
+    for (const QString &style : styles) {
+        const QFont styled = QFontDatabase::font(font.family(), style, 0);
+        const bool fits = styled.weight() == font.weight() && styled.italic() == font.italic();
+        if (fits && (shortest.isNull() || style.size() < shortest.size()))
+            shortest = style;
+    }
+    return shortest;
+}
 } // namespace
 
 WayfoldDefaults &WayfoldDefaults::sharedInstance()
@@ -323,9 +339,7 @@ std::optional<QFont> WayfoldDefaults::fontWithNameSize(const QString &name, floa
 
 QString WayfoldDefaults::nameOfFont(const QFont &font)
 {
-    QString style = font.styleName();
-    if (style.isEmpty() && font.bold())
-        style = QStringLiteral("Bold");
+    const QString style = font.styleName().isEmpty() ? styleOfFont(font) : font.styleName();
     return style.isEmpty() ? font.family() : font.family() + QLatin1Char('-') + style;
 }
 

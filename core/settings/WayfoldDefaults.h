@@ -60,7 +60,7 @@ public:
     // The font of a stored name, which is a family ("DejaVu Sans") or a family and a style ("DejaVu Sans-Bold"); none
     // when it is not known here. A size of 0 or less gives the desktop's usual size.
     static std::optional<QFont> fontWithNameSize(const QString &name, float size);
-    // The name to store for a font.
+    // The name to store for a font, of a style that its family has.
     static QString nameOfFont(const QFont &font);
 
     // Shortcuts by menu-item number: a key ("O", "" for none) and a mask of MenuItem::ModifierMask bits, 0 for none.

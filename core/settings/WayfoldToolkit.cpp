@@ -87,7 +87,10 @@ std::shared_ptr<Image> WayfoldToolkit::loadAppImageNamedScaledTo(const QString &
 
 QString WayfoldToolkit::getCurrentVersion()
 {
-    const QString file = Paths::standardized(Bundle::path() + QStringLiteral("/Contents/Info.plist"));
+    const QString bundle = Bundle::path();
+    if (bundle.isNull())
+        return {};
+    const QString file = Paths::standardized(bundle + QStringLiteral("/Contents/Info.plist"));
     return PropertyList::readDictionaryFile(file).value(QStringLiteral("CFBundleVersion")).toString();
 }
 

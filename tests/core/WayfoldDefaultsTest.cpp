@@ -137,6 +137,7 @@ private Q_SLOTS:
     void knownFontNameGivesFontOfThatSize();
     void fontNameMayHoldAStyle();
     void fontNameOfFontIsFoundAgain();
+    void fontWithoutStyleNameIsFoundAgain();
 
     void hostBoolean_data();
     void hostBoolean();
@@ -597,6 +598,29 @@ void WayfoldDefaultsTest::fontNameOfFontIsFoundAgain()
         QCOMPARE(again->weight(), font.weight());
         QCOMPARE(again->italic(), font.italic());
     }
+}
+
+void WayfoldDefaultsTest::fontWithoutStyleNameIsFoundAgain()
+{
+    int checked = 0;
+    const QStringList families = QFontDatabase::families();
+    for (const QString &family : families) {
+        const QStringList styles = QFontDatabase::styles(family);
+        for (const QString &style : styles) {
+            const QFont wanted = QFontDatabase::font(family, style, 10);
+            // As a font panel gives it, by weight and slant.
+            QFont font(family);
+            font.setWeight(QFont::Weight(wanted.weight()));
+            font.setItalic(wanted.italic());
+            QVERIFY(font.styleName().isEmpty());
+            const auto again = WayfoldDefaults::fontWithNameSize(WayfoldDefaults::nameOfFont(font), 10);
+            QVERIFY2(again, qPrintable(family + style));
+            QCOMPARE(again->weight(), wanted.weight());
+            QCOMPARE(again->italic(), wanted.italic());
+            checked += wanted.italic() ? 1 : 0;
+        }
+    }
+    QVERIFY(checked > 0);
 }
 
 void WayfoldDefaultsTest::hostBoolean_data()

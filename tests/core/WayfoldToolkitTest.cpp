@@ -65,6 +65,7 @@ private Q_SLOTS:
     void missingImageIsNone();
     void hostImage();
     void hostImageIsScaledUnlessSizeIsZero();
+    void hostImageIsAskedForInPixels();
     void hostImageWithoutHostIsNone();
 
     void versionNumber_data();
@@ -289,6 +290,25 @@ void WayfoldToolkitTest::hostImageIsScaledUnlessSizeIsZero()
     const auto natural = WayfoldToolkit::loadAppImageNamedScaledTo(QStringLiteral("HostPicture"), QSizeF(0, 0));
     QCOMPARE(natural->size(), QSizeF(24, 20));
     QVERIFY(!natural->scalesWhenResized());
+}
+
+void WayfoldToolkitTest::hostImageIsAskedForInPixels()
+{
+    struct Host : FakeHostApplication
+    {
+        mutable QList<QSize> sizes;
+        QImage imageNamed(const QString &name, const QSize &size) const override
+        {
+            sizes.append(size);
+            return FakeHostApplication::imageNamed(name, size);
+        }
+    } host;
+    WayfoldToolkit::loadAppImageNamedScaledTo(QStringLiteral("HostPicture"), QSizeF(48, 10));
+    QCOMPARE(host.sizes, QList<QSize>{QSize(48, 10) * qGuiApp->devicePixelRatio()});
+    WayfoldToolkit::loadAppImageNamed(QStringLiteral("HostPicture"));
+    WayfoldToolkit::loadAppImageNamedScaledTo(QStringLiteral("HostPicture"), QSizeF(0, 0));
+    QCOMPARE(host.sizes.size(), 3);
+    QVERIFY(host.sizes[1].isEmpty() && host.sizes[2].isEmpty()); // in its natural one
 }
 
 void WayfoldToolkitTest::hostImageWithoutHostIsNone()
