@@ -5,6 +5,7 @@
 #include "drawer/KDREditNoteController.h"
 #include "drawer/KDRShowNoteView.h"
 #include "lists/NoteViewer.h"
+#include "platform/widgets/DrawerGrip.h"
 #include "tests/drawer/DrawerStage.h"
 
 #include <QAbstractButton>
@@ -21,10 +22,11 @@ bool isControl(const QWidget *widget)
 {
     return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLineEdit *>(widget) ||
            qobject_cast<const QTextEdit *>(widget) || qobject_cast<const QComboBox *>(widget) ||
-           qobject_cast<const QTreeView *>(widget) || qobject_cast<const QTabWidget *>(widget);
+           qobject_cast<const QTreeView *>(widget) || qobject_cast<const QTabWidget *>(widget) ||
+           qobject_cast<const DrawerGrip *>(widget);
 }
 
-// The controls of a window that its form has put there; what these are made of is the toolkit's.
+// The controls of a window that its form, or the drawer, has put there; what these are made of is the toolkit's.
 QList<QWidget *> controls(QWidget *window)
 {
     QList<QWidget *> found;
