@@ -18,6 +18,9 @@ inline const QString ABPeopleUIDs = QStringLiteral("ABPeopleUIDsPboardType");
 inline const QString ABGroupsUIDs = QStringLiteral("ABGroupsUIDsPboardType");
 inline const QString NSVCardPboardType = QStringLiteral("NSVCardPboardType");
 
+// The bookmarks' dictionaries again, with the visited pages, which have none, as links. Never without the former.
+inline const QString dictionariesWithVisits = QStringLiteral("application/x-wayfold-items");
+
 // The desktop's names.
 inline const QString uriList = QStringLiteral("text/uri-list");
 inline const QString mozillaUrl = QStringLiteral("text/x-moz-url");

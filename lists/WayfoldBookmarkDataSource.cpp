@@ -14,8 +14,7 @@ WayfoldBookmarkDataSource::WayfoldBookmarkDataSource(WayfoldBookmarkOutlineView 
 WayfoldBookmarkDataSource::~WayfoldBookmarkDataSource()
 {
     NotificationCenter::defaultCenter().removeObserver(this);
-    if (_bookmarkOutlineView)
-        _bookmarkOutlineView->setOutlineDataSource(nullptr);
+    leaveView(_bookmarkOutlineView);
 }
 
 void WayfoldBookmarkDataSource::awakeFromNib()
@@ -110,6 +109,9 @@ void WayfoldBookmarkDataSource::showMatches()
 void WayfoldBookmarkDataSource::fillRootFromMatches()
 {
     const WayfoldBookmarkFolderPtr tree = KDRDrawerBundle::sharedInstance().safariBookmarkRoot();
+    _bookmarkBookmarkRoot->removeAllChildren();
+    if (!tree) // a browser that has not written its file yet
+        return;
     _bookmarkBookmarkRoot->setLazyChildren(
         std::make_shared<LazyCopies>(tree->bookmarksWithSubstring(_lastFilterString)));
 }

@@ -51,8 +51,7 @@ WayfoldHistoryDataSource::WayfoldHistoryDataSource(WayfoldHistoryOutlineView *vi
 WayfoldHistoryDataSource::~WayfoldHistoryDataSource()
 {
     NotificationCenter::defaultCenter().removeObserver(this);
-    if (_historyOutlineView)
-        _historyOutlineView->setOutlineDataSource(nullptr);
+    leaveView(_historyOutlineView);
 }
 
 void WayfoldHistoryDataSource::awakeFromNib()
@@ -170,6 +169,8 @@ void WayfoldHistoryDataSource::fillRootFromMatches()
     const WayfoldBookmarkFolderPtr history = KDRDrawerBundle::sharedInstance().historyBookmarkRoot();
     const TextSearch search(_lastFilterString);
     _historyBookmarkRoot->removeAllChildren();
+    if (!history) // a browser that has not written its file yet
+        return;
     if (HistoryItems::ofFolder(*history)) {
         _historyBookmarkRoot->setLazyChildren(std::make_shared<HistoryMatches>(*history, search));
         return;

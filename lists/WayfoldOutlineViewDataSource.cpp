@@ -105,6 +105,26 @@ QStringList commonTypes(const std::vector<OutlineItemPtr> &items, bool privateTy
     return common;
 }
 
+// A page of the history has no dictionary of its own: its place is taken by that of a link to it.
+void writeVisits(QVariantMap &dictionary, const KDRBookmarkPtr &item)
+{
+    if (item->type() == KDRBookmark::HistoryEntryType)
+        dictionary = WayfoldBookmarkURL::bookmarkWithTitleAndURL(item->title(), urlOf(*item))->createDictionary(false);
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item);
+    if (!folder || folder->isEmpty())
+        return;
+    const std::vector<KDRBookmarkPtr> &children = folder->children();
+    const QString childrenKey = QStringLiteral("Children");
+    QVariantList written = dictionary.take(childrenKey).toList();
+    for (std::size_t i = 0; i < children.size() && qsizetype(i) < written.size(); ++i) {
+        QVariantMap child = written[qsizetype(i)].toMap();
+        written[qsizetype(i)].clear(); // or changing the map would copy it
+        writeVisits(child, children[i]);
+        written[qsizetype(i)] = child;
+    }
+    dictionary.insert(childrenKey, written);
+}
+
 QVariantList urlWithTitle(const KDRBookmark &item)
 {
     return {QVariant(QVariantList{urlOf(item).absoluteString()}), QVariant(QVariantList{item.title()})};
@@ -128,6 +148,17 @@ bool showsPage(const HostWindow &window)
     return frame && (frame->dataSource() || frame->provisionalDataSource());
 }
 } // namespace
+
+void WayfoldOutlineViewDataSource::leaveView(WayfoldOutlineView *view)
+{
+    if (!view)
+        return;
+    if (view->outlineDataSource() == this)
+        view->setOutlineDataSource(nullptr);
+    if (view->delegate() == this)
+        view->setDelegate(nullptr);
+    view->doubleAction = {};
+}
 
 void WayfoldOutlineViewDataSource::deselectAllItems()
 {
@@ -239,9 +270,12 @@ QMimeData *WayfoldOutlineViewDataSource::outlineViewWriteItems(OutlineView &view
                                                                const std::vector<OutlineItemPtr> &items)
 {
     const auto *list = qobject_cast<WayfoldOutlineView *>(&view);
-    const QStringList types = commonTypes(items, list && list->allowIncomingDrops());
+    const bool privateTypesAllowed = list && list->allowIncomingDrops();
+    QStringList types = commonTypes(items, privateTypesAllowed);
     if (types.isEmpty())
         return nullptr;
+    if (!privateTypesAllowed && types.contains(PasteboardTypes::BookmarkDictionaryList))
+        types.append(PasteboardTypes::dictionariesWithVisits);
     _dragSource = &view;
     _dragItems.clear();
     for (const OutlineItemPtr &item : items)
@@ -258,12 +292,26 @@ void WayfoldOutlineViewDataSource::outlineViewDraggingEnded(OutlineView & /*view
     _dragItems.clear();
 }
 
-QVariantList WayfoldOutlineViewDataSource::valuesOfDragItems(QVariant (*value)(const KDRBookmark &item)) const
+QVariantList WayfoldOutlineViewDataSource::valuesOfDragItems(QVariant (*value)(const KDRBookmarkPtr &item)) const
 {
     QVariantList values;
     for (const KDRBookmarkPtr &item : _dragItems)
-        values.append(value(*item));
+        values.append(value(item));
     return values;
+}
+
+QVariantList WayfoldOutlineViewDataSource::linksOfDragItems() const
+{
+    QVariantList addresses;
+    QVariantList titles;
+    for (const KDRBookmarkPtr &item : _dragItems) {
+        const Url url = urlOf(*item);
+        if (url.isNull())
+            continue;
+        addresses.append(url.absoluteString());
+        titles.append(item->title());
+    }
+    return {QVariant(addresses), QVariant(titles)};
 }
 
 QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QString &type) const
@@ -281,11 +329,20 @@ QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QStrin
     if (type == Types::KDRBookmark)
         return first.uuid();
     if (type == Types::NSFilenamesPboardType)
-        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(urlOf(item).path()); });
+        return valuesOfDragItems([](const KDRBookmarkPtr &item) { return QVariant(urlOf(*item).path()); });
     if (type == Types::BookmarkDictionaryList)
-        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(item.createDictionary(false)); });
+        return valuesOfDragItems([](const KDRBookmarkPtr &item) { return QVariant(item->createDictionary(false)); });
+    if (type == Types::dictionariesWithVisits) {
+        return valuesOfDragItems([](const KDRBookmarkPtr &item) {
+            QVariantMap dictionary = item->createDictionary(false);
+            writeVisits(dictionary, item);
+            return QVariant(dictionary);
+        });
+    }
+    if (type == Types::mozillaUrl)
+        return linksOfDragItems();
     if (type == Types::KDRBookmarkList || type == Types::ABPeopleUIDs || type == Types::ABGroupsUIDs)
-        return valuesOfDragItems([](const KDRBookmark &item) { return QVariant(item.uuid()); });
+        return valuesOfDragItems([](const KDRBookmarkPtr &item) { return QVariant(item->uuid()); });
     return {};
 }
 

@@ -53,7 +53,8 @@ public:
 
     QMimeData *outlineViewWriteItems(OutlineView &view, const std::vector<OutlineItemPtr> &items) override;
     void outlineViewDraggingEnded(OutlineView &view) override;
-    // The value of one type for the items that are being dragged: a QString or a QVariantList, invalid for none.
+    // The value of one type for the items that are being dragged: a QString or a QVariantList, invalid for none. That
+    // of the desktop's addresses is a list of addresses and one of their titles.
     QVariant pasteboardProvideDataForType(const QString &type) const;
 
     // ---- Dropping: refused, but for the Scratchpad
@@ -67,10 +68,15 @@ public:
     void handleResolveBookmarkRequest(QObject *sender) override;
     void handleOpenBookmarksInTabsRequest(QObject *sender) override;
 
+protected:
+    // For destructors: a view that outlives its source (null: it does not) has nobody to ask any more.
+    void leaveView(WayfoldOutlineView *view);
+
 private:
     KDRBookmarkPtr itemOrRoot(const OutlineItemPtr &item) const;
     void openItem(const KDRBookmarkPtr &item);
-    QVariantList valuesOfDragItems(QVariant (*value)(const KDRBookmark &item)) const;
+    QVariantList valuesOfDragItems(QVariant (*value)(const KDRBookmarkPtr &item)) const;
+    QVariantList linksOfDragItems() const;
 
     std::weak_ptr<const void> _owner;
     // Both only while a drag is in progress.

@@ -84,6 +84,8 @@ private Q_SLOTS:
     void clearingWhatIsNotFilteredChangesNothing();
     void newTreeIsFilteredToo();
     void matchesBeginAtTheTop();
+    void selectedMatchStaysSelected();
+    void searchBeforeTheBrowserHasWritten();
 
     void rowsAreOpened();
     void selection();
@@ -315,6 +317,41 @@ void WayfoldBookmarkDataSourceTest::matchesBeginAtTheTop()
     QCOMPARE(tab.view.rectOfRow(0).top(), 0);
 }
 
+void WayfoldBookmarkDataSourceTest::selectedMatchStaysSelected()
+{
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("marsh");
+    tab.view.selectItem(tab.item("TIMES"));
+    tab.search("marsh.org");
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"Timetable"});
+    tab.search("marsh.org/t");
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"Timetable"});
+    tab.search("kettle");
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+void WayfoldBookmarkDataSourceTest::searchBeforeTheBrowserHasWritten()
+{
+    _stage.reset();
+    _stage.emplace();
+    QVERIFY(!ListStage::store().safariBookmarkRoot());
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+    tab.search("x");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
+    tab.search("");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+    tab.search("kettle");
+    change(someBookmarks());
+    QCOMPARE(tab.rows(), QStringList{"Kettle works"});
+    tab.search("");
+    QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "Kitchen", "Observatory"}));
+}
+
 // --- The rest -------------------------------------------------------------------------------------------------------
 
 void WayfoldBookmarkDataSourceTest::rowsAreOpened()
@@ -369,6 +406,11 @@ void WayfoldBookmarkDataSourceTest::goesBeforeItsView()
     tab.source->ensureDataLoaded();
     tab.source.reset();
     QVERIFY(!tab.view.outlineDataSource());
+    QVERIFY(!tab.view.delegate());
+    QVERIFY(!tab.view.doubleAction);
+    tab.view.prepForReloadData();
+    tab.view.reloadData();
+    QTest::keyClick(&tab.view, Qt::Key_Space);
     change({});
     QCOMPARE(tab.view.numberOfRows(), 0);
 }

@@ -155,6 +155,9 @@ private Q_SLOTS:
     void newHistoryIsFilteredToo();
     void styleChangeWaitsForTheFilter();
     void searchDeselects();
+    void selectedMatchStaysSelected();
+    void foundHistoryIsAFolderLikeAnyOther();
+    void searchBeforeTheBrowserHasWritten();
 
     void rowsAreOpened();
     void dropsAreRefused();
@@ -581,6 +584,62 @@ void WayfoldHistoryDataSourceTest::searchDeselects()
     QVERIFY(!tab.source->anyItemSelected());
 }
 
+void WayfoldHistoryDataSourceTest::selectedMatchStaysSelected()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("da");
+    tab.view.selectItem(tab.source->localRootFolder()->findByUUID("http://www.a.org/1"));
+    tab.search("day");
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"a today"});
+    tab.search("today");
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"a today"});
+    tab.search("yester");
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+// What the search finds of the tree itself stands above the entries that it finds.
+void WayfoldHistoryDataSourceTest::foundHistoryIsAFolderLikeAnyOther()
+{
+    QVariantList visits = someVisits();
+    visits.append(BrowserFiles::visit("Prehistory", "http://www.stone.org/", BrowserFiles::noonOf(1)));
+    change(visits);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("istor");
+    QCOMPARE(tab.rows(), QStringList({"History", "Prehistory"}));
+    tab.view.expandItem(tab.view.itemAtRow(0));
+    const QStringList open = {"History",  "-b today",    "-a today",    "-a yesterday",
+                              "-no site", "-b long ago", "-Prehistory", "Prehistory"};
+    QCOMPARE(tab.rows(), open);
+    tab.view.selectIndividualRow(3);
+    tab.search("istory");
+    QCOMPARE(tab.rows(), open);
+    QCOMPARE(tab.view.selectedRows(), std::vector<int>{3});
+}
+
+// A user's very first minute: the browser has visited nothing, so it has written no file.
+void WayfoldHistoryDataSourceTest::searchBeforeTheBrowserHasWritten()
+{
+    _stage.reset();
+    _stage.emplace();
+    QVERIFY(!ListStage::store().historyBookmarkRoot());
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+    tab.search("x");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
+    tab.search("");
+    QCOMPARE(tab.view.numberOfRows(), 0);
+    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+    tab.search("today");
+    change(someVisits());
+    QCOMPARE(tab.rows(), QStringList({"b today", "a today"}));
+    tab.search("");
+    QCOMPARE(tab.shown(), QString(bySiteAndDay));
+}
+
 // --- The rest -------------------------------------------------------------------------------------------------------
 
 void WayfoldHistoryDataSourceTest::rowsAreOpened()
@@ -606,6 +665,7 @@ void WayfoldHistoryDataSourceTest::dropsAreRefused()
     OutlineDropTarget target;
     QCOMPARE(tab.source->outlineViewValidateDrop(tab.view, data, false, target), Qt::IgnoreAction);
     QVERIFY(!tab.source->outlineViewAcceptDrop(tab.view, data, target));
+    QVERIFY(!tab.view.allowIncomingDrops());
 }
 
 void WayfoldHistoryDataSourceTest::savingWritesNothing()
@@ -624,6 +684,11 @@ void WayfoldHistoryDataSourceTest::goesBeforeItsView()
     tab.source->ensureDataLoaded();
     tab.source.reset();
     QVERIFY(!tab.view.outlineDataSource());
+    QVERIFY(!tab.view.delegate());
+    QVERIFY(!tab.view.doubleAction);
+    tab.view.prepForReloadData();
+    tab.view.reloadData();
+    QTest::keyClick(&tab.view, Qt::Key_Space);
     change({});
     QCOMPARE(tab.view.numberOfRows(), 0);
 }

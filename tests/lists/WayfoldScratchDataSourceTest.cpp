@@ -703,6 +703,10 @@ void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()
 void WayfoldScratchDataSourceTest::noChangesAfterDestruction()
 {
     _pad->source.reset();
+    QVERIFY(!_pad->view.delegate());
+    QVERIFY(!_pad->view.doubleAction);
+    _pad->view.prepForReloadData();
+    _pad->view.reloadData();
     postFileChange(Notifications::SafariBookmarkFileModNotification);
     QCOMPARE(_pad->view.numberOfRows(), 0);
 }
