@@ -62,6 +62,20 @@ QVariantList DroppedData::propertyListForType(const QString &type) const
     return _data.hasFormat(type) ? PropertyList::fromData(_data.data(type)).toList() : foreignPropertyList(type);
 }
 
+QVariantList DroppedData::itemDictionaries() const
+{
+    if (!_data.hasFormat(PasteboardTypes::dictionariesWithVisits))
+        return propertyListForType(PasteboardTypes::BookmarkDictionaryList);
+    return PropertyList::fromData(_data.data(PasteboardTypes::dictionariesWithVisits)).toList();
+}
+
+QVariantList DroppedData::links() const
+{
+    QStringList titles;
+    const QStringList urls = addresses(&titles);
+    return {QVariant(QVariantList(urls.cbegin(), urls.cend())), QVariant(QVariantList(titles.cbegin(), titles.cend()))};
+}
+
 QStringList DroppedData::addresses(QStringList *titles) const
 {
     QStringList found;
@@ -79,9 +93,10 @@ QStringList DroppedData::addresses(QStringList *titles) const
         QStringList urls;
         for (qsizetype i = 0; i < lines.size(); i += 2) {
             const QString address = lines.at(i).trimmed();
-            if (address.isEmpty())
+            const Url url = urlFromText(address);
+            if (url.isNull())
                 continue;
-            urls.append(urlFromText(address).absoluteString());
+            urls.append(url.absoluteString());
             if (titles)
                 titles->append(lines.value(i + 1).trimmed());
         }
@@ -112,13 +127,11 @@ bool DroppedData::foreignDataOffers(const QString &type) const
 
 QVariantList DroppedData::foreignPropertyList(const QString &type) const
 {
-    QStringList titles;
-    const QStringList urls = addresses(&titles);
     QVariantList list;
     if (type == PasteboardTypes::WebURLsWithTitles)
-        return {QVariant(QVariantList(urls.cbegin(), urls.cend())),
-                QVariant(QVariantList(titles.cbegin(), titles.cend()))};
+        return links();
     if (type == PasteboardTypes::NSFilenamesPboardType) {
+        const QStringList urls = addresses();
         for (const QString &address : urls)
             list.append(Url::URLWithString(address).path());
     }

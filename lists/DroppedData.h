@@ -24,6 +24,11 @@ public:
     static Url urlFromText(const QString &text);
     // Empty when the type is not offered or holds no list.
     QVariantList propertyListForType(const QString &type) const;
+    // The dictionaries of items, with visited pages as links when the data knows of them.
+    QVariantList itemDictionaries() const;
+    // The addresses that the data has in the desktop's types, and the titles of these, in two lists; the titles may be
+    // fewer.
+    QVariantList links() const;
 
 private:
     bool isForeign() const;

@@ -64,34 +64,14 @@ bool ItemMimeData::hasAddresses() const
     return *_hasAddresses;
 }
 
-// One item travels as a link with its title; several as dictionaries of items, or as files.
 QStringList ItemMimeData::addresses() const
 {
-    QStringList found;
-    if (declares(PasteboardTypes::NSURLPboardType)) {
-        found.append(_provider(PasteboardTypes::NSURLPboardType).toString());
-    } else if (declares(PasteboardTypes::BookmarkDictionaryList)) {
-        const QVariantList items = _provider(PasteboardTypes::BookmarkDictionaryList).toList();
-        for (const QVariant &item : items)
-            found.append(item.toMap().value(QStringLiteral("URLString")).toString());
-    }
-    found.removeAll(QString());
-    return found;
+    return strings(_provider(PasteboardTypes::mozillaUrl).toList().value(0));
 }
 
 QStringList ItemMimeData::titles() const
 {
-    if (declares(PasteboardTypes::WebURLsWithTitles))
-        return strings(_provider(PasteboardTypes::WebURLsWithTitles).toList().value(1));
-    QStringList found;
-    const QVariantList items = _provider(PasteboardTypes::BookmarkDictionaryList).toList();
-    for (const QVariant &item : items) {
-        const QVariantMap dictionary = item.toMap();
-        if (!dictionary.value(QStringLiteral("URLString")).toString().isEmpty())
-            found.append(
-                dictionary.value(QStringLiteral("URIDictionary")).toMap().value(QStringLiteral("title")).toString());
-    }
-    return found;
+    return strings(_provider(PasteboardTypes::mozillaUrl).toList().value(1));
 }
 
 QByteArray ItemMimeData::uriListData(const QStringList &addresses)

@@ -11,7 +11,9 @@ class ItemMimeData : public QMimeData
     Q_OBJECT
 
 public:
-    // Answers the value of one declared type (a QString or a QVariantList), invalid for none.
+    // Answers the value of one declared type (a QString or a QVariantList), invalid for none; and for
+    // PasteboardTypes::mozillaUrl the addresses of all dragged items that have one and the titles of these, in two
+    // lists.
     using Provider = std::function<QVariant(const QString &type)>;
 
     // `types` are the lists' own; the desktop's are added to them.
@@ -32,13 +34,12 @@ protected:
 private:
     bool declares(const QString &type) const { return _types.contains(type); }
     bool hasAddresses() const;
-    // The addresses and titles of all dragged items that have an address.
     QStringList addresses() const;
     QStringList titles() const;
     QByteArray mozillaUrlData() const;
 
     QStringList _types;
     Provider _provider;
-    // Whether there are addresses is asked at every move of a drag, and finding out may mean writing a large tree.
+    // Whether there are addresses is asked at every move of a drag.
     mutable std::optional<bool> _hasAddresses;
 };

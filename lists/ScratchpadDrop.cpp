@@ -1,5 +1,6 @@
 #include "lists/ScratchpadDrop.h"
 
+#include "core/settings/WayfoldToolkit.h"
 #include "lists/PageTitle.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/SavedDepth.h"
@@ -14,16 +15,42 @@ namespace
 constexpr qsizetype longestWholeTitle = 29;
 constexpr qsizetype shortenedTitle = 30;
 
+// Half a letter that takes two units stays out.
 QString noteTitle(const QString &text)
 {
-    return text.size() <= longestWholeTitle ? text : text.left(shortenedTitle) + QStringLiteral("...");
+    if (text.size() <= longestWholeTitle)
+        return text;
+    const bool cutsALetter = text.size() > shortenedTitle && text.at(shortenedTitle - 1).isHighSurrogate();
+    return text.left(cutsALetter ? shortenedTitle - 1 : shortenedTitle) + QStringLiteral("...");
+}
+
+// An item without a title would not be read back from the item file: it gets one, or is none when it holds nothing.
+KDRBookmarkPtr folderFromDictionary(const QVariantMap &dictionary)
+{
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::bookmarkFromDictionary(dictionary);
+    if (!folder->title().isEmpty())
+        return folder;
+    if (folder->isEmpty())
+        return nullptr;
+    folder->setTitle(WayfoldToolkit::localizedString(QStringLiteral("Untitled Folder")));
+    return folder;
+}
+
+KDRBookmarkPtr linkFromDictionary(const QVariantMap &dictionary)
+{
+    const WayfoldBookmarkURLPtr link = WayfoldBookmarkURL::bookmarkFromDictionary(dictionary);
+    if (!link->title().isEmpty())
+        return link;
+    if (link->url().isNull())
+        return nullptr;
+    link->setTitle(PageTitle::forURL(link->url()));
+    return link;
 }
 
 KDRBookmarkPtr itemFromDictionary(const QVariantMap &dictionary)
 {
-    if (dictionary.contains(QStringLiteral("Children")))
-        return WayfoldBookmarkFolder::bookmarkFromDictionary(dictionary);
-    return WayfoldBookmarkURL::bookmarkFromDictionary(dictionary);
+    return dictionary.contains(QStringLiteral("Children")) ? folderFromDictionary(dictionary)
+                                                           : linkFromDictionary(dictionary);
 }
 } // namespace
 
@@ -41,7 +68,7 @@ bool ScratchpadDrop::accept(const DroppedData &data)
     if (data.offers(Types::BookmarkDictionaryList))
         return addFromDictionaries(data);
     if (data.offers(Types::WebURLsWithTitles))
-        return addFromURLsWithTitles(data);
+        return addFromURLsWithTitles(data.propertyListForType(Types::WebURLsWithTitles));
     if (data.offers(Types::NSURLPboardType))
         return addFromURL(data);
     if (data.offers(Types::NSFilenamesPboardType))
@@ -94,8 +121,9 @@ bool ScratchpadDrop::moveItem(const DroppedData &data)
 bool ScratchpadDrop::moveItems(const DroppedData &data)
 {
     const QVariantList uuids = data.propertyListForType(PasteboardTypes::KDRBookmarkList);
+    const QHash<QString, KDRBookmarkPtr> items = _root->itemsWithUUIDs(QVariant(uuids).toStringList());
     for (const QVariant &uuid : uuids) {
-        const KDRBookmarkPtr item = _root->findByUUID(uuid.toString());
+        const KDRBookmarkPtr item = items.value(uuid.toString());
         if (!item)
             continue;
         adjustIndexFor(*item); // even for one that stays where it is
@@ -114,17 +142,20 @@ bool ScratchpadDrop::addAddressBookItems(const DroppedData &data, const QString 
 
 bool ScratchpadDrop::addFromDictionaries(const DroppedData &data)
 {
-    const QVariantList dictionaries = data.propertyListForType(PasteboardTypes::BookmarkDictionaryList);
+    bool isAnything = false;
+    const QVariantList dictionaries = data.itemDictionaries();
     for (const QVariant &dictionary : dictionaries) {
-        if (const KDRBookmarkPtr item = itemFromDictionary(dictionary.toMap()))
+        if (const KDRBookmarkPtr item = itemFromDictionary(dictionary.toMap())) {
+            isAnything = true;
             insert(item);
+        }
     }
-    return !_droppedItems.empty();
+    // Pages that are known by their addresses alone.
+    return isAnything ? !_droppedItems.empty() : addFromURLsWithTitles(data.links());
 }
 
-bool ScratchpadDrop::addFromURLsWithTitles(const DroppedData &data)
+bool ScratchpadDrop::addFromURLsWithTitles(const QVariantList &lists)
 {
-    const QVariantList lists = data.propertyListForType(PasteboardTypes::WebURLsWithTitles);
     const QVariantList addresses = lists.value(0).toList();
     const QVariantList titles = lists.value(1).toList();
     for (qsizetype i = 0; i < addresses.size(); ++i) {

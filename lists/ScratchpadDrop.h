@@ -28,7 +28,8 @@ private:
     bool moveItems(const DroppedData &data);
     bool addAddressBookItems(const DroppedData &data, const QString &type);
     bool addFromDictionaries(const DroppedData &data);
-    bool addFromURLsWithTitles(const DroppedData &data);
+    // One list of addresses, one of titles.
+    bool addFromURLsWithTitles(const QVariantList &lists);
     bool addFromURL(const DroppedData &data);
     bool addFiles(const DroppedData &data);
     bool addNote(const DroppedData &data);

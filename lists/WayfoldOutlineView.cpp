@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
+#include <QSet>
 #include <algorithm>
 
 namespace
@@ -186,6 +187,14 @@ Qt::DropAction WayfoldOutlineView::runDrag(QDrag *drag)
     return drag->exec(draggingSourceOperationMaskForLocal(false), Qt::CopyAction);
 }
 
+// The browser window may close while a drag runs. What handles the mouse goes on with the list afterwards, so the list
+// goes only when that event is over.
+void WayfoldOutlineView::startDrag(Qt::DropActions supportedActions)
+{
+    const std::shared_ptr<const void> keeper = _delegate ? _delegate->keptAlive() : nullptr;
+    OutlineView::startDrag(supportedActions);
+}
+
 // --- Reload with memory ---------------------------------------------------------------------------------------------
 
 void WayfoldOutlineView::prepForReloadData()
@@ -198,13 +207,13 @@ void WayfoldOutlineView::prepForReloadData()
 void WayfoldOutlineView::reloadData()
 {
     const bool hasMemory = _savedUUIDExpansions || _savedUUIDSelections;
-    const std::vector<KDRBookmarkPtr> expanded = hasMemory ? std::vector<KDRBookmarkPtr>() : expandedFolders();
+    const std::vector<OutlineExpansion> expanded = hasMemory ? std::vector<OutlineExpansion>() : expansions();
     const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
     const int scrollPosition = verticalScrollBar()->value();
 
     OutlineView::reloadData();
     removeAllToolTips();
-    expandItems(expanded);
+    restore(expanded);
     selectItems(selected);
     if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDExpansions, std::nullopt))
         reexpandItemsFromUUIDList(*uuids);
@@ -225,18 +234,29 @@ std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedFolders() const
     return folders;
 }
 
-// Folders come before what is in them. One that collects its contents must have done so before it is opened.
-void WayfoldOutlineView::expandItems(const std::vector<KDRBookmarkPtr> &items)
+// One that collects its contents must have done so before it is opened.
+void WayfoldOutlineView::expandUpToDate(const KDRBookmarkPtr &item)
 {
-    for (const KDRBookmarkPtr &item : items) {
-        item->ensureUpToDate();
-        expandItem(item);
-    }
+    item->ensureUpToDate();
+    expandItem(item);
 }
 
-void WayfoldOutlineView::selectItems(const std::vector<KDRBookmarkPtr> &items)
+// What is in a closed folder can be opened only while the folder is open.
+void WayfoldOutlineView::restore(const std::vector<OutlineExpansion> &expansions)
 {
-    selectRowsOfItems({items.cbegin(), items.cend()});
+    QSet<const OutlineItem *> open;
+    for (const auto &[item, isOpen] : expansions) {
+        const auto folder = std::static_pointer_cast<KDRBookmark>(item);
+        if (!folder->isFolder())
+            continue;
+        expandUpToDate(folder);
+        if (isOpen)
+            open.insert(item.get());
+    }
+    for (auto each = expansions.crbegin(); each != expansions.crend(); ++each) {
+        if (!open.contains(each->item.get())) // an item may have an open and a closed row
+            collapseItem(each->item);
+    }
 }
 
 QStringList WayfoldOutlineView::getExpandedItemsUUIDList() const
@@ -269,7 +289,7 @@ void WayfoldOutlineView::reexpandItemsFromUUIDList(const QStringList &uuids)
         const QHash<QString, KDRBookmarkPtr> items = root->itemsWithUUIDs(missing);
         for (const QString &uuid : std::exchange(missing, {})) {
             if (const KDRBookmarkPtr item = items.value(uuid))
-                expandItems({item});
+                expandUpToDate(item);
             else
                 missing.append(uuid);
         }
@@ -328,6 +348,11 @@ void WayfoldOutlineView::selectItem(const KDRBookmarkPtr &item)
 {
     if (item)
         selectRow(rowForItem(item));
+}
+
+void WayfoldOutlineView::selectItems(const std::vector<KDRBookmarkPtr> &items)
+{
+    selectRowsOfItems({items.cbegin(), items.cend()});
 }
 
 void WayfoldOutlineView::selectIndividualItem(const KDRBookmarkPtr &item)

@@ -71,6 +71,8 @@ public:
     void selectIndividualRow(int row);
     // Adds the item's first row to the selection; nothing for none.
     void selectItem(const KDRBookmarkPtr &item);
+    // The same for many, all at once.
+    void selectItems(const std::vector<KDRBookmarkPtr> &items);
     // Changes nothing when the item has no row.
     void selectIndividualItem(const KDRBookmarkPtr &item);
     KDRBookmarkPtr selectedItem() const;
@@ -100,6 +102,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     Qt::DropAction runDrag(QDrag *drag) override;
+    void startDrag(Qt::DropActions supportedActions) override;
 
     KDRBookmarkPtr itemInRow(int row) const;
 
@@ -111,8 +114,8 @@ private:
     bool validateOpenItem(QAction *item) const;
     bool validateOpenInTabsItem(QAction *item) const;
     std::vector<KDRBookmarkPtr> expandedFolders() const;
-    void expandItems(const std::vector<KDRBookmarkPtr> &items);
-    void selectItems(const std::vector<KDRBookmarkPtr> &items);
+    void expandUpToDate(const KDRBookmarkPtr &item);
+    void restore(const std::vector<OutlineExpansion> &expansions);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip

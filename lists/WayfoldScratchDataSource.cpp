@@ -102,8 +102,7 @@ WayfoldScratchDataSource::WayfoldScratchDataSource(const Outlets &outlets)
 WayfoldScratchDataSource::~WayfoldScratchDataSource()
 {
     NotificationCenter::defaultCenter().removeObserver(this);
-    if (_scratchOutlineView)
-        _scratchOutlineView->setOutlineDataSource(nullptr);
+    leaveView(_scratchOutlineView);
     releaseRoot();
 }
 
@@ -408,8 +407,7 @@ bool WayfoldScratchDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, con
     KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(window.get());
     if (!drop.droppedItems().empty()) {
         deselectAllItems();
-        for (const KDRBookmarkPtr &item : drop.droppedItems())
-            _scratchOutlineView->selectItem(item);
+        _scratchOutlineView->selectItems(drop.droppedItems());
         saveScratchBookmarkRoot();
     }
     return true;

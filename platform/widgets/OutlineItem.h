@@ -10,3 +10,10 @@ public:
 };
 
 using OutlineItemPtr = std::shared_ptr<OutlineItem>;
+
+// A folder that stands open, or that is closed but has something open in it.
+struct OutlineExpansion
+{
+    OutlineItemPtr item;
+    bool isOpen = false;
+};

@@ -374,6 +374,28 @@ void OutlineModel::appendExpanded(const Row &row, std::vector<OutlineItemPtr> &i
     }
 }
 
+std::vector<OutlineExpansion> OutlineModel::expansions() const
+{
+    std::vector<OutlineExpansion> expansions;
+    appendExpansions(*_root, expansions);
+    return expansions;
+}
+
+void OutlineModel::appendExpansions(const Row &row, std::vector<OutlineExpansion> &expansions)
+{
+    if (!row.branch)
+        return;
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (!child || !child->branch || !child->expandable)
+            continue;
+        const std::size_t own = expansions.size();
+        expansions.push_back({child->item, child->expanded});
+        appendExpansions(*child, expansions);
+        if (!child->expanded && expansions.size() == own + 1)
+            expansions.pop_back();
+    }
+}
+
 void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
 {
     Row &row = *rowOf(index);

@@ -53,6 +53,9 @@ public:
     bool isExpanded(const QModelIndex &index) const;
     // Of the rows that are shown, from the top to the bottom.
     std::vector<OutlineItemPtr> expandedItems() const;
+    // Those, with what stands open in closed folders and comes back when they are opened, and these folders themselves;
+    // all before their contents.
+    std::vector<OutlineExpansion> expansions() const;
 
     QModelIndex index(int row, int column, const QModelIndex &parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex &index) const override;
@@ -93,6 +96,7 @@ private:
     static int flatRow(const Row &row);
 
     static void appendExpanded(const Row &row, std::vector<OutlineItemPtr> &items);
+    static void appendExpansions(const Row &row, std::vector<OutlineExpansion> &expansions);
     static void collectExpanded(const Row &row, Reload &reload);
     void refresh(Row &row, Reload &reload);
     void replaceChildren(Row &row, Reload &reload);

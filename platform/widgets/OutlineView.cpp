@@ -170,6 +170,11 @@ std::vector<OutlineItemPtr> OutlineView::expandedItems() const
     return _model->expandedItems();
 }
 
+std::vector<OutlineExpansion> OutlineView::expansions() const
+{
+    return _model->expansions();
+}
+
 void OutlineView::expandItem(const OutlineItemPtr &item)
 {
     expand(_model->indexOfItem(item));

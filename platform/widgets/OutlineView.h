@@ -52,6 +52,9 @@ public:
     bool isItemExpanded(const OutlineItemPtr &item) const;
     // Of the rows, from the top to the bottom.
     std::vector<OutlineItemPtr> expandedItems() const;
+    // Of all rows, those in closed folders too, which are shown again when the folders are opened; folders come before
+    // their contents.
+    std::vector<OutlineExpansion> expansions() const;
     void expandItem(const OutlineItemPtr &item);
     void collapseItem(const OutlineItemPtr &item);
 

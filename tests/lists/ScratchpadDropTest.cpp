@@ -1,6 +1,8 @@
 #include "lists/ScratchpadDrop.h"
 
 #include "lists/PasteboardTypes.h"
+#include "lists/WayfoldBookmarkOutlineView.h"
+#include "lists/WayfoldHistoryOutlineView.h"
 #include "platform/files/PropertyList.h"
 #include "tests/lists/ListStage.h"
 
@@ -62,11 +64,18 @@ private Q_SLOTS:
     void moveSeveralFromSeveralFolders();
     void moveSeveralIntoOneOfThem();
     void severalUnknown();
+    void othersAreToldThoughAllWereSkipped_data();
+    void othersAreToldThoughAllWereSkipped();
     void twoPeopleMoveOnlyTheFirst();
 
     // ---- Making
     void contacts();
     void dictionaries();
+    void dictionariesOfNothing();
+    void dictionariesWithoutATitle();
+    void pagesKnownByTheirAddressesAlone();
+    void severalVisits();
+    void foldersOfVisits();
     void treeThatIsTooDeepToBeSaved();
     void movedTooDeepToBeSaved();
     void nothingGoesTooDeepToBeSaved_data();
@@ -78,6 +87,8 @@ private Q_SLOTS:
     void text_data();
     void text();
     void firstOfferedTypeCounts();
+    void typesInOrder_data();
+    void typesInOrder();
     void nothingOffered();
     void smartFolderTakesNothing();
 
@@ -90,6 +101,8 @@ private Q_SLOTS:
     void indexOfADropOnAnItem();
     void dropOnASiteListBecomesPartOfTheTree();
     void dragFromAnotherListCopies();
+    void folderAndFileFromAnotherList();
+    void manyAreSelectedAtOnce();
 
 private:
     using Target = OutlineDropTarget;
@@ -97,11 +110,22 @@ private:
     void setString(const QString &type, const QString &value) { _data->setData(type, value.toUtf8()); }
     void setList(const QString &type, const QVariantList &value) { _data->setData(type, PropertyList::toXml(value)); }
     bool drop(const Target &target) { return _pad->source->outlineViewAcceptDrop(_pad->view, *_data, target); }
+    // Drops what a drag of these from a list that takes no drops brings.
+    bool dropFrom(WayfoldOutlineView &view, const std::vector<OutlineItemPtr> &items)
+    {
+        WayfoldOutlineViewDataSource source;
+        const std::unique_ptr<QMimeData> dragged(source.outlineViewWriteItems(view, items));
+        return dragged && _pad->source->outlineViewAcceptDrop(_pad->view, *dragged, {nullptr, 0});
+    }
+    void setMozilla(const QString &lines)
+    {
+        _data->setData(QStringLiteral("text/x-moz-url"),
+                       QByteArray(reinterpret_cast<const char *>(lines.utf16()), lines.size() * 2));
+    }
     Qt::DropAction validate(Target &target, bool isLocal = false)
     {
         return _pad->source->outlineViewValidateDrop(_pad->view, *_data, isLocal, target);
     }
-    // After a drop: the first item of the list.
     // So many folders, one inside the other.
     static WayfoldBookmarkFolderPtr chain(int length)
     {
@@ -110,6 +134,7 @@ private:
             outermost = ListStage::folder(QStringLiteral("f"), {outermost});
         return outermost;
     }
+    // After a drop: the first item of the list.
     KDRBookmarkPtr first() { return ListStage::store().bookmarkRoot()->childAtIndex(0); }
 
     std::optional<ListStage> _stage;
@@ -306,6 +331,27 @@ void ScratchpadDropTest::severalUnknown()
     QVERIFY(!drop({nullptr, 0}));
 }
 
+void ScratchpadDropTest::othersAreToldThoughAllWereSkipped_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::newRow("moved items") << PasteboardTypes::KDRBookmarkList;
+    QTest::newRow("people") << PasteboardTypes::ABPeopleUIDs;
+    QTest::newRow("groups") << PasteboardTypes::ABGroupsUIDs;
+    QTest::newRow("files") << PasteboardTypes::NSFilenamesPboardType;
+}
+
+void ScratchpadDropTest::othersAreToldThoughAllWereSkipped()
+{
+    QFETCH(QString, type);
+    Scratchpad other(*_stage);
+    other.drawer.reloadCount = 0;
+    setList(type, {QStringLiteral("")});
+    QVERIFY(drop({nullptr, 0}));
+    QVERIFY(other.drawer.reloadCount > 0);
+    QVERIFY(first() == _a);
+    QVERIFY(_stage->savedFile().isEmpty());
+}
+
 void ScratchpadDropTest::twoPeopleMoveOnlyTheFirst()
 {
     const auto ann = ListStage::person(QStringLiteral("Ann"));
@@ -346,6 +392,90 @@ void ScratchpadDropTest::dictionaries()
              QStringList{QStringLiteral("Leaf")});
     setList(PasteboardTypes::BookmarkDictionaryList, {});
     QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::dictionariesOfNothing()
+{
+    const QVariantMap nothing;
+    const QVariantMap emptyFolder = {{QStringLiteral("Children"), QVariantList()}};
+    const QStringList before = rowsOf(*_pad);
+    setList(PasteboardTypes::BookmarkDictionaryList, {nothing, emptyFolder});
+    QVERIFY(!drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad), before);
+    QVERIFY(_stage->savedFile().isEmpty());
+
+    const auto link = ListStage::link(QStringLiteral("Link"));
+    setList(PasteboardTypes::BookmarkDictionaryList, {nothing, link->createDictionary(false), emptyFolder});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad), QStringList(QStringLiteral("Link")) + before);
+}
+
+// Without a title they would be gone after the next start.
+void ScratchpadDropTest::dictionariesWithoutATitle()
+{
+    QVariantMap link = ListStage::link(QStringLiteral(""), QStringLiteral("http://a/b"))->createDictionary(false);
+    QVariantMap folder =
+        ListStage::folder(QStringLiteral(""), {ListStage::note(QStringLiteral("In it"))})->createDictionary(false);
+    setList(PasteboardTypes::BookmarkDictionaryList, {link, folder});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({QStringLiteral("/b"), QStringLiteral("Untitled Folder")}));
+    const auto saved = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(ListStage::store().bookmarkFilePath());
+    QCOMPARE(saved->childAtIndex(0)->valueAsString(), QStringLiteral("http://a/b"));
+    QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(saved->childAtIndex(1))),
+             QStringList{QStringLiteral("In it")});
+}
+
+void ScratchpadDropTest::pagesKnownByTheirAddressesAlone()
+{
+    setList(PasteboardTypes::BookmarkDictionaryList, {QVariantMap(), QVariantMap()});
+    _data->setData(QStringLiteral("text/uri-list"), "http://a/b\r\nhttp://a/c\r\n");
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({QStringLiteral("/b"), QStringLiteral("/c"), QStringLiteral("a")}));
+    setMozilla(QStringLiteral("http://a/d\nD page\nhttp://a/e\n"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3),
+             QStringList({QStringLiteral("D page"), QStringLiteral("/e"), QStringLiteral("/b")}));
+    // Only when nothing came of the dictionaries.
+    setList(PasteboardTypes::BookmarkDictionaryList,
+            {ListStage::link(QStringLiteral("Link"))->createDictionary(false), QVariantMap()});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({QStringLiteral("Link"), QStringLiteral("D page")}));
+}
+
+void ScratchpadDropTest::severalVisits()
+{
+    WayfoldHistoryOutlineView history;
+    QVERIFY(dropFrom(history, {ListStage::history(QStringLiteral("One")), ListStage::history(QStringLiteral("Two"))}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("a")}));
+    QCOMPARE(first()->type(), KDRBookmark::WebLinkType);
+    QCOMPARE(first()->valueAsString(), QStringLiteral("http://www.example.com/visited"));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()),
+             QStringList({QStringLiteral("One"), QStringLiteral("Two")}));
+    const auto saved = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(ListStage::store().bookmarkFilePath());
+    QCOMPARE(ListStage::titles(saved).mid(0, 2), QStringList({QStringLiteral("One"), QStringLiteral("Two")}));
+}
+
+// A day of the history, with its pages, beside a single page.
+void ScratchpadDropTest::foldersOfVisits()
+{
+    const auto site = ListStage::folder(
+        QStringLiteral("a.org"), {ListStage::history(QStringLiteral("Second")), ListStage::link(QStringLiteral("L"))});
+    const auto day = ListStage::folder(QStringLiteral("Monday"), {ListStage::history(QStringLiteral("First")), site});
+    WayfoldHistoryOutlineView history;
+    QVERIFY(dropFrom(history, {day, ListStage::history(QStringLiteral("Single"))}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 3),
+             QStringList({QStringLiteral("Monday"), QStringLiteral("Single"), QStringLiteral("a")}));
+    const auto copy = WayfoldBookmarkFolder::fromItem(first());
+    QVERIFY(copy != day);
+    QCOMPARE(ListStage::titles(copy), QStringList({QStringLiteral("First"), QStringLiteral("a.org")}));
+    QCOMPARE(copy->childAtIndex(0)->type(), KDRBookmark::WebLinkType);
+    QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(copy->childAtIndex(1))),
+             QStringList({QStringLiteral("Second"), QStringLiteral("L")}));
+    QCOMPARE(day->childAtIndex(0)->type(), KDRBookmark::HistoryEntryType); // as it was
+
+    QVERIFY(dropFrom(history, {site}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({QStringLiteral("a.org"), QStringLiteral("Monday")}));
+    QCOMPARE(WayfoldBookmarkFolder::fromItem(first())->childCount(), 2U);
 }
 
 // The root and 511 folders are as much as a file can hold.
@@ -488,6 +618,12 @@ void ScratchpadDropTest::text_data()
     QTest::newRow("short") << QStringLiteral("words") << QStringLiteral("words");
     QTest::newRow("29") << letters.left(29) << letters.left(29);
     QTest::newRow("30") << letters.left(30) << letters.left(30) + QStringLiteral("...");
+    const QString face = QString::fromUtf8("\xf0\x9f\x98\x80"); // one letter of two units
+    QTest::newRow("a letter across the cut")
+        << letters.left(29) + face + letters.left(5) << letters.left(29) + QStringLiteral("...");
+    QTest::newRow("a letter before the cut")
+        << letters.left(28) + face + letters.left(5) << letters.left(28) + face + QStringLiteral("...");
+    QTest::newRow("a letter at the end") << letters.left(28) + face << letters.left(28) + face + QStringLiteral("...");
     QTest::newRow("40") << letters << letters.left(30) + QStringLiteral("...");
 }
 
@@ -513,6 +649,50 @@ void ScratchpadDropTest::firstOfferedTypeCounts()
     // An item of another Scratchpad is unknown here, and nothing else is made of it.
     setString(PasteboardTypes::KDRBookmark, QStringLiteral("unknown"));
     QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::typesInOrder_data()
+{
+    QTest::addColumn<int>("first"); // from which type on the data offers all
+    QTest::addColumn<bool>("dropped");
+    QTest::addColumn<QString>("made"); // kind and title of what stands first then
+    int first = 0;
+    QTest::newRow("an item of the list") << first++ << true << QStringLiteral("4 b");
+    QTest::newRow("items of the list") << first++ << true << QStringLiteral("4 c");
+    QTest::newRow("people") << first++ << false << QStringLiteral("4 a"); // none, and nothing else is made
+    QTest::newRow("groups") << first++ << true << QStringLiteral("4 a");  // nobody knows them
+    QTest::newRow("dictionaries") << first++ << true << QStringLiteral("1 Tree");
+    QTest::newRow("addresses with titles") << first++ << true << QStringLiteral("2 A page");
+    QTest::newRow("address") << first++ << true << QStringLiteral("2 /url");
+    QTest::newRow("file names") << first++ << true << QStringLiteral("3 file");
+    QTest::newRow("text") << first++ << true << QStringLiteral("4 words");
+}
+
+void ScratchpadDropTest::typesInOrder()
+{
+    QFETCH(int, first);
+    QFETCH(bool, dropped);
+    QFETCH(QString, made);
+    const QVariantList page = {QVariant(QVariantList{QStringLiteral("http://a/web")}),
+                               QVariant(QVariantList{QStringLiteral("A page")})};
+    const std::vector<std::function<void()>> types = {
+        [&] { setString(PasteboardTypes::KDRBookmark, _b->uuid()); },
+        [&] { setList(PasteboardTypes::KDRBookmarkList, {_c->uuid()}); },
+        [&] { setList(PasteboardTypes::ABPeopleUIDs, {}); },
+        [&] { setList(PasteboardTypes::ABGroupsUIDs, {QStringLiteral("unknown")}); },
+        [&] {
+            setList(PasteboardTypes::BookmarkDictionaryList,
+                    {ListStage::folder(QStringLiteral("Tree"))->createDictionary(false)});
+        },
+        [&] { setList(PasteboardTypes::WebURLsWithTitles, page); },
+        [&] { setString(PasteboardTypes::NSURLPboardType, QStringLiteral("http://a/url")); },
+        [&] { setList(PasteboardTypes::NSFilenamesPboardType, {QStringLiteral("/tmp/file")}); },
+        [&] { setString(PasteboardTypes::NSStringPboardType, QStringLiteral("words")); },
+    };
+    for (std::size_t type = std::size_t(first); type < types.size(); ++type)
+        types[type]();
+    QCOMPARE(drop({nullptr, 0}), dropped);
+    QCOMPARE(QStringLiteral("%1 %2").arg(int(this->first()->type())).arg(this->first()->title()), made);
 }
 
 void ScratchpadDropTest::nothingOffered()
@@ -545,6 +725,9 @@ void ScratchpadDropTest::foreign_data()
                             << QStringList{QStringLiteral("2 /b")};
     QTest::newRow("links") << QStringLiteral("# two of them\r\nhttp://a/b\r\nhttp://a/c\r\n") << none << none
                            << QStringList{QStringLiteral("2 /b"), QStringLiteral("2 /c")};
+    QTest::newRow("links, one of them none")
+        << none << QStringLiteral("http://a/b\nOne\nhttp://[\nTwo\nhttp://a/c\nThree") << none
+        << QStringList{QStringLiteral("2 One"), QStringLiteral("2 Three")};
     QTest::newRow("files") << QStringLiteral("file:///tmp/a%20b\r\nfile:///tmp/c\r\n") << none << none
                            << QStringList{QStringLiteral("3 a b"), QStringLiteral("3 c")};
     QTest::newRow("a mail") << QStringLiteral("mailto:ann") << none << none
@@ -564,8 +747,7 @@ void ScratchpadDropTest::foreign()
     if (!addresses.isNull())
         _data->setData(QStringLiteral("text/uri-list"), addresses.toUtf8());
     if (!mozilla.isNull())
-        _data->setData(QStringLiteral("text/x-moz-url"),
-                       QByteArray(reinterpret_cast<const char *>(mozilla.utf16()), mozilla.size() * 2));
+        setMozilla(mozilla);
     if (!text.isNull())
         _data->setText(text);
     Target target = {nullptr, 0};
@@ -625,6 +807,34 @@ void ScratchpadDropTest::dragFromAnotherListCopies()
     QCOMPARE(first()->title(), QStringLiteral("Of the browser"));
     QVERIFY(first() != link);
     QVERIFY(first()->uuid() != link->uuid());
+}
+
+void ScratchpadDropTest::folderAndFileFromAnotherList()
+{
+    WayfoldBookmarkOutlineView bookmarks;
+    const auto tree = ListStage::folder(QStringLiteral("Tree"), {ListStage::link(QStringLiteral("Leaf"))});
+    QVERIFY(dropFrom(bookmarks, {tree}));
+    QCOMPARE(first()->title(), QStringLiteral("Tree"));
+    QVERIFY(first()->isFolder());
+    QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(first())), QStringList{QStringLiteral("Leaf")});
+
+    QVERIFY(dropFrom(bookmarks, {ListStage::file(QStringLiteral("A letter"))}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
+    QCOMPARE(first()->title(), QStringLiteral("A letter")); // not the file's name
+}
+
+// One after the other would take quadratic time.
+void ScratchpadDropTest::manyAreSelectedAtOnce()
+{
+    constexpr int many = 300;
+    QVariantList links;
+    for (int i = 0; i < many; ++i)
+        links.append(ListStage::link(QString::number(i))->createDictionary(false));
+    setList(PasteboardTypes::BookmarkDictionaryList, links);
+    const QSignalSpy changes(_pad->view.selectionModel(), &QItemSelectionModel::selectionChanged);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(_pad->view.selectedItemCount(), many);
+    QVERIFY(changes.count() <= 3);
 }
 
 QTEST_MAIN(ScratchpadDropTest)

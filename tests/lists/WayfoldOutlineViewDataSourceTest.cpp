@@ -80,16 +80,20 @@ private Q_SLOTS:
     void dataOutlivesTheSource();
     void desktopTypes();
     void desktopTypesOfSeveralLinks();
+    void desktopTypesOfVisits();
+    void dictionariesHoldSmartFolders();
     void largeFoldersAreWrittenOnlyWhenAskedFor();
 
     void openNothing();
     void openFolders();
     void openWebLinksInTheCurrentFrame();
     void openWebLinksWithoutAFrame();
+    void openInTheFrontWindow();
     void openFilesAndMails();
     void openNote();
     void openInTabs();
     void openInTabsOfAnEmptyWindow();
+    void openSeveralInTabsOfAnEmptyWindow();
 
 private:
     std::optional<ListStage> _stage;
@@ -395,6 +399,36 @@ void WayfoldOutlineViewDataSourceTest::desktopTypesOfSeveralLinks()
              QStringLiteral("http://a/1\nOne\nmailto:ann\nTwo"));
 }
 
+void WayfoldOutlineViewDataSourceTest::desktopTypesOfVisits()
+{
+    PlainSource source;
+    const std::unique_ptr<QMimeData> data(
+        source.outlineViewWriteItems(source.view, {ListStage::history("One"), ListStage::history("Two")}));
+    const QString address = QStringLiteral("http://www.example.com/visited");
+    QCOMPARE(data->urls(), QList<QUrl>({QUrl(address), QUrl(address)}));
+    const QByteArray mozilla = data->data(QStringLiteral("text/x-moz-url"));
+    QCOMPARE(QString(reinterpret_cast<const QChar *>(mozilla.constData()), mozilla.size() / 2),
+             address + QStringLiteral("\nOne\n") + address + QStringLiteral("\nTwo"));
+    // In the browser's form they are nothing.
+    QCOMPARE(PropertyList::fromData(data->data(QStringLiteral("BookmarkDictionaryListPboardType"))).toList(),
+             QVariantList({QVariantMap(), QVariantMap()}));
+}
+
+// Which the item file leaves out.
+void WayfoldOutlineViewDataSourceTest::dictionariesHoldSmartFolders()
+{
+    PlainSource source;
+    const auto site = ListStage::folder("a.org");
+    site->addAutoFolders();
+    const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(source.view, {site}));
+    const QVariantList dictionaries =
+        PropertyList::fromData(data->data(QStringLiteral("BookmarkDictionaryListPboardType"))).toList();
+    QStringList titles;
+    for (const QVariant &child : dictionaries.value(0).toMap().value(QStringLiteral("Children")).toList())
+        titles.append(child.toMap().value(QStringLiteral("Title")).toString());
+    QCOMPARE(titles, QStringList({QStringLiteral("Related Bookmarks"), QStringLiteral("Related History")}));
+}
+
 // What a list asks of the data at every move of a drag.
 void WayfoldOutlineViewDataSourceTest::largeFoldersAreWrittenOnlyWhenAskedFor()
 {
@@ -413,7 +447,7 @@ void WayfoldOutlineViewDataSourceTest::largeFoldersAreWrittenOnlyWhenAskedFor()
     const std::unique_ptr<QMimeData> data(source.outlineViewWriteItems(source.view, {folder}));
     for (int move = 0; move < 10; ++move)
         QVERIFY(DroppedData(*data).offersAnyOf(PasteboardTypes::acceptableDragTypes()));
-    QVERIFY(folder->written <= 1);
+    QCOMPARE(folder->written, 0);
     QVERIFY(!data->data(QStringLiteral("BookmarkDictionaryListPboardType")).isEmpty());
 }
 
@@ -463,6 +497,25 @@ void WayfoldOutlineViewDataSourceTest::openWebLinksWithoutAFrame()
     pad.select({link});
     pad.source->handleResolveBookmarkRequest(nullptr);
     QCOMPARE(_stage->openedURLs, QStringList{QStringLiteral("http://www.example.com/page")});
+}
+
+// Whichever window's list they are opened from.
+void WayfoldOutlineViewDataSourceTest::openInTheFrontWindow()
+{
+    Scratchpad pad(*_stage);
+    Scratchpad front(*_stage, QRectF(200, 200, 800, 600));
+    _stage->host.key = front.window;
+    for (Scratchpad *each : {&pad, &front})
+        each->controller->setCurrentWebFrame(each->web->frame);
+    const auto link = ListStage::link("Link");
+    pad.showItems({link});
+    pad.select({link});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(front.web->frame->loadRequests, std::vector<Url>{link->url()});
+    QVERIFY(pad.web->frame->loadRequests.empty());
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QCOMPARE(front.window->newTabURLs, std::vector<Url>{link->url()});
+    QVERIFY(pad.window->newTabURLs.empty());
 }
 
 void WayfoldOutlineViewDataSourceTest::openFilesAndMails()
@@ -529,6 +582,41 @@ void WayfoldOutlineViewDataSourceTest::openInTabsOfAnEmptyWindow()
     pad.window->frontWebView.reset();
     pad.source->handleOpenBookmarksInTabsRequest(nullptr);
     QCOMPARE(pad.window->currentTabURLs.size(), 2U);
+}
+
+namespace
+{
+// Begins to load what its window was told to go to.
+class StartingFrame : public FakeHostFrame
+{
+public:
+    std::shared_ptr<FakeHostWindow> window;
+    HostDataSource coming;
+
+    const HostDataSource *provisionalDataSource() const override
+    {
+        return window->currentTabURLs.empty() ? nullptr : &coming;
+    }
+};
+} // namespace
+
+// The first of them loads in the empty tab.
+void WayfoldOutlineViewDataSourceTest::openSeveralInTabsOfAnEmptyWindow()
+{
+    Scratchpad pad(*_stage);
+    const auto frame = std::make_shared<StartingFrame>();
+    frame->owner = pad.web;
+    frame->window = pad.window;
+    pad.web->frame = frame;
+    const auto one = ListStage::link("One", "http://a/1");
+    const auto two = ListStage::link("Two", "http://a/2");
+    const auto three = ListStage::link("Three", "http://a/3");
+    pad.showItems({one, two, three});
+    pad.select({one, two, three});
+    pad.source->handleOpenBookmarksInTabsRequest(nullptr);
+    QCOMPARE(pad.window->currentTabURLs, std::vector<Url>{one->url()});
+    QCOMPARE(pad.window->newTabURLs, std::vector<Url>({two->url(), three->url()}));
+    frame->window.reset();
 }
 
 QTEST_MAIN(WayfoldOutlineViewDataSourceTest)

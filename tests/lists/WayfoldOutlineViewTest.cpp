@@ -6,6 +6,7 @@
 #include "tests/lists/ListStage.h"
 
 #include <QContextMenuEvent>
+#include <QEventLoop>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QMenu>
@@ -57,8 +58,10 @@ private Q_SLOTS:
     void reloadRestoresByIdentifier();
     void memoryIsUsedOnce();
     void reloadKeepsTheSameItems();
+    void reloadKeepsWhatIsOpenInAClosedFolder();
     void reloadKeepsTheScrollPosition();
     void expandedFoldersBeforeTheirSubfolders();
+    void reselectingAddsToTheSelection();
     void identifiersWithoutARoot();
 
     void toolTips();
@@ -81,6 +84,8 @@ private Q_SLOTS:
     void openInTabsItem_data();
     void openInTabsItem();
     void otherItems();
+
+    void windowMayCloseDuringADrag();
 
 private:
     std::optional<ListStage> _stage;
@@ -196,6 +201,45 @@ void WayfoldOutlineViewTest::reloadKeepsTheSameItems()
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Deep")});
 }
 
+void WayfoldOutlineViewTest::reloadKeepsWhatIsOpenInAClosedFolder()
+{
+    const auto innermost = ListStage::folder("Innermost", {ListStage::note("Deep")});
+    const auto inner = ListStage::folder("Inner", {innermost});
+    const auto outer = ListStage::folder("Outer", {inner});
+    const auto closed = ListStage::folder("Closed", {ListStage::folder("In it", {ListStage::note("x")})});
+    const auto last = ListStage::note("Last");
+    _pad->showItems({outer, closed, last});
+    for (const WayfoldBookmarkFolderPtr &each : {outer, inner, innermost})
+        _pad->view.expandItem(each);
+    _pad->view.expandItem(closed);
+    _pad->view.collapseItem(closed);
+    _pad->view.collapseItem(inner);
+    _pad->view.collapseItem(outer);
+    _pad->select({last});
+    const QStringList rows = {QStringLiteral("Outer"), QStringLiteral("Closed"), QStringLiteral("Last")};
+    QCOMPARE(ListStage::rows(_pad->view), rows);
+    _pad->view.reloadData();
+    QCOMPARE(ListStage::rows(_pad->view), rows);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Last")});
+    _pad->view.expandItem(outer);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({QStringLiteral("Outer"), QStringLiteral("-Inner"),
+                                                       QStringLiteral("Closed"), QStringLiteral("Last")}));
+    _pad->view.expandItem(inner);
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({QStringLiteral("Outer"), QStringLiteral("-Inner"), QStringLiteral("--Innermost"),
+                          QStringLiteral("---Deep"), QStringLiteral("Closed"), QStringLiteral("Last")}));
+    _pad->view.expandItem(closed);
+    QVERIFY(!_pad->view.isItemExpanded(closed->childAtIndex(0)));
+
+    // By identifier only what is shown is remembered.
+    _pad->view.collapseItem(outer);
+    QCOMPARE(_pad->view.getExpandedItemsUUIDList(), QStringList{closed->uuid()});
+    _pad->view.prepForReloadData();
+    _pad->view.reloadData();
+    _pad->view.expandItem(outer);
+    QVERIFY(!_pad->view.isItemExpanded(inner));
+}
+
 void WayfoldOutlineViewTest::reloadKeepsTheScrollPosition()
 {
     std::vector<KDRBookmarkPtr> notes;
@@ -219,6 +263,17 @@ void WayfoldOutlineViewTest::expandedFoldersBeforeTheirSubfolders()
     QCOMPARE(_pad->view.numberOfRows(), 3);
     _pad->view.reselectItemsFromUUIDList({inner->uuid(), outer->uuid()});
     QCOMPARE(_pad->view.selectedItemCount(), 2);
+}
+
+void WayfoldOutlineViewTest::reselectingAddsToTheSelection()
+{
+    const auto a = ListStage::note("a");
+    const auto b = ListStage::note("b");
+    const auto c = ListStage::note("c");
+    _pad->showItems({a, b, c});
+    _pad->select({b});
+    _pad->view.reselectItemsFromUUIDList({c->uuid(), a->uuid()});
+    QCOMPARE(_pad->view.selectedItemCount(), 3);
 }
 
 void WayfoldOutlineViewTest::identifiersWithoutARoot()
@@ -544,6 +599,91 @@ void WayfoldOutlineViewTest::otherItems()
          {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:", "handleSendEmailRequest:"})
         QVERIFY2(!view.validateMenuItem(addItem(menu, action)), action);
     QVERIFY(view.validateMenuItem(addItem(menu, "somethingElse:")));
+}
+
+// --- Dragging -------------------------------------------------------------------------------------------------------
+
+namespace
+{
+// A view whose drag is an event loop, as every drag is.
+class DraggedView : public WayfoldOutlineView
+{
+public:
+    std::function<void()> duringDrag;
+
+protected:
+    Qt::DropAction runDrag(QDrag * /*drag*/) override
+    {
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [&loop, act = duringDrag] {
+            act();
+            QTimer::singleShot(0, &loop, &QEventLoop::quit);
+        });
+        loop.exec();
+        return Qt::IgnoreAction;
+    }
+};
+
+// A list and what stands behind it, as a browser window holds them: once it is let go of, both go with the next events.
+class DragWindow : public QObject
+{
+public:
+    class Source : public WayfoldOutlineViewDataSource
+    {
+    public:
+        WayfoldOutlineView *view = nullptr;
+        WayfoldBookmarkFolderPtr root = ListStage::folder("Root", {ListStage::note("Dragged")});
+
+        WayfoldBookmarkFolderPtr localRootFolder() const override { return root; }
+        WayfoldOutlineView *myOutlineView() const override { return view; }
+    };
+
+    Source source;
+    DraggedView view; // goes before its source does
+
+    static std::shared_ptr<DragWindow> open()
+    {
+        const std::shared_ptr<DragWindow> window(new DragWindow, [](DragWindow *closed) { closed->deleteLater(); });
+        window->source.view = &window->view;
+        window->source.setOwner(window);
+        window->view.setDelegate(&window->source);
+        window->view.setOutlineDataSource(&window->source);
+        window->view.resize(300, 200);
+        window->view.show();
+        return window;
+    }
+};
+
+void sendMouse(QWidget *viewport, QEvent::Type type, const QPoint &point)
+{
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, point, viewport->mapToGlobal(point), button, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &event);
+}
+} // namespace
+
+// A page may close its own window at any time. What handles the mouse goes on with the list when the drag is over.
+void WayfoldOutlineViewTest::windowMayCloseDuringADrag()
+{
+    std::shared_ptr<DragWindow> window = DragWindow::open();
+    const QPointer<DragWindow> alive(window.get());
+    QVERIFY(QTest::qWaitForWindowExposed(&window->view));
+    bool dragged = false;
+    bool aliveDuringDrag = false;
+    window->view.duringDrag = [&] {
+        dragged = true;
+        window.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        aliveDuringDrag = alive;
+    };
+    QWidget *viewport = window->view.viewport();
+    const QPoint start = window->view.rectOfRow(0).center();
+    sendMouse(viewport, QEvent::MouseButtonPress, start);
+    for (int step = 1; step <= 3 && !dragged; ++step)
+        sendMouse(viewport, QEvent::MouseMove, start + QPoint(0, step * QApplication::startDragDistance()));
+    QVERIFY(dragged);
+    QVERIFY(aliveDuringDrag);
+    QTRY_VERIFY(!alive);
 }
 
 QTEST_MAIN(WayfoldOutlineViewTest)
