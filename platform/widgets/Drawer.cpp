@@ -331,6 +331,11 @@ void Drawer::setContentView(QWidget *view)
         return;
     view->setParent(_body);
     view->show();
+    // What comes first gets the keyboard with the window, so the edge comes last: it is made a child anew, since
+    // setTabOrder() does nothing behind the last widget of a window.
+    _grip->setParent(nullptr);
+    _grip->setParent(_body);
+    _grip->show();
     layOut();
 }
 
