@@ -47,6 +47,7 @@ private Q_SLOTS:
     void whoHasAParentKeepsIt();
     void matches();
     void wanted();
+    void findByUUID();
     void copiesAreItemsOfTheirOwn();
     void copiesOfMatches();
     void ofFolder();
@@ -136,6 +137,16 @@ void HistoryItemsTest::wanted()
     QCOMPARE(all.indexesOfWanted(search), (Numbers{0, 2}));
     HistoryItems some(someRecords(), {3, 2});
     QCOMPARE(some.indexesOfWanted(search), Numbers{1});
+}
+
+void HistoryItemsTest::findByUUID()
+{
+    const WayfoldBookmarkFolderPtr folder = folderOf(std::make_shared<HistoryItems>(someRecords()));
+    const KDRBookmarkPtr found = folder->findByUUID("http://www.a.example/1");
+    QVERIFY(found);
+    QCOMPARE(found, folder->childAtIndex(0)); // the first of two visits to that address
+    QCOMPARE(folder->madeChildren(), (std::vector<KDRBookmarkPtr>{found, folder->childAtIndex(2)}));
+    QVERIFY(!folder->findByUUID("http://www.a.example/"));
 }
 
 void HistoryItemsTest::copiesAreItemsOfTheirOwn()

@@ -138,6 +138,7 @@ private Q_SLOTS:
     void itemsWithUUIDs();
     void copy();
     void copyOfCopyableOnes();
+    void copyOfASmartFolder();
     void equality();
     void dictionary();
     void writingMakesNoneInSmartFolders();
@@ -477,6 +478,27 @@ void LazyChildrenTest::copyOfCopyableOnes()
     // What has been changed is copied as it is.
     _folder->removeChild(_folder->childAtIndex(0));
     QCOMPARE(childTitles(*WayfoldBookmarkFolder::fromItem(_folder->copy())), (QStringList{"F", "a", "G", "c"}));
+}
+
+void LazyChildrenTest::copyOfASmartFolder()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle("Related History");
+    smart->ensureUpToDate();
+    smart->addChild(_folder);
+    QVERIFY(smart->isLoaded());
+    const auto copied = std::dynamic_pointer_cast<WayfoldAutoFolder>(smart->copy());
+    QVERIFY(copied);
+    QVERIFY(!copied->isLoaded());
+    QCOMPARE(outline(*copied), outline(*smart));
+    const auto day = WayfoldBookmarkFolder::fromItem(copied->childAtIndex(0));
+    QVERIFY(day != _folder);
+    QCOMPARE(day->uuid(), _folder->uuid());
+    QCOMPARE(day->parent(), copied);
+    for (unsigned i = 0; i < 5; ++i) {
+        QVERIFY(day->childAtIndex(i) != _folder->childAtIndex(i));
+        QCOMPARE(day->childAtIndex(i)->uuid(), _folder->childAtIndex(i)->uuid());
+        QCOMPARE(day->childAtIndex(i)->parent(), day);
+    }
 }
 
 void LazyChildrenTest::equality()

@@ -1,5 +1,6 @@
 #include "tests/model/ModelTestSupport.h"
 
+#include "core/settings/WayfoldToolkit.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 
 #include <QtTest>
@@ -22,6 +23,8 @@ private Q_SLOTS:
     void sortedByTitle();
     void contentsAreReplaced();
     void searchStringChanges();
+    void refreshLeavesItAsLoadedAsItWas();
+    void imageFollowsTheMatches();
     void givenRoot();
     void withoutSources();
 };
@@ -124,6 +127,40 @@ void WayfoldBookmarkAutoFolderTest::searchStringChanges()
     QCOMPARE(childTitles(*smart), QStringList{"cats"});
     smart->setFilterString("dogs");
     QCOMPARE(childTitles(*smart), QStringList{"dogs"});
+}
+
+void WayfoldBookmarkAutoFolderTest::refreshLeavesItAsLoadedAsItWas()
+{
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("news 1"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    QVERIFY(smart->refresh());
+    QCOMPARE(childTitles(*smart), QStringList{"news 1"});
+    QVERIFY(!smart->isLoaded());
+    sources.bookmarks = makeFolder("Bookmarks", {makeLink("news 2")});
+    smart->ensureUpToDate();
+    QVERIFY(smart->isLoaded());
+    QCOMPARE(childTitles(*smart), QStringList{"news 2"});
+    QVERIFY(smart->refresh());
+    QVERIFY(smart->isLoaded());
+}
+
+void WayfoldBookmarkAutoFolderTest::imageFollowsTheMatches()
+{
+    const auto imageNamed = [](const char *name) {
+        return pictureOf(WayfoldToolkit::loadImageNamed(QString::fromLatin1(name)));
+    };
+    const QSizeF cell(16, 16);
+    FakeSmartFolderSources sources;
+    sources.bookmarks->addChild(makeLink("cats"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("dogs");
+    smart->ensureUpToDate();
+    QCOMPARE(pictureOf(smart->imageForCellSize(cell)), imageNamed("WayfoldAutoFolderEmptyIcon16"));
+    sources.bookmarks->addChild(makeLink("dogs"));
+    smart->refresh();
+    QCOMPARE(pictureOf(smart->imageForCellSize(cell)), imageNamed("WayfoldAutoFolderIcon16"));
+    smart->setFilterString("mice");
+    QCOMPARE(pictureOf(smart->imageForCellSize(cell)), imageNamed("WayfoldAutoFolderEmptyIcon16"));
 }
 
 void WayfoldBookmarkAutoFolderTest::givenRoot()
