@@ -1,3 +1,4 @@
+#include "platform/files/PropertyList.h"
 #include "platform/host/HostObserver.h"
 #include "platform/host/HostPlugin.h"
 #include "tests/support/FakeHost.h"
@@ -55,6 +56,14 @@ void WayfoldPluginTest::startsEverything()
     QVERIFY(QFileInfo(_home.path(QStringLiteral("Library/Wayfold"))).isDir());
     const QString settings = _home.path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"));
     QTRY_VERIFY(QFileInfo::exists(settings));
+    QStringList keys = PropertyList::readDictionaryFile(settings).keys();
+    keys.sort();
+    QCOMPARE(keys,
+             (QStringList{"WayfoldAutoFocusOnSiteChange", "WayfoldCloseDrawerForUnknownSite",
+                          "WayfoldConfirmItemDelete", "WayfoldCreateAutoFolders", "WayfoldDefaultDrawerContentWidth",
+                          "WayfoldDefaultFirstTab", "WayfoldHistoryGroupingKey", "WayfoldListViewFontName",
+                          "WayfoldListViewFontSize", "WayfoldMenuItemShortcuts", "WayfoldOpenDrawerForKnownSite",
+                          "WayfoldOpenDrawerOnNewWindow", "WayfoldShowBookmarkIcons", "WayfoldShowFavIcons"}));
 }
 
 void WayfoldPluginTest::windowThatBecomesKeyGetsADrawer()
