@@ -69,6 +69,20 @@ void adoptSiteFolderOf(const KDRBookmarkPtr &item)
         KDRDrawerBundle::sharedInstance().adoptProvisionalBookmark(folder);
 }
 
+// What is put into a smart folder, or too deep down, would not be saved.
+bool takesNewItem(const WayfoldBookmarkFolderPtr &folder)
+{
+    return folder && folder->canBePersistent() && SavedDepth::hasRoom(*folder);
+}
+
+// A site that was left meanwhile was kept in the pop-up only by whoever held its folder here.
+void letGo(WayfoldBookmarkFolderPtr &folder)
+{
+    const KDRBookmark *site = folder.get();
+    folder.reset();
+    KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(site);
+}
+
 // The recipients of one mail, each address once in all.
 struct Mail
 {
@@ -215,14 +229,15 @@ void WayfoldScratchOutlineView::createItem(NewItemMaker newViaDialog)
     if (!delegate())
         return;
     const std::shared_ptr<const void> keeper = delegate()->keptAlive();
-    const InsertionPoint place = insertionPoint();
-    // What is put into a smart folder, or too deep down, would not be saved.
-    if (!place.folder || !place.folder->canBePersistent() || !SavedDepth::hasRoom(*place.folder))
+    InsertionPoint place = insertionPoint();
+    if (!takesNewItem(place.folder))
         return;
     const bool inRoot = place.folder == delegate()->localRootFolder();
     const KDRBookmarkPtr item = newViaDialog();
-    if (!item)
+    if (!item) {
+        letGo(place.folder);
         return;
+    }
     if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item); folder && inRoot)
         folder->addAutoFolders();
     place.folder->addChildAtIndex(item, place.index);
@@ -299,18 +314,7 @@ bool WayfoldScratchOutlineView::validateDeleteItem(QAction *item) const
 
 bool WayfoldScratchOutlineView::canMakeItem() const
 {
-    const int count = selectedItemCount();
-    if (count > 1)
-        return false;
-    if (count == 0) {
-        const WayfoldBookmarkFolderPtr root = delegate() ? delegate()->localRootFolder() : nullptr;
-        return root && root->canBePersistent();
-    }
-    const KDRBookmarkPtr item = selectedItem();
-    if (isItemExpanded(item) && item->canBePersistent())
-        return true;
-    const WayfoldBookmarkFolderPtr parent = item->parent();
-    return parent && parent->canBePersistent();
+    return delegate() && selectedItemCount() <= 1 && takesNewItem(insertionPoint().folder);
 }
 
 bool WayfoldScratchOutlineView::validateMenuItem(QAction *item)

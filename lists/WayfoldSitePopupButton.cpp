@@ -70,12 +70,17 @@ void WayfoldSitePopupButton::showPopup()
     QComboBox::showPopup();
 }
 
-// The closed pop-up holds old entries: the arrows open it, and what picks an entry by its letters looks at new ones.
+// The closed pop-up holds old entries: the keys that step through them open it, and what picks an entry by its letters
+// looks at new ones.
 void WayfoldSitePopupButton::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
     case Qt::Key_Return:
     case Qt::Key_Enter:
         showPopup();

@@ -1,8 +1,10 @@
 #include "lists/WayfoldScratchDataSource.h"
 
 #include "core/Notifications.h"
+#include "core/settings/WayfoldToolkit.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/PropertyList.h"
+#include "platform/widgets/Image.h"
 #include "tests/lists/ListStage.h"
 
 #include <QMessageBox>
@@ -81,6 +83,7 @@ private Q_SLOTS:
     void switchToAnUnknownSite();
     void leavingAnEmptySiteLeavesNothing();
     void anotherDrawerKeepsTheProvisionalFolder();
+    void sameLabelChangesOnlyTheFrame_data();
     void sameLabelChangesOnlyTheFrame();
     void nullLabelChangesOnlyTheFrame();
     void sitesStandsForTheWholeTree();
@@ -160,6 +163,13 @@ void WayfoldScratchDataSourceTest::buttonsHaveImagesAndToolTips()
         QVERIFY2(!button->icon().isNull(), qPrintable(button->toolTip()));
         QCOMPARE(button->iconSize(), QSize(16, 16));
     }
+    const auto drawn = [](const QIcon &icon) { return icon.pixmap(QSize(16, 16), 1.0).toImage(); };
+    const auto image = [&drawn](const char *name) {
+        return drawn(WayfoldToolkit::loadImageNamedScaledTo(QString::fromLatin1(name), QSizeF(16, 16))->icon());
+    };
+    QCOMPARE(drawn(_pad->newNoteButton.icon()), image("WayfoldBookmarkImageNote"));
+    QCOMPARE(drawn(_pad->newEmailButton.icon()), image("WayfoldBookmarkImageMail"));
+    QVERIFY(image("WayfoldBookmarkImageNote") != image("WayfoldBookmarkImageMail"));
 }
 
 // --- Site lists -----------------------------------------------------------------------------------------------------
@@ -210,23 +220,29 @@ void WayfoldScratchDataSourceTest::anotherDrawerKeepsTheProvisionalFolder()
     QVERIFY(!provisionalFolder(siteA));
 }
 
+void WayfoldScratchDataSourceTest::sameLabelChangesOnlyTheFrame_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::newRow("the same") << siteA;
+    QTest::newRow("none") << QString();
+}
+
 void WayfoldScratchDataSourceTest::sameLabelChangesOnlyTheFrame()
 {
+    QFETCH(QString, label);
     _pad->show(siteB);
     _pad->show(siteA);
     _stage->removeSavedFile();
-    const int reloads = _pad->drawer.reloadCount;
-    const auto folder = ListStage::folder("Folder", {ListStage::note("In it")});
-    provisionalFolder(siteA)->addChild(folder);
+    provisionalFolder(siteA)->addChildAtIndex(ListStage::note("A note", "What it says"), 0);
     _pad->view.reloadData();
-    _pad->view.expandItem(folder);
+    _pad->view.grab();
     const auto other = FakeHostWebView::makeSubFrame(_pad->web);
-    _pad->source->setDrawerLabelUsingFrame(siteA, other);
+    _pad->source->setDrawerLabelUsingFrame(label, other);
     QCOMPARE(_pad->controller->currentWebFrame(), other);
     QCOMPARE(_pad->source->previousDrawerLabel(), siteB);
     QVERIFY(_stage->savedFile().isEmpty());
-    QVERIFY(_pad->view.isItemExpanded(folder));
-    QCOMPARE(_pad->drawer.reloadCount, reloads);
+    // Rows that are loaded anew have no tips before they are drawn.
+    QCOMPARE(_pad->view.toolTipAtPoint(_pad->view.rectOfRow(0).center()), QStringLiteral("What it says"));
 }
 
 void WayfoldScratchDataSourceTest::nullLabelChangesOnlyTheFrame()
@@ -336,6 +352,7 @@ void WayfoldScratchDataSourceTest::labelEqualsThePopupsTitle()
 
 void WayfoldScratchDataSourceTest::saveCurrentPage()
 {
+    Scratchpad other(*_stage);
     const auto note = ListStage::note("First");
     _pad->showItems({note});
     _pad->select({note});
@@ -344,6 +361,7 @@ void WayfoldScratchDataSourceTest::saveCurrentPage()
     _pad->drawer.close();
     _pad->source->handleSaveCurrentURLRequest(nullptr);
     QCOMPARE(ListStage::rows(_pad->view), QStringList({QStringLiteral("First"), QStringLiteral("A story")}));
+    QCOMPARE(ListStage::rows(other.view), ListStage::rows(_pad->view));
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("A story")});
     QCOMPARE(_pad->view.selectedItem()->type(), KDRBookmark::WebLinkType);
     QCOMPARE(_pad->view.selectedItem()->valueAsString(), QStringLiteral("http://news.example.com/story"));
@@ -420,6 +438,20 @@ void WayfoldScratchDataSourceTest::newItemsNeedAnOpenDrawer()
     requestAll();
     QCOMPARE(_stage->dialogs.opened, 3);
     _pad->drawer.close();
+    requestAll();
+    QCOMPARE(_stage->dialogs.opened, 3);
+    _pad->drawer.setSlideDuration(60000);
+    _pad->drawer.open();
+    QCOMPARE(_pad->drawer.state(), Drawer::Opening);
+    requestAll();
+    QCOMPARE(_stage->dialogs.opened, 3);
+    _pad->drawer.setSlideDuration(0);
+    _pad->drawer.close();
+    _pad->drawer.open();
+    QCOMPARE(_pad->drawer.state(), Drawer::Open);
+    _pad->drawer.setSlideDuration(60000);
+    _pad->drawer.close();
+    QCOMPARE(_pad->drawer.state(), Drawer::Closing);
     requestAll();
     QCOMPARE(_stage->dialogs.opened, 3);
 }
@@ -586,6 +618,10 @@ void WayfoldScratchDataSourceTest::editRefreshesOtherDrawers()
     _pad->source->handleItemEditRequest(nullptr);
     QVERIFY(other.drawer.reloadCount > 0);
     QVERIFY(_stage->savedFile().isEmpty()); // what was changed is saved by the dialogs
+    other.drawer.reloadCount = 0;
+    _stage->dialogs.answer = {};
+    _pad->source->handleItemEditRequest(nullptr); // a cancelled one as well
+    QVERIFY(other.drawer.reloadCount > 0);
 }
 
 // --- Observing ------------------------------------------------------------------------------------------------------

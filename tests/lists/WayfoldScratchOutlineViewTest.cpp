@@ -45,6 +45,7 @@ private Q_SLOTS:
     void popupTitles();
     void popupWithoutTheSelectedSite();
     void pickingASite();
+    void pickingASiteByItsLetters();
     void dragOverThePopupShowsTheWholeTree();
 
     void keysEdit_data();
@@ -59,6 +60,9 @@ private Q_SLOTS:
     void cancelledNewItem();
     void newFolderInTheRootGetsSmartFolders();
     void newItemOfASiteThatIsLeftMeanwhile();
+    void cancelledNewItemOfASiteThatIsLeftMeanwhile();
+    void newItemBesideAnOpenSmartFolder();
+    void noRoomForNewItems();
     void nothingIsPutIntoASmartFolder();
 
     void mailAddress_data();
@@ -161,6 +165,22 @@ void WayfoldScratchOutlineViewTest::pickingASite()
     QCOMPARE(_pad->controller->currentWebFrame(), _pad->web->frame);
     pick(sites);
     QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("a.org")});
+}
+
+// The closed pop-up holds what was there when it was open last.
+void WayfoldScratchOutlineViewTest::pickingASiteByItsLetters()
+{
+    _pad->showItems({ListStage::folder("a.org")});
+    _pad->popup.show();
+    _pad->popup.showPopup();
+    _pad->popup.hidePopup();
+    _pad->showItems({ListStage::folder("c.org"), ListStage::folder("b.org", {ListStage::note("Of b")})});
+    QVERIFY(!_pad->popup.itemTitles().contains(QStringLiteral("b.org")));
+    const QSignalSpy requested(&_pad->popup, &WayfoldSitePopupButton::siteChangeRequested);
+    QTest::keyClick(&_pad->popup, Qt::Key_B);
+    QCOMPARE(requested.count(), 1);
+    QCOMPARE(_pad->view.currentSitePopupTitle(), QStringLiteral("b.org"));
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{QStringLiteral("Of b")});
 }
 
 void WayfoldScratchOutlineViewTest::dragOverThePopupShowsTheWholeTree()
@@ -368,6 +388,63 @@ void WayfoldScratchOutlineViewTest::newItemOfASiteThatIsLeftMeanwhile()
     QCOMPARE(_pad->view.currentSitePopupTitle(), QStringLiteral("second.org"));
 }
 
+void WayfoldScratchOutlineViewTest::cancelledNewItemOfASiteThatIsLeftMeanwhile()
+{
+    _pad->show(QStringLiteral("first.org"));
+    _stage->dialogs.answer = [this](KDRBookmark &) {
+        _pad->show(QStringLiteral("second.org"));
+        return false;
+    };
+    _pad->view.handleNewNoteRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 1);
+    _pad->view.refreshSitePopup();
+    QCOMPARE(_pad->popup.itemTitles(), QStringList({sites, QStringLiteral("second.org")}));
+    // One that is still shown stays.
+    _stage->dialogs.answer = {};
+    _pad->view.handleNewNoteRequest(nullptr);
+    _pad->view.refreshSitePopup();
+    QVERIFY(_pad->popup.itemTitles().contains(QStringLiteral("second.org")));
+}
+
+void WayfoldScratchOutlineViewTest::newItemBesideAnOpenSmartFolder()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    smart->ensureUpToDate();
+    smart->addChild(ListStage::link("Found"));
+    _pad->showItems({ListStage::note("First"), smart, ListStage::note("Last")});
+    _pad->view.expandItem(smart);
+    _pad->select({smart});
+    _stage->dialogs.answer = [](KDRBookmark &item) {
+        item.setTitle(QStringLiteral("New"));
+        return true;
+    };
+    _pad->view.handleNewNoteRequest(nullptr);
+    QCOMPARE(ListStage::titles(store().bookmarkRoot()), QStringList({QStringLiteral("First"), QStringLiteral("Smart"),
+                                                                     QStringLiteral("New"), QStringLiteral("Last")}));
+}
+
+// An item that lies too deep would keep the tree from being saved.
+void WayfoldScratchOutlineViewTest::noRoomForNewItems()
+{
+    const auto deepest = ListStage::folder("deepest");
+    WayfoldBookmarkFolderPtr outermost = deepest;
+    for (int i = 1; i < 511; ++i)
+        outermost = ListStage::folder("f", {outermost});
+    _pad->showItems({outermost});
+    for (WayfoldBookmarkFolderPtr each = outermost; each; each = WayfoldBookmarkFolder::fromItem(each->lastChild()))
+        _pad->view.expandItem(each);
+    QMenu menu;
+    QAction *item = addItem(menu, "handleNewNoteRequest:");
+    _pad->select({deepest->parent()});
+    QVERIFY(_pad->view.validateMenuItem(item));
+    QVERIFY(_pad->newNoteButton.isEnabled());
+    _pad->select({deepest});
+    QVERIFY(!_pad->view.validateMenuItem(item));
+    QVERIFY(!_pad->newNoteButton.isEnabled());
+    _pad->view.handleNewNoteRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 0);
+}
+
 void WayfoldScratchOutlineViewTest::nothingIsPutIntoASmartFolder()
 {
     const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
@@ -402,6 +479,10 @@ void WayfoldScratchOutlineViewTest::mailAddress_data()
     QTest::newRow("subject after copies")
         << QStringList{QStringLiteral("mailto:a?cc=b&subject=S"), QStringLiteral("mailto:c")}
         << QStringLiteral("mailto:a,c?cc=b&subject=S");
+    QTest::newRow("blanks at the end") << QStringList{QStringLiteral("mailto:a?subject=Hi%20%0A")}
+                                       << QStringLiteral("mailto:a?subject=Hi");
+    QTest::newRow("signs of addresses") << QStringList{QStringLiteral("mailto:a?subject=%231%20%25")}
+                                        << QStringLiteral("mailto:a?subject=%231%20%25");
     QTest::newRow("nobody") << QStringList{QStringLiteral("mailto:")} << QString();
     QTest::newRow("not only mails") << QStringList{QStringLiteral("http://a/"), QStringLiteral("mailto:a")}
                                     << QStringLiteral("mailto:a");
@@ -463,30 +544,36 @@ void WayfoldScratchOutlineViewTest::editItem()
 
 void WayfoldScratchOutlineViewTest::deleteItem_data()
 {
-    QTest::addColumn<int>("count");
+    QTest::addColumn<std::vector<KDRBookmarkPtr>>("items");
     QTest::addColumn<bool>("confirm");
     QTest::addColumn<QString>("title");
-    QTest::newRow("none") << 0 << false << QStringLiteral("Delete Item");
-    QTest::newRow("one") << 1 << false << QStringLiteral("Delete Item");
-    QTest::newRow("one with question") << 1 << true << QStringLiteral("Delete Item...");
-    QTest::newRow("two") << 2 << false << QStringLiteral("Delete Items");
-    QTest::newRow("two with question") << 2 << true << QStringLiteral("Delete Items...");
+    QTest::addColumn<bool>("enabled");
+    using Items = std::vector<KDRBookmarkPtr>;
+    const Items one = {ListStage::note("a")};
+    const Items two = {ListStage::note("a"), ListStage::note("b")};
+    const KDRBookmarkPtr smart = WayfoldAutoFolder::bookmarkWithTitle("Smart");
+    QTest::newRow("none") << Items() << false << QStringLiteral("Delete Item") << false;
+    QTest::newRow("one") << one << false << QStringLiteral("Delete Item") << true;
+    QTest::newRow("one with question") << one << true << QStringLiteral("Delete Item...") << true;
+    QTest::newRow("two") << two << false << QStringLiteral("Delete Items") << true;
+    QTest::newRow("two with question") << two << true << QStringLiteral("Delete Items...") << true;
+    QTest::newRow("smart folder") << Items{smart} << false << QStringLiteral("Delete Item") << false;
+    QTest::newRow("note and smart folder")
+        << Items{one[0], smart} << true << QStringLiteral("Delete Items...") << false;
 }
 
 void WayfoldScratchOutlineViewTest::deleteItem()
 {
-    QFETCH(int, count);
+    QFETCH(std::vector<KDRBookmarkPtr>, items);
     QFETCH(bool, confirm);
     QFETCH(QString, title);
+    QFETCH(bool, enabled);
     ListStage::settings().setConfirmItemDelete(confirm);
-    std::vector<KDRBookmarkPtr> items;
-    for (int i = 0; i < count; ++i)
-        items.push_back(ListStage::note(QString::number(i)));
     _pad->showItems(items);
     _pad->select(items);
     QMenu menu;
     QAction *item = addItem(menu, "handleDeleteItemRequest:");
-    QCOMPARE(_pad->view.validateMenuItem(item), count > 0);
+    QCOMPARE(_pad->view.validateMenuItem(item), enabled);
     QCOMPARE(item->text(), title);
 }
 

@@ -102,7 +102,8 @@ void WayfoldSitePopupButtonTest::tellsBeforeItOpens()
 
 void WayfoldSitePopupButtonTest::keysOpenItInsteadOfChangingTheSite()
 {
-    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Return, Qt::Key_Space}) {
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End,
+                              Qt::Key_Return, Qt::Key_Space}) {
         WayfoldSitePopupButton popup;
         popup.addItems(sites());
         popup.setCurrentIndex(1);
