@@ -52,6 +52,42 @@ protected:
     }
 };
 
+// Makes its rows as it is asked for them, counts who looks through those that it has made, and looks itself up for
+// every title, as a list with tips for its rows does.
+class MadeTree : public OutlineTree
+{
+public:
+    std::vector<bool> made;
+    int walks = 0;
+
+    explicit MadeTree(int rows) : made(std::size_t(rows))
+    {
+        for (int i = 0; i < rows; ++i)
+            add(QString::number(i));
+    }
+    bool outlineViewMakesChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item) override { return !item; }
+    OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override
+    {
+        made[std::size_t(index)] = true;
+        return OutlineTree::outlineViewChildOfItem(view, index, item);
+    }
+    std::vector<std::pair<int, OutlineItemPtr>> outlineViewMadeChildrenOfItem(OutlineView & /*view*/,
+                                                                              const OutlineItemPtr & /*item*/) override
+    {
+        ++walks;
+        std::vector<std::pair<int, OutlineItemPtr>> children;
+        for (std::size_t i = 0; i < made.size(); ++i) {
+            if (made[i])
+                children.emplace_back(int(i), root->children[i]);
+        }
+        return children;
+    }
+    QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) override
+    {
+        return view.rowForItem(item) < 0 ? QString() : nodeOf(item).title;
+    }
+};
+
 void showList(OutlineView &view, const QSize &size = QSize(240, 400))
 {
     view.resize(size);
@@ -167,6 +203,7 @@ private Q_SLOTS:
     void paintsTheImageAsASquare();
     void elidesLongTitles();
     void rowsHaveAccessibleNames();
+    void rowsThatAreShownAreFoundWithoutASearch();
 
 private:
     void buildGarden();
@@ -990,6 +1027,34 @@ void OutlineViewTest::rowsHaveAccessibleNames()
         names.append(list->child(i)->text(QAccessible::Name));
     for (const char *title : {"fruit", "apple", "pear", "herb"})
         QVERIFY2(names.contains(QLatin1String(title)), qPrintable(names.join(',')));
+}
+
+// A repaint of a long list must not take longer the longer the list is.
+void OutlineViewTest::rowsThatAreShownAreFoundWithoutASearch()
+{
+    constexpr int rows = 1000;
+    MadeTree tree(rows);
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    showList(view);
+    view.grab();
+    view.scrollRowToVisible(rows / 2);
+    view.grab();
+    QVERIFY(tree.made[rows / 2]);
+    QVERIFY(std::count(tree.made.cbegin(), tree.made.cend(), true) < 100); // those that were seen
+    QCOMPARE(view.model()->index(rows - 1, 0).data(Qt::AccessibleTextRole).toString(), QString::number(rows - 1));
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(&view);
+    QStringList names;
+    for (int i = 0; i < 10; ++i)
+        names.append(list->child(i)->text(QAccessible::Name));
+    QVERIFY2(names.contains("3"), qPrintable(names.join(',')));
+    QCOMPARE(tree.walks, 0);
+
+    tree.made[7 * rows / 8] = true; // by somebody else
+    QCOMPARE(view.rowForItem(tree.root->children[7 * rows / 8]), 7 * rows / 8);
+    QCOMPARE(tree.walks, 1);
+    view.grab();
+    QCOMPARE(tree.walks, 1);
 }
 
 QTEST_MAIN(OutlineViewTest)
