@@ -242,6 +242,10 @@ private Q_SLOTS:
     void itemsAreMadeWhenTheyAreSeen();
     void emptiedFolderStaysUntilTheNextGrouping_data();
     void emptiedFolderStaysUntilTheNextGrouping();
+    void dayKeepsTheDateOfTheEntryThatMadeIt_data();
+    void dayKeepsTheDateOfTheEntryThatMadeIt();
+    void ungroupedEntriesFollowTheFolders_data();
+    void ungroupedEntriesFollowTheFolders();
     void sitesThatDifferInCase();
     void daysOfTwoCenturies();
     void ofOtherThanHistory();
@@ -425,6 +429,78 @@ void HistoryGroupingTest::emptiedFolderStaysUntilTheNextGrouping()
     QVERIFY(group->isEmpty());
     regroup(emptyRoot(), into, style);
     QVERIFY(into->isEmpty());
+}
+
+namespace
+{
+// One site's visits, in seconds since the beginning of 2001.
+Folder visitsAt(const std::vector<int> &seconds)
+{
+    auto records = std::make_shared<HistoryRecords>();
+    for (const int at : seconds)
+        records->append(QByteArray::number(at), "http://a.example/" + QByteArray::number(at), QByteArray::number(at));
+    const Folder from = emptyRoot();
+    from->setLazyChildren(std::make_shared<HistoryItems>(records));
+    return from;
+}
+} // namespace
+
+void HistoryGroupingTest::dayKeepsTheDateOfTheEntryThatMadeIt_data()
+{
+    QTest::addColumn<QString>("style");
+    for (const char *style : {"1", "2", "4"})
+        QTest::addRow("style %s", style) << QString::fromLatin1(style);
+}
+
+void HistoryGroupingTest::dayKeepsTheDateOfTheEntryThatMadeIt()
+{
+    QFETCH(QString, style);
+    const Folder into = emptyRoot();
+    const auto day = [&] {
+        return style == "4" ? subfolder(into->childAtIndex(0))->childAtIndex(0) : into->childAtIndex(0);
+    };
+    const Folder first = visitsAt({43200, 40000});
+    regroup(first, into, style);
+    const KDRBookmarkPtr made = day();
+    QCOMPARE(made->title(), QString("01.01.01"));
+    const QString noon = "2001-01-01T12:00:00";
+    QVERIFY2(made->timestamp().toString(Qt::ISODate).startsWith(noon), qPrintable(made->timestamp().toString()));
+    // Later and earlier ones of the same day come first then.
+    const Folder later = visitsAt({50000, 43200, 40000});
+    regroup(later, into, style);
+    QCOMPARE(day(), made);
+    QVERIFY(made->timestamp().toString(Qt::ISODate).startsWith(noon));
+    const Folder earlier = visitsAt({100, 43200});
+    regroup(earlier, into, style);
+    QCOMPARE(day(), made);
+    QVERIFY(made->timestamp().toString(Qt::ISODate).startsWith(noon));
+}
+
+void HistoryGroupingTest::ungroupedEntriesFollowTheFolders_data()
+{
+    QTest::addColumn<bool>("isPlain");
+    QTest::newRow("made as they are seen") << false;
+    QTest::newRow("items") << true;
+}
+
+void HistoryGroupingTest::ungroupedEntriesFollowTheFolders()
+{
+    QFETCH(bool, isPlain);
+    const Folder into = emptyRoot();
+    const Folder full = WayfoldBookmarkFolder::bookmarkWithTitle("full");
+    full->addChild(WayfoldBookmarkFolder::bookmarkWithTitle("inner"));
+    full->addChild(WayfoldBookmarkURL::bookmarkWithTitle("leaf"));
+    into->addChild(WayfoldBookmarkURL::bookmarkWithTitle("leaf"));
+    into->addChild(full);
+    into->addChild(WayfoldBookmarkFolder::bookmarkWithTitle("empty"));
+    const Folder from = visitsAt({43200, 100});
+    if (isPlain)
+        from->addChild(WayfoldBookmarkURL::bookmarkWithTitle("last"));
+    regroup(from, into, "0");
+    QStringList expected = {"full/", "  inner/", "empty/", "43200", "100"};
+    if (isPlain)
+        expected.append("last");
+    QCOMPARE(outline(into), expected);
 }
 
 void HistoryGroupingTest::sitesThatDifferInCase()
