@@ -19,6 +19,12 @@ if(CCACHE)
     endif()
 endif()
 
+# Touching one source of a lower room links a hundred programs again, which is most of that time.
+find_program(MOLD mold)
+if(MOLD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    add_link_options(-fuse-ld=mold)
+endif()
+
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets UiTools Network Svg LinguistTools)
 if(WAYFOLD_TESTS)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
