@@ -4,6 +4,7 @@
 #include "lists/PageTitle.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/SavedDepth.h"
+#include "model/WayfoldAutoFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
 #include "platform/files/Paths.h"
@@ -52,6 +53,21 @@ KDRBookmarkPtr itemFromDictionary(const QVariantMap &dictionary)
     return dictionary.contains(QStringLiteral("Children")) ? folderFromDictionary(dictionary)
                                                            : linkFromDictionary(dictionary);
 }
+
+// What comes out of a smart folder into one that is saved. A visited page has no dictionary, so it would be gone with
+// the next start; it becomes a link, also within a folder of such pages.
+KDRBookmarkPtr withVisitsAsLinks(const KDRBookmarkPtr &item)
+{
+    if (item->type() == KDRBookmark::HistoryEntryType)
+        return WayfoldBookmarkURL::bookmarkWithTitleAndURL(item->title(), item->value().value<Url>());
+    const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item);
+    if (!folder || std::dynamic_pointer_cast<WayfoldAutoFolder>(item))
+        return item;
+    auto own = WayfoldBookmarkFolder::bookmarkWithTitle(item->title());
+    for (const KDRBookmarkPtr &child : folder->children())
+        own->addChild(withVisitsAsLinks(child));
+    return own;
+}
 } // namespace
 
 bool ScratchpadDrop::accept(const DroppedData &data)
@@ -99,12 +115,13 @@ bool ScratchpadDrop::insert(const KDRBookmarkPtr &item)
 
 void ScratchpadDrop::move(const KDRBookmarkPtr &item)
 {
+    const KDRBookmarkPtr moved = item->canBePersistent() ? item : withVisitsAsLinks(item);
     if (const WayfoldBookmarkFolderPtr parent = item->parent()) {
         parent->removeChild(item);
         if (std::find(_oldParents.cbegin(), _oldParents.cend(), parent) == _oldParents.cend())
             _oldParents.push_back(parent);
     }
-    insert(item);
+    insert(moved);
 }
 
 bool ScratchpadDrop::moveItem(const DroppedData &data)

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void moveSeveral();
     void moveSeveralFromSeveralFolders();
     void moveSeveralIntoOneOfThem();
+    void visitsOutOfASmartFolderAreKept();
     void severalUnknown();
     void othersAreToldThoughAllWereSkipped_data();
     void othersAreToldThoughAllWereSkipped();
@@ -307,6 +308,36 @@ void ScratchpadDropTest::moveSeveralFromSeveralFolders()
              QStringList({QStringLiteral("a"), QStringLiteral("c"), QStringLiteral("folder"), QStringLiteral("-inner"),
                           QStringLiteral("--b"), QStringLiteral("--x"), QStringLiteral("--deep")}));
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList({QStringLiteral("b"), QStringLiteral("x")}));
+}
+
+// What was moved out of a smart folder is in the item file from then on.
+void ScratchpadDropTest::visitsOutOfASmartFolderAreKept()
+{
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("Smart"));
+    const auto visit = ListStage::history(QStringLiteral("Visit"));
+    const auto link = ListStage::link(QStringLiteral("Link"));
+    const auto day = ListStage::folder(QStringLiteral("Monday"), {ListStage::history(QStringLiteral("Earlier"))});
+    for (const KDRBookmarkPtr &child : std::vector<KDRBookmarkPtr>{visit, link, day})
+        smart->addChild(child);
+    _folder->addChild(smart);
+
+    setString(PasteboardTypes::KDRBookmark, visit->uuid());
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(ListStage::titles(smart), QStringList({QStringLiteral("Link"), QStringLiteral("Monday")}));
+    _data->clear();
+    setList(PasteboardTypes::KDRBookmarkList, {link->uuid(), day->uuid()});
+    QVERIFY(drop({nullptr, 1}));
+    QVERIFY(first()->parent() == ListStage::store().bookmarkRoot());
+    QVERIFY(ListStage::store().bookmarkRoot()->childAtIndex(1) == link); // it can be saved as it is
+
+    const auto saved =
+        WayfoldBookmarkFolder::bookmarkFromDictionary(PropertyList::fromData(_stage->savedFile()).toMap());
+    QCOMPARE(ListStage::titles(saved).mid(0, 3),
+             QStringList({QStringLiteral("Visit"), QStringLiteral("Link"), QStringLiteral("Monday")}));
+    QVERIFY(saved->childAtIndex(0)->value() == visit->value());
+    QCOMPARE(saved->childAtIndex(0)->type(), KDRBookmark::WebLinkType);
+    QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(saved->childAtIndex(2))),
+             QStringList(QStringLiteral("Earlier")));
 }
 
 // The folder stays where it is, but the place moves up for it all the same.
