@@ -87,23 +87,36 @@ QStringList DroppedData::addresses(QStringList *titles) const
             if (!address.isEmpty() && !address.startsWith(QLatin1Char('#')))
                 found.append(urlFromText(address).absoluteString());
         }
+        if (titles && found.size() == 1)
+            *titles = titleBeside(found.first());
     }
     if (_data.hasFormat(PasteboardTypes::mozillaUrl)) {
         const QStringList lines = mozillaLines(_data.data(PasteboardTypes::mozillaUrl));
         QStringList urls;
+        QStringList names;
         for (qsizetype i = 0; i < lines.size(); i += 2) {
             const QString address = lines.at(i).trimmed();
             const Url url = urlFromText(address);
             if (url.isNull())
                 continue;
             urls.append(url.absoluteString());
-            if (titles)
-                titles->append(lines.value(i + 1).trimmed());
+            names.append(lines.value(i + 1).trimmed());
         }
         found = urls;
+        if (titles)
+            *titles = names;
     }
     found.removeAll(QString());
     return found;
+}
+
+// A link that is dragged out of a page brings its text along; from elsewhere, and from a picture, comes an address once
+// more. Empty for none.
+QStringList DroppedData::titleBeside(const QString &address) const
+{
+    const QString text = QString::fromUtf8(_data.data(PasteboardTypes::plainText)).simplified();
+    const bool isAddress = text.contains(QLatin1String("://")) || urlFromText(text).absoluteString() == address;
+    return text.isEmpty() || isAddress ? QStringList() : QStringList(text);
 }
 
 bool DroppedData::areAllFiles(const QStringList &addresses) const
@@ -114,14 +127,15 @@ bool DroppedData::areAllFiles(const QStringList &addresses) const
 // Files come as file names, one address as an address (with its title when it has one), several with their titles.
 bool DroppedData::foreignDataOffers(const QString &type) const
 {
-    const QStringList urls = addresses();
+    QStringList titles;
+    const QStringList urls = addresses(&titles);
     if (type == PasteboardTypes::NSStringPboardType)
         return _data.hasText();
     if (type == PasteboardTypes::NSFilenamesPboardType)
         return areAllFiles(urls);
     if (urls.isEmpty() || areAllFiles(urls))
         return false;
-    const bool withTitles = urls.size() > 1 || _data.hasFormat(PasteboardTypes::mozillaUrl);
+    const bool withTitles = urls.size() > 1 || !titles.isEmpty();
     return type == (withTitles ? PasteboardTypes::WebURLsWithTitles : PasteboardTypes::NSURLPboardType);
 }
 

@@ -34,6 +34,7 @@ private:
     bool isForeign() const;
     // Empty when the data has no addresses; the titles may be fewer.
     QStringList addresses(QStringList *titles = nullptr) const;
+    QStringList titleBeside(const QString &address) const;
     bool areAllFiles(const QStringList &addresses) const;
     bool foreignDataOffers(const QString &type) const;
     QVariantList foreignPropertyList(const QString &type) const;

@@ -8,6 +8,7 @@ class StoreTrees : public SmartFolderSources
 public:
     WayfoldBookmarkFolderPtr safariBookmarkRoot() const override;
     WayfoldBookmarkFolderPtr historyBookmarkRoot() const override;
+    bool bookmarksMayChange() const override { return false; } // the store makes a new tree of each reading
     void regroupBookmarksFromFolderIntoFolderWithGroupingStyle(const WayfoldBookmarkFolderPtr &from,
                                                                const WayfoldBookmarkFolderPtr &into,
                                                                const QString &style) const override;

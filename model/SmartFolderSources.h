@@ -16,6 +16,8 @@ public:
     // The browser's bookmarks, and its history as a flat folder; none before they were read.
     virtual WayfoldBookmarkFolderPtr safariBookmarkRoot() const = 0;
     virtual WayfoldBookmarkFolderPtr historyBookmarkRoot() const = 0;
+    // False: the bookmarks' tree never changes; what has changed is another tree.
+    virtual bool bookmarksMayChange() const { return true; }
     // Groups the history entries of one folder into another ("1": by day). The entries move, they are not copied.
     virtual void regroupBookmarksFromFolderIntoFolderWithGroupingStyle(const WayfoldBookmarkFolderPtr &from,
                                                                        const WayfoldBookmarkFolderPtr &into,

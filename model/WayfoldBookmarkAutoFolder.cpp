@@ -26,13 +26,23 @@ bool WayfoldBookmarkAutoFolder::refresh()
 void WayfoldBookmarkAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root)
 {
     const SmartFolderSources *const sources = SmartFolderSources::current();
-    const std::vector<KDRBookmarkPtr> bookmarks = matchesBelow(root);
+    if (!sources || sources->bookmarksMayChange() || _searchedRoot.lock() != root || _searchedText != filterString())
+        search(root);
     const std::vector<KDRBookmarkPtr> contacts =
         sources ? sources->relatedContacts(filterString()) : std::vector<KDRBookmarkPtr>();
     removeAllChildren();
-    appendCopiesOfLeaves(bookmarks, *this);
+    appendCopiesOfLeaves(_found, *this);
     appendCopiesOfLeaves(contacts, *this);
     sortChildrenByTitle();
+}
+
+void WayfoldBookmarkAutoFolder::search(const WayfoldBookmarkFolderPtr &root)
+{
+    _found = matchesBelow(root);
+    std::erase_if(_found,
+                  [](const KDRBookmarkPtr &item) { return item->isFolder(); }); // they would keep all below them
+    _searchedRoot = root;
+    _searchedText = filterString();
 }
 
 KDRBookmarkPtr WayfoldBookmarkAutoFolder::makeNew() const

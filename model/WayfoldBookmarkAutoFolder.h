@@ -21,4 +21,12 @@ public:
 protected:
     KDRBookmarkPtr makeNew() const override;
     bool isSameKindAs(const KDRBookmark &other) const override;
+
+private:
+    void search(const WayfoldBookmarkFolderPtr &root);
+
+    // What was found last, without folders, and where. History changes with every page, and bookmarks hardly ever.
+    std::vector<KDRBookmarkPtr> _found;
+    std::weak_ptr<WayfoldBookmarkFolder> _searchedRoot;
+    QString _searchedText;
 };

@@ -20,6 +20,11 @@ bool isApplicationModalDialogRunning()
         return window->isVisible() && window->modality() == Qt::ApplicationModal;
     });
 }
+// A list that is loaded anew between press and release forgets what was pressed, and a drag becomes a selection.
+bool isMouseHeldDown()
+{
+    return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
+}
 } // namespace
 
 NotificationQueue &NotificationQueue::defaultQueue()
@@ -42,7 +47,7 @@ NotificationQueue::Pause::~Pause()
 
 bool NotificationQueue::isHeldBack() const
 {
-    return _pauses > 0 || isApplicationModalDialogRunning();
+    return _pauses > 0 || isMouseHeldDown() || isApplicationModalDialogRunning();
 }
 
 void NotificationQueue::enqueueNotification(const Notification &notification, PostingStyle style)

@@ -8,8 +8,8 @@
 #include <vector>
 
 // Posts notifications later, to the default centre. A notification of the same name and object is pending only once; of
-// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs or something is
-// dragged (see Pause); it stays pending until that is over.
+// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs, the mouse is held
+// down or something is dragged (see Pause); it stays pending until that is over.
 class NotificationQueue : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     };
 
     // Holds all deliveries of the default queue back for as long as it lives. For an event loop in which the user does
-    // something that must not be disturbed, such as a drag.
+    // something that must not be disturbed, such as a drag, during which the state of the mouse may not be known.
     class Pause
     {
     public:

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void writesANote();
     void cancelledNoteLeavesNothing();
     void makesASubfolder();
+    void dragsIntoASubfolder();
+    void takesALinkOfThePage();
     void opensByDoubleClick();
     void opensBySpace();
     void deletesAfterConfirmation();
@@ -39,6 +41,7 @@ private:
     bool focusOn(const QString &site);
     QAbstractButton *button(const QString &toolTip) { return Play::drawerButton(_window, toolTip); }
     bool save();
+    bool makeSubfolder(const QString &title);
     // The titles of what the item file holds for the site that is shown now.
     QStringList savedTitles();
 
@@ -131,15 +134,43 @@ void ScratchpadTest::cancelledNoteLeavesNothing()
 
 void ScratchpadTest::makesASubfolder()
 {
-    QVERIFY(Hands::clickOn(button(QStringLiteral("New Subfolder"))));
-    EVENTUALLY(Eyes::dialog());
-    QVERIFY(Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())));
-    QVERIFY(Hands::press(QStringLiteral("ctrl+a")));
-    QVERIFY(Hands::type(QStringLiteral("To read")));
-    QVERIFY(Hands::press(QStringLiteral("Return")));
-    EVENTUALLY(!Eyes::dialog());
-    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("To read")));
+    QVERIFY(makeSubfolder(QStringLiteral("To read")));
     EVENTUALLY(savedTitles() == QStringList{QStringLiteral("To read")});
+}
+
+bool ScratchpadTest::makeSubfolder(const QString &title)
+{
+    return Hands::clickOn(button(QStringLiteral("New Subfolder"))) &&
+           Stage::eventually([] { return Eyes::dialog() != nullptr; }) &&
+           Hands::clickInto(Eyes::firstOf<QLineEdit>(Eyes::dialog())) && Hands::press(QStringLiteral("ctrl+a")) &&
+           Hands::type(title) && Hands::press(QStringLiteral("Return")) &&
+           Stage::eventually([&] { return !Eyes::dialog() && Play::scratchRows(_window).contains(title); });
+}
+
+void ScratchpadTest::dragsIntoASubfolder()
+{
+    QVERIFY(save());
+    QVERIFY(makeSubfolder(QStringLiteral("To read")));
+    QCOMPARE(savedTitles(), QStringList({QStringLiteral("Front page"), QStringLiteral("To read")}));
+    QTreeView *list = Play::scratchList(_window);
+    QVERIFY(Hands::drag(Eyes::rowWithText(list, QStringLiteral("Front page")).value(),
+                        Eyes::rowWithText(list, QStringLiteral("To read")).value()));
+    EVENTUALLY(savedTitles() == QStringList{QStringLiteral("To read")});
+    QVERIFY(_play.chooseRow(QStringLiteral("To read")));
+    QVERIFY(Hands::press(QStringLiteral("Right")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Front page")));
+}
+
+void ScratchpadTest::takesALinkOfThePage()
+{
+    _play.web().setPage(QStringLiteral("www.") + _host, QStringLiteral("/links"),
+                        "<!doctype html><title>Links</title><body style='margin:0'>"
+                        "<a href='/two' style='display:block;height:200px'>The second page</a>");
+    QVERIFY(_play.visit(QStringLiteral("http://www.%1/links").arg(_host)));
+    QTreeView *list = Play::scratchList(_window);
+    const QPoint link = Stage::onMain([this] { return _window->currentWebView()->mapToGlobal(QPoint(40, 12)); });
+    QVERIFY(Hands::drag(link, Eyes::middleOf(list->viewport())));
+    EVENTUALLY(savedTitles() == QStringList{QStringLiteral("The second page")});
 }
 
 void ScratchpadTest::opensByDoubleClick()

@@ -754,6 +754,14 @@ void ScratchpadDropTest::foreign_data()
                                            << QStringLiteral("http://a/b") << QStringList{QStringLiteral("2 A page")};
     QTest::newRow("a link") << QStringLiteral("http://a/b") << none << QStringLiteral("http://a/b")
                             << QStringList{QStringLiteral("2 /b")};
+    QTest::newRow("a link with its text") << QStringLiteral("http://a/b") << none << QStringLiteral("The\n page")
+                                          << QStringList{QStringLiteral("2 The page")};
+    QTest::newRow("a link around a picture") << QStringLiteral("http://a/b") << none << QStringLiteral("http://a/c.png")
+                                             << QStringList{QStringLiteral("2 /b")};
+    QTest::newRow("a mail with its address") << QStringLiteral("mailto:ann") << none << QStringLiteral("mailto:ann")
+                                             << QStringList{QStringLiteral("5 mailto:ann")};
+    QTest::newRow("a file with its path")
+        << QStringLiteral("file:///tmp/a") << none << QStringLiteral("/tmp/a") << QStringList{QStringLiteral("3 a")};
     QTest::newRow("links") << QStringLiteral("# two of them\r\nhttp://a/b\r\nhttp://a/c\r\n") << none << none
                            << QStringList{QStringLiteral("2 /b"), QStringLiteral("2 /c")};
     QTest::newRow("links, one of them none")

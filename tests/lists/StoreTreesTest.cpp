@@ -16,6 +16,7 @@ private Q_SLOTS:
 
     void bothFilesOfASite();
     void changedFiles();
+    void unchangedBookmarksAreCollectedAgain();
     void images();
     void copyOfRelatedHistory();
     void withoutFiles();
@@ -70,6 +71,22 @@ void StoreTreesTest::bothFilesOfASite()
     QCOMPARE(outline(folder->childAtIndex(0)), (QStringList{"Ant at a.example", "Zebra"}));
     QCOMPARE(outline(folder->childAtIndex(1)), (QStringList{"3 Jan 2001(Third)", "2 Jan 2001(On a.example, Second)"}));
     QCOMPARE(outline(site("nowhere")), (QStringList{"Related Bookmarks()", "Related History()"}));
+}
+
+// As after a page visit: the bookmarks are those of before, and what was taken out of the folder is there again.
+void StoreTreesTest::unchangedBookmarksAreCollectedAgain()
+{
+    ListStage::store();
+    const WayfoldBookmarkFolderPtr folder = site("a.example");
+    const auto related = WayfoldBookmarkFolder::fromItem(folder->childAtIndex(0));
+    related->removeChild(related->childAtIndex(0));
+    related->childAtIndex(0)->setTitle("Changed by somebody");
+    QVERIFY(related->refresh());
+    QCOMPARE(outline(related), (QStringList{"Ant at a.example", "Zebra"}));
+    related->setFilterString("b.example");
+    QCOMPARE(outline(related), QStringList{"Other"});
+    related->setFilterString("a.example");
+    QCOMPARE(outline(related), (QStringList{"Ant at a.example", "Zebra"}));
 }
 
 void StoreTreesTest::changedFiles()

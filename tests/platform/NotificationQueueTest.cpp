@@ -79,6 +79,7 @@ private Q_SLOTS:
     void windowModalDialogHoldsNothing();
     void pauseHoldsBoth();
     void pauseOfAnObserverHoldsTheRest();
+    void pressedMouseHoldsBoth();
     void leavesNoFilterBehind();
     void withoutWindows();
     void withTheOtherDispatcher();
@@ -489,6 +490,25 @@ void NotificationQueueTest::pauseHoldsBoth()
         this, [&](const Notification &) { loop.quit(); }, "Idle");
     loop.exec();
     QCOMPARE(_told, QStringList({"Before", "ASAP", "Idle"}));
+}
+
+void NotificationQueueTest::pressedMouseHoldsBoth()
+{
+    observe("Idle");
+    observe("ASAP");
+    QWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTest::mousePress(&window, Qt::LeftButton, {}, QPoint(5, 5));
+    enqueue("Idle", idle);
+    enqueue("ASAP", asap);
+    runPasses(20);
+    QVERIFY(_told.isEmpty());
+    QTest::mouseMove(&window, QPoint(9, 9));
+    runPasses(20);
+    QVERIFY(_told.isEmpty());
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, QPoint(9, 9));
+    QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
 }
 
 void NotificationQueueTest::pauseOfAnObserverHoldsTheRest()

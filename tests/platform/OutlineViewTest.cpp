@@ -714,6 +714,9 @@ void OutlineViewTest::doubleClickActsOnRowsOnly()
     QTest::mouseDClick(_view->viewport(), Qt::LeftButton, {}, QPoint(50, 200));
     QTest::mouseDClick(_view->viewport(), Qt::RightButton, {}, _view->rectOfRow(0).center());
     QCOMPARE(actions, 1);
+    for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton})
+        QTest::mouseRelease(_view->viewport(), button); // which a simulated double click leaves out
+    QCOMPARE(QGuiApplication::mouseButtons(), Qt::NoButton);
 }
 
 void OutlineViewTest::showsToolTips()
