@@ -172,7 +172,7 @@ void Drawer::parentWindowWillClose()
 void Drawer::followParent()
 {
     const std::shared_ptr<HostWindow> window = parentWindow();
-    if (_state == Closed || !window)
+    if (_state == Closed || _isAboutToOpen || !window)
         return;
     layOut();
     showWith(*window);
@@ -203,10 +203,16 @@ void Drawer::open()
     const bool turnsRound = _state == Closing;
     _state = Opening;
     if (!turnsRound) {
+        // Whoever is told now may move the window and choose the edge. Shown before that, the drawer would be hidden
+        // again at once, and a window manager that is busy takes the one for the other.
         const QPointer<Drawer> alive(this);
+        _isAboutToOpen = true;
         NotificationCenter::defaultCenter().postNotificationName(PlatformNotifications::NSDrawerWillOpenNotification,
                                                                  this);
-        if (!alive || _state != Opening)
+        if (!alive)
+            return;
+        _isAboutToOpen = false;
+        if (_state != Opening)
             return;
         _edge = _preferredEdge;
         _shown = 0;

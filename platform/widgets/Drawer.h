@@ -118,6 +118,7 @@ private:
     qreal _shown = 0;        // how far it is out, 0 to 1
     QRect _out;              // the part that is out, in this window, which is cut off at the screen's edges
     bool _isOnScreen = false;
-    QRect _place;          // where it was last put
-    int _timesPutBack = 0; // since then
+    bool _isAboutToOpen = false; // and everybody is being told
+    QRect _place;                // where it was last put
+    int _timesPutBack = 0;       // since then
 };

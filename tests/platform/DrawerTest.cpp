@@ -323,11 +323,17 @@ void DrawerTest::observerOfWillOpenChoosesTheEdge()
 
 void DrawerTest::observerOfWillOpenMayMoveTheWindow()
 {
-    NotificationCenter::defaultCenter().addObserver(
-        this, [this](const Notification &) { _window->setFrame(QRectF(200, 100, 350, 300), true); },
-        N::NSDrawerWillOpenNotification, _drawer);
+    bool isShownBefore = true;
+    const auto move = [&](const Notification &) {
+        _window->setFrame(QRectF(200, 100, 350, 300), true);
+        NotificationCenter::defaultCenter().postNotificationName(N::WindowFrameDidChangeNotification, _window.get());
+        isShownBefore = _drawer->isVisible();
+    };
+    NotificationCenter::defaultCenter().addObserver(this, move, N::NSDrawerWillOpenNotification, _drawer);
     _drawer->open();
+    QVERIFY(!isShownBefore); // nobody knows yet where it is to stand
     QCOMPARE(_drawer->geometry().left(), 550);
+    QVERIFY(_drawer->isVisible());
 }
 
 void DrawerTest::observerOfWillOpenMayCloseIt()
