@@ -34,7 +34,7 @@ bool measurePageLoad(Figures &figures)
             store.updateDrawerForFrame(frame);
     });
     // The median's own list of times is all that may be counted beside the calls: a handful in eight million.
-    const double allocations = double((allocationCount() - before) / calls);
+    const double allocations = double(allocationCount() - before) / calls;
     figures.add(QStringLiteral("page_load_early_exit_us"), milliseconds * 1000 / calls, QStringLiteral("us"));
     figures.add(QStringLiteral("page_load_early_exit_allocations"), allocations, QStringLiteral("each"));
     window->close();
