@@ -57,7 +57,7 @@ QString Downloads::freeName(const QString &name, const std::function<bool(const 
         ending.prepend('.');
     const QString base = name.chopped(ending.size());
     for (int number = 2;; ++number) {
-        const QString candidate = QStringLiteral("%1 (%2)%3").arg(base).arg(number).arg(ending);
+        QString candidate = QStringLiteral("%1 (%2)%3").arg(base).arg(number).arg(ending);
         if (!isTaken(candidate))
             return candidate;
     }

@@ -14,7 +14,7 @@ constexpr int patience = 3000; // milliseconds
 
 QString dataFolder()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     QDir().mkpath(folder);
     return folder;
 }

@@ -51,7 +51,7 @@ std::optional<SubFrameReports::Report> SubFrameReports::reportFrom(const QString
         return std::nullopt;
     const QJsonObject object = QJsonDocument::fromJson(consoleLine.mid(_secret.size()).toUtf8()).object();
     Report report{QUrl(object.value(QLatin1String("url")).toString()), {}};
-    for (const QJsonValue &index : object.value(QLatin1String("path")).toArray())
+    for (const QJsonValue index : object.value(QLatin1String("path")).toArray())
         report.path.append(index.toInt());
     return report;
 }

@@ -101,7 +101,7 @@ QString WebView::shownTitle() const
 
 QIcon WebView::shownIcon() const
 {
-    const QIcon own = _askedFor.isEmpty() ? icon() : QIcon();
+    QIcon own = _askedFor.isEmpty() ? icon() : QIcon();
     if (!own.isNull())
         return own;
     const QIcon seen = _services.siteIcons->iconForHost(shownAddress().host());

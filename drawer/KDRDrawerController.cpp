@@ -40,8 +40,8 @@ const QString historyLabel = QStringLiteral("History");
 std::shared_ptr<KDRDrawerController> KDRDrawerController::controllerForWindow(const std::shared_ptr<HostWindow> &window)
 {
     // Whoever lets go of it last may be one of its own operations, so it goes when the event is over.
-    const std::shared_ptr<KDRDrawerController> controller(
-        new KDRDrawerController, [](KDRDrawerController *released) { released->deleteLater(); });
+    std::shared_ptr<KDRDrawerController> controller(new KDRDrawerController,
+                                                    [](KDRDrawerController *released) { released->deleteLater(); });
     controller->_self = controller;
     controller->initForWindow(window);
     return controller;

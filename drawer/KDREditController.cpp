@@ -79,10 +79,10 @@ void KDREditController::connectButtons()
     }
 }
 
-void KDREditController::connectAction(const char *name, std::function<void(QObject *)> handler) const
+void KDREditController::connectAction(const char *name, const std::function<void(QObject *)> &handler) const
 {
     if (_interface)
-        _interface->connectAction(QString::fromLatin1(name), std::move(handler));
+        _interface->connectAction(QString::fromLatin1(name), handler);
 }
 
 void KDREditController::setWindowTitle(const char *title)

@@ -44,7 +44,7 @@ protected:
     {
         return _interface ? _interface->outlet<Widget>(QString::fromLatin1(name)) : nullptr;
     }
-    void connectAction(const char *name, std::function<void(QObject *sender)> handler) const;
+    void connectAction(const char *name, const std::function<void(QObject *sender)> &handler) const;
     virtual void writeValue() = 0;
 
 private:

@@ -72,7 +72,9 @@ void WayfoldTabView::tellSelection(int index)
 QWidget *WayfoldTabView::initialFirstResponderOfTab(int index) const
 {
     const QWidget *page = widget(index);
-    const QString name = page ? page->property(responderProperty).toString() : QString();
+    if (!page)
+        return nullptr;
+    const QString name = page->property(responderProperty).toString();
     return name.isEmpty() ? nullptr : page->findChild<QWidget *>(name);
 }
 

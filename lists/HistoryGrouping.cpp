@@ -23,7 +23,7 @@ public:
     bool hasFolders() override { return false; }
     KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) override
     {
-        const KDRBookmarkPtr item = _entries->item(_numbers[index]);
+        KDRBookmarkPtr item = _entries->item(_numbers[index]);
         item->setParent(folder);
         return item;
     }

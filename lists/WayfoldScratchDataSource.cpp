@@ -198,7 +198,8 @@ void WayfoldScratchDataSource::releaseRoot()
 
 void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, const std::shared_ptr<HostFrame> &frame)
 {
-    const QString newLabel = label; // the caller's may be the previous label, which changes here
+    // The caller's may be the previous label, which changes here.
+    const QString newLabel = label; // NOLINT(performance-unnecessary-copy-initialization)
     const QString oldLabel = labelOfRoot();
     if (_drawer && _drawer->controller())
         _drawer->controller()->setCurrentWebFrame(frame);

@@ -212,7 +212,7 @@ std::shared_ptr<Image> KDRBookmark::imageForCellSize(const QSizeF &size)
 
 std::shared_ptr<Image> KDRBookmark::loadIconForFileScaledTo(const QString &path, const QSizeF &size)
 {
-    const std::shared_ptr<Image> icon = ItemImages::shared().files.iconForFile(path);
+    std::shared_ptr<Image> icon = ItemImages::shared().files.iconForFile(path);
     if (icon && !size.isNull()) {
         icon->setScalesWhenResized(true);
         icon->setSize(size);

@@ -13,7 +13,7 @@ LazyCopies::LazyCopies(std::vector<KDRBookmarkPtr> items)
 KDRBookmarkPtr LazyCopies::makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder)
 {
     const WayfoldBookmarkFolderPtr original = WayfoldBookmarkFolder::fromItem(_items[index]);
-    const KDRBookmarkPtr copy = original ? original->lazyCopy() : _items[index]->copy();
+    KDRBookmarkPtr copy = original ? original->lazyCopy() : _items[index]->copy();
     copy->setParent(folder);
     return copy;
 }

@@ -53,11 +53,11 @@ QVariant PlainPropertyList::readDictionary(int depth)
         if (tag != Tag::Key && tag != Tag::EmptyKey)
             return giveUp();
         const QString key = readString(tag);
-        QVariant value = readValue(_xml.readTag(), depth + 1);
+        const QVariant value = readValue(_xml.readTag(), depth + 1);
         // A key that is there twice is for the general way to judge.
         if (!value.isValid() || dictionary.contains(key))
             return giveUp();
-        dictionary.insert(key, std::move(value));
+        dictionary.insert(key, value);
     }
     return dictionary;
 }

@@ -526,7 +526,6 @@ void DamagedFilesTest::vanishesBeforeItIsRead()
                 QFile::remove(place);
         };
         QVERIFY(moment < 20);
-        mayBeLater = false;
         store().tagSafariFiles();
         host.whenAsked = nullptr;
         mayBeLater = host.asked >= moment;

@@ -7,6 +7,7 @@
 
 #include <QLineEdit>
 #include <QTabBar>
+#include <QToolButton>
 
 // The Bookmarks and the History tab of a real drawer.
 class DrawerListsTest : public QObject
