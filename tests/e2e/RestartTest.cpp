@@ -5,6 +5,7 @@
 #include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
 
+#include <QAbstractButton>
 #include <QLineEdit>
 #include <QProcess>
 #include <QTextEdit>

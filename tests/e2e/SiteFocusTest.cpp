@@ -6,6 +6,7 @@
 #include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
 
+#include <QComboBox>
 #include <QTemporaryFile>
 
 // The Scratchpad follows the site of the page in front, and nothing else.
