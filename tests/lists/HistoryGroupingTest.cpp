@@ -70,7 +70,7 @@ private:
         const QString title = QLocale().toString(entry.lastVisitedDate().date(), QLocale::ShortFormat);
         if (const KDRBookmarkPtr known = in->childWithTitle(title))
             return subfolder(known);
-        const Folder made = WayfoldBookmarkFolder::bookmarkWithTitle(title);
+        Folder made = WayfoldBookmarkFolder::bookmarkWithTitle(title);
         made->setTimestamp(entry.lastVisitedDate());
         in->addChild(made);
         return made;
@@ -79,7 +79,7 @@ private:
     {
         if (const KDRBookmarkPtr known = in->childWithTitle(entry.trackedHostName()))
             return subfolder(known);
-        const Folder made = WayfoldBookmarkFolder::bookmarkWithTitle(entry.trackedHostName());
+        Folder made = WayfoldBookmarkFolder::bookmarkWithTitle(entry.trackedHostName());
         in->addChild(made);
         return made;
     }
@@ -131,14 +131,14 @@ public:
         auto records = std::make_shared<HistoryRecords>();
         for (const Visit &visit : _visits)
             records->append(visit.title, visit.address, visit.seconds);
-        const Folder folder = WayfoldBookmarkFolder::bookmarkWithTitle("History");
+        Folder folder = WayfoldBookmarkFolder::bookmarkWithTitle("History");
         folder->setLazyChildren(std::make_shared<HistoryItems>(records));
         return folder;
     }
     // The same, item by item.
     Folder plainFolder() const
     {
-        const Folder folder = WayfoldBookmarkFolder::bookmarkWithTitle("History");
+        Folder folder = WayfoldBookmarkFolder::bookmarkWithTitle("History");
         for (const Visit &visit : _visits)
             folder->parseHistoryDictionary({{"title", QString::fromUtf8(visit.title)},
                                             {"", QString::fromUtf8(visit.address)},
@@ -172,7 +172,7 @@ QStringList outline(const Folder &folder, bool withDates = false, int depth = 0)
     QStringList lines;
     for (const KDRBookmarkPtr &child : folder->children()) {
         const Folder sub = subfolder(child);
-        lines.append(QString(depth * 2, ' ') + child->title() + (sub ? "/" : ""));
+        lines.append(QString(qsizetype(depth) * 2, ' ') + child->title() + (sub ? "/" : ""));
         // Those of the sites' folders tell when they were made.
         if (withDates && sub && isDay(child->title()))
             lines.last() += " " + sub->timestamp().toString(Qt::ISODateWithMs);
@@ -384,7 +384,7 @@ void HistoryGroupingTest::itemsAreMadeWhenTheyAreSeen()
     for (int i = 0; i < 100; ++i)
         records->append("Page " + QByteArray::number(i), "http://www.example.com/", QByteArray::number(i * 86400));
     const auto items = std::make_shared<HistoryItems>(records);
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->setLazyChildren(items);
     const Folder into = emptyRoot();
     regroup(from, into, "4");
@@ -417,7 +417,7 @@ void HistoryGroupingTest::emptiedFolderStaysUntilTheNextGrouping()
     QFETCH(bool, isOpened);
     auto records = std::make_shared<HistoryRecords>();
     records->append("A", "http://a.example/", "0");
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->setLazyChildren(std::make_shared<HistoryItems>(records));
     const Folder into = emptyRoot();
     regroup(from, into, style);
@@ -439,7 +439,7 @@ Folder visitsAt(const std::vector<int> &seconds)
     auto records = std::make_shared<HistoryRecords>();
     for (const int at : seconds)
         records->append(QByteArray::number(at), "http://a.example/" + QByteArray::number(at), QByteArray::number(at));
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->setLazyChildren(std::make_shared<HistoryItems>(records));
     return from;
 }
@@ -510,7 +510,7 @@ void HistoryGroupingTest::sitesThatDifferInCase()
     records->append("2", "http://b.example/", "0");
     records->append("3", "http://A.example/", "0");
     records->append("4", "http://B.example/", "0");
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->setLazyChildren(std::make_shared<HistoryItems>(records));
     const Folder into = emptyRoot();
     regroup(from, into, "3");
@@ -523,7 +523,7 @@ void HistoryGroupingTest::daysOfTwoCenturies()
     auto records = std::make_shared<HistoryRecords>();
     records->append("now", "http://a.example/", "43200");
     records->append("then", "http://a.example/", QByteArray::number(43200 - 36525.0 * 86400, 'f', 0));
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->setLazyChildren(std::make_shared<HistoryItems>(records));
     const Folder into = emptyRoot();
     regroup(from, into, "1");
@@ -532,7 +532,7 @@ void HistoryGroupingTest::daysOfTwoCenturies()
 
 void HistoryGroupingTest::ofOtherThanHistory()
 {
-    const Folder from = emptyRoot();
+    Folder from = emptyRoot();
     from->addChild(WayfoldBookmarkURL::bookmarkWithTitleAndURL("link", Url::URLWithString("http://a.example/")));
     from->addChild(WayfoldBookmarkFolder::bookmarkWithTitle("folder"));
     const Folder into = emptyRoot();

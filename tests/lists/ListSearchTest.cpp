@@ -6,6 +6,7 @@
 #include "tests/support/BrowserFiles.h"
 
 #include <QLineEdit>
+#include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
 
