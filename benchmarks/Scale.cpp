@@ -23,11 +23,12 @@ QJsonObject figuresAt(int size)
     if (size > largestWithPeers)
         arguments.append(QStringLiteral("--no-peers"));
     QProcess bench;
-    bench.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     bench.setStandardOutputFile(QProcess::nullDevice());
     bench.start(QCoreApplication::applicationFilePath(), arguments);
-    if (!bench.waitForFinished(-1) || bench.exitCode() != 0)
+    if (!bench.waitForFinished(-1) || bench.exitCode() != 0) {
+        std::fprintf(stderr, "\n%s", bench.readAllStandardError().constData());
         return {};
+    }
     QFile file(json);
     return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
 }

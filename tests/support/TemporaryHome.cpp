@@ -3,9 +3,29 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
+
+namespace
+{
+// Settings are written once more when the program ends, after the homes they belong to. This is made before they are,
+// and so goes after them.
+class LateRemoval
+{
+public:
+    ~LateRemoval()
+    {
+        for (const QString &folder : std::as_const(folders))
+            QDir(folder).removeRecursively();
+    }
+
+    QStringList folders;
+};
+} // namespace
 
 TemporaryHome::TemporaryHome() : _oldHome(qgetenv("HOME"))
 {
+    static LateRemoval removal;
+    removal.folders.append(_directory.path());
     qputenv("HOME", _directory.path().toUtf8());
 }
 
