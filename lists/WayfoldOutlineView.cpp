@@ -235,24 +235,26 @@ std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedFolders() const
 }
 
 // One that collects its contents must have done so before it is opened.
-void WayfoldOutlineView::expandUpToDate(const KDRBookmarkPtr &item)
+void WayfoldOutlineView::expandUpToDate(const std::vector<OutlineItemPtr> &items)
 {
-    item->ensureUpToDate();
-    expandItem(item);
+    for (const OutlineItemPtr &item : items)
+        std::static_pointer_cast<KDRBookmark>(item)->ensureUpToDate();
+    expandItems(items);
 }
 
 // What is in a closed folder can be opened only while the folder is open.
 void WayfoldOutlineView::restore(const std::vector<OutlineExpansion> &expansions)
 {
     QSet<const OutlineItem *> open;
+    std::vector<OutlineItemPtr> folders;
     for (const auto &[item, isOpen] : expansions) {
-        const auto folder = std::static_pointer_cast<KDRBookmark>(item);
-        if (!folder->isFolder())
+        if (!std::static_pointer_cast<KDRBookmark>(item)->isFolder())
             continue;
-        expandUpToDate(folder);
+        folders.push_back(item);
         if (isOpen)
             open.insert(item.get());
     }
+    expandUpToDate(folders);
     for (auto each = expansions.crbegin(); each != expansions.crend(); ++each) {
         if (!open.contains(each->item.get())) // an item may have an open and a closed row
             collapseItem(each->item);
@@ -287,12 +289,14 @@ void WayfoldOutlineView::reexpandItemsFromUUIDList(const QStringList &uuids)
     do {
         before = missing.size();
         const QHash<QString, KDRBookmarkPtr> items = root->itemsWithUUIDs(missing);
+        std::vector<OutlineItemPtr> found;
         for (const QString &uuid : std::exchange(missing, {})) {
-            if (const KDRBookmarkPtr item = items.value(uuid))
-                expandUpToDate(item);
+            if (KDRBookmarkPtr item = items.value(uuid))
+                found.push_back(std::move(item));
             else
                 missing.append(uuid);
         }
+        expandUpToDate(found);
     } while (!missing.isEmpty() && missing.size() < before);
 }
 

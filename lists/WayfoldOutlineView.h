@@ -114,7 +114,7 @@ private:
     bool validateOpenItem(QAction *item) const;
     bool validateOpenInTabsItem(QAction *item) const;
     std::vector<KDRBookmarkPtr> expandedFolders() const;
-    void expandUpToDate(const KDRBookmarkPtr &item);
+    void expandUpToDate(const std::vector<OutlineItemPtr> &items);
     void restore(const std::vector<OutlineExpansion> &expansions);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;

@@ -187,7 +187,10 @@ KDRBookmarkPtr WayfoldOutlineViewDataSource::itemOrRoot(const OutlineItemPtr &it
 int WayfoldOutlineViewDataSource::outlineViewNumberOfChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
 {
     const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(itemOrRoot(item));
-    return folder ? int(folder->childCount()) : 0;
+    if (!folder)
+        return 0;
+    folder->ensureUpToDate(); // a key can open a folder that was never painted
+    return int(folder->childCount());
 }
 
 bool WayfoldOutlineViewDataSource::outlineViewIsItemExpandable(OutlineView & /*view*/, const OutlineItemPtr &item)

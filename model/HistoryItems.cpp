@@ -20,14 +20,18 @@ std::shared_ptr<HistoryItems> HistoryItems::ofFolder(const WayfoldBookmarkFolder
 
 std::shared_ptr<HistoryItems> HistoryItems::copiesOfMatches(const TextSearch &search)
 {
-    return copiesOf(indexesOfMatches(search));
+    std::vector<unsigned> numbers = indexesOfMatches(search);
+    for (unsigned &number : numbers)
+        number = recordNumber(number);
+    return std::make_shared<HistoryItems>(_records, std::move(numbers));
 }
 
-std::shared_ptr<HistoryItems> HistoryItems::copiesOf(std::vector<unsigned> indexes) const
+std::shared_ptr<HistoryItems> HistoryItems::copiesOf(const std::vector<unsigned> &indexes) const
 {
-    for (unsigned &index : indexes)
-        index = recordNumber(index);
-    return std::make_shared<HistoryItems>(_records, std::move(indexes));
+    auto records = std::make_shared<HistoryRecords>(*_records, indexes.size());
+    for (const unsigned index : indexes)
+        records->appendFrom(*_records, recordNumber(index), recordNumber(index) + 1);
+    return std::make_shared<HistoryItems>(std::move(records));
 }
 
 const KDRBookmarkPtr &HistoryItems::item(unsigned index)

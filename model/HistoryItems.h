@@ -16,9 +16,10 @@ public:
 
     // The history entries that a folder holds in this form; null when it has other children, or none.
     static std::shared_ptr<HistoryItems> ofFolder(const WayfoldBookmarkFolder &folder);
-    // Copies of those that the search finds, in order; of those with the given indexes.
+    // Copies of those that the search finds, in order; they hold all the records, for a list that changes with them.
     std::shared_ptr<HistoryItems> copiesOfMatches(const TextSearch &search);
-    std::shared_ptr<HistoryItems> copiesOf(std::vector<unsigned> indexes) const;
+    // Copies of those with the given indexes, to be kept: they hold no other records.
+    std::shared_ptr<HistoryItems> copiesOf(const std::vector<unsigned> &indexes) const;
 
     const HistoryRecords &records() const { return *_records; }
     unsigned recordNumber(unsigned index) const { return _isAll ? index : _numbers[index]; }

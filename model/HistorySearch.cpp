@@ -21,5 +21,5 @@ std::shared_ptr<HistoryItems> HistorySearch::copiesOfMatches(HistoryItems &histo
         if (_isFound[serialNumber])
             indexes.push_back(index);
     }
-    return history.copiesOf(std::move(indexes));
+    return history.copiesOf(indexes);
 }

@@ -329,10 +329,9 @@ QModelIndexList OutlineModel::indexesOfItems(const std::vector<OutlineItemPtr> &
     if (!wanted.empty())
         askMadeChildren(*_root, wanted);
     QModelIndexList indexes;
-    for (const OutlineItemPtr &item : items) {
-        if (const QModelIndex index = indexOfAskedItem(item); index.isValid())
-            indexes.append(index);
-    }
+    indexes.reserve(qsizetype(items.size()));
+    for (const OutlineItemPtr &item : items)
+        indexes.append(indexOfAskedItem(item));
     return indexes;
 }
 

@@ -48,7 +48,7 @@ public:
     OutlineItemPtr itemOfIndex(const QModelIndex &index) const;
     // The first shown row with that item.
     QModelIndex indexOfItem(const OutlineItemPtr &item) const;
-    // The same for many, in their order; without those that have no row.
+    // The same for many, in their order; not valid for one that has no row.
     QModelIndexList indexesOfItems(const std::vector<OutlineItemPtr> &items) const;
     bool isExpanded(const QModelIndex &index) const;
     // Of the rows that are shown, from the top to the bottom.

@@ -180,6 +180,26 @@ void OutlineView::expandItem(const OutlineItemPtr &item)
     expand(_model->indexOfItem(item));
 }
 
+void OutlineView::expandItems(const std::vector<OutlineItemPtr> &items)
+{
+    if (items.size() > 1)
+        scheduleDelayedItemsLayout(); // until then, what is expanded costs next to nothing
+    std::vector<OutlineItemPtr> pending = items;
+    std::size_t before = 0;
+    do {
+        before = pending.size();
+        const QModelIndexList indexes = _model->indexesOfItems(pending);
+        std::vector<OutlineItemPtr> missing;
+        for (std::size_t i = 0; i < pending.size(); ++i) {
+            if (indexes[qsizetype(i)].isValid())
+                expand(indexes[qsizetype(i)]);
+            else
+                missing.push_back(std::move(pending[i]));
+        }
+        pending = std::move(missing);
+    } while (!pending.empty() && pending.size() < before);
+}
+
 void OutlineView::collapseItem(const OutlineItemPtr &item)
 {
     collapse(_model->indexOfItem(item));
@@ -280,6 +300,7 @@ void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
     if (items.empty())
         return;
     QModelIndexList indexes = _model->indexesOfItems(items);
+    indexes.removeIf([](const QModelIndex &index) { return !index.isValid(); });
     if (indexes.isEmpty())
         return;
     const QModelIndex last = indexes.last();

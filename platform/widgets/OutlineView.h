@@ -56,6 +56,8 @@ public:
     // their contents.
     std::vector<OutlineExpansion> expansions() const;
     void expandItem(const OutlineItemPtr &item);
+    // The same for many, all at once; those that come to be shown when others are expanded too, whatever their order.
+    void expandItems(const std::vector<OutlineItemPtr> &items);
     void collapseItem(const OutlineItemPtr &item);
 
     // The first selected row, -1 when there is none.

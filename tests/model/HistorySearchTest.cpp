@@ -1,6 +1,7 @@
 #include "model/HistorySearch.h"
 
 #include "model/HistoryReader.h"
+#include "model/HistoryRecords.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/PropertyList.h"
 #include "tests/support/TemporaryHome.h"
@@ -15,6 +16,7 @@ class HistorySearchTest : public QObject
 private Q_SLOTS:
     void findsWhatAFreshSearchFinds();
     void startsAnewWithOtherTexts();
+    void whatIsFoundHoldsNothingElse();
 
 private:
     static QVariantMap entry(const QString &address, const QString &title)
@@ -68,6 +70,25 @@ void HistorySearchTest::startsAnewWithOtherTexts()
     QCOMPARE(titles(search.copiesOfMatches(*read(other, {entry("http://a.example.com/", "Other")}))), QStringList());
     QCOMPARE(titles(search.copiesOfMatches(*read(reader, {entry("http://b.example.com/", "Old news")}))),
              QStringList({"Old news"}));
+}
+
+// A session goes by many sites, each of which keeps what it found in the history as it was then.
+void HistorySearchTest::whatIsFoundHoldsNothingElse()
+{
+    HistorySearch search(QStringLiteral("news"));
+    auto records = std::make_shared<HistoryRecords>();
+    records->append("Other", "http://a.example.com/", "1");
+    records->append("News", "http://b.example.com/", "2");
+    records->append("Old news", "http://c.example.com/", "3");
+    const std::weak_ptr<const HistoryRecords> reading = records;
+    auto history = std::make_shared<HistoryItems>(std::move(records));
+    const std::shared_ptr<HistoryItems> found = search.copiesOfMatches(*history);
+    history.reset();
+
+    QVERIFY(reading.expired());
+    QCOMPARE(titles(found), QStringList({"News", "Old news"}));
+    QCOMPARE(found->item(1)->uuid(), QStringLiteral("http://c.example.com/"));
+    QCOMPARE(titles(search.copiesOfMatches(*found)), QStringList({"News", "Old news"}));
 }
 
 QTEST_GUILESS_MAIN(HistorySearchTest)

@@ -155,6 +155,8 @@ private Q_SLOTS:
     void mapsRowsBothWays();
     void remembersWhatWasOpenInAClosedFolder();
     void doesNotOpenLeaves();
+    void opensManyWhateverTheirOrder();
+    void opensManyInOneWalk();
 
     void reloadForgetsExpansionAndSelection();
     void reloadTellsOfALostSelection();
@@ -394,6 +396,35 @@ void OutlineViewTest::remembersWhatWasOpenInAClosedFolder()
     QCOMPARE(_view->numberOfRows(), 3);
     _view->expandItem(_fruit);
     QCOMPARE(_view->numberOfRows(), 7);
+}
+
+void OutlineViewTest::opensManyWhateverTheirOrder()
+{
+    showList(*_view);
+    _tree->countCalls = 0;
+    const auto elsewhere = std::make_shared<OutlineTreeItem>();
+    _view->expandItems({_citrus, elsewhere, _tools, nullptr, _fruit, _herb});
+    QCOMPARE(shownTitles(*_view, *_tree),
+             QStringList({"fruit", " apple", " citrus", "  lemon", " pear", "herb", "tools", " rake"}));
+    QTest::mouseClick(_view->viewport(), Qt::LeftButton, {}, QPoint(100, 3 * 20 + 10));
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"lemon"}));
+}
+
+void OutlineViewTest::opensManyInOneWalk()
+{
+    MadeTree tree(1000);
+    for (const OutlineTree::Node &node : tree.root->children)
+        node->isFolder = true;
+    _view->setOutlineDataSource(&tree);
+    _view->expandItems({tree.root->children.cbegin(), tree.root->children.cend()}); // the view has seen none of them
+    QCOMPARE(_view->expandedItems().size(), std::size_t(0));
+    for (int row = 0; row < 1000; ++row)
+        tree.made[std::size_t(row)] = true;
+    tree.walks = 0;
+    _view->expandItems({tree.root->children.cbegin(), tree.root->children.cend()});
+    QCOMPARE(_view->expandedItems().size(), std::size_t(1000));
+    QCOMPARE(tree.walks, 1);
+    _view->setOutlineDataSource(nullptr);
 }
 
 void OutlineViewTest::doesNotOpenLeaves()
