@@ -68,7 +68,11 @@ OutlineView::OutlineView(QWidget *parent) : QTreeView(parent), _model(new Outlin
     connect(this, &QTreeView::collapsed, this, &OutlineView::rowsWereCollapsed);
 }
 
-OutlineView::~OutlineView() = default;
+OutlineView::~OutlineView()
+{
+    if (_drag)
+        _drag->disconnect(this); // a child, which goes after the rest of this
+}
 
 OutlineViewDataSource *OutlineView::outlineDataSource() const
 {
@@ -429,17 +433,30 @@ void OutlineView::startDrag(Qt::DropActions /*supportedActions*/)
     drag->setMimeData(data);
     drag->setPixmap(dragPixmap());
     drag->setHotSpot(QPoint(0, rowPixels() / 2));
+    connect(drag, &QObject::destroyed, this, &OutlineView::dragEnded);
+    _drag = drag;
 
     const QPointer<OutlineView> alive(this); // events are handled while the drag runs
+    Qt::DropAction action = Qt::IgnoreAction;
     {
         // A list that is loaded anew, or a drawer that closes, would be in the way.
         const NotificationQueue::Pause pause;
-        runDrag(drag);
+        action = runDrag(drag);
     }
     if (!alive)
         return;
     endDropTracking();
-    if (outlineDataSource() == source)
+    if (action == Qt::IgnoreAction)
+        dragEnded(drag);
+}
+
+// Another application may ask for the data long after the drop, so a drag that was taken ends when Qt lets go of it.
+void OutlineView::dragEnded(const QObject *drag)
+{
+    if (drag != _drag)
+        return; // the next one has begun
+    _drag = nullptr;
+    if (OutlineViewDataSource *source = outlineDataSource())
         source->outlineViewDraggingEnded(*this);
 }
 

@@ -111,6 +111,7 @@ private:
     std::vector<OutlineItemPtr> selectedItems() const;
     int rowPixels() const;
     QPixmap dragPixmap() const;
+    void dragEnded(const QObject *drag);
 
     OutlineDropTarget dropTargetAtPoint(const QPoint &point) const;
     Qt::DropAction validateDrop(QDropEvent *event, OutlineDropTarget &target);
@@ -121,6 +122,7 @@ private:
     OutlineModel *_model = nullptr;
     std::optional<qreal> _rowHeight;
     int _quiet = 0; // while positive, selection changes are not passed on
+    QObject *_drag = nullptr; // the latest, until its data has been handed over
     QRect _dropIndicator;
     QBasicTimer _springTimer; // opens the folder that a drag rests on
     OutlineItemPtr _springItem;

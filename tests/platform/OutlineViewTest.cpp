@@ -26,6 +26,8 @@ public:
     QMenu *menu = nullptr;
     QList<QPoint> menuPoints;
     std::function<void(QDrag &)> duringDrag;
+    Qt::DropAction dragAction = Qt::CopyAction;
+    bool keepsDrags = false; // as long as another application has not asked for the data
     int reloads = 0;
 
     using OutlineView::startDrag;
@@ -47,8 +49,9 @@ protected:
     {
         if (duringDrag)
             duringDrag(*drag);
-        delete drag;
-        return Qt::CopyAction;
+        if (!keepsDrags)
+            delete drag;
+        return dragAction;
     }
 };
 
@@ -191,6 +194,10 @@ private Q_SLOTS:
     void startsNoDragWithoutData();
     void notificationsWaitForTheEndOfADrag();
     void survivesBeingDeletedWhileDragging();
+    void dragEndsWhenItsDataIsHandedOver();
+    void dragThatNobodyTookEndsAtOnce();
+    void lateEndOfADragSparesTheNext();
+    void survivesADragThatOutlivesIt();
     void mapsDropsToPlaces_data();
     void mapsDropsToPlaces();
     void sourceMayRetargetADrop();
@@ -874,6 +881,55 @@ void OutlineViewTest::survivesBeingDeletedWhileDragging()
     deleting->setOutlineDataSource(_tree.get());
     deleting->selectRowExtending(0, false);
     deleting->startDrag(Qt::CopyAction);
+    QCOMPARE(_tree->draggingEnded, 0);
+}
+
+void OutlineViewTest::dragEndsWhenItsDataIsHandedOver()
+{
+    QPointer<QDrag> drag;
+    _view->keepsDrags = true;
+    _view->duringDrag = [&drag](QDrag &begun) { drag = &begun; };
+    _view->selectRowExtending(0, false);
+    _view->startDrag(Qt::CopyAction);
+    QVERIFY(drag);
+    QCOMPARE(_tree->draggingEnded, 0);
+    delete drag;
+    QCOMPARE(_tree->draggingEnded, 1);
+}
+
+void OutlineViewTest::dragThatNobodyTookEndsAtOnce()
+{
+    QPointer<QDrag> drag;
+    _view->keepsDrags = true;
+    _view->dragAction = Qt::IgnoreAction;
+    _view->duringDrag = [&drag](QDrag &begun) { drag = &begun; };
+    _view->selectRowExtending(0, false);
+    _view->startDrag(Qt::CopyAction);
+    QCOMPARE(_tree->draggingEnded, 1);
+    delete drag;
+    QCOMPARE(_tree->draggingEnded, 1);
+}
+
+void OutlineViewTest::lateEndOfADragSparesTheNext()
+{
+    std::vector<QPointer<QDrag>> drags;
+    _view->keepsDrags = true;
+    _view->duringDrag = [&drags](QDrag &begun) { drags.emplace_back(&begun); };
+    _view->selectRowExtending(0, false);
+    _view->startDrag(Qt::CopyAction);
+    _view->startDrag(Qt::CopyAction);
+    delete drags.front();
+    QCOMPARE(_tree->draggingEnded, 0);
+    delete drags.back();
+    QCOMPARE(_tree->draggingEnded, 1);
+}
+
+void OutlineViewTest::survivesADragThatOutlivesIt()
+{
+    _view->keepsDrags = true;
+    _view->selectRowExtending(0, false);
+    _view->startDrag(Qt::CopyAction);
+    _view.reset(); // and the drag, which is its child, with it
     QCOMPARE(_tree->draggingEnded, 0);
 }
 
