@@ -8,6 +8,7 @@
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QProcess>
 #include <QTextEdit>
 #include <QTreeView>
 
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void makesASubfolder();
     void dragsIntoASubfolder();
     void takesALinkOfThePage();
+    void dragsIntoAnotherProgram();
     void opensByDoubleClick();
     void opensBySpace();
     void deletesAfterConfirmation();
@@ -171,6 +173,29 @@ void ScratchpadTest::takesALinkOfThePage()
     const QPoint link = Stage::onMain([this] { return _window->currentWebView()->mapToGlobal(QPoint(40, 12)); });
     QVERIFY(Hands::drag(link, Eyes::middleOf(list->viewport())));
     EVENTUALLY(savedTitles() == QStringList{QStringLiteral("The second page")});
+}
+
+void ScratchpadTest::dragsIntoAnotherProgram()
+{
+    QVERIFY(save());
+    QProcess neighbour;
+    neighbour.start(QStringLiteral(WAYFOLD_DROP_TARGET), QStringList());
+    QByteArray told;
+    const auto tells = [&](const QByteArray &line) {
+        while (!told.contains(line) && neighbour.waitForReadyRead(int(Stage::patience / std::chrono::milliseconds(1))))
+            told += neighbour.readAllStandardOutput();
+        return told.contains(line);
+    };
+    QVERIFY(tells("ready\n"));
+    QVERIFY(Hands::drag(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Front page")).value(),
+                        QPoint(80, 60)));
+    QVERIFY(tells("dropped\n"));
+    neighbour.kill();
+    neighbour.waitForFinished();
+    const QByteArray address = "http://www." + _host.toUtf8() + "/";
+    QVERIFY2(told.contains("address: " + address + '\n'), told);
+    QVERIFY2(told.contains("text: " + address + '\n'), told);
+    QCOMPARE(savedTitles(), QStringList({QStringLiteral("Front page")}));
 }
 
 void ScratchpadTest::opensByDoubleClick()
