@@ -1,5 +1,6 @@
 #include "lists/DroppedData.h"
 
+#include "lists/ItemMimeData.h"
 #include "lists/PasteboardTypes.h"
 #include "platform/files/PropertyList.h"
 
@@ -67,6 +68,12 @@ QVariantList DroppedData::itemDictionaries() const
     if (!_data.hasFormat(PasteboardTypes::dictionariesWithVisits))
         return propertyListForType(PasteboardTypes::BookmarkDictionaryList);
     return PropertyList::fromData(_data.data(PasteboardTypes::dictionariesWithVisits)).toList();
+}
+
+KDRBookmarkPtr DroppedData::draggedItem(std::size_t place) const
+{
+    const auto *own = qobject_cast<const ItemMimeData *>(&_data);
+    return own && place < own->items().size() ? own->items()[place].lock() : nullptr;
 }
 
 QVariantList DroppedData::links() const

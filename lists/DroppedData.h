@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/KDRBookmark.h"
 #include "platform/base/Url.h"
 
 #include <QString>
@@ -26,6 +27,8 @@ public:
     QVariantList propertyListForType(const QString &type) const;
     // The dictionaries of items, with visited pages as links when the data knows of them.
     QVariantList itemDictionaries() const;
+    // The item of that place in a drag of this very process; null when there is none, or none any more.
+    KDRBookmarkPtr draggedItem(std::size_t place) const;
     // The addresses that the data has in the desktop's types, and the titles of these, in two lists; the titles may be
     // fewer.
     QVariantList links() const;

@@ -17,7 +17,10 @@ QStringList strings(const QVariant &list)
 }
 } // namespace
 
-ItemMimeData::ItemMimeData(const QStringList &types, Provider provider) : _types(types), _provider(std::move(provider))
+ItemMimeData::ItemMimeData(const QStringList &types, Provider provider, const std::vector<KDRBookmarkPtr> &items)
+    : _types(types)
+    , _provider(std::move(provider))
+    , _items(items.cbegin(), items.cend())
 {}
 
 QStringList ItemMimeData::formats() const

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "model/KDRBookmark.h"
+
 #include <QMimeData>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <vector>
 
 // Dragged items. The data of a type is made when somebody asks for it, from values as the pasteboard knows them
 // (a text, or a property list); the desktop's types are made from those.
@@ -17,7 +21,10 @@ public:
     using Provider = std::function<QVariant(const QString &type)>;
 
     // `types` are the lists' own; the desktop's are added to them.
-    ItemMimeData(const QStringList &types, Provider provider);
+    ItemMimeData(const QStringList &types, Provider provider, const std::vector<KDRBookmarkPtr> &items = {});
+
+    // The dragged items themselves, in order, for a drop in this process.
+    const std::vector<std::weak_ptr<KDRBookmark>> &items() const { return _items; }
 
     // Without the desktop's.
     const QStringList &declaredTypes() const { return _types; }
@@ -40,6 +47,7 @@ private:
 
     QStringList _types;
     Provider _provider;
+    std::vector<std::weak_ptr<KDRBookmark>> _items;
     // Whether there are addresses is asked at every move of a drag.
     mutable std::optional<bool> _hasAddresses;
 };

@@ -124,10 +124,20 @@ void ScratchpadDrop::move(const KDRBookmarkPtr &item)
     insert(moved);
 }
 
+// A bookmark and its copy in a smart folder have the same identifier: the one that is dragged is meant. None when the
+// drag does not tell.
+KDRBookmarkPtr ScratchpadDrop::draggedItem(const DroppedData &data, std::size_t place, const QString &uuid) const
+{
+    const KDRBookmarkPtr item = data.draggedItem(place);
+    return item && item->uuid() == uuid && item->isChildOf(_root) ? item : nullptr;
+}
+
 bool ScratchpadDrop::moveItem(const DroppedData &data)
 {
     const QString uuid = data.stringForType(PasteboardTypes::KDRBookmark);
-    const KDRBookmarkPtr item = uuid.isEmpty() ? nullptr : _root->findByUUID(uuid);
+    KDRBookmarkPtr item = uuid.isEmpty() ? nullptr : draggedItem(data, 0, uuid);
+    if (!item && !uuid.isEmpty())
+        item = _root->findByUUID(uuid);
     if (!item || !canMove(item))
         return false;
     adjustIndexFor(*item);
@@ -139,8 +149,11 @@ bool ScratchpadDrop::moveItems(const DroppedData &data)
 {
     const QVariantList uuids = data.propertyListForType(PasteboardTypes::KDRBookmarkList);
     const QHash<QString, KDRBookmarkPtr> items = _root->itemsWithUUIDs(QVariant(uuids).toStringList());
-    for (const QVariant &uuid : uuids) {
-        const KDRBookmarkPtr item = items.value(uuid.toString());
+    for (qsizetype place = 0; place < uuids.size(); ++place) {
+        const QString uuid = uuids[place].toString();
+        KDRBookmarkPtr item = draggedItem(data, std::size_t(place), uuid);
+        if (!item)
+            item = items.value(uuid);
         if (!item)
             continue;
         adjustIndexFor(*item); // even for one that stays where it is

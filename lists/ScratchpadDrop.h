@@ -24,6 +24,7 @@ public:
     const std::vector<WayfoldBookmarkFolderPtr> &oldParents() const { return _oldParents; }
 
 private:
+    KDRBookmarkPtr draggedItem(const DroppedData &data, std::size_t place, const QString &uuid) const;
     bool moveItem(const DroppedData &data);
     bool moveItems(const DroppedData &data);
     bool addAddressBookItems(const DroppedData &data, const QString &type);

@@ -284,9 +284,10 @@ QMimeData *WayfoldOutlineViewDataSource::outlineViewWriteItems(OutlineView &view
     for (const OutlineItemPtr &item : items)
         _dragItems.push_back(bookmark(item));
     // The data may outlive this source, when the window closes during the drag.
-    return new ItemMimeData(types, [source = QPointer<WayfoldOutlineViewDataSource>(this)](const QString &type) {
+    const auto provide = [source = QPointer<WayfoldOutlineViewDataSource>(this)](const QString &type) {
         return source ? source->pasteboardProvideDataForType(type) : QVariant();
-    });
+    };
+    return new ItemMimeData(types, provide, _dragItems);
 }
 
 void WayfoldOutlineViewDataSource::outlineViewDraggingEnded(OutlineView & /*view*/)

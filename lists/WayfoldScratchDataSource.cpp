@@ -351,11 +351,14 @@ void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notifica
 {
     if (!_scratchOutlineView || !_scratchBookmarkRoot)
         return;
-    const QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
+    QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
     const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();
     for (const KDRBookmarkPtr &child : children)
         refresh(child);
     _scratchOutlineView->reloadData();
+    // The very items are selected still, and a copy in a smart folder that has the same identifier stays as it is.
+    const QStringList kept = _scratchOutlineView->getSelectedItemsUUIDList();
+    selected.removeIf([known = QSet(kept.cbegin(), kept.cend())](const QString &uuid) { return known.contains(uuid); });
     _scratchOutlineView->reselectItemsFromUUIDList(selected);
 }
 

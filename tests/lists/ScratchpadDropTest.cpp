@@ -68,6 +68,9 @@ private Q_SLOTS:
     void othersAreToldThoughAllWereSkipped_data();
     void othersAreToldThoughAllWereSkipped();
     void twoPeopleMoveOnlyTheFirst();
+    void draggedTwinMoves_data();
+    void draggedTwinMoves();
+    void draggedTwinsMove();
 
     // ---- Making
     void contacts();
@@ -381,6 +384,48 @@ void ScratchpadDropTest::othersAreToldThoughAllWereSkipped()
     QVERIFY(other.drawer.reloadCount > 0);
     QVERIFY(first() == _a);
     QVERIFY(_stage->savedFile().isEmpty());
+}
+
+// A bookmark and its copy in a smart folder have the same identifier.
+void ScratchpadDropTest::draggedTwinMoves_data()
+{
+    QTest::addColumn<bool>("draggingTheCopy");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("the bookmark") << false << QStringList({"smart", "-link", "a", "folder", "-link"});
+    QTest::newRow("its copy") << true << QStringList({"smart", "link", "a", "folder", "-link"});
+}
+
+void ScratchpadDropTest::draggedTwinMoves()
+{
+    QFETCH(bool, draggingTheCopy);
+    const auto link = ListStage::link(QStringLiteral("link"));
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("smart"));
+    smart->addChild(link->copy());
+    const auto folder = ListStage::folder(QStringLiteral("folder"), {_b});
+    _pad->showItems({smart, link, _a, folder});
+    _pad->view.expandItem(smart);
+    _pad->view.expandItem(folder);
+    const KDRBookmarkPtr dragged = draggingTheCopy ? smart->childAtIndex(0) : link;
+    const std::unique_ptr<QMimeData> data(_pad->source->outlineViewWriteItems(_pad->view, {dragged}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *data, {folder, 0}));
+    QFETCH(QStringList, rows);
+    rows.append(QStringLiteral("-b"));
+    QCOMPARE(rowsOf(*_pad), rows);
+    QVERIFY(folder->childAtIndex(0) == dragged);
+}
+
+void ScratchpadDropTest::draggedTwinsMove()
+{
+    const auto link = ListStage::link(QStringLiteral("link"));
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle(QStringLiteral("smart"));
+    const auto twin = link->copy();
+    smart->addChild(twin);
+    _pad->showItems({smart, link, _folder});
+    const std::unique_ptr<QMimeData> data(_pad->source->outlineViewWriteItems(_pad->view, {twin, link}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *data, {_inner, 0}));
+    QVERIFY(_inner->childAtIndex(0) == twin);
+    QVERIFY(_inner->childAtIndex(1) == link);
+    QVERIFY(smart->isEmpty());
 }
 
 void ScratchpadDropTest::twoPeopleMoveOnlyTheFirst()

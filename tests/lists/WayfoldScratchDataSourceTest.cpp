@@ -121,6 +121,8 @@ private Q_SLOTS:
     void outsideChanges_data();
     void outsideChanges();
     void closedSmartFoldersWaitForOutsideChanges();
+    void outsideChangesSelectNoTwins();
+    void keyOpensUnseenSmartFolders();
     void noChangesAfterDestruction();
     void destructionReleasesTheProvisionalFolder();
 
@@ -719,6 +721,39 @@ void WayfoldScratchDataSourceTest::outsideChanges()
     postFileChange(name);
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("Note")});
     QVERIFY(_pad->deleteItemButton.isEnabled());
+}
+
+// What came from the browser's bookmarks has the same identifier as its copy in a smart folder.
+void WayfoldScratchDataSourceTest::outsideChangesSelectNoTwins()
+{
+    const auto own = ListStage::link("Own");
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = own;
+    _pad->showItems({smart, own});
+    smart->ensureUpToDate();
+    _pad->view.expandItem(smart);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Smart", "-Own", "Own"}));
+    _pad->view.selectIndividualItem(own);
+    _pad->source->safariFileUpdated({});
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({2}));
+
+    _pad->view.selectIndividualItem(smart->childAtIndex(0));
+    _pad->source->safariFileUpdated({}); // collects a new copy
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({1}));
+}
+
+// Opens all below a site at once, before any of it was painted.
+void WayfoldScratchDataSourceTest::keyOpensUnseenSmartFolders()
+{
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = ListStage::link("Found");
+    const auto site = ListStage::folder(siteA, {smart});
+    _pad->showItems({site});
+    _pad->view.selectIndividualItem(site);
+    QTest::keyClick(&_pad->view, Qt::Key_Asterisk);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({siteA, "-Smart", "--Found"}));
 }
 
 void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()
