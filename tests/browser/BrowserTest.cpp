@@ -39,7 +39,7 @@ static bool becomesTrue(const std::function<bool()> &condition)
 {
     QEventLoop loop;
     QTimer poll;
-    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit); // on a busy machine a renderer may take that long to start
     QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
         if (condition())
             loop.quit();
