@@ -99,7 +99,12 @@ bool BinaryPropertyListCheck::readTrailer()
     const bool isSane = _offsetSize >= 1 && _offsetSize <= 8 && _referenceSize >= 1 && _referenceSize <= 8 &&
                         _end >= headerSize && _end <= trailer && _objectCount >= 1 &&
                         _objectCount <= (trailer - _end) / _offsetSize && _top < _objectCount;
-    return isSane || refuse("a damaged trailer");
+    if (!isSane)
+        return refuse("a damaged trailer");
+    // Each object has a place of its own, of a byte at least, that its offset can tell from the others. Were that not
+    // so, what is noted of each would take many times the room of the file.
+    const quint64 end = _offsetSize < 8 ? qMin(_end, quint64(1) << (8 * _offsetSize)) : _end;
+    return _objectCount <= end - headerSize || refuse("more objects than it has room for");
 }
 
 bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)

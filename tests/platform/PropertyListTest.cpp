@@ -37,6 +37,8 @@ public:
         _bytes += object;
         return quint32(_offsets.size() - 1);
     }
+    // Another object at the place of one that is there.
+    void addAgain(quint32 object) { _offsets.append(_offsets.at(object)); }
     quint32 addArray(const QList<quint32> &references)
     {
         return add(sized(0xa, references.size()) + packed(references));
@@ -491,6 +493,12 @@ void PropertyListTest::xmlIsRead_data()
         QVariantList{qlonglong(7), qlonglong(7), qlonglong(31), qlonglong(-16), qlonglong(7)});
     row("reals", "<array><real>1</real><real> -1.5e3 </real><real>+infinity</real><real>-INF</real></array>",
         QVariantList{1.0, -1500.0, qInf(), -qInf()});
+    row("dates",
+        "<array><date>2004-02-29T23:59:59Z</date><date> 0001-01-01T00:00:00Z\n</date>"
+        "<date>-0044-03-15T12:00:00Z</date></array>",
+        QVariantList{QDateTime(QDate(2004, 2, 29), QTime(23, 59, 59), Qt::UTC),
+                     QDateTime(QDate(1, 1, 1), QTime(0, 0), Qt::UTC),
+                     QDateTime(QDate(-44, 3, 15), QTime(12, 0), Qt::UTC)});
     row("data on several lines", "<data>\n\tAAEC\n\t/w==\n</data>", QByteArray("\0\1\2\xff", 4));
 }
 
@@ -535,6 +543,8 @@ void PropertyListTest::xmlIsRefused_data()
     row("real of letters", xml("<real>abc</real>"), "a real");
     row("date of letters", xml("<date>today</date>"), "a date");
     row("date that is none", xml("<date>2003-02-29T00:00:00Z</date>"), "a date");
+    row("date of an hour too many", xml("<date>2003-02-28T24:00:00Z</date>"), "a date");
+    row("date without a zone", xml("<date>2003-02-28T12:00:00</date>"), "a date");
     row("data not in base 64", xml("<data>A*EC</data>"), "base 64");
     row("control character", xml("<string>a\1b</string>"), "line 2");
     row("reference to a control character", xml("<string>&#1;</string>"), "line 2");
@@ -904,6 +914,16 @@ void PropertyListTest::binaryIsRefused_data()
     tooShort.addArray({1});
     tooShort.add(BinaryList::sized(0x5, 14) + "a");
     row("text that is cut short", tooShort.finished(0), "cut short");
+
+    BinaryList crowded; // many objects at the same place
+    const quint32 only = crowded.add("\x09");
+    for (int i = 0; i < 1000; i++)
+        crowded.addAgain(only);
+    row("more objects than bytes", crowded.finished(only), "more objects than it has room for");
+    row("more objects than one byte tells apart",
+        "bplist00" + QByteArray(1000, '\x09') + QByteArray(1000, '\x08') + QByteArray(6, 0) + "\x01\x01" +
+            BinaryList::number(quint64(1000)) + BinaryList::number(quint64(0)) + BinaryList::number(quint64(1008)),
+        "more objects than it has room for");
 
     // Each holds the one below it twice: two to the power of sixty of the lowest.
     BinaryList doubling;
