@@ -55,7 +55,8 @@ std::shared_ptr<const HistoryRecords> HistoryReader::read(const QString &path)
         records = start == "bplist" ? readBinary(file) : start.startsWith('<') ? readPlain(file) : nullptr;
         if (!records) {
             bool isDictionary = false;
-            const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &isDictionary);
+            const QVariantMap dictionary =
+                PropertyList::readDictionaryFile(path, &isDictionary, nullptr, PropertyList::Xml::General);
             records = isDictionary ? recordsFrom(dictionary) : nullptr;
         }
     }

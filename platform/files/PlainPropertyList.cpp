@@ -33,14 +33,11 @@ QVariant PlainPropertyList::readValue(Tag tag, int depth)
         return true;
     case Tag::False:
         return false;
-    case Tag::Integer: {
-        const QByteArrayView digits = _xml.readScalar(tag);
-        return digits.isEmpty() ? giveUp() : QVariant(digits.toLongLong());
-    }
-    case Tag::Real: {
-        const QByteArrayView number = _xml.readScalar(tag);
-        return number.isEmpty() ? giveUp() : QVariant(number.toDouble());
-    }
+    case Tag::Integer:
+    case Tag::Real:
+    case Tag::Date:
+    case Tag::Data:
+        return _xml.readScalar(tag);
     default:
         return giveUp();
     }

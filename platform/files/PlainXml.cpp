@@ -1,5 +1,7 @@
 #include "platform/files/PlainXml.h"
 
+#include "platform/files/XmlScalars.h"
+
 #include <QIODevice>
 #include <QString>
 #include <algorithm>
@@ -72,6 +74,31 @@ bool isHarmless(char c)
 {
     return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == ' ' || (c >= '-' && c <= '/') ||
            c == ':' || c == '_';
+}
+
+// Nearly all integers are, and take no time then.
+bool isShortInteger(QByteArrayView text)
+{
+    constexpr qsizetype surelyInRange = 18;
+    const QByteArrayView digits = text.startsWith('-') ? text.sliced(1) : text;
+    return !digits.isEmpty() && digits.size() <= surelyInRange && std::all_of(digits.begin(), digits.end(), isDigit);
+}
+
+QVariant scalarOf(PlainXml::Tag tag, QByteArrayView utf8)
+{
+    const QString text = QString::fromUtf8(utf8);
+    switch (tag) {
+    case PlainXml::Tag::Integer:
+        return XmlScalars::integer(text);
+    case PlainXml::Tag::Real:
+        return XmlScalars::real(text);
+    case PlainXml::Tag::Date:
+        return XmlScalars::date(text);
+    case PlainXml::Tag::Data:
+        return XmlScalars::data(text);
+    default:
+        return {};
+    }
 }
 
 // Whether nothing in the text needs a second look. Without a way out of the loop, so that it runs many bytes at a time.
@@ -162,13 +189,13 @@ bool PlainXml::readProlog()
     constexpr std::string_view beforeEncoding = "<?xml version=\"1.0\" encoding=\"";
     if (take(beforeEncoding) && !((take("UTF-8") || take("utf-8")) && take("\"?>")))
         return fail();
-    skipBlanks();
+    skipBlanksAndComments();
     if (take("<!DOCTYPE plist PUBLIC ")) {
         if (!skipName() || !passBlanks() || !skipName() || !take(">"))
             return fail();
-        skipBlanks();
+        skipBlanksAndComments();
     }
-    return take("<plist version=\"1.0\">") || fail();
+    return (take("<plist version=\"1.0\">") && !_failed) || fail();
 }
 
 bool PlainXml::passBlanks()
@@ -177,6 +204,25 @@ bool PlainXml::passBlanks()
     const bool isThere = !next.isEmpty() && isBlank(next[0]);
     skipBlanks();
     return isThere;
+}
+
+bool PlainXml::skipComment()
+{
+    if (!take("<!--"))
+        return false;
+    constexpr std::string_view end = "--";
+    const std::size_t length = lengthBefore(end);
+    if (length == none || !isAllowed(peek(length)))
+        return fail();
+    pass(length);
+    return take("-->") || fail();
+}
+
+void PlainXml::skipBlanksAndComments()
+{
+    do
+        skipBlanks();
+    while (skipComment());
 }
 
 // Of a document type, in quotes.
@@ -192,18 +238,28 @@ bool PlainXml::skipName()
 
 bool PlainXml::readEpilog()
 {
-    skipBlanks();
+    skipBlanksAndComments();
     if (_failed || !take("</plist>"))
         return fail();
-    skipBlanks();
+    skipBlanksAndComments();
     return (_position == _end && !_failed) || fail();
 }
 
 PlainXml::Tag PlainXml::readTag()
 {
-    if (_failed)
-        return Tag::None;
-    skipBlanks();
+    while (!_failed) {
+        skipBlanks();
+        const Tag tag = takeTag();
+        if (tag != Tag::None)
+            return tag;
+        if (!skipComment())
+            fail();
+    }
+    return Tag::None;
+}
+
+PlainXml::Tag PlainXml::takeTag()
+{
     const QByteArrayView start = peek(longestTag);
     constexpr qsizetype shortestTag = 5;
     for (const Spelling &spelling : spellings) {
@@ -214,7 +270,6 @@ PlainXml::Tag PlainXml::readTag()
             return spelling.tag;
         }
     }
-    fail();
     return Tag::None;
 }
 
@@ -228,27 +283,25 @@ QByteArrayView PlainXml::readText(Tag tag)
     return decode(raw) ? QByteArrayView(_decoded) : QByteArrayView("");
 }
 
+// The number of bytes that are left before the mark; `none` when it does not come any more.
+std::size_t PlainXml::lengthBefore(std::string_view mark)
+{
+    std::size_t searched = 0;
+    while (true) {
+        const std::string_view ahead(_window.data() + _position, _end - _position);
+        const std::size_t found = ahead.find(mark, searched);
+        if (found != std::string_view::npos)
+            return found;
+        searched = ahead.size() - std::min(ahead.size(), mark.size() - 1);
+        if (!fill(ahead.size() + 1))
+            return none;
+    }
+}
+
 QByteArrayView PlainXml::readUpTo(std::string_view endTag)
 {
-    std::size_t length = 0;
-    if (endTag.empty()) { // of a tag that holds no text
-        fail();
-        return QByteArrayView("");
-    }
-    while (true) {
-        const char *start = _window.data() + _position;
-        const void *found = std::memchr(start + length, '<', _end - _position - length);
-        if (found) {
-            length = std::size_t(static_cast<const char *>(found) - start);
-            break;
-        }
-        length = _end - _position;
-        if (!fill(length + 1)) {
-            fail();
-            return QByteArrayView("");
-        }
-    }
-    if (!fill(length + endTag.size()) ||
+    const std::size_t length = endTag.empty() ? none : lengthBefore("<"); // there are tags that hold no text
+    if (length == none || !fill(length + endTag.size()) ||
         std::memcmp(_window.data() + _position + length, endTag.data(), endTag.size()) != 0) {
         fail();
         return QByteArrayView("");
@@ -306,8 +359,7 @@ bool PlainXml::decodeReference(QByteArrayView name)
     return true;
 }
 
-// --- Values that nobody asks for
-// --------------------------------------------------------------------------------------
+// --- Values ---------------------------------------------------------------------------------------------------------
 
 bool PlainXml::skipValue(Tag tag, int depth)
 {
@@ -327,7 +379,7 @@ bool PlainXml::skipValue(Tag tag, int depth)
     case Tag::Real:
     case Tag::Date:
     case Tag::Data:
-        return !readScalar(tag).isEmpty();
+        return readScalar(tag).isValid();
     case Tag::Array:
         for (Tag value = readTag(); value != Tag::EndArray; value = readTag()) {
             if (!skipValue(value, depth + 1))
@@ -348,31 +400,13 @@ bool PlainXml::skipValue(Tag tag, int depth)
     }
 }
 
-QByteArrayView PlainXml::readScalar(Tag tag)
+QVariant PlainXml::readScalar(Tag tag)
 {
-    const QByteArrayView text = readUpTo(endTagOf(tag));
-    if (!_failed && isScalar(tag, text))
-        return text;
-    fail();
-    return QByteArrayView("");
-}
-
-// Whether the text is beyond doubt a value of its kind. Dates and data, which are rare, are left to the general way.
-bool PlainXml::isScalar(Tag tag, QByteArrayView text) const
-{
-    constexpr qsizetype surelyInRange = 18;
-    if (tag == Tag::Integer) {
-        const QByteArrayView digits = text.startsWith('-') ? text.sliced(1) : text;
-        return !digits.isEmpty() && digits.size() <= surelyInRange &&
-               std::all_of(digits.begin(), digits.end(), isDigit);
-    }
-    if (tag == Tag::Real) {
-        const QByteArrayView digits = text.startsWith('-') ? text.sliced(1) : text;
-        const auto point = std::find_if_not(digits.begin(), digits.end(), isDigit);
-        const bool hasFraction = point != digits.end() && *point == '.';
-        return point != digits.begin() && digits.size() <= surelyInRange &&
-               std::all_of(hasFraction ? point + 1 : point, digits.end(), isDigit) &&
-               !(hasFraction && point + 1 == digits.end());
-    }
-    return false;
+    const QByteArrayView text = readText(tag);
+    QVariant value;
+    if (!_failed)
+        value = tag == Tag::Integer && isShortInteger(text) ? QVariant(text.toLongLong()) : scalarOf(tag, text);
+    if (!value.isValid())
+        fail();
+    return value;
 }

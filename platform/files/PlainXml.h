@@ -2,15 +2,16 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QVariant>
 #include <string_view>
 #include <vector>
 
 class QIODevice;
 
-// Reads XML property lists as programs write them, at the speed of the disk: UTF-8, no comments, no attributes, no
-// entities but the five that XML has itself. It reads from front to back, a window at a time, and gives up (`failed()`)
-// at anything else, be it damaged or merely unusual: whoever uses it then reads the file in the general way, which
-// tells the two apart. What it accepts, the general way reads as the same values.
+// Reads XML property lists as programs write them, at the speed of the disk: UTF-8, comments between the elements
+// alone, no attributes, no entities but the five that XML has itself. It reads from front to back, a window at a time,
+// and gives up (`failed()`) at anything else, be it damaged or merely unusual: whoever uses it then reads the file in
+// the general way, which tells the two apart. What it accepts, the general way reads as the same values.
 class PlainXml
 {
 public:
@@ -48,13 +49,12 @@ public:
     bool readProlog();
     bool readEpilog();
 
-    // The next tag; blanks before it are passed over.
+    // The next tag; blanks and comments before it are passed over.
     Tag readTag();
     // The text of a key or a string, whose tag has been read. Lives until the next call.
     QByteArrayView readText(Tag tag);
-    // The text of an integer or a real, whose tag has been read; empty when it failed, as it does for all that is not
-    // beyond doubt.
-    QByteArrayView readScalar(Tag tag);
+    // The value of an integer, a real, a date or data, whose tag has been read; invalid when it failed.
+    QVariant readScalar(Tag tag);
     // Passes over a value whose tag has been read, whatever it is; false when that failed.
     bool skipValue(Tag tag, int depth = 0);
 
@@ -73,12 +73,15 @@ private:
     bool fillWindow(std::size_t needed);
     bool take(std::string_view literal);
     void skipBlanks();
-    bool passBlanks(); // whether there are any
+    bool passBlanks();  // whether there are any
+    bool skipComment(); // whether there is one
+    void skipBlanksAndComments();
     bool skipName();
+    Tag takeTag();
+    std::size_t lengthBefore(std::string_view mark);
     QByteArrayView readUpTo(std::string_view endTag);
     bool decode(QByteArrayView raw);
     bool decodeReference(QByteArrayView name);
-    bool isScalar(Tag tag, QByteArrayView text) const;
 
     QIODevice &_device;
     std::vector<char> _window;

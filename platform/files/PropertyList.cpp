@@ -187,22 +187,24 @@ QVariant fromBinary(QByteArray data, QString *reason, bool *isWhole)
     return value;
 }
 
-QVariant fromXml(QIODevice *device, QString *reason, bool *isWhole)
+QVariant fromXml(QIODevice *device, PropertyList::Xml xml, QString *reason, bool *isWhole)
 {
     const qint64 beginning = device->pos();
-    QVariant value = PlainPropertyList(*device).read();
-    *isWhole = value.isValid();
-    if (value.isValid() || !device->seek(beginning))
-        return value;
+    if (xml == PropertyList::Xml::QuickFirst) {
+        QVariant value = PlainPropertyList(*device).read();
+        *isWhole = value.isValid();
+        if (value.isValid() || !device->seek(beginning))
+            return value;
+    }
     XmlPropertyListReader reader(device);
-    value = reader.read();
+    QVariant value = reader.read();
     *isWhole = reader.isWhole();
     if (!value.isValid())
         *reason = reader.errorString();
     return value;
 }
 
-QVariant fromDevice(QIODevice *device, QString *reason, bool *isWhole)
+QVariant fromDevice(QIODevice *device, PropertyList::Xml xml, QString *reason, bool *isWhole)
 {
     *isWhole = false;
     const QByteArray start = device->peek(8);
@@ -213,7 +215,7 @@ QVariant fromDevice(QIODevice *device, QString *reason, bool *isWhole)
         *reason = QStringLiteral("not in UTF-8");
         return {};
     }
-    return fromXml(device, reason, isWhole);
+    return fromXml(device, xml, reason, isWhole);
 }
 
 void logRefusal(const QString &path, const QString &reason)
@@ -287,14 +289,14 @@ bool PropertyList::openFile(const QString &path, QFile *file)
     return reason.isNull();
 }
 
-QVariant PropertyList::readFile(const QString &path, bool *isWhole)
+QVariant PropertyList::readFile(const QString &path, bool *isWhole, Xml xml)
 {
     QFile file;
     QString reason = openPlainFile(path, &file);
     QVariant value;
     bool whole = false;
     if (reason.isNull())
-        value = fromDevice(&file, &reason, &whole);
+        value = fromDevice(&file, xml, &reason, &whole);
     if (!reason.isEmpty())
         logRefusal(path, reason);
     logIfNotWhole(path, value, whole);
@@ -303,9 +305,9 @@ QVariant PropertyList::readFile(const QString &path, bool *isWhole)
     return value;
 }
 
-QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok, bool *isWhole)
+QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok, bool *isWhole, Xml xml)
 {
-    const QVariant value = readFile(path, isWhole);
+    const QVariant value = readFile(path, isWhole, xml);
     const bool isDictionary = value.metaType().id() == QMetaType::QVariantMap;
     if (value.isValid() && !isDictionary)
         logRefusal(path, QStringLiteral("its top level is no dictionary"));
@@ -328,7 +330,7 @@ QVariant PropertyList::fromData(const QByteArray &data, bool *isWhole)
     if (data.size() > maximumFileSize)
         reason = QStringLiteral("larger than 1 GiB");
     else
-        value = fromDevice(&buffer, &reason, &whole);
+        value = fromDevice(&buffer, Xml::QuickFirst, &reason, &whole);
     if (!reason.isNull())
         logRefusal(fromMemory, reason);
     logIfNotWhole(fromMemory, value, whole);

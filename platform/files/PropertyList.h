@@ -23,6 +23,9 @@ class QFile;
 // file that was not read whole keeps a copy of it first. The log says so too.
 namespace PropertyList
 {
+// How the XML form is read: the quick way first, or the general way at once, for who has tried PlainXml in vain.
+enum class Xml { QuickFirst, General };
+
 constexpr qint64 maximumFileSize = qint64(1) << 30;
 constexpr int maximumDepth = 1024;
 
@@ -30,9 +33,10 @@ constexpr int maximumDepth = 1024;
 // is read here or not a plain file (a pipe would keep us waiting). A missing file is not logged.
 bool openFile(const QString &path, QFile *file);
 // An invalid variant when the file is missing, unreadable, not a plain file or refused. A missing file is not logged.
-QVariant readFile(const QString &path, bool *isWhole = nullptr);
+QVariant readFile(const QString &path, bool *isWhole = nullptr, Xml xml = Xml::QuickFirst);
 // The same for a file whose top level is a dictionary; `ok` (may be null) tells an empty dictionary from none.
-QVariantMap readDictionaryFile(const QString &path, bool *ok = nullptr, bool *isWhole = nullptr);
+QVariantMap readDictionaryFile(const QString &path, bool *ok = nullptr, bool *isWhole = nullptr,
+                               Xml xml = Xml::QuickFirst);
 QVariant fromData(const QByteArray &data, bool *isWhole = nullptr);
 
 // The XML form, ending in a line end; empty when the value holds something that a property list cannot, or is nested

@@ -1,9 +1,7 @@
 #include "platform/files/XmlPropertyListReader.h"
 
 #include "platform/files/PropertyList.h"
-
-#include <QDateTime>
-#include <limits>
+#include "platform/files/XmlScalars.h"
 
 XmlPropertyListReader::XmlPropertyListReader(QIODevice *device)
     : _xml(device)
@@ -91,9 +89,10 @@ void XmlPropertyListReader::startElement()
     } else if (name == QLatin1String("array")) {
         openContainer(false);
     } else if (name == QLatin1String("integer")) {
-        addValue(readInteger());
+        addValue(
+            orRefused(XmlScalars::integer(readText()), QStringLiteral("an integer that is none or is out of range")));
     } else if (name == QLatin1String("real")) {
-        addValue(readReal());
+        addValue(orRefused(XmlScalars::real(readText()), QStringLiteral("a real that is none")));
     } else if (name == QLatin1String("true") || name == QLatin1String("false")) {
         const bool value = name == QLatin1String("true");
         if (readText().isEmpty())
@@ -101,9 +100,9 @@ void XmlPropertyListReader::startElement()
         else
             refused(QStringLiteral("text in a boolean"));
     } else if (name == QLatin1String("date")) {
-        addValue(readDate());
+        addValue(orRefused(XmlScalars::date(readText()), QStringLiteral("a date that is none")));
     } else if (name == QLatin1String("data")) {
-        addValue(readData());
+        addValue(orRefused(XmlScalars::data(readText()), QStringLiteral("data that is not in base 64")));
     } else {
         refused(QStringLiteral("the unknown element \"%1\"").arg(name));
     }
@@ -192,46 +191,9 @@ QString XmlPropertyListReader::readText()
     return text;
 }
 
-QVariant XmlPropertyListReader::readInteger()
+QVariant XmlPropertyListReader::orRefused(const QVariant &value, const QString &reason)
 {
-    QString text = readText().trimmed();
-    const bool isNegative = text.startsWith(u'-');
-    if (isNegative || text.startsWith(u'+'))
-        text.remove(0, 1);
-    const bool isHexadecimal = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
-    bool isNumber = false;
-    const quint64 magnitude = text.toULongLong(&isNumber, isHexadecimal ? 16 : 10);
-    constexpr quint64 most = std::numeric_limits<qlonglong>::max();
-    if (!isNumber || text.startsWith(u'-') || text.startsWith(u'+') || (isNegative && magnitude > most + 1))
-        return refused(QStringLiteral("an integer that is none or is out of range"));
-    if (isNegative)
-        return static_cast<qlonglong>(0 - magnitude);
-    return magnitude > most ? QVariant(magnitude) : QVariant(static_cast<qlonglong>(magnitude));
-}
-
-QVariant XmlPropertyListReader::readReal()
-{
-    QString text = readText().trimmed();
-    text.replace(QLatin1String("infinity"), QLatin1String("inf"), Qt::CaseInsensitive);
-    bool isNumber = false;
-    const double value = text.toDouble(&isNumber);
-    return isNumber ? QVariant(value) : refused(QStringLiteral("a real that is none"));
-}
-
-QVariant XmlPropertyListReader::readDate()
-{
-    const QString text = readText().trimmed();
-    QDateTime date = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
-    date.setTimeSpec(Qt::UTC);
-    return date.isValid() ? QVariant(date) : refused(QStringLiteral("a date that is none"));
-}
-
-QVariant XmlPropertyListReader::readData()
-{
-    QByteArray text = readText().toUtf8();
-    text.removeIf([](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
-    auto decoded = QByteArray::fromBase64Encoding(std::move(text), QByteArray::AbortOnBase64DecodingErrors);
-    return decoded ? QVariant(decoded.decoded) : refused(QStringLiteral("data that is not in base 64"));
+    return value.isValid() ? value : refused(reason);
 }
 
 QVariant XmlPropertyListReader::refused(const QString &reason)

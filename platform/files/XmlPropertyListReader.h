@@ -43,10 +43,7 @@ private:
     void readKey();
     void addValue(const QVariant &value);
     QString readText();
-    QVariant readInteger();
-    QVariant readReal();
-    QVariant readDate();
-    QVariant readData();
+    QVariant orRefused(const QVariant &value, const QString &reason);
     QVariant refused(const QString &reason);
 
     QXmlStreamReader _xml;

@@ -102,6 +102,15 @@ public:
             "<dict><key>redirectURLs</key><array><string>http://r.example/</string></array><key/>"
             "<string>http://nested.example/</string><key>title</key><string>Nested</string><key>D</key><dict><key>title"
             "</key><string>inner</string><key/><string>http://inner.example/</string></dict></dict>",
+            "<dict><key>when</key><date>2004-02-29T12:34:56Z</date><key>title</key><string>Date</string><key/>"
+            "<string>http://date.example/</string></dict>",
+            "<dict><key>icon</key><data>\n\tAAEC\n\t/w==\n\t</data><key/><string>http://data.example/</"
+            "string><key>title"
+            "</key><string>Data</string></dict>",
+            "<dict><key>rank</key><real>-1.5e-3</real><key>visitCount</key><integer>18446744073709551615</integer>"
+            "<key/><string>http://number.example/</string><key>title</key><string>Numbers</string></dict>",
+            "<!-- <dict> --><dict><!-- a --><key>title</key><!-- b --><string>Comments</string><key/>"
+            "<string>http://comment.example/</string></dict><!-- c -->",
             "<dict><key>T&#105;tle</key><true/><key>t&#105;tle</key><string>key by number</string><key/>"
             "<string>http://k.example/</string></dict>",
         };
@@ -237,6 +246,8 @@ private Q_SLOTS:
     void entriesInFileOrder();
     void forms_data();
     void forms();
+    void timesTheFileIsRead_data();
+    void timesTheFileIsRead();
     void notADictionary_data();
     void notADictionary();
     void missingFile();
@@ -389,6 +400,44 @@ void HistoryReaderTest::forms()
         }
         QCOMPARE(read, titles);
     }
+}
+
+void HistoryReaderTest::timesTheFileIsRead_data()
+{
+    QTest::addColumn<QByteArray>("element");
+    QTest::addColumn<int>("times");
+    const auto row = [](const char *name, const QByteArray &value, int times) {
+        QTest::newRow(name) << "<dict><key>x</key>" + value + "</dict>" << times;
+    };
+    row("usual", "<true/>", 1);
+    row("date", "<date>2004-02-29T12:34:56Z</date>", 1);
+    row("data", "<data>\n\tAAEC\n</data>", 1);
+    row("real with an exponent", "<real>1e-3</real>", 1);
+    row("real with many digits", "<real>0.30000000000000004440892</real>", 1);
+    row("large integer", "<integer>18446744073709551615</integer>", 1);
+    row("comment", "<!-- a --><true/>", 1);
+    // What only the general way reads.
+    row("section", "<string><![CDATA[a]]></string>", 2);
+    row("instruction", "<?a b?><true/>", 2);
+}
+
+// One unusual element, as the last of many.
+void HistoryReaderTest::timesTheFileIsRead()
+{
+    QFETCH(QByteArray, element);
+    QFETCH(int, times);
+    const auto bytesRead = [] {
+        QFile counters(QStringLiteral("/proc/self/io")); // "rchar: 1234", then others
+        return counters.open(QIODevice::ReadOnly) ? counters.readLine().mid(6).trimmed().toLongLong() : 0;
+    };
+    if (bytesRead() == 0)
+        QSKIP("The system does not count what is read.");
+    const QByteArray contents = fileWith(::element("A", "http://a.example/").repeated(5000) + element);
+    write(contents);
+    HistoryReader reader;
+    const qint64 before = bytesRead();
+    QVERIFY(reader.read(path()));
+    QCOMPARE((bytesRead() - before + contents.size() / 2) / contents.size(), times);
 }
 
 void HistoryReaderTest::notADictionary_data()
@@ -592,7 +641,7 @@ void HistoryReaderTest::readAgainInAnotherForm()
             checkBothWays(reader, binaryPropertyList(PropertyList::fromData(plain)));
             break;
         case 1:
-            checkBothWays(reader, "<!-- -->" + plain.mid(plain.indexOf("<plist")));
+            checkBothWays(reader, "<?x y?>" + plain.mid(plain.indexOf("<plist")));
             break;
         default:
             checkBothWays(reader, plain);

@@ -1,4 +1,7 @@
 #include "platform/files/PlainXml.h"
+
+#include "platform/files/PlainPropertyList.h"
+#include "platform/files/PropertyList.h"
 #include "platform/files/XmlPropertyListReader.h"
 
 #include <QBuffer>
@@ -93,9 +96,23 @@ QVariant readTheGeneralWay(const QByteArray &contents)
     return XmlPropertyListReader(&buffer).read();
 }
 
+QVariant readThePlainWay(const QByteArray &contents)
+{
+    QBuffer buffer;
+    buffer.setData(contents);
+    buffer.open(QIODevice::ReadOnly);
+    return PlainPropertyList(buffer).read();
+}
+
 const QByteArray sample = file("<dict>\n\t<key>a</key>\n\t<array>\n\t\t<integer>-12</integer>\n\t\t<real>1.5</real>\n"
                                "\t\t<true/><false/><string/><array/><dict/>\n\t</array>\n\t<key/>\n"
                                "\t<string>x &amp; y &#233; \xc3\xa9</string>\n</dict>");
+// With what is rarer in it.
+const QByteArray rareSample = file(
+    "<!-- \xc3\xa9 <a> & -->\n<dict>\n\t<key>a</key> <!---->\n\t<date>2004-02-29T12:34:56Z</date>\n<!-- b -->\t<key>b"
+    "</key>\n\t<data>\n\tAAEC\n\t/w==\n\t</data>\n\t<key>c</key>\n\t<array>\n\t\t<real>-1.5e-3</real>\n\t\t<real>inf"
+    "</real>\n\t\t<integer>18446744073709551615</integer>\n\t\t<integer> +0x1F </integer>\n<!-- c\n-->\t</array>\n"
+    "</dict>\n<!-- d -->");
 } // namespace
 
 class PlainXmlTest : public QObject
@@ -118,6 +135,7 @@ private Q_SLOTS:
     void cutOff();
     void markedBytes();
     void markedBytesBeyondTheWindow();
+    void acceptsNothingThatTheGeneralWayReadsOtherwise_data();
     void acceptsNothingThatTheGeneralWayReadsOtherwise();
 };
 
@@ -164,7 +182,12 @@ void PlainXmlTest::prologs_data()
         << declaration + "<!DOCTYPE plist PUBLIC \"{}\" \"b\">" + root << false;
     QTest::newRow("document type with a less-than")
         << declaration + "<!DOCTYPE plist PUBLIC \"a\" <\"b\">" + root << false;
-    QTest::newRow("comment") << declaration + "<!-- hello -->" + root << false;
+    QTest::newRow("comments") << "<!--a-->" + documentType + "\n<!--b--> <!----><!--c-->" + root << true;
+    QTest::newRow("comment behind the declaration") << declaration + "<!-- hello -->" + root << true;
+    QTest::newRow("comment before the declaration") << "<!-- hello -->" + declaration + root << false;
+    QTest::newRow("comment that does not end") << declaration + "<!-- hello ->" + root << false;
+    QTest::newRow("comment within the document type")
+        << declaration + QByteArray(documentType).replace("plist", "plist <!-- -->") + root << false;
     QTest::newRow("no version") << declaration + "<plist>" << false;
     QTest::newRow("other root") << declaration + "<list version=\"1.0\">" << false;
     QTest::newRow("byte order mark") << "\xef\xbb\xbf" + declaration + root << false;
@@ -192,7 +215,9 @@ void PlainXmlTest::epilogs_data()
     QTest::newRow("other") << QByteArray("</list>") << false;
     QTest::newRow("text behind") << QByteArray("</plist>x") << false;
     QTest::newRow("NUL behind") << QByteArray("</plist>\n\0", 10) << false;
-    QTest::newRow("comment behind") << QByteArray("</plist><!-- -->") << false;
+    QTest::newRow("comments") << QByteArray("<!-- a --></plist>\n<!-- b --><!-- c -->\n") << true;
+    QTest::newRow("half a comment") << QByteArray("</plist><!-- -") << false;
+    QTest::newRow("half the start of a comment") << QByteArray("</plist><!-") << false;
     QTest::newRow("second value") << QByteArray("<true/></plist>") << false;
 }
 
@@ -200,7 +225,10 @@ void PlainXmlTest::epilogs()
 {
     QFETCH(QByteArray, epilog);
     QFETCH(bool, isTaken);
-    QCOMPARE(::isTaken("<plist version=\"1.0\"><true/>" + epilog), isTaken);
+    const QByteArray contents = "<plist version=\"1.0\"><true/>" + epilog;
+    QCOMPARE(::isTaken(contents), isTaken);
+    if (isTaken)
+        QCOMPARE(readTheGeneralWay(contents), QVariant(true));
 }
 
 void PlainXmlTest::texts_data()
@@ -274,25 +302,66 @@ void PlainXmlTest::values_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<bool>("isTaken");
-    const auto row = [](const QByteArray &value, bool isTaken) { QTest::newRow(value) << value << isTaken; };
+    const auto row = [](const QByteArray &value, bool isTaken) { QTest::newRow(value.left(80)) << value << isTaken; };
     row("<integer>0</integer>", true);
     row("<integer>-123</integer>", true);
     row("<integer>999999999999999999</integer>", true);
+    row("<integer>9223372036854775807</integer>", true);
+    row("<integer>-9223372036854775808</integer>", true);
+    row("<integer>18446744073709551615</integer>", true);
+    row("<integer>\n\t+007 </integer>", true);
+    row("<integer>-0x1f</integer>", true);
+    row("<integer>0XFFFFFFFFFFFFFFFF</integer>", true);
+    row("<integer>&#49;2</integer>", true);
     row("<integer></integer>", false);
     row("<integer>-</integer>", false);
+    row("<integer>+-1</integer>", false);
+    row("<integer>0x</integer>", false);
     row("<integer>1 2</integer>", false);
+    row("<integer>1.0</integer>", false);
+    row("<integer>-9223372036854775809</integer>", false);
+    row("<integer>18446744073709551616</integer>", false);
     row("<integer>99999999999999999999</integer>", false);
     row("<integer/>", false);
+    row("<integer>1<!-- -->2</integer>", false);
     row("<real>1</real>", true);
     row("<real>-1.25</real>", true);
-    row("<real>1.</real>", false);
-    row("<real>.5</real>", false);
+    row("<real>1.</real>", true);
+    row("<real>.5</real>", true);
+    row("<real>+1.5e-300</real>", true);
+    row("<real>2E5</real>", true);
+    row("<real>0.30000000000000004440892098500626</real>", true);
+    row("<real> 1 </real>", true);
+    row("<real>-0.0</real>", true);
+    row("<real>nan</real>", true);
+    row("<real>-Infinity</real>", true);
+    row("<real></real>", false);
     row("<real>1.2.3</real>", false);
+    row("<real>1,5</real>", false);
     row("<real>-</real>", false);
     row("<real>x</real>", false);
     row("<true></true>", false);
+    row("<date>2004-02-29T23:59:59Z</date>", true);
+    row("<date>\n\t0001-01-01T00:00:00Z </date>", true);
+    row("<date>9999-12-31T00:00:00Z</date>", true);
     row("<date>2004-02-30T00:00:00Z</date>", false);
+    row("<date>2004-02-29T24:00:00Z</date>", false);
+    row("<date>2004-02-29T12:00:60Z</date>", false);
+    row("<date>0000-02-01T00:00:00Z</date>", false);
+    row("<date>2004-02-01T00:00:00</date>", false);
+    row("<date>2004-2-1T00:00:00Z</date>", false);
+    row("<date>2004-02-01 00:00:00Z</date>", false);
+    row("<date>2004-02-01T00:00:00Z0</date>", false);
+    row("<date>-004-02-01T00:00:00Z</date>", false);
+    row("<date>--004-02-01T00:00:00Z</date>", false);
+    row("<date></date>", false);
+    row("<data>AAEC/w==</data>", true);
+    row("<data>\n\tAA EC\n\t/w==\n</data>", true);
+    row("<data></data>", true);
+    row("<data>AAEC/w</data>", true);
     row("<data>&</data>", false);
+    row("<data>A*EC</data>", false);
+    row("<data>AAEC\r\n</data>", false);
     row("<dict><key>a</key><true/><key/><false/></dict>", true);
     row("<dict><key>a</key></dict>", false);
     row("<dict><true/></dict>", false);
@@ -302,6 +371,17 @@ void PlainXmlTest::values_data()
     row("<array><key>a</key></array>", false);
     row("<array><true/>text</array>", false);
     row("<array><true/><array/><dict/><string/></array>", true);
+    row("<dict><!--a--><key>a</key><!--b--><true/><!--c--></dict>", true);
+    row("<array><!-- </array> -->\n<!----><true/></array>", true);
+    row("<array><!--" + QByteArray("long ").repeated(200000) + "--><true/></array>", true);
+    row("<!--a--><true/><!--b-->", true);
+    row("<array><!-- a -- b --><true/></array>", false);
+    row("<array><!-- a ---><true/></array>", false);
+    row("<array><!--><true/></array>", false);
+    row("<array><!-- \xff --><true/></array>", false);
+    row("<array><!-- \x01 --><true/></array>", false);
+    row("<array><!- a --><true/></array>", false);
+    row("<array><![CDATA[ ]]><true/></array>", false);
     row("</array>", false);
     row("<key>a</key>", false);
     row("<set/>", false);
@@ -316,8 +396,10 @@ void PlainXmlTest::values()
     QFETCH(QByteArray, value);
     QFETCH(bool, isTaken);
     QCOMPARE(::isTaken(file(value)), isTaken);
+    const QVariant read = readThePlainWay(file(value));
+    QCOMPARE(read.isValid(), isTaken);
     if (isTaken)
-        QVERIFY(readTheGeneralWay(file(value)).isValid());
+        QCOMPARE(PropertyList::toXml(read), PropertyList::toXml(readTheGeneralWay(file(value))));
 }
 
 void PlainXmlTest::unreadableTextInAKeyFails()
@@ -340,9 +422,11 @@ void PlainXmlTest::unreadableTextInAKeyFails()
 
 void PlainXmlTest::smallPiecesMakeNoDifference()
 {
-    QVERIFY(isTaken(sample));
-    Trickle trickle(sample);
-    QVERIFY(isTaken(trickle));
+    for (const QByteArray &contents : {sample, rareSample}) {
+        QVERIFY(isTaken(contents));
+        Trickle trickle(contents);
+        QVERIFY(isTaken(trickle));
+    }
 }
 
 void PlainXmlTest::brokenDisk()
@@ -359,6 +443,8 @@ void PlainXmlTest::cutOff()
     for (qsizetype length = 0; length <= end; ++length)
         QVERIFY2(!isTaken(sample.left(length)), QByteArray::number(length));
     QVERIFY(isTaken(sample.left(end + 1)));
+    for (qsizetype length = 0; length < rareSample.lastIndexOf('>'); ++length)
+        QVERIFY2(!isTaken(rareSample.left(length)), QByteArray::number(length));
 }
 
 void PlainXmlTest::markedBytes()
@@ -396,11 +482,20 @@ void PlainXmlTest::markedBytesBeyondTheWindow()
     QVERIFY(xml.readEpilog());
 }
 
+void PlainXmlTest::acceptsNothingThatTheGeneralWayReadsOtherwise_data()
+{
+    QTest::addColumn<QByteArray>("sample");
+    QTest::newRow("usual") << sample;
+    QTest::newRow("with what is rarer") << rareSample;
+}
+
 void PlainXmlTest::acceptsNothingThatTheGeneralWayReadsOtherwise()
 {
+    QFETCH(QByteArray, sample);
     QRandomGenerator random(1);
-    const QByteArray pieces[] = {"&",         "<",       ">",  "]]>", "\r",    "\xff",
-                                 "</string>", "<true/>", "\"", " ",   "<key>", "&#9;"};
+    const QByteArray pieces[] = {"&",  "<", ">",     "]]>",  "\r",         "\xff", "</string>", "<true/>",
+                                 "\"", " ", "<key>", "&#9;", "-",          "--",   "<!--",      "-->",
+                                 "e",  "+", "0",     "=",    "<!-- - -->", "x",    "T",         "."};
     int taken = 0;
     for (int round = 0; round < 5000; ++round) {
         QByteArray contents = sample;
@@ -418,10 +513,14 @@ void PlainXmlTest::acceptsNothingThatTheGeneralWayReadsOtherwise()
         default:
             contents.insert(at, sample.mid(random.bounded(int(sample.size())), random.bounded(1, 30)));
         }
+        const QVariant plain = readThePlainWay(contents);
+        QVERIFY2(!plain.isValid() || isTaken(contents), contents);
         if (!isTaken(contents))
             continue;
         ++taken;
-        QVERIFY2(readTheGeneralWay(contents).isValid(), contents);
+        const QVariant general = readTheGeneralWay(contents);
+        QVERIFY2(general.isValid(), contents);
+        QVERIFY2(!plain.isValid() || PropertyList::toXml(plain) == PropertyList::toXml(general), contents);
     }
     QVERIFY(taken > 300); // a good deal of them is harmless
 }
