@@ -26,23 +26,38 @@ bool WayfoldBookmarkAutoFolder::refresh()
 void WayfoldBookmarkAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root)
 {
     const SmartFolderSources *const sources = SmartFolderSources::current();
-    if (!sources || sources->bookmarksMayChange() || _searchedRoot.lock() != root || _searchedText != filterString())
+    if (!sources || sources->bookmarksMayChange() || !isSearched(root))
         search(root);
     const std::vector<KDRBookmarkPtr> contacts =
         sources ? sources->relatedContacts(filterString()) : std::vector<KDRBookmarkPtr>();
     removeAllChildren();
-    appendCopiesOfLeaves(_found, *this);
+    appendCopiesOfLeaves(found(), *this);
     appendCopiesOfLeaves(contacts, *this);
     sortChildrenByTitle();
 }
 
+// A tree that has gone is another one than none.
+bool WayfoldBookmarkAutoFolder::isSearched(const WayfoldBookmarkFolderPtr &root) const
+{
+    return !_searchedRoot.owner_before(root) && !root.owner_before(_searchedRoot) && _searchedText == filterString();
+}
+
 void WayfoldBookmarkAutoFolder::search(const WayfoldBookmarkFolderPtr &root)
 {
-    _found = matchesBelow(root);
-    std::erase_if(_found,
-                  [](const KDRBookmarkPtr &item) { return item->isFolder(); }); // they would keep all below them
+    const std::vector<KDRBookmarkPtr> matches = matchesBelow(root);
+    _found.assign(matches.begin(), matches.end());
     _searchedRoot = root;
     _searchedText = filterString();
+}
+
+std::vector<KDRBookmarkPtr> WayfoldBookmarkAutoFolder::found() const
+{
+    std::vector<KDRBookmarkPtr> items;
+    for (const std::weak_ptr<KDRBookmark> &match : _found) {
+        if (KDRBookmarkPtr item = match.lock())
+            items.push_back(std::move(item));
+    }
+    return items;
 }
 
 KDRBookmarkPtr WayfoldBookmarkAutoFolder::makeNew() const

@@ -23,10 +23,13 @@ protected:
     bool isSameKindAs(const KDRBookmark &other) const override;
 
 private:
+    bool isSearched(const WayfoldBookmarkFolderPtr &root) const;
     void search(const WayfoldBookmarkFolderPtr &root);
+    std::vector<KDRBookmarkPtr> found() const;
 
-    // What was found last, without folders, and where. History changes with every page, and bookmarks hardly ever.
-    std::vector<KDRBookmarkPtr> _found;
+    // What was found last, and where. History changes with every page, and bookmarks hardly ever. The
+    // folder of a site that is not shown holds nothing of a tree that was replaced.
+    std::vector<std::weak_ptr<KDRBookmark>> _found;
     std::weak_ptr<WayfoldBookmarkFolder> _searchedRoot;
     QString _searchedText;
 };

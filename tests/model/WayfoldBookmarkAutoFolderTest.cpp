@@ -27,6 +27,14 @@ private Q_SLOTS:
     void imageFollowsTheMatches();
     void givenRoot();
     void withoutSources();
+
+    // ---- Of bookmarks that never change: what has changed is another tree.
+    void matchesAreKept();
+    void otherTreeIsSearched();
+    void treeThatHasGoneIsNotShown();
+    void replacedTreeIsNotHeld();
+    void otherTextIsSearched();
+    void contactsAreFoundAnew();
 };
 
 void WayfoldBookmarkAutoFolderTest::init()
@@ -176,6 +184,105 @@ void WayfoldBookmarkAutoFolderTest::withoutSources()
     smart->ensureUpToDate();
     QCOMPARE(smart->childCount(), 0u);
     QCOMPARE(int(WayfoldBookmarkAutoFolder::bookmarkFromDictionary({{"Title", "T"}})->type()), 1);
+}
+
+namespace
+{
+// As the store's: a reading of the file makes a new tree.
+class FixedBookmarks : public FakeSmartFolderSources
+{
+public:
+    bool bookmarksMayChange() const override { return false; }
+};
+} // namespace
+
+void WayfoldBookmarkAutoFolderTest::matchesAreKept()
+{
+    FixedBookmarks sources;
+    sources.bookmarks->addChild(makeFolder("News", {makeLink("news 1")}));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    sources.bookmarks->addChild(makeLink("news 2")); // which such a tree does not do; so it shows whether one looked
+    const KDRBookmarkPtr former = smart->childAtIndex(0);
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"news 1"});
+    QVERIFY(smart->childAtIndex(0) != former); // a copy each time
+}
+
+void WayfoldBookmarkAutoFolderTest::otherTreeIsSearched()
+{
+    FixedBookmarks sources;
+    sources.bookmarks->addChild(makeLink("news 1"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    const WayfoldBookmarkFolderPtr former =
+        std::exchange(sources.bookmarks, makeFolder("Bookmarks", {makeLink("news 2")}));
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"news 2"});
+    sources.bookmarks = nullptr;
+    smart->refresh();
+    QCOMPARE(smart->childCount(), 0u);
+    sources.bookmarks = former;
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"news 1"});
+}
+
+void WayfoldBookmarkAutoFolderTest::treeThatHasGoneIsNotShown()
+{
+    FixedBookmarks sources;
+    const KDRBookmarkPtr link = makeLink("news"); // held elsewhere as well
+    sources.bookmarks->addChild(link);
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"news"});
+    sources.bookmarks = nullptr;
+    smart->refresh();
+    QCOMPARE(smart->childCount(), 0u);
+    sources.bookmarks = makeFolder("Bookmarks", {makeLink("good news")});
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"good news"});
+}
+
+// The folder of a site that nobody looks at is not refreshed.
+void WayfoldBookmarkAutoFolderTest::replacedTreeIsNotHeld()
+{
+    FixedBookmarks sources;
+    sources.bookmarks->addChild(makeFolder("News", {makeLink("news")}));
+    const std::weak_ptr<KDRBookmark> folder = sources.bookmarks->childAtIndex(0);
+    const std::weak_ptr<KDRBookmark> link = WayfoldBookmarkFolder::fromItem(folder.lock())->childAtIndex(0);
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    sources.bookmarks = makeFolder("Bookmarks");
+    QVERIFY(folder.expired());
+    QVERIFY(link.expired());
+    QCOMPARE(childTitles(*smart), QStringList{"news"});
+}
+
+void WayfoldBookmarkAutoFolderTest::otherTextIsSearched()
+{
+    FixedBookmarks sources;
+    sources.bookmarks->addChild(makeLink("cats"));
+    sources.bookmarks->addChild(makeLink("dogs"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("Related Bookmarks");
+    for (const char *text : {"cats", "dogs", "mice", "cats"}) {
+        smart->setFilterString(text);
+        smart->refresh();
+        QCOMPARE(childTitles(*smart), text == QByteArray("mice") ? QStringList() : QStringList{text});
+    }
+}
+
+void WayfoldBookmarkAutoFolderTest::contactsAreFoundAnew()
+{
+    FixedBookmarks sources;
+    sources.bookmarks->addChild(makeLink("m news"));
+    sources.contacts = {KDRBookmark::bookmarkWithTitle("Ann")};
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), (QStringList{"Ann", "m news"}));
+    sources.contacts = {KDRBookmark::bookmarkWithTitle("Zoe")};
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), (QStringList{"m news", "Zoe"}));
+    QCOMPARE(sources.contactSearches, (QStringList{"news", "news"}));
 }
 
 QTEST_MAIN(WayfoldBookmarkAutoFolderTest)
