@@ -40,10 +40,12 @@ void WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingS
     if (!into)
         return;
     const std::optional<std::vector<Level>> levels = levelsOfStyle(style);
-    if (from && levels)
-        HistoryGrouping(HistoryEntries::ofFolder(*from), *levels).fill(into);
-    else
+    if (!levels) {
         into->removeAllLeafChildren();
+        return;
+    }
+    const WayfoldBookmarkFolderPtr source = from ? from : WayfoldBookmarkFolder::bookmarkWithTitle(QString());
+    HistoryGrouping(HistoryEntries::ofFolder(*source), *levels).fill(into);
 }
 
 WayfoldHistoryDataSource::WayfoldHistoryDataSource(WayfoldHistoryOutlineView *view) : _historyOutlineView(view) {}

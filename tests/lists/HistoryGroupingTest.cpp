@@ -249,7 +249,9 @@ private Q_SLOTS:
     void sitesThatDifferInCase();
     void daysOfTwoCenturies();
     void ofOtherThanHistory();
+    void noHistory_data();
     void noHistory();
+    void noHistorySortsWhatStays();
 
 private:
     static void styles()
@@ -542,15 +544,54 @@ void HistoryGroupingTest::ofOtherThanHistory()
     QCOMPARE(into->children(), from->children());
 }
 
+void HistoryGroupingTest::noHistory_data()
+{
+    QTest::addColumn<QString>("style");
+    for (const char *style : {"0", "1", "2", "3", "4", "9"})
+        QTest::addRow("style %s", style) << QString::fromLatin1(style);
+}
+
+namespace
+{
+// Folders that hold more than entries, in no order.
+Folder untidyRoot()
+{
+    const Folder root = emptyRoot();
+    for (const char *title : {"z", "y"}) {
+        const Folder outer = WayfoldBookmarkFolder::bookmarkWithTitle(title);
+        outer->addChild(WayfoldBookmarkFolder::bookmarkWithTitle("inner"));
+        root->addChild(outer);
+    }
+    return root;
+}
+
+Folder groupedRoot(const QString &style)
+{
+    Folder root = untidyRoot();
+    regroup(visitsAt({100000, 43200, 100}), root, style);
+    return root;
+}
+} // namespace
+
 void HistoryGroupingTest::noHistory()
 {
-    const Folder into = emptyRoot();
-    for (const char *style : {"0", "1", "2", "3", "4", "9"}) {
-        regroup(emptyRoot(), into, style);
-        QVERIFY(into->isEmpty());
+    QFETCH(QString, style);
+    const Folder into = groupedRoot(style == "9" ? "1" : style);
+    const Folder expected = groupedRoot(style == "9" ? "1" : style);
+    for (int time = 0; time < 3; ++time) {
         regroup(nullptr, into, style);
-        QVERIFY(into->isEmpty());
+        regroup(emptyRoot(), expected, style);
+        QCOMPARE(outline(into), outline(expected));
     }
+    const bool isTidied = style != "0" && style != "9";
+    QCOMPARE(into->isEmpty(), isTidied);
+}
+
+void HistoryGroupingTest::noHistorySortsWhatStays()
+{
+    const Folder into = untidyRoot();
+    regroup(nullptr, into, "3");
+    QCOMPARE(outline(into), (QStringList{"y/", "z/"}));
 }
 
 QTEST_APPLESS_MAIN(HistoryGroupingTest)
