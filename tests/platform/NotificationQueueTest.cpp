@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
+#include <QLabel>
+#include <QMenu>
 #include <QProcess>
 #include <QStringList>
 #include <QTest>
@@ -80,6 +82,7 @@ private Q_SLOTS:
     void pauseHoldsBoth();
     void pauseOfAnObserverHoldsTheRest();
     void pressedMouseHoldsBoth();
+    void openMenuHoldsBoth();
     void leavesNoFilterBehind();
     void withoutWindows();
     void withTheOtherDispatcher();
@@ -509,6 +512,31 @@ void NotificationQueueTest::pressedMouseHoldsBoth()
     QVERIFY(_told.isEmpty());
     QTest::mouseRelease(&window, Qt::LeftButton, {}, QPoint(9, 9));
     QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
+}
+
+void NotificationQueueTest::openMenuHoldsBoth()
+{
+    observe("Idle");
+    observe("ASAP");
+    QWidget window;
+    window.show();
+    QMenu menu(&window);
+    menu.addAction("Open");
+    menu.popup(QPoint(5, 5));
+    QVERIFY(menu.isVisible());
+    enqueue("Idle", idle);
+    enqueue("ASAP", asap);
+    runPasses(20);
+    QVERIFY(_told.isEmpty());
+    menu.hide();
+    QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
+
+    // A tip stands there for as long as the pointer rests, and is nothing that the user does.
+    _told.clear();
+    QLabel tip("Tip", &window, Qt::ToolTip);
+    tip.show();
+    enqueue("ASAP", asap);
+    QTRY_COMPARE(_told, QStringList{"ASAP"});
 }
 
 void NotificationQueueTest::pauseOfAnObserverHoldsTheRest()
