@@ -76,7 +76,7 @@ void WayfoldBookmarkDataSource::processSearchFilter(const QLineEdit *sender)
     _lastFilterString = sender->text();
     filterList();
     if (_bookmarkOutlineView)
-        _bookmarkOutlineView->scrollToTop();
+        _bookmarkOutlineView->scrollAfterSearch(_lastFilterString.isEmpty());
 }
 
 void WayfoldBookmarkDataSource::filterList()
@@ -88,9 +88,9 @@ void WayfoldBookmarkDataSource::filterList()
         showMatches();
     } else if (_listIsFiltered) {
         _listIsFiltered = false;
-        showBrowserTree();
         if (_bookmarkOutlineView)
-            _bookmarkOutlineView->reexpandItemsFromUUIDList(std::exchange(_openBeforeSearch, {}));
+            _bookmarkOutlineView->alsoReexpand(std::exchange(_openBeforeSearch, {}));
+        showBrowserTree();
     }
 }
 

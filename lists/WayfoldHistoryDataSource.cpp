@@ -136,7 +136,7 @@ void WayfoldHistoryDataSource::processSearchFilter(const QLineEdit *sender)
     _lastFilterString = sender->text();
     filterList();
     if (_historyOutlineView)
-        _historyOutlineView->scrollToTop();
+        _historyOutlineView->scrollAfterSearch(_lastFilterString.isEmpty());
 }
 
 void WayfoldHistoryDataSource::filterList()
@@ -190,7 +190,7 @@ void WayfoldHistoryDataSource::showGroupsAgain()
         if (child->isFolder())
             _historyBookmarkRoot->addChild(child);
     }
-    parseHistoryBookmarks();
     if (_historyOutlineView)
-        _historyOutlineView->reexpandItemsFromUUIDList(std::exchange(_openBeforeSearch, {}));
+        _historyOutlineView->alsoReexpand(std::exchange(_openBeforeSearch, {}));
+    parseHistoryBookmarks();
 }

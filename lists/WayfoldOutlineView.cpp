@@ -13,7 +13,6 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
-#include <QScrollBar>
 #include <QSet>
 #include <algorithm>
 
@@ -66,6 +65,20 @@ ListMenuTarget &listMenuTarget()
 QString localized(const char *key)
 {
     return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+// With Control, the space bar selects and deselects one row.
+bool opensLeaf(const QKeyEvent &event)
+{
+    const Qt::Key key = event.modifiers().testFlag(Qt::ControlModifier) ? Qt::Key_Down : Qt::Key_Space;
+    return event.key() == key;
+}
+
+// A folder too, which is closed when it is open.
+bool opensAny(const QKeyEvent &event)
+{
+    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    return isReturn && !(event.modifiers() & ~Qt::KeypadModifier);
 }
 
 bool isAddressBookItem(const KDRBookmark &item)
@@ -165,7 +178,8 @@ QMenu *WayfoldOutlineView::defaultMenu()
 
 QMenu *WayfoldOutlineView::menuForEvent(QContextMenuEvent *event)
 {
-    const int row = rowAtPoint(event->pos());
+    const bool isPointedAt = event->reason() != QContextMenuEvent::Keyboard;
+    const int row = isPointedAt ? rowAtPoint(event->pos()) : -1;
     const std::vector<int> selected = selectedRows();
     if (row >= 0 && !std::binary_search(selected.cbegin(), selected.cend(), row))
         selectIndividualRow(row);
@@ -201,7 +215,14 @@ void WayfoldOutlineView::prepForReloadData()
 {
     _savedUUIDSelections = getSelectedItemsUUIDList();
     _savedUUIDExpansions = getExpandedItemsUUIDList();
+    _savedPlace.emplace(*this);
     deselectAll();
+}
+
+void WayfoldOutlineView::alsoReexpand(const QStringList &uuids)
+{
+    if (_savedUUIDExpansions)
+        _savedUUIDExpansions->append(uuids);
 }
 
 void WayfoldOutlineView::reloadData()
@@ -209,19 +230,19 @@ void WayfoldOutlineView::reloadData()
     const bool hasMemory = _savedUUIDExpansions || _savedUUIDSelections;
     const std::vector<OutlineExpansion> expanded = hasMemory ? std::vector<OutlineExpansion>() : expansions();
     const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
-    const int scrollPosition = verticalScrollBar()->value();
+    const ListPlace place = hasMemory ? *std::exchange(_savedPlace, std::nullopt) : ListPlace(*this);
 
     OutlineView::reloadData();
     removeAllToolTips();
     restore(expanded);
-    selectItems(selected);
+    selectRowsOfItems({selected.cbegin(), selected.cend()});
     if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDExpansions, std::nullopt))
         reexpandItemsFromUUIDList(*uuids);
     if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDSelections, std::nullopt))
         reselectItemsFromUUIDList(*uuids);
 
     executeDelayedItemsLayout();
-    verticalScrollBar()->setValue(scrollPosition);
+    place.restore(*this);
 }
 
 std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedFolders() const
@@ -306,10 +327,22 @@ void WayfoldOutlineView::reselectItemsFromUUIDList(const QStringList &uuids)
     if (!root)
         return;
     const QHash<QString, KDRBookmarkPtr> items = root->itemsWithUUIDs(uuids);
-    std::vector<KDRBookmarkPtr> found;
+    std::vector<OutlineItemPtr> found;
     for (const QString &uuid : uuids)
         found.push_back(items.value(uuid));
-    selectItems(found);
+    selectRowsOfItems(found);
+}
+
+void WayfoldOutlineView::scrollAfterSearch(bool hasEnded)
+{
+    const int selected = selectedRow();
+    if (hasEnded && selected >= 0) {
+        scrollRowToVisible(selected);
+        return;
+    }
+    scrollToTop();
+    if (selected < 0)
+        setCurrentRow(0);
 }
 
 // --- Tool tips ------------------------------------------------------------------------------------------------------
@@ -357,6 +390,8 @@ void WayfoldOutlineView::selectItem(const KDRBookmarkPtr &item)
 void WayfoldOutlineView::selectItems(const std::vector<KDRBookmarkPtr> &items)
 {
     selectRowsOfItems({items.cbegin(), items.cend()});
+    if (!items.empty())
+        scrollRowToVisible(rowForItem(items.back()));
 }
 
 void WayfoldOutlineView::selectIndividualItem(const KDRBookmarkPtr &item)
@@ -434,15 +469,14 @@ void WayfoldOutlineView::handleOpenBookmarksInTabsRequest(QObject *sender)
 
 void WayfoldOutlineView::keyPressEvent(QKeyEvent *event)
 {
-    const bool opens = event->key() == Qt::Key_Space ||
-                       (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::ControlModifier));
-    const KDRBookmarkPtr item = opens ? selectedItem() : nullptr;
-    if (!item || item->isFolder() || !doubleAction) {
+    const KDRBookmarkPtr item = opensAny(*event) || opensLeaf(*event) ? selectedItem() : nullptr;
+    if (!item || (item->isFolder() && !opensAny(*event)) || !doubleAction) {
         OutlineView::keyPressEvent(event);
         return;
     }
     event->accept();
-    doubleAction();
+    if (!event->isAutoRepeat())
+        doubleAction();
 }
 
 bool WayfoldOutlineView::respondsToAction(const QString &action) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lists/ListPlace.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/widgets/MenuItem.h"
@@ -13,8 +14,8 @@
 class WayfoldOutlineViewDelegate;
 
 // The list of a tab: an outline view whose rows are items. It has the list font of the settings, tool tips, and the
-// lists' context menu; it opens items from the keyboard, tells what is true of the whole selection, and keeps expansion
-// and selection across a reload, by identifier:
+// lists' context menu; it opens items from the keyboard, tells what is true of the whole selection, and keeps
+// expansion, selection and what is seen across a reload, by identifier:
 //
 //     view->prepForReloadData();
 //     ... put another tree behind the list ...
@@ -40,7 +41,7 @@ public:
     QString placeholderText() const { return _placeholderText; }
     // The menu of every list.
     static QMenu *defaultMenu();
-    // Selects the row under the pointer, unless it is part of the selection already.
+    // Selects the row under the pointer, unless it is part of the selection already. The menu key selects nothing.
     QMenu *menuForEvent(QContextMenuEvent *event) override;
     // Whether items may be dropped here, and so whether drags from here carry the lists' own types.
     virtual bool allowIncomingDrops() const { return false; }
@@ -49,14 +50,18 @@ public:
 
     // ---- Reload with memory
 
-    // Remembers what is expanded and selected for exactly one reload, then deselects all.
+    // Remembers what is expanded, selected and seen for exactly one reload, then deselects all.
     void prepForReloadData();
+    // The reload that has been prepared for is to open these as well.
+    void alsoReexpand(const QStringList &uuids);
     // Without memory, rows of the very same items stay as they are.
     void reloadData() override;
     QStringList getExpandedItemsUUIDList() const;
     QStringList getSelectedItemsUUIDList() const;
     void reexpandItemsFromUUIDList(const QStringList &uuids);
     void reselectItemsFromUUIDList(const QStringList &uuids);
+    // For a search that has changed: from the first match on; when it has ended, to what is still selected.
+    void scrollAfterSearch(bool hasEnded);
 
     // ---- Tool tips
 
@@ -71,7 +76,7 @@ public:
     void selectIndividualRow(int row);
     // Adds the item's first row to the selection; nothing for none.
     void selectItem(const KDRBookmarkPtr &item);
-    // The same for many, all at once.
+    // The same for many, all at once; scrolls to the last.
     void selectItems(const std::vector<KDRBookmarkPtr> &items);
     // Changes nothing when the item has no row.
     void selectIndividualItem(const KDRBookmarkPtr &item);
@@ -124,4 +129,5 @@ private:
     std::mutex _listViewFontLock;
     std::optional<QStringList> _savedUUIDSelections;
     std::optional<QStringList> _savedUUIDExpansions;
+    std::optional<ListPlace> _savedPlace;
 };

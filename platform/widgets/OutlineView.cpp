@@ -319,7 +319,29 @@ void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
         selection.append(QItemSelectionRange(indexes[first], indexes[next - 1]));
     }
     selectionModel()->select(selection, QItemSelectionModel::Select);
-    selectionModel()->setCurrentIndex(last, QItemSelectionModel::NoUpdate);
+    makeCurrent(last);
+}
+
+int OutlineView::currentRow() const
+{
+    return _model->rowOfIndex(currentIndex());
+}
+
+void OutlineView::setCurrentRow(int row)
+{
+    const QModelIndex index = _model->indexAtRow(row);
+    if (index.isValid())
+        makeCurrent(index);
+}
+
+// A view scrolls to what becomes current, and one that is hidden does so when it is shown, unless it scrolls by itself
+// not at all.
+void OutlineView::makeCurrent(const QModelIndex &index)
+{
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    setAutoScroll(scrolls);
 }
 
 void OutlineView::deselectAll()

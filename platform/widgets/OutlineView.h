@@ -67,9 +67,14 @@ public:
     int numberOfSelectedRows() const;
     // Selects a row alone, or adds it to the selection; a row that does not exist changes nothing.
     void selectRowExtending(int row, bool extend);
-    // Adds the rows of these items to the selection, all at once.
+    // Adds the rows of these items to the selection, all at once; the keyboard goes to the last of them. Does not
+    // scroll.
     void selectRowsOfItems(const std::vector<OutlineItemPtr> &items);
     void deselectAll();
+    // The row that the keyboard stands on, which need not be selected; -1 when there is none.
+    int currentRow() const;
+    // Neither selects nor scrolls; a row that does not exist changes nothing.
+    void setCurrentRow(int row);
     void scrollRowToVisible(int row);
 
     // In device-independent pixels, the same for every row.
@@ -81,8 +86,8 @@ public:
 
     // The tip for a point of the viewport; null for none.
     virtual QString toolTipAtPoint(const QPoint &point);
-    // The menu for a right click, or for the menu key, which asks for the middle of the first selected row; null for
-    // none. Not taken over.
+    // The menu for a right click, or for the menu key, which asks for the middle of the first selected row, or of the
+    // list when none is; null for none. Not taken over.
     virtual QMenu *menuForEvent(QContextMenuEvent *event);
     // Where the mark of the current drag is drawn, in the viewport's coordinates; empty when there is none.
     QRect dropIndicatorRect() const { return _dropIndicator; }
@@ -108,6 +113,7 @@ protected:
 private:
     void rowsWereCollapsed(const QModelIndex &index);
     void tellSelectionDidChange();
+    void makeCurrent(const QModelIndex &index);
     std::vector<OutlineItemPtr> selectedItems() const;
     int rowPixels() const;
     QPixmap dragPixmap() const;
@@ -121,7 +127,7 @@ private:
 
     OutlineModel *_model = nullptr;
     std::optional<qreal> _rowHeight;
-    int _quiet = 0; // while positive, selection changes are not passed on
+    int _quiet = 0;           // while positive, selection changes are not passed on
     QObject *_drag = nullptr; // the latest, until its data has been handed over
     QRect _dropIndicator;
     QBasicTimer _springTimer; // opens the folder that a drag rests on

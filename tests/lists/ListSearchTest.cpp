@@ -289,21 +289,33 @@ void ListSearchTest::findIsLeftToOthersWhenTheFieldIsHidden()
 
 void ListSearchTest::keysGoBeforeShortcuts_data()
 {
+    QTest::addColumn<bool>("inList");
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-    QTest::newRow("find") << Qt::Key_F << Qt::KeyboardModifiers(Qt::ControlModifier);
-    QTest::newRow("escape") << Qt::Key_Escape << Qt::KeyboardModifiers();
+    QTest::addColumn<QString>("text"); // of the field, afterwards
+    const Qt::KeyboardModifiers none;
+    const Qt::KeyboardModifiers control = Qt::ControlModifier;
+    QTest::newRow("find, in the field") << false << Qt::Key_F << control << "mars";
+    QTest::newRow("find, in the list") << true << Qt::Key_F << control << "mars";
+    QTest::newRow("escape, in the field") << false << Qt::Key_Escape << none << "";
+    QTest::newRow("escape, in the list") << true << Qt::Key_Escape << none << "";
+    QTest::newRow("a letter, in the list") << true << Qt::Key_H << none << "marsh";
 }
 
 void ListSearchTest::keysGoBeforeShortcuts()
 {
+    QFETCH(bool, inList);
     QFETCH(Qt::Key, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(QString, text);
+    find("mars");
+    if (inList)
+        _window->list->setFocus();
     bool heard = false;
     const QShortcut shortcut(QKeySequence(QKeyCombination(modifiers, key)), &*_window, [&heard] { heard = true; });
-    _window->field->setFocus();
-    QTest::keyClick(_window->field, key, modifiers);
+    QTest::keyClick(focus(), key, modifiers);
     QVERIFY(!heard);
+    QCOMPARE(_window->field->text(), text);
 }
 
 QTEST_MAIN(ListSearchTest)

@@ -49,6 +49,22 @@ QVariantList someBookmarks()
         Files::link("Observatory", "http://stars.org/", "STARS"),
     };
 }
+
+QVariantList manyPages(int count)
+{
+    QVariantList pages;
+    for (int i = 0; i < count; ++i)
+        pages.append(
+            BrowserFiles::link(QString("Page %1").arg(i), QString("http://a.org/%1").arg(i), QString("PAGE%1").arg(i)));
+    return pages;
+}
+
+// The row that is seen first, and where it stands.
+std::pair<QString, int> topOf(const WayfoldOutlineView &view)
+{
+    const int row = view.rowAtPoint(QPoint(5, 0));
+    return {ListStage::rows(view).value(row), view.rectOfRow(row).top()};
+}
 } // namespace
 
 class WayfoldBookmarkDataSourceTest : public QObject
@@ -85,9 +101,14 @@ private Q_SLOTS:
     void newTreeIsFilteredToo();
     void matchesBeginAtTheTop();
     void selectedMatchStaysSelected();
+    void selectedMatchIsSelectedAfterTheSearch();
+    void newBookmarksMoveNothing_data();
+    void newBookmarksMoveNothing();
     void searchBeforeTheBrowserHasWritten();
 
     void rowsAreOpened();
+    void returnOpens_data();
+    void returnOpens();
     void selection();
     void dropsAreRefused();
     void savingWritesNothing();
@@ -305,10 +326,7 @@ void WayfoldBookmarkDataSourceTest::newTreeIsFilteredToo()
 
 void WayfoldBookmarkDataSourceTest::matchesBeginAtTheTop()
 {
-    QVariantList many;
-    for (int i = 0; i < 200; ++i)
-        many.append(BrowserFiles::link(QString("Page %1").arg(i), "http://a.org/", QString::number(i)));
-    change(many);
+    change(manyPages(200));
     BookmarksTab tab;
     tab.source->ensureDataLoaded();
     tab.view.scrollRowToVisible(150);
@@ -329,6 +347,50 @@ void WayfoldBookmarkDataSourceTest::selectedMatchStaysSelected()
     QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"Timetable"});
     tab.search("kettle");
     QVERIFY(!tab.source->anyItemSelected());
+}
+
+void WayfoldBookmarkDataSourceTest::selectedMatchIsSelectedAfterTheSearch()
+{
+    change({BrowserFiles::folder("Closed", "CLOSED", {BrowserFiles::link("Hidden", "http://b.org/", "HIDDEN")}),
+            BrowserFiles::folder("Open", "OPEN", manyPages(200))});
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.item("OPEN"));
+    tab.search("page 17");
+    tab.view.selectItem(tab.item("PAGE171"));
+    tab.search("");
+    QCOMPARE(tab.view.selectedItem(), tab.item("PAGE171"));
+    QVERIFY(tab.view.viewport()->rect().contains(tab.view.rectOfRow(tab.view.selectedRow())));
+    // What cannot be seen is not selected.
+    tab.search("hidden");
+    tab.view.selectRow(0);
+    tab.search("");
+    QVERIFY(!tab.source->anyItemSelected());
+    QCOMPARE(tab.view.rectOfRow(0).top(), 0);
+}
+
+void WayfoldBookmarkDataSourceTest::newBookmarksMoveNothing_data()
+{
+    QTest::addColumn<QString>("search");
+    QTest::newRow("all") << QString();
+    QTest::newRow("searching") << "page";
+}
+
+void WayfoldBookmarkDataSourceTest::newBookmarksMoveNothing()
+{
+    QFETCH(QString, search);
+    QVariantList pages = manyPages(200);
+    change(pages);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search(search);
+    tab.view.scrollRowToVisible(150);
+    const std::pair<QString, int> before = topOf(tab.view);
+    for (const char *title : {"New page", "Newer page"}) {
+        pages.prepend(BrowserFiles::link(title, "http://new.org/", title));
+        change(pages);
+        QCOMPARE(topOf(tab.view), before);
+    }
 }
 
 void WayfoldBookmarkDataSourceTest::searchBeforeTheBrowserHasWritten()
@@ -365,6 +427,32 @@ void WayfoldBookmarkDataSourceTest::rowsAreOpened()
     tab.view.selectRow(0);
     tab.view.doubleAction();
     QCOMPARE(_stage->openedURLs.last(), QString("http://kettle.example.com/"));
+}
+
+void WayfoldBookmarkDataSourceTest::returnOpens_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("Return") << Qt::Key_Return;
+    QTest::newRow("Enter") << Qt::Key_Enter;
+}
+
+void WayfoldBookmarkDataSourceTest::returnOpens()
+{
+    QFETCH(Qt::Key, key);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    QTest::keyClick(&tab.view, key); // nothing is selected
+    tab.view.selectItem(tab.item("STARS"));
+    QTest::keyClick(&tab.view, key, Qt::ControlModifier);
+    QVERIFY(_stage->openedURLs.isEmpty());
+    QTest::keyClick(&tab.view, key);
+    QCOMPARE(_stage->openedURLs, QStringList{"http://stars.org/"});
+    tab.view.selectIndividualItem(tab.item("KITCHEN"));
+    QTest::keyClick(&tab.view, key);
+    QVERIFY(tab.view.isItemExpanded(tab.item("KITCHEN")));
+    QTest::keyClick(&tab.view, key);
+    QVERIFY(!tab.view.isItemExpanded(tab.item("KITCHEN")));
+    QCOMPARE(_stage->openedURLs.size(), 1);
 }
 
 void WayfoldBookmarkDataSourceTest::selection()

@@ -99,6 +99,25 @@ QVariantList someVisits()
     };
 }
 
+// Some fifty sites, the newest visit first, "istory" in every title.
+QVariantList manyVisits(int count)
+{
+    QVariantList visits;
+    for (int i = count; i > 0; --i) {
+        const QString address = QString("http://www.site%1.org/%2").arg(i % 50).arg(i);
+        visits.append(
+            BrowserFiles::visit(QString("History of %1").arg(i), address, BrowserFiles::noonOf(1 + (i - 1) / 100)));
+    }
+    return visits;
+}
+
+// The row that is seen first, and where it stands.
+std::pair<QString, int> topOf(const WayfoldOutlineView &view)
+{
+    const int row = view.rowAtPoint(QPoint(5, 0));
+    return {ListStage::rows(view).value(row), view.rectOfRow(row).top()};
+}
+
 const char *const bySiteAndDay = "a.org(03.01.01(a today), 02.01.01(a yesterday)), "
                                  "b.org(03.01.01(b today), 01.01.01(b long ago))";
 } // namespace
@@ -142,6 +161,9 @@ private Q_SLOTS:
     void styleChangeStartsAnew();
     void otherStyleOfTheSameTitlesStartsAnew();
     void nothingIsHeardBeforeItIsLoaded();
+    void rebuildingDeselects();
+    void newVisitsMoveNothing_data();
+    void newVisitsMoveNothing();
 
     void matches_data();
     void matches();
@@ -151,6 +173,8 @@ private Q_SLOTS:
     void clearingGroupsAgain_data();
     void clearingGroupsAgain();
     void openFoldersAreOpenAfterTheSearch();
+    void selectedMatchIsSelectedAfterTheSearch();
+    void matchesBeginAtTheTop();
     void clearingWhatIsNotFilteredChangesNothing();
     void newHistoryIsFilteredToo();
     void styleChangeWaitsForTheFilter();
@@ -433,6 +457,62 @@ void WayfoldHistoryDataSourceTest::nothingIsHeardBeforeItIsLoaded()
     QVERIFY(!tab.source->localRootFolder());
 }
 
+void WayfoldHistoryDataSourceTest::rebuildingDeselects()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.selectRow(1);
+    tab.source->parseHistoryBookmarks();
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+void WayfoldHistoryDataSourceTest::newVisitsMoveNothing_data()
+{
+    QTest::addColumn<QString>("style");
+    QTest::addColumn<QString>("search");
+    QTest::newRow("no folders") << "0" << QString();
+    QTest::newRow("by day") << "1" << QString();
+    QTest::newRow("by day, then by site") << "2" << QString();
+    QTest::newRow("by site") << "3" << QString();
+    QTest::newRow("by site, then by day") << "4" << QString();
+    QTest::newRow("searching") << "4"
+                               << "of";
+    QTest::newRow("searching for what the whole is called, too") << "4"
+                                                                 << "istory";
+}
+
+// What the user looks at stays where it is, also if a page is visited once more that stood there.
+void WayfoldHistoryDataSourceTest::newVisitsMoveNothing()
+{
+    QFETCH(QString, style);
+    QFETCH(QString, search);
+    QVariantList visits = manyVisits(300);
+    change(visits);
+    ListStage::settings().setHistoryGroupingStyle(style);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    for (int level = 0; level < 2; ++level)
+        tab.expandAll();
+    tab.search(search);
+    QVERIFY(tab.view.numberOfRows() >= 300);
+    tab.view.scrollRowToVisible(250);
+    tab.view.grab();
+    const std::pair<QString, int> before = topOf(tab.view);
+    for (int more = 1; more <= 3; ++more) {
+        const QString address = QString("http://www.site0.org/new%1").arg(more);
+        visits.prepend(BrowserFiles::visit(QString("History of new %1").arg(more), address, BrowserFiles::noonOf(9)));
+        change(visits);
+        QCOMPARE(topOf(tab.view), before);
+    }
+    visits.prepend(visits.takeAt(200));
+    const int rows = tab.view.numberOfRows();
+    const QString bottom = ListStage::rows(tab.view).last();
+    change(visits);
+    QCOMPARE(tab.view.numberOfRows(), rows);
+    QCOMPARE(ListStage::rows(tab.view).last(), bottom);
+    QCOMPARE(topOf(tab.view), before);
+}
+
 // --- Searching ------------------------------------------------------------------------------------------------------
 
 void WayfoldHistoryDataSourceTest::matches_data()
@@ -534,6 +614,50 @@ void WayfoldHistoryDataSourceTest::openFoldersAreOpenAfterTheSearch()
     change(visits);
     tab.search("");
     QCOMPARE(tab.rows(), QStringList({"a.org", "-03.01.01", "--a new", "--a today", "-02.01.01", "b.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::selectedMatchIsSelectedAfterTheSearch()
+{
+    change(manyVisits(200));
+    ListStage::settings().setHistoryGroupingStyle("1");
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.expandItem(tab.view.itemAtRow(1));
+    tab.search("of 30");
+    tab.view.selectRow(0);
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"History of 30"});
+    tab.search("");
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"History of 30"});
+    QVERIFY(tab.view.viewport()->rect().contains(tab.view.rectOfRow(tab.view.selectedRow())));
+    QVERIFY(tab.view.rectOfRow(0).bottom() < 0);
+    // With nothing selected, from the top.
+    tab.search("of 30");
+    tab.view.deselectAll();
+    tab.search("");
+    QCOMPARE(tab.view.rectOfRow(0).top(), 0);
+    QVERIFY(!tab.source->anyItemSelected());
+}
+
+void WayfoldHistoryDataSourceTest::matchesBeginAtTheTop()
+{
+    change(manyVisits(200));
+    ListStage::settings().setHistoryGroupingStyle("0");
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.view.scrollRowToVisible(150);
+    tab.view.selectRow(150);
+    QVERIFY(tab.view.rectOfRow(0).bottom() < 0);
+    for (const char *text : {"o", "of", "of 1"}) {
+        tab.search(text);
+        QCOMPARE(tab.view.rectOfRow(0).top(), 0);
+        tab.view.scrollRowToVisible(100);
+        QVERIFY(tab.view.rectOfRow(0).bottom() < 0);
+    }
+    tab.view.setFocus();
+    tab.search("of 2");
+    QVERIFY(!tab.source->anyItemSelected());
+    QTest::keyClick(&tab.view, Qt::Key_Home);
+    QCOMPARE(tab.view.selectedRows(), std::vector<int>{0});
 }
 
 void WayfoldHistoryDataSourceTest::clearingWhatIsNotFilteredChangesNothing()

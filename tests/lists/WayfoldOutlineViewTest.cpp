@@ -11,6 +11,7 @@
 #include <QFontMetricsF>
 #include <QMenu>
 #include <QScrollBar>
+#include <QTabWidget>
 
 Q_DECLARE_METATYPE(std::vector<KDRBookmarkPtr>)
 
@@ -31,6 +32,32 @@ void changeFont()
 qreal heightFor(const QFont &font)
 {
     return QFontMetricsF(font).lineSpacing() + 3.0;
+}
+
+std::vector<KDRBookmarkPtr> notes(int count, const QString &prefix = QString())
+{
+    std::vector<KDRBookmarkPtr> notes;
+    for (int i = 0; i < count; ++i)
+        notes.push_back(ListStage::note(prefix + QString::number(i)));
+    return notes;
+}
+
+// Stands behind a list that shows a folder.
+class FolderSource : public WayfoldOutlineViewDataSource
+{
+public:
+    WayfoldOutlineView *view = nullptr;
+    WayfoldBookmarkFolderPtr root;
+
+    WayfoldBookmarkFolderPtr localRootFolder() const override { return root; }
+    WayfoldOutlineView *myOutlineView() const override { return view; }
+};
+
+// The row that is seen first, and where it stands.
+std::pair<QString, int> topOf(const WayfoldOutlineView &view)
+{
+    const int row = view.rowAtPoint(QPoint(5, 0));
+    return {ListStage::rows(view).value(row), view.rectOfRow(row).top()};
 }
 } // namespace
 
@@ -60,6 +87,14 @@ private Q_SLOTS:
     void reloadKeepsTheSameItems();
     void reloadKeepsWhatIsOpenInAClosedFolder();
     void reloadKeepsTheScrollPosition();
+    void reloadKeepsTheTopRowInItsPlace_data();
+    void reloadKeepsTheTopRowInItsPlace();
+    void rowThatMovesAwayTakesNobodyWithIt();
+    void reloadAtTheTopStaysThere();
+    void hiddenListStaysWhereItIs();
+    void reloadKeepsTheCurrentItem();
+    void reloadKeepsTheCurrentRow();
+    void droppedItemsAreScrolledTo();
     void expandedFoldersBeforeTheirSubfolders();
     void reselectingAddsToTheSelection();
     void identifiersWithoutARoot();
@@ -74,8 +109,13 @@ private Q_SLOTS:
 
     void keysOpen_data();
     void keysOpen();
+    void heldKeysOpenOnce_data();
+    void heldKeysOpenOnce();
+    void controlSpaceIsTheToolkits();
     void spaceOnAFolderIsTheToolkits();
     void rightClickSelects();
+    void rightClickInsideTheSelectionKeepsIt();
+    void menuKeySelectsNothing();
     void contextMenuActsOnTheListThatShowedIt();
     void contextMenuDisablesWhatTheListCannotDo();
 
@@ -242,16 +282,170 @@ void WayfoldOutlineViewTest::reloadKeepsWhatIsOpenInAClosedFolder()
 
 void WayfoldOutlineViewTest::reloadKeepsTheScrollPosition()
 {
-    std::vector<KDRBookmarkPtr> notes;
-    for (int i = 0; i < 200; ++i)
-        notes.push_back(ListStage::note(QString::number(i)));
-    _pad->showItems(notes);
+    _pad->showItems(notes(200));
     _pad->view.selectIndividualRow(0);
     QTRY_VERIFY(_pad->view.verticalScrollBar()->maximum() > 100);
     _pad->view.verticalScrollBar()->setValue(100);
     _pad->view.reloadData();
     QCOMPARE(_pad->view.verticalScrollBar()->value(), 100);
     QCOMPARE(_pad->view.selectedRow(), 0);
+}
+
+void WayfoldOutlineViewTest::reloadKeepsTheTopRowInItsPlace_data()
+{
+    QTest::addColumn<int>("added");
+    QTest::addColumn<bool>("copied");
+    QTest::addColumn<bool>("prepared");
+    for (const int added : {1, 30, 300}) {
+        QTest::addRow("%d more", added) << added << false << false;
+        QTest::addRow("%d more, prepared", added) << added << false << true;
+        QTest::addRow("%d more, other items", added) << added << true << true;
+    }
+}
+
+// What comes in above moves nothing that the user looks at.
+void WayfoldOutlineViewTest::reloadKeepsTheTopRowInItsPlace()
+{
+    QFETCH(int, added);
+    QFETCH(bool, copied);
+    QFETCH(bool, prepared);
+    const auto folder = ListStage::folder(QStringLiteral("Folder"), notes(10, QStringLiteral("In it ")));
+    std::vector<KDRBookmarkPtr> items = notes(200);
+    items.insert(items.begin(), folder);
+    _pad->showItems(items);
+    _pad->view.expandItem(folder);
+    _pad->view.verticalScrollBar()->setValue(_pad->view.rectOfRow(100).top() + 5); // not a whole row
+    const std::pair<QString, int> before = topOf(_pad->view);
+    QVERIFY(before.second < 0);
+
+    if (prepared)
+        _pad->view.prepForReloadData();
+    if (copied) {
+        for (KDRBookmarkPtr &item : items)
+            item = item->copy();
+    }
+    const std::vector<KDRBookmarkPtr> more = notes(added, QStringLiteral("New "));
+    items.insert(items.begin() + 2, more.cbegin(), more.cend());
+    _pad->showItems(items);
+    QCOMPARE(topOf(_pad->view), before);
+    QCOMPARE(_pad->view.numberOfRows(), 211 + added);
+
+    // The same when they go.
+    if (prepared)
+        _pad->view.prepForReloadData();
+    items.erase(items.begin() + 2, items.begin() + 2 + added);
+    _pad->showItems(items);
+    QCOMPARE(topOf(_pad->view), before);
+}
+
+// A page that is opened once more comes first in a history without folders.
+void WayfoldOutlineViewTest::rowThatMovesAwayTakesNobodyWithIt()
+{
+    std::vector<KDRBookmarkPtr> items = notes(200);
+    _pad->showItems(items);
+    for (const int top : {100, 20}) {
+        _pad->view.verticalScrollBar()->setValue(_pad->view.rectOfRow(top).top() - _pad->view.rectOfRow(0).top());
+        QCOMPARE(_pad->view.rowAtPoint(QPoint(5, 0)), top);
+        const QString next = ListStage::rows(_pad->view).at(top + 1);
+        const int place = _pad->view.rectOfRow(top + 1).top();
+        _pad->view.prepForReloadData();
+        std::rotate(items.begin(), items.begin() + top, items.begin() + top + 1);
+        _pad->showItems(items);
+        QCOMPARE(_pad->view.rectOfRow(int(ListStage::rows(_pad->view).indexOf(next))).top(), place);
+    }
+}
+
+void WayfoldOutlineViewTest::reloadAtTheTopStaysThere()
+{
+    std::vector<KDRBookmarkPtr> items = notes(200);
+    _pad->showItems(items);
+    items.insert(items.begin(), ListStage::note(QStringLiteral("New")));
+    _pad->view.prepForReloadData();
+    _pad->showItems(items);
+    QCOMPARE(topOf(_pad->view), std::make_pair(QStringLiteral("New"), 0));
+}
+
+void WayfoldOutlineViewTest::hiddenListStaysWhereItIs()
+{
+    QTabWidget tabs;
+    tabs.addTab(&_pad->view, QStringLiteral("List"));
+    tabs.addTab(new QWidget, QStringLiteral("Other"));
+    const auto takenOut = qScopeGuard([this] { _pad->view.setParent(nullptr); });
+    tabs.resize(300, 400);
+    tabs.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&tabs));
+    std::vector<KDRBookmarkPtr> items = notes(200);
+    _pad->showItems(items);
+    _pad->select({items[3], items[5]});
+    _pad->view.scrollRowToVisible(100);
+    const std::pair<QString, int> before = topOf(_pad->view);
+
+    for (const bool prepared : {true, false}) {
+        tabs.setCurrentIndex(1);
+        if (prepared)
+            _pad->view.prepForReloadData();
+        items.insert(items.begin(), ListStage::note(QStringLiteral("New")));
+        _pad->showItems(items);
+        tabs.setCurrentIndex(0);
+        QVERIFY(_pad->view.isVisible());
+        _pad->view.grab();
+        QCOMPARE(topOf(_pad->view), before);
+        QCOMPARE(_pad->view.selectedItemCount(), 2);
+    }
+}
+
+void WayfoldOutlineViewTest::reloadKeepsTheCurrentItem()
+{
+    std::vector<KDRBookmarkPtr> items = notes(20);
+    _pad->showItems(items);
+    _pad->view.setFocus();
+    _pad->view.selectIndividualRow(5);
+    QTest::keyClick(&_pad->view, Qt::Key_Up, Qt::ShiftModifier); // rows 4 and 5, and 4 is the current one
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({4, 5}));
+    _pad->view.prepForReloadData();
+    for (KDRBookmarkPtr &item : items)
+        item = item->copy();
+    items.insert(items.begin(), ListStage::note(QStringLiteral("New")));
+    _pad->showItems(items);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({5, 6}));
+    QTest::keyClick(&_pad->view, Qt::Key_Up);
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("3")});
+}
+
+// The item that the keyboard stands on is gone; the keyboard stays where it is.
+void WayfoldOutlineViewTest::reloadKeepsTheCurrentRow()
+{
+    std::vector<KDRBookmarkPtr> items = notes(200);
+    _pad->showItems(items);
+    _pad->view.setFocus();
+    _pad->view.scrollRowToVisible(120);
+    _pad->view.selectIndividualRow(110);
+    const std::pair<QString, int> before = topOf(_pad->view);
+    _pad->view.prepForReloadData();
+    items.erase(items.begin() + 110);
+    _pad->showItems(items);
+    QCOMPARE(_pad->view.selectedRow(), -1);
+    QCOMPARE(topOf(_pad->view), before);
+    QTest::keyClick(&_pad->view, Qt::Key_Down);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({111}));
+    QCOMPARE(topOf(_pad->view), before);
+
+    _pad->view.prepForReloadData();
+    items.resize(30);
+    _pad->showItems(items);
+    QTest::keyClick(&_pad->view, Qt::Key_Up);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({28}));
+    _pad->view.prepForReloadData();
+    _pad->showItems({});
+    QVERIFY(!_pad->view.currentIndex().isValid());
+}
+
+void WayfoldOutlineViewTest::droppedItemsAreScrolledTo()
+{
+    const std::vector<KDRBookmarkPtr> items = notes(200);
+    _pad->showItems(items);
+    _pad->view.selectItems({items[150], items[151]});
+    QVERIFY(_pad->view.viewport()->rect().contains(_pad->view.rectOfRow(151)));
 }
 
 void WayfoldOutlineViewTest::expandedFoldersBeforeTheirSubfolders()
@@ -441,15 +635,64 @@ void WayfoldOutlineViewTest::keysOpen()
     QVERIFY(_pad->web->frame->loadRequests.empty());
 }
 
+void WayfoldOutlineViewTest::heldKeysOpenOnce_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("space") << int(Qt::Key_Space) << int(Qt::NoModifier);
+    QTest::newRow("command and down") << int(Qt::Key_Down) << int(Qt::ControlModifier);
+    QTest::newRow("return") << int(Qt::Key_Return) << int(Qt::NoModifier);
+}
+
+void WayfoldOutlineViewTest::heldKeysOpenOnce()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    FolderSource source;
+    source.root = ListStage::folder(QStringLiteral("Root"), notes(2));
+    WayfoldBookmarkOutlineView view;
+    view.setDelegate(&source);
+    view.setOutlineDataSource(&source);
+    const auto left = qScopeGuard([&view] { view.setOutlineDataSource(nullptr); });
+    int opened = 0;
+    view.doubleAction = [&opened] { ++opened; };
+    view.selectRow(0);
+    for (const bool isRepeated : {false, true, true}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::KeyboardModifiers(modifiers), QString(), isRepeated);
+        QCoreApplication::sendEvent(&view, &press);
+        QVERIFY(press.isAccepted());
+    }
+    QCOMPARE(opened, 1);
+    QCOMPARE(view.selectedRows(), std::vector<int>{0});
+}
+
+void WayfoldOutlineViewTest::controlSpaceIsTheToolkits()
+{
+    _pad->showItems(notes(2));
+    int opened = 0;
+    _pad->view.doubleAction = [&opened] { ++opened; };
+    _pad->view.selectRow(0);
+    _pad->view.selectRow(1);
+    QTest::keyClick(&_pad->view, Qt::Key_Space, Qt::ControlModifier);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>{0});
+    QTest::keyClick(&_pad->view, Qt::Key_Space, Qt::ControlModifier);
+    QCOMPARE(_pad->view.selectedItemCount(), 2);
+    QCOMPARE(opened, 0);
+}
+
+// Which goes on to the next row without selecting it, and selects the row that it stands on.
 void WayfoldOutlineViewTest::spaceOnAFolderIsTheToolkits()
 {
     const auto folder = ListStage::folder("Folder", {ListStage::note("In it")});
-    _pad->showItems({folder});
+    _pad->showItems({folder, ListStage::note("Next")});
     int opened = 0;
     _pad->view.doubleAction = [&opened] { ++opened; };
     _pad->select({folder});
-    QTest::keyClick(&_pad->view, Qt::Key_Space);
     QTest::keyClick(&_pad->view, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>{0});
+    QCOMPARE(_pad->view.currentIndex().row(), 1);
+    QTest::keyClick(&_pad->view, Qt::Key_Space);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({0, 1}));
     QCOMPARE(opened, 0);
 }
 
@@ -471,6 +714,47 @@ void WayfoldOutlineViewTest::rightClickSelects()
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("a")});
     rightClick(-1);
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{QStringLiteral("a")});
+}
+
+void WayfoldOutlineViewTest::rightClickInsideTheSelectionKeepsIt()
+{
+    _pad->showItems(notes(4));
+    QVERIFY(QTest::qWaitForWindowExposed(&_pad->view));
+    const auto rightClick = [this](int row) {
+        QWidget *viewport = _pad->view.viewport();
+        const QPoint point = _pad->view.rectOfRow(row).center();
+        QTest::mousePress(viewport, Qt::RightButton, {}, point);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, point, viewport->mapToGlobal(point));
+        QCoreApplication::sendEvent(viewport, &event);
+        QVERIFY(WayfoldOutlineView::defaultMenu()->isVisible());
+        WayfoldOutlineView::defaultMenu()->hide();
+        QTest::mouseRelease(viewport, Qt::RightButton, {}, point);
+    };
+    _pad->view.selectRow(1);
+    _pad->view.selectRow(2);
+    rightClick(2);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({1, 2}));
+    rightClick(1);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({1, 2}));
+    rightClick(3);
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({3}));
+}
+
+void WayfoldOutlineViewTest::menuKeySelectsNothing()
+{
+    _pad->showItems(notes(50));
+    const auto pressMenuKey = [this] {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(3, 3), _pad->view.mapToGlobal(QPoint(3, 3)));
+        QCoreApplication::sendEvent(&_pad->view, &event);
+        QVERIFY(WayfoldOutlineView::defaultMenu()->isVisible());
+        WayfoldOutlineView::defaultMenu()->hide();
+    };
+    pressMenuKey();
+    QCOMPARE(_pad->view.selectedRow(), -1);
+    _pad->view.selectRow(3);
+    _pad->view.selectRow(4);
+    pressMenuKey();
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({3, 4}));
 }
 
 void WayfoldOutlineViewTest::contextMenuActsOnTheListThatShowedIt()
@@ -628,23 +912,14 @@ protected:
 class DragWindow : public QObject
 {
 public:
-    class Source : public WayfoldOutlineViewDataSource
-    {
-    public:
-        WayfoldOutlineView *view = nullptr;
-        WayfoldBookmarkFolderPtr root = ListStage::folder("Root", {ListStage::note("Dragged")});
-
-        WayfoldBookmarkFolderPtr localRootFolder() const override { return root; }
-        WayfoldOutlineView *myOutlineView() const override { return view; }
-    };
-
-    Source source;
+    FolderSource source;
     DraggedView view; // goes before its source does
 
     static std::shared_ptr<DragWindow> open()
     {
         const std::shared_ptr<DragWindow> window(new DragWindow, [](DragWindow *closed) { closed->deleteLater(); });
         window->source.view = &window->view;
+        window->source.root = ListStage::folder("Root", {ListStage::note("Dragged")});
         window->source.setOwner(window);
         window->view.setDelegate(&window->source);
         window->view.setOutlineDataSource(&window->source);
