@@ -56,7 +56,7 @@ bool ItemFileStore::write(const WayfoldBookmarkFolder &root)
 bool ItemFileStore::keepWhatWouldBeLost()
 {
     const std::optional<FileStamp> stamp = FileStamp::ofFile(_path);
-    const bool holdsWhatWeKnow = stamp == _stamp && !_holdsMore;
+    const bool holdsWhatWeKnow = stamp && _stamp && stamp->hasContentsOf(*_stamp) && !_holdsMore;
     if (stamp && !holdsWhatWeKnow) {
         qCWarning(logFiles) << _path << "holds what is not in the list; it is kept aside before it is written over";
         if (keepCopyOfFile(_path).isNull()) {

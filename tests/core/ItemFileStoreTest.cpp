@@ -2,6 +2,7 @@
 
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldBookmarkNote.h"
+#include "tests/platform/StatusChange.h"
 #include "tests/support/LoggedMessages.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -12,6 +13,7 @@
 #include <QtTest>
 #include <optional>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -55,6 +57,7 @@ private Q_SLOTS:
     void fileChangedByAnotherProgramIsKept();
     void fileThatAppearedIsKept();
     void fileReplacedWithTheSameContentsIsKept();
+    void otherPermissionsAndNamesAreNoChange();
     void fileThatVanishedIsWrittenAnew();
     void everyStateIsKeptOnce();
     void saveIsRefusedWhenNothingCanBeKept();
@@ -235,6 +238,21 @@ void ItemFileStoreTest::fileReplacedWithTheSameContentsIsKept()
     QVERIFY(QFile::rename(_home->path(QStringLiteral("Wayfold/other")), _home->path(name)));
     QVERIFY(_file.save(*root));
     QCOMPARE(keptCopies().size(), 1);
+}
+
+// A backup may give the file a second name every hour.
+void ItemFileStoreTest::otherPermissionsAndNamesAreNoChange()
+{
+    _home->write(name, fileWith(note("Milk")));
+    const auto root = _file.load();
+    for (int hour = 0; hour < 2; ++hour) {
+        const QByteArray path = QFile::encodeName(_home->path(name));
+        const QByteArray backup = path + QByteArray::number(hour);
+        QCOMPARE(::link(path, backup), 0);
+        StatusChange::make(_home->path(name), [&] { QCOMPARE(::chmod(path, 0600), 0); });
+        QVERIFY(_file.save(*root));
+    }
+    QVERIFY(keptCopies().isEmpty());
 }
 
 void ItemFileStoreTest::fileThatVanishedIsWrittenAnew()

@@ -7,12 +7,20 @@
 #include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
 #include "tests/core/StoreInTemporaryHome.h"
+#include "tests/platform/StatusChange.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPoint>
+#include <QRegularExpression>
+#include <QSemaphore>
+#include <QThread>
+#include <atomic>
 #include <optional>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace
 {
@@ -42,6 +50,55 @@ QByteArray historyWith(const QByteArray &entries)
 {
     return "<plist version=\"1.0\"><dict><key>WebHistoryDates</key><array>" + entries + "</array></dict></plist>\n";
 }
+
+// For whom permissions count, until this goes.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser() : _isSuperuser(::geteuid() == 0), _isOne(!_isSuperuser || ::seteuid(65534) == 0) {}
+    ~OrdinaryUser()
+    {
+        if (_isSuperuser && ::seteuid(0) != 0)
+            qFatal("The superuser has gone.");
+    }
+    OrdinaryUser(const OrdinaryUser &) = delete;
+    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
+
+    bool isOne() const { return _isOne; }
+
+private:
+    bool _isSuperuser = false;
+    bool _isOne = false;
+};
+
+// Keeps one thread waiting when that first asks for the bookmark file's place.
+class WaitingHost : public FakeHostApplication
+{
+public:
+    mutable std::atomic<const QThread *> kept = nullptr;
+    mutable QSemaphore hasAsked;
+    mutable QSemaphore isAnswered;
+
+    QString bookmarkFilePath() const override
+    {
+        const QThread *asking = QThread::currentThread();
+        if (kept.compare_exchange_strong(asking, nullptr)) {
+            hasAsked.release();
+            isAnswered.acquire();
+        }
+        return FakeHostApplication::bookmarkFilePath();
+    }
+};
+
+// Whether a thread of this program waits for something else than the disk.
+bool isAsleep(pid_t thread)
+{
+    QFile status(QStringLiteral("/proc/self/task/%1/stat").arg(thread));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray line = status.readAll(); // "123 (name) S ..."
+    return line.mid(line.lastIndexOf(')')).startsWith(") S");
+}
 } // namespace
 
 class SafariFilesTest : public QObject
@@ -67,6 +124,10 @@ private Q_SLOTS:
     void fileThatAppearsIsRead();
     void unreadableFileGivesAnEmptyTree_data();
     void unreadableFileGivesAnEmptyTree();
+    void fileThatMayBeReadLaterIsReadThen_data() { bothFiles(); }
+    void fileThatMayBeReadLaterIsReadThen();
+    void rewrittenFileOfTheSameDateAndLengthIsReadAgain_data() { bothFiles(); }
+    void rewrittenFileOfTheSameDateAndLengthIsReadAgain();
     void directoryGivesAnEmptyTree();
     void loadWithoutFileGivesAnEmptyTree();
     void treesAreReplacedWhole();
@@ -89,6 +150,8 @@ private Q_SLOTS:
     void writeBackThatFails();
     void writeBackToFileWithoutItsKeys();
     void writeBackIsNoticedAsAChange();
+    void writeBackIsInTheItemsForm();
+    void writeBackWaitsForAReading();
 
 private:
     KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
@@ -323,6 +386,41 @@ void SafariFilesTest::unreadableFileGivesAnEmptyTree()
     QVERIFY(!store().loadHistoryBookmarkFile());
 }
 
+void SafariFilesTest::fileThatMayBeReadLaterIsReadThen()
+{
+    QFETCH(QString, file);
+    store();
+    writeFile(file, "One");
+    const QByteArray path = QFile::encodeName(_fresh->home.path(file));
+    QCOMPARE(::chmod(QFile::encodeName(_fresh->home.path()).constData(), 0755), 0);
+    QCOMPARE(::chmod(path.constData(), 0), 0);
+    {
+        const OrdinaryUser user;
+        if (!user.isOne())
+            QSKIP("For the superuser permissions do not count.");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("Permission denied")));
+        store().tagSafariFiles();
+    }
+    QCOMPARE(titlesOf(file), QStringList());
+    StatusChange::make(_fresh->home.path(file), [&] { QCOMPARE(::chmod(path.constData(), 0644), 0); });
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+}
+
+void SafariFilesTest::rewrittenFileOfTheSameDateAndLengthIsReadAgain()
+{
+    QFETCH(QString, file);
+    writeFile(file, "One");
+    touch(file, 1);
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+    StatusChange::make(_fresh->home.path(file), [&] {
+        writeFile(file, "Two");
+        touch(file, 1);
+    });
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"Two"});
+}
+
 void SafariFilesTest::directoryGivesAnEmptyTree()
 {
     QVERIFY(QDir().mkpath(_fresh->home.path(bookmarkFile)));
@@ -554,6 +652,64 @@ void SafariFilesTest::writeBackIsNoticedAsAChange()
     NotificationLog::deliverPending();
     QCOMPARE(log.names(), QStringList{bookmarksChanged});
     QCOMPARE(bookmarkTitles(), QStringList{"Renamed"});
+}
+
+// Whoever reads the file later, the browser among them, finds what the items have, and the browser does not.
+void SafariFilesTest::writeBackIsInTheItemsForm()
+{
+    const QByteArray link = "<dict><key>WebBookmarkType</key><string>WebBookmarkTypeLeaf</string><key>URLString</key>"
+                            "<string>http://www.example.com/</string><key>URIDictionary</key><dict><key>title</key>"
+                            "<string>Link</string></dict></dict>";
+    _fresh->home.write(bookmarkFile, "<plist version=\"1.0\"><dict><key>Children</key><array><dict><key>Title</key>"
+                                     "<string>News</string><key>WebBookmarkType</key><string>WebBookmarkTypeList"
+                                     "</string><key>Children</key><array>" +
+                                         link + "</array></dict></array></dict></plist>");
+    QCOMPARE(bookmarkTitles(), QStringList{"News"});
+    const auto entry = [](const QVariantMap &folder) {
+        return folder.value(QStringLiteral("Children")).toList().value(0).toMap();
+    };
+    const auto inFile = [&] { return PropertyList::readDictionaryFile(_fresh->home.path(bookmarkFile)); };
+    QVERIFY(!entry(inFile()).contains(QStringLiteral("SearchString")));
+
+    QVERIFY(store().saveSafariBookmarkFile(store().safariBookmarkRoot()->createDictionary(false)));
+    QVERIFY(inFile().contains(QStringLiteral("SearchString")));
+    QCOMPARE(entry(inFile()).value(QStringLiteral("SearchString")), QVariant(QStringLiteral("News")));
+    const QVariantMap texts = entry(entry(inFile())).value(QStringLiteral("URIDictionary")).toMap();
+    QCOMPARE(texts, (QVariantMap{{QStringLiteral("title"), QStringLiteral("Link")},
+                                 {QStringLiteral(""), QStringLiteral("http://www.example.com/")}}));
+}
+
+void SafariFilesTest::writeBackWaitsForAReading()
+{
+    const QVariantMap tree = {{QStringLiteral("Title"), QStringLiteral("Written")}};
+    writeFile(bookmarkFile, "One");
+    store();
+    const QByteArray before = _fresh->home.read(bookmarkFile);
+    WaitingHost host;
+    const std::unique_ptr<QThread> reader(QThread::create([this] { store().tagSafariFiles(); }));
+    host.kept = reader.get();
+    reader->start();
+    host.hasAsked.acquire();
+
+    std::atomic<pid_t> writerID = 0;
+    std::atomic<bool> isWritten = false;
+    const std::unique_ptr<QThread> writer(QThread::create([&] {
+        writerID = pid_t(::syscall(SYS_gettid));
+        isWritten = store().saveSafariBookmarkFile(tree);
+    }));
+    writer->start();
+    QTRY_VERIFY(writer->isFinished() || (writerID && isAsleep(writerID)));
+    const QByteArray meanwhile = _fresh->home.read(bookmarkFile);
+    const bool isTooEarly = writer->isFinished();
+    host.isAnswered.release();
+    QVERIFY(reader->wait());
+    QVERIFY(writer->wait());
+    setCurrentHost(&_fresh->host);
+
+    QVERIFY(!isTooEarly);
+    QCOMPARE(meanwhile, before);
+    QVERIFY(isWritten);
+    QVERIFY(_fresh->home.read(bookmarkFile).contains("Written"));
 }
 
 QTEST_MAIN(SafariFilesTest)

@@ -1,4 +1,5 @@
 #include "platform/files/FileStamp.h"
+#include "tests/platform/StatusChange.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QDir>
@@ -6,6 +7,7 @@
 #include <QTest>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 class FileStampTest : public QObject
 {
@@ -16,6 +18,8 @@ private Q_SLOTS:
     void plainFile();
     void nanosecondsCount();
     void sameSizeAndTimeButAnotherFile();
+    void otherPermissionsOrNames();
+    void dateThatIsPutBack();
     void timesBefore1970();
     void followsLinks();
     void otherThanPlainFiles();
@@ -73,6 +77,47 @@ void FileStampTest::sameSizeAndTimeButAnotherFile()
     const auto before = FileStamp::ofFile(home.path("file"));
     QCOMPARE(::rename(qPrintable(home.path("new")), qPrintable(home.path("file"))), 0);
     QVERIFY(*before != *FileStamp::ofFile(home.path("file")));
+}
+
+template <class Change>
+static FileStamp stampAfter(const QString &path, Change change)
+{
+    StatusChange::make(path, change);
+    return *FileStamp::ofFile(path);
+}
+
+void FileStampTest::otherPermissionsOrNames()
+{
+    const TemporaryHome home;
+    home.write("file", "12345");
+    const QString path = home.path("file");
+    const FileStamp before = *FileStamp::ofFile(path);
+    const FileStamp permitted = stampAfter(path, [&] { QCOMPARE(::chmod(qPrintable(path), 0600), 0); });
+    QVERIFY(permitted != before);
+    QVERIFY(permitted.hasContentsOf(before));
+    const FileStamp named = stampAfter(path, [&] {
+        ::unlink(qPrintable(home.path("second")));
+        QCOMPARE(::link(qPrintable(path), qPrintable(home.path("second"))), 0);
+    });
+    QVERIFY(named != permitted);
+    QVERIFY(named.hasContentsOf(before));
+    setModificationTime(path, 1000000000, 0);
+    QVERIFY(!FileStamp::ofFile(path)->hasContentsOf(named));
+}
+
+void FileStampTest::dateThatIsPutBack()
+{
+    const TemporaryHome home;
+    home.write("file", "12345");
+    const QString path = home.path("file");
+    setModificationTime(path, 1000000000, 0);
+    const FileStamp before = *FileStamp::ofFile(path);
+    const FileStamp after = stampAfter(path, [&] {
+        home.write("file", "54321");
+        setModificationTime(path, 1000000000, 0);
+    });
+    QCOMPARE(after.modificationTime, before.modificationTime);
+    QVERIFY(after != before);
 }
 
 void FileStampTest::timesBefore1970()
