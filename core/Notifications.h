@@ -9,7 +9,7 @@ namespace Notifications
 inline const QString TagSafariFilesNotification = QStringLiteral("TagSafariFilesNotification");
 // The browser's bookmark file was read again; object: the store.
 inline const QString SafariBookmarkFileModNotification = QStringLiteral("SafariBookmarkFileModNotification");
-// The browser's history file was read again, or is to be grouped anew; object: the store or the preferences controller.
+// The browser's history file was read again; object: the store.
 inline const QString SafariHistoryFileModNotification = QStringLiteral("SafariHistoryFileModNotification");
 // Requests to a drawer after a page load; object: the drawer.
 inline const QString DrawerShouldOpenForLocationChange = QStringLiteral("DrawerShouldOpenForLocationChange");
