@@ -16,6 +16,7 @@ class HistorySearchTest : public QObject
 private Q_SLOTS:
     void findsWhatAFreshSearchFinds();
     void startsAnewWithOtherTexts();
+    void readingThatWasBegunTwice();
     void whatIsFoundHoldsNothingElse();
 
 private:
@@ -30,11 +31,12 @@ private:
             titles.append(found->item(i)->title());
         return titles;
     }
-    std::shared_ptr<HistoryItems> read(HistoryReader &reader, const QVariantList &entries)
+    std::shared_ptr<HistoryItems> read(HistoryReader &reader, const QVariantList &entries,
+                                       const QByteArray &before = QByteArray(), const QByteArray &after = QByteArray())
     {
-        const QString path = _home.path() + QStringLiteral("/History.plist");
-        PropertyList::writeFile(QVariantMap{{QStringLiteral("WebHistoryDates"), entries}}, path);
-        return std::make_shared<HistoryItems>(reader.read(path));
+        const QVariantMap file = {{QStringLiteral("WebHistoryDates"), entries}};
+        _home.write(QStringLiteral("History.plist"), PropertyList::toXml(file).replace(before, after));
+        return std::make_shared<HistoryItems>(reader.read(_home.path(QStringLiteral("History.plist"))));
     }
 
     TemporaryHome _home;
@@ -70,6 +72,28 @@ void HistorySearchTest::startsAnewWithOtherTexts()
     QCOMPARE(titles(search.copiesOfMatches(*read(other, {entry("http://a.example.com/", "Other")}))), QStringList());
     QCOMPARE(titles(search.copiesOfMatches(*read(reader, {entry("http://b.example.com/", "Old news")}))),
              QStringList({"Old news"}));
+}
+
+// The quick way gives up at the last entry, and the numbers that it has given by then are not given again.
+void HistorySearchTest::readingThatWasBegunTwice()
+{
+    HistoryReader reader;
+    HistorySearch search(QStringLiteral("news"));
+    QVariantList entries = {entry("http://a.example.com/", "First news"), entry("http://b.example.com/", "Other")};
+    search.copiesOfMatches(*read(reader, entries));
+
+    entries.prepend(entry("http://c.example.com/", "Plain"));
+    entries.prepend(entry("http://d.example.com/", "More news"));
+    entries.append(entry("http://e.example.com/", "Last news"));
+    const std::shared_ptr<HistoryItems> again = read(reader, entries, "Last news", "<![CDATA[Last news]]>");
+    QCOMPARE(again->count(), 5U);
+    QVERIFY(again->records().nextSerialNumber() > again->count());
+    const QStringList found = {"More news", "First news", "Last news"};
+    QCOMPARE(titles(search.copiesOfMatches(*again)), found);
+    QCOMPARE(titles(HistorySearch(QStringLiteral("news")).copiesOfMatches(*again)), found);
+
+    entries.prepend(entry("http://f.example.com/", "Newsletter"));
+    QCOMPARE(titles(search.copiesOfMatches(*read(reader, entries))), QStringList("Newsletter") + found);
 }
 
 // A session goes by many sites, each of which keeps what it found in the history as it was then.

@@ -2,6 +2,29 @@
 #include "tests/support/FakeHost.h"
 
 #include <QtTest>
+#include <ctime>
+
+namespace
+{
+// Where the user is, until this goes.
+class TimeZone
+{
+public:
+    explicit TimeZone(const QByteArray &name) { set(name); }
+    ~TimeZone() { set(_before); }
+    TimeZone(const TimeZone &) = delete;
+    TimeZone &operator=(const TimeZone &) = delete;
+
+private:
+    static void set(const QByteArray &name)
+    {
+        qputenv("TZ", name);
+        ::tzset();
+    }
+
+    QByteArray _before = qgetenv("TZ");
+};
+} // namespace
 
 class WayfoldHistoryURLTest : public QObject
 {
@@ -26,6 +49,8 @@ private Q_SLOTS:
     void dictionaryIsEmpty();
     void copyKeepsTheSite();
     void tooltip();
+    void tooltipOfAVisitWithoutATime_data();
+    void tooltipOfAVisitWithoutATime();
     void tooltipInTheUsersFormat();
     void search();
 };
@@ -202,6 +227,26 @@ void WayfoldHistoryURLTest::tooltip()
     made->setURL({});
     QCOMPARE(made->tooltipText(), "\n\n\n");
     QLocale::setDefault(oldLocale);
+}
+
+void WayfoldHistoryURLTest::tooltipOfAVisitWithoutATime_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("Greenwich") << QByteArray("UTC") << "Monday, January 1, 2001\n12:00 AM";
+    QTest::newRow("west of it") << QByteArray("America/New_York") << "Sunday, December 31, 2000\n7:00 PM";
+    QTest::newRow("east of it") << QByteArray("Asia/Tokyo") << "Monday, January 1, 2001\n9:00 AM";
+}
+
+// The user sees it in the time of the place.
+void WayfoldHistoryURLTest::tooltipOfAVisitWithoutATime()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QString, shown);
+    const TimeZone there(zone);
+    const UserLanguage language("en_US");
+    const auto made = WayfoldHistoryURL::bookmarkFromDictionary(entry("T", "http://a.example/", "0"));
+    QCOMPARE(made->tooltipText(), "http://a.example/\n\n" + shown);
 }
 
 void WayfoldHistoryURLTest::tooltipInTheUsersFormat()
