@@ -238,11 +238,14 @@ void WayfoldOutlineView::reloadData()
     selectRowsOfItems({selected.cbegin(), selected.cend()});
     if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDExpansions, std::nullopt))
         reexpandItemsFromUUIDList(*uuids);
-    if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDSelections, std::nullopt))
-        reselectItemsFromUUIDList(*uuids);
+    const std::optional<QStringList> selectedUUIDs = std::exchange(_savedUUIDSelections, std::nullopt);
+    if (selectedUUIDs)
+        reselectItemsFromUUIDList(*selectedUUIDs);
 
     executeDelayedItemsLayout();
     place.restore(*this);
+    if (selectedUUIDs)
+        reselectCurrentRow(*selectedUUIDs);
 }
 
 std::vector<KDRBookmarkPtr> WayfoldOutlineView::expandedFolders() const
@@ -331,6 +334,14 @@ void WayfoldOutlineView::reselectItemsFromUUIDList(const QStringList &uuids)
     for (const QString &uuid : uuids)
         found.push_back(items.value(uuid));
     selectRowsOfItems(found);
+}
+
+// Of the items with one identifier the first was found, which may be in a closed folder.
+void WayfoldOutlineView::reselectCurrentRow(const QStringList &uuids)
+{
+    const KDRBookmarkPtr item = selectedItemCount() < uuids.size() ? itemInRow(currentRow()) : nullptr;
+    if (item && uuids.contains(item->uuid()))
+        selectionModel()->select(currentIndex(), QItemSelectionModel::Select);
 }
 
 void WayfoldOutlineView::scrollAfterSearch(bool hasEnded)

@@ -121,6 +121,7 @@ private:
     std::vector<KDRBookmarkPtr> expandedFolders() const;
     void expandUpToDate(const std::vector<OutlineItemPtr> &items);
     void restore(const std::vector<OutlineExpansion> &expansions);
+    void reselectCurrentRow(const QStringList &uuids);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip

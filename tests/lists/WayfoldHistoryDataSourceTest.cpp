@@ -181,6 +181,7 @@ private Q_SLOTS:
     void searchDeselects();
     void selectedMatchStaysSelected();
     void foundHistoryIsAFolderLikeAnyOther();
+    void matchStaysSelectedBesideTheFoundHistory();
     void searchBeforeTheBrowserHasWritten();
 
     void rowsAreOpened();
@@ -740,6 +741,25 @@ void WayfoldHistoryDataSourceTest::foundHistoryIsAFolderLikeAnyOther()
     tab.search("istory");
     QCOMPARE(tab.rows(), open);
     QCOMPARE(tab.view.selectedRows(), std::vector<int>{3});
+}
+
+// The history's own folder stands there as well, closed, and holds the same pages.
+void WayfoldHistoryDataSourceTest::matchStaysSelectedBesideTheFoundHistory()
+{
+    QVariantList visits = manyVisits(10);
+    change(visits);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("istory");
+    tab.view.selectRow(4);
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"History of 7"});
+    visits.prepend(BrowserFiles::visit("History of new", "http://www.a.org/", BrowserFiles::noonOf(9)));
+    change(visits);
+    QCOMPARE(ListStage::titles(tab.view.selectedItemList()), QStringList{"History of 7"});
+    tab.view.deselectAll();
+    visits.removeFirst();
+    change(visits);
+    QVERIFY(!tab.source->anyItemSelected());
 }
 
 // A user's very first minute: the browser has visited nothing, so it has written no file.

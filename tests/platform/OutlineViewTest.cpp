@@ -176,6 +176,8 @@ private Q_SLOTS:
     void keepsNoItemThatIsGone();
 
     void selectsRows();
+    void selectsRowsOfItems();
+    void currentRowIsNotSelected();
     void collapsingDeselectsWhatIsHidden();
     void tellsOfSelectionChanges();
 
@@ -189,6 +191,7 @@ private Q_SLOTS:
     void showsToolTips();
     void showsContextMenus();
     void menuKeyAsksForTheSelectedRow();
+    void notificationsWaitForTheEndOfAMenu();
 
     void dragsTheSelectionInRowOrder();
     void startsNoDragWithoutData();
@@ -640,6 +643,45 @@ void OutlineViewTest::selectsRows()
     QCOMPARE(_view->numberOfSelectedRows(), 0);
 }
 
+void OutlineViewTest::selectsRowsOfItems()
+{
+    for (int i = 0; i < 100; ++i)
+        _tree->add(QString::number(i));
+    _view->reloadData();
+    _view->expandItem(_fruit);
+    showList(*_view);
+    _view->scrollRowToVisible(60);
+    const int position = _view->verticalScrollBar()->value();
+    _view->selectRowsOfItems({_pear, _lemon, _apple, nullptr}); // the lemon's folder is closed
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"apple", "pear"}));
+    _view->selectRowsOfItems({_herb, _fruit});
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList({"fruit", "apple", "pear", "herb"}));
+    QCOMPARE(_view->currentRow(), 0);
+    QCOMPARE(_view->verticalScrollBar()->value(), position);
+
+    // Nor does it scroll when it is shown again.
+    _view->hide();
+    _view->selectRowsOfItems({_tools});
+    _view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(_view.get()));
+    QCOMPARE(_view->verticalScrollBar()->value(), position);
+}
+
+void OutlineViewTest::currentRowIsNotSelected()
+{
+    QCOMPARE(_view->currentRow(), -1);
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->setCurrentRow(3);
+    QCOMPARE(_view->currentRow(), 3);
+    QCOMPARE(_view->selectedRow(), -1);
+    _view->setCurrentRow(99);
+    _view->setCurrentRow(-1);
+    QCOMPARE(_view->currentRow(), 3);
+    QTest::keyClick(_view.get(), Qt::Key_Down);
+    QCOMPARE(selectedTitles(*_view, *_tree), QStringList{"herb"});
+}
+
 void OutlineViewTest::collapsingDeselectsWhatIsHidden()
 {
     _view->expandItem(_fruit);
@@ -800,6 +842,32 @@ void OutlineViewTest::menuKeyAsksForTheSelectedRow()
     QCoreApplication::sendEvent(_view.get(), &event);
     QCOMPARE(_view->menuPoints.size(), 1);
     QCOMPARE(_view->rowAtPoint(_view->menuPoints[0]), 2);
+    _view->deselectAll();
+    QCoreApplication::sendEvent(_view.get(), &event);
+    QCOMPARE(_view->menuPoints.last(), _view->viewport()->rect().center());
+}
+
+// What the menu acts on must not be loaded anew under it.
+void OutlineViewTest::notificationsWaitForTheEndOfAMenu()
+{
+    showList(*_view);
+    QMenu menu;
+    menu.addAction("Open");
+    _view->menu = &menu;
+    QStringList told;
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    const auto removed = qScopeGuard([&] { center.removeObserver(&told); });
+    center.addObserver(
+        &told, [&told](const Notification &notification) { told.append(notification.name); }, "Changed");
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), _view->mapToGlobal(QPoint(5, 5)));
+    QCoreApplication::sendEvent(_view->viewport(), &event);
+    QVERIFY(menu.isVisible());
+    NotificationQueue::defaultQueue().enqueueNotification({"Changed", nullptr}, NotificationQueue::NSPostASAP);
+    for (int i = 0; i < 100; ++i)
+        QCoreApplication::processEvents();
+    QVERIFY(told.isEmpty());
+    menu.close();
+    QTRY_COMPARE(told, QStringList{"Changed"});
 }
 
 // --- Drag and drop --------------------------------------------------------------------------------------------------
