@@ -2,7 +2,9 @@
 
 #include "lists/PasteboardTypes.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
+#include "lists/WayfoldHistoryDataSource.h"
 #include "lists/WayfoldHistoryOutlineView.h"
+#include "model/WayfoldHistoryAutoFolder.h"
 #include "platform/files/PropertyList.h"
 #include "tests/lists/ListStage.h"
 
@@ -51,6 +53,7 @@ private Q_SLOTS:
     void proposedLeafAtTheTop();
     void proposedLeafInAFolder();
     void proposedSmartFolder();
+    void proposedWithinASmartFoldersFolder();
     void noProposedItem();
 
     // ---- Moving
@@ -210,6 +213,25 @@ void ScratchpadDropTest::proposedSmartFolder()
     QCOMPARE(validate(onFolder), Qt::IgnoreAction);
     Target onLeaf = {found, -1};
     QCOMPARE(validate(onLeaf), Qt::IgnoreAction);
+}
+
+void ScratchpadDropTest::proposedWithinASmartFoldersFolder()
+{
+    const auto related = WayfoldHistoryAutoFolder::bookmarkWithTitle(QStringLiteral("Related History"));
+    const auto found = ListStage::folder(QString(), {ListStage::history(QStringLiteral("Page"))});
+    WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingStyle(found, related,
+                                                                                    QStringLiteral("1"));
+    const WayfoldBookmarkFolderPtr day = WayfoldBookmarkFolder::fromItem(related->childAtIndex(0));
+    QVERIFY(day);
+    _pad->showItems({related});
+    _data->setText(QStringLiteral("words"));
+    for (const KDRBookmarkPtr &item : {KDRBookmarkPtr(day), day->childAtIndex(0)}) {
+        Target on = {item, -1};
+        QCOMPARE(validate(on), Qt::IgnoreAction);
+        QVERIFY(!drop({item, 0}));
+    }
+    QCOMPARE(day->childCount(), 1U);
+    QVERIFY(_stage->savedFile().isEmpty());
 }
 
 void ScratchpadDropTest::noProposedItem()
