@@ -37,6 +37,7 @@ qreal heightFor(const QFont &font)
 std::vector<KDRBookmarkPtr> notes(int count, const QString &prefix = QString())
 {
     std::vector<KDRBookmarkPtr> notes;
+    notes.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i)
         notes.push_back(ListStage::note(prefix + QString::number(i)));
     return notes;
