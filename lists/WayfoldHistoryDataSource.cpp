@@ -63,10 +63,16 @@ void WayfoldHistoryDataSource::awakeFromNib()
     _lastFilterString = QString();
     _oldGroupingStyle = QString();
     _dataIsLoaded = false;
+    _isBehind = false;
     _rootBeforeSearch.reset();
     _openBeforeSearch.clear();
-    if (_historyOutlineView)
-        _historyOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_historyOutlineView); };
+    if (!_historyOutlineView)
+        return;
+    _historyOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_historyOutlineView); };
+    _historyOutlineView->comesIntoSight = [this] {
+        if (std::exchange(_isBehind, false))
+            followHistory();
+    };
 }
 
 WayfoldOutlineView *WayfoldHistoryDataSource::myOutlineView() const
@@ -109,7 +115,15 @@ void WayfoldHistoryDataSource::regroupIntoRoot(const QString &style)
                                                           _historyBookmarkRoot, style);
 }
 
+// Every window has its own list, and each takes its time at each visit; only those that are seen are worth it.
 void WayfoldHistoryDataSource::safariHistoryUpdated(const Notification & /*notification*/)
+{
+    _isBehind = _historyOutlineView && _historyOutlineView->isOutOfSight();
+    if (!_isBehind)
+        followHistory();
+}
+
+void WayfoldHistoryDataSource::followHistory()
 {
     if (_listIsFiltered) {
         filterList();

@@ -42,7 +42,7 @@ public:
     void ensureDataLoaded() override;
     // Groups the history anew. While the style stays the same the folders do too, so that open ones stay open.
     void parseHistoryBookmarks();
-    // The history was read again, or the style has changed.
+    // The history was read again, or the style has changed. A list that is out of sight follows when it comes back.
     void safariHistoryUpdated(const Notification &notification);
     // Shows only what contains the search field's text; everything, grouped, when that is empty.
     void processSearchFilter(const QLineEdit *sender);
@@ -51,6 +51,7 @@ public:
     void saveHistoryBookmarkRoot() {}
 
 private:
+    void followHistory();
     void regroupIntoRoot(const QString &style);
     void showMatches();
     void fillRootFromMatches();
@@ -66,6 +67,7 @@ private:
     std::mutex _parsingHistoryLock;
     bool _listIsFiltered = false;
     bool _dataIsLoaded = false;
+    bool _isBehind = false; // what the list shows; it is out of sight
     // Kept while filtered, so that afterwards the same folders are there, and open.
     WayfoldBookmarkFolderPtr _rootBeforeSearch;
     QStringList _openBeforeSearch;

@@ -171,6 +171,14 @@ void WayfoldOutlineView::paintEvent(QPaintEvent *event)
                      _placeholderText);
 }
 
+void WayfoldOutlineView::showEvent(QShowEvent *event)
+{
+    _wasSeen = true;
+    if (comesIntoSight)
+        comesIntoSight();
+    OutlineView::showEvent(event);
+}
+
 QMenu *WayfoldOutlineView::defaultMenu()
 {
     return KDRDrawerBundle::sharedInstance().menu();

@@ -8,6 +8,7 @@
 
 #include <QFont>
 #include <QMenu>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -47,6 +48,11 @@ public:
     virtual bool allowIncomingDrops() const { return false; }
     // What a drag from here may do in this application, or in others.
     Qt::DropActions draggingSourceOperationMaskForLocal(bool local) const;
+
+    // Whether the list was seen before and cannot be seen now, in a tab behind another or in a closed drawer.
+    bool isOutOfSight() const { return _wasSeen && !isVisible(); }
+    // Run before the list is seen, for the first time or again.
+    std::function<void()> comesIntoSight;
 
     // ---- Reload with memory
 
@@ -106,6 +112,7 @@ protected:
     void initialize();
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     Qt::DropAction runDrag(QDrag *drag) override;
     void startDrag(Qt::DropActions supportedActions) override;
 
@@ -124,6 +131,7 @@ private:
     void reselectCurrentRow(const QStringList &uuids);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
+    bool _wasSeen = false;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip
     QString _placeholderText;
     std::optional<QFont> _listViewFont;

@@ -158,6 +158,7 @@ void WayfoldOutlineViewDataSource::leaveView(WayfoldOutlineView *view)
     if (view->delegate() == this)
         view->setDelegate(nullptr);
     view->doubleAction = {};
+    view->comesIntoSight = {};
 }
 
 void WayfoldOutlineViewDataSource::deselectAllItems()

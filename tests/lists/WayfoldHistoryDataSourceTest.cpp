@@ -164,6 +164,8 @@ private Q_SLOTS:
     void rebuildingDeselects();
     void newVisitsMoveNothing_data();
     void newVisitsMoveNothing();
+    void listOutOfSightFollowsWhenItIsSeen_data();
+    void listOutOfSightFollowsWhenItIsSeen();
 
     void matches_data();
     void matches();
@@ -515,6 +517,37 @@ void WayfoldHistoryDataSourceTest::newVisitsMoveNothing()
 }
 
 // --- Searching ------------------------------------------------------------------------------------------------------
+
+// Every window has a list, and most of them are behind another tab, or in a drawer that is closed.
+void WayfoldHistoryDataSourceTest::listOutOfSightFollowsWhenItIsSeen_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("grouped") << "";
+    QTest::newRow("searched") << "again";
+}
+
+void WayfoldHistoryDataSourceTest::listOutOfSightFollowsWhenItIsSeen()
+{
+    QFETCH(QString, text);
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search(text);
+    const QStringList before = tab.rows();
+    tab.view.hide();
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("again and again", "http://www.new.org/again", BrowserFiles::noonOf(4)));
+    change(visits);
+    QCOMPARE(tab.rows(), before);
+    tab.view.show();
+    QVERIFY(tab.rows() != before);
+    QVERIFY(tab.rows().contains(text.isEmpty() ? "new.org" : "again and again"));
+    const WayfoldBookmarkFolderPtr root = tab.source->localRootFolder();
+    const KDRBookmarkPtr first = root->childAtIndex(0);
+    tab.view.hide();
+    tab.view.show(); // nothing has changed
+    QVERIFY(tab.source->localRootFolder() == root);
+    QVERIFY(root->childAtIndex(0) == first);
+}
 
 void WayfoldHistoryDataSourceTest::matches_data()
 {
