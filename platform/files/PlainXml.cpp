@@ -289,7 +289,7 @@ std::size_t PlainXml::lengthBefore(std::string_view mark)
     std::size_t searched = 0;
     while (true) {
         const std::string_view ahead(_window.data() + _position, _end - _position);
-        const std::size_t found = ahead.find(mark, searched);
+        const std::size_t found = mark.size() == 1 ? ahead.find(mark[0], searched) : ahead.find(mark, searched);
         if (found != std::string_view::npos)
             return found;
         searched = ahead.size() - std::min(ahead.size(), mark.size() - 1);
@@ -403,9 +403,9 @@ bool PlainXml::skipValue(Tag tag, int depth)
 QVariant PlainXml::readScalar(Tag tag)
 {
     const QByteArrayView text = readText(tag);
-    QVariant value;
-    if (!_failed)
-        value = tag == Tag::Integer && isShortInteger(text) ? QVariant(text.toLongLong()) : scalarOf(tag, text);
+    if (tag == Tag::Integer && isShortInteger(text))
+        return text.toLongLong();
+    QVariant value = _failed ? QVariant() : scalarOf(tag, text);
     if (!value.isValid())
         fail();
     return value;

@@ -556,7 +556,7 @@ namespace
 // Folders that hold more than entries, in no order.
 Folder untidyRoot()
 {
-    const Folder root = emptyRoot();
+    Folder root = emptyRoot();
     for (const char *title : {"z", "y"}) {
         const Folder outer = WayfoldBookmarkFolder::bookmarkWithTitle(title);
         outer->addChild(WayfoldBookmarkFolder::bookmarkWithTitle("inner"));

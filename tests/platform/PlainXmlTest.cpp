@@ -83,7 +83,7 @@ QByteArray textOf(const QByteArray &contents, bool *ok)
     *ok = xml.readProlog();
     const Tag tag = xml.readTag();
     *ok = *ok && (tag == Tag::String || tag == Tag::EmptyString);
-    const QByteArray text = xml.readText(tag).toByteArray();
+    QByteArray text = xml.readText(tag).toByteArray();
     *ok = *ok && xml.readEpilog() && !xml.failed();
     return text;
 }
