@@ -10,16 +10,16 @@ namespace
 {
 const QEvent::Type deliveryEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-// A sheet may have been opened on top of an application-modal dialog, so the topmost window is not the only one to ask.
-// What a menu would act on must not change while the menu is open.
-bool isDialogOrMenuOpen()
+bool isApplicationModalDialogRunning()
 {
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()) || !QGuiApplication::modalWindow())
+        return false;
+    // A sheet may have been opened on top of the application-modal dialog, so the topmost is not the only one to ask.
     const QWindowList windows = QGuiApplication::topLevelWindows();
     return std::any_of(windows.begin(), windows.end(), [](const QWindow *window) {
-        return window->isVisible() && (window->modality() == Qt::ApplicationModal || window->type() == Qt::Popup);
+        return window->isVisible() && window->modality() == Qt::ApplicationModal;
     });
 }
-
 // A list that is loaded anew between press and release forgets what was pressed, and a drag becomes a selection.
 bool isMouseHeldDown()
 {
@@ -47,7 +47,7 @@ NotificationQueue::Pause::~Pause()
 
 bool NotificationQueue::isHeldBack() const
 {
-    return _pauses > 0 || isMouseHeldDown() || isDialogOrMenuOpen();
+    return _pauses > 0 || isMouseHeldDown() || isApplicationModalDialogRunning();
 }
 
 void NotificationQueue::enqueueNotification(const Notification &notification, PostingStyle style)

@@ -8,8 +8,8 @@
 #include <vector>
 
 // Posts notifications later, to the default centre. A notification of the same name and object is pending only once; of
-// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs, a menu is open,
-// the mouse is held down or something is dragged (see Pause); it stays pending until that is over.
+// two posting styles, the sooner counts. Nothing is delivered while an application-modal dialog runs, the mouse is held
+// down or something is dragged (see Pause); it stays pending until that is over.
 class NotificationQueue : public QObject
 {
     Q_OBJECT

@@ -424,8 +424,19 @@ void OutlineView::contextMenuEvent(QContextMenuEvent *event)
     }
     QContextMenuEvent request(event->reason(), point, globalPoint, event->modifiers());
     if (QMenu *menu = menuForEvent(&request))
-        menu->popup(globalPoint);
+        popUp(menu, globalPoint);
     event->accept();
+}
+
+// What the menu acts on stays as it is while the menu is open.
+void OutlineView::popUp(QMenu *menu, const QPoint &globalPoint)
+{
+    auto pause = std::make_shared<NotificationQueue::Pause>();
+    menu->popup(globalPoint);
+    if (menu->isVisible()) {
+        connect(
+            menu, &QMenu::aboutToHide, menu, [pause]() mutable { pause.reset(); }, Qt::SingleShotConnection);
+    }
 }
 
 void OutlineView::mouseDoubleClickEvent(QMouseEvent *event)

@@ -116,6 +116,7 @@ private:
     void makeCurrent(const QModelIndex &index);
     std::vector<OutlineItemPtr> selectedItems() const;
     int rowPixels() const;
+    static void popUp(QMenu *menu, const QPoint &globalPoint);
     QPixmap dragPixmap() const;
     void dragEnded(const QObject *drag);
 

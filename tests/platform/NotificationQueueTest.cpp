@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
-#include <QLabel>
 #include <QMenu>
 #include <QProcess>
 #include <QStringList>
@@ -82,7 +81,7 @@ private Q_SLOTS:
     void pauseHoldsBoth();
     void pauseOfAnObserverHoldsTheRest();
     void pressedMouseHoldsBoth();
-    void openMenuHoldsBoth();
+    void menuHoldsNothing();
     void leavesNoFilterBehind();
     void withoutWindows();
     void withTheOtherDispatcher();
@@ -514,7 +513,8 @@ void NotificationQueueTest::pressedMouseHoldsBoth()
     QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
 }
 
-void NotificationQueueTest::openMenuHoldsBoth()
+// A command that is chosen from it comes after what was asked for before.
+void NotificationQueueTest::menuHoldsNothing()
 {
     observe("Idle");
     observe("ASAP");
@@ -523,20 +523,10 @@ void NotificationQueueTest::openMenuHoldsBoth()
     QMenu menu(&window);
     menu.addAction("Open");
     menu.popup(QPoint(5, 5));
-    QVERIFY(menu.isVisible());
     enqueue("Idle", idle);
     enqueue("ASAP", asap);
-    runPasses(20);
-    QVERIFY(_told.isEmpty());
-    menu.hide();
     QTRY_COMPARE(_told, QStringList({"ASAP", "Idle"}));
-
-    // A tip stands there for as long as the pointer rests, and is nothing that the user does.
-    _told.clear();
-    QLabel tip("Tip", &window, Qt::ToolTip);
-    tip.show();
-    enqueue("ASAP", asap);
-    QTRY_COMPARE(_told, QStringList{"ASAP"});
+    QVERIFY(menu.isVisible());
 }
 
 void NotificationQueueTest::pauseOfAnObserverHoldsTheRest()

@@ -852,7 +852,7 @@ void OutlineViewTest::notificationsWaitForTheEndOfAMenu()
 {
     showList(*_view);
     QMenu menu;
-    menu.addAction("Open");
+    QAction *open = menu.addAction("Open");
     _view->menu = &menu;
     QStringList told;
     NotificationCenter &center = NotificationCenter::defaultCenter();
@@ -866,8 +866,9 @@ void OutlineViewTest::notificationsWaitForTheEndOfAMenu()
     for (int i = 0; i < 100; ++i)
         QCoreApplication::processEvents();
     QVERIFY(told.isEmpty());
-    menu.close();
-    QTRY_COMPARE(told, QStringList{"Changed"});
+    connect(open, &QAction::triggered, this, [&told] { told.append("Opened"); });
+    QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(open).center());
+    QTRY_COMPARE(told, QStringList({"Opened", "Changed"}));
 }
 
 // --- Drag and drop --------------------------------------------------------------------------------------------------
