@@ -70,8 +70,10 @@ OutlineView::OutlineView(QWidget *parent) : QTreeView(parent), _model(new Outlin
 
 OutlineView::~OutlineView()
 {
-    if (_drag)
-        _drag->disconnect(this); // a child, which goes after the rest of this
+    // They are children, which go after the rest of this.
+    const QList<QDrag *> drags = findChildren<QDrag *>(Qt::FindDirectChildrenOnly);
+    for (QDrag *drag : drags)
+        drag->disconnect(this);
 }
 
 OutlineViewDataSource *OutlineView::outlineDataSource() const
