@@ -128,7 +128,7 @@ private:
 
     OutlineModel *_model = nullptr;
     std::optional<qreal> _rowHeight;
-    int _quiet = 0;           // while positive, selection changes are not passed on
+    int _quiet = 0;                 // while positive, selection changes are not passed on
     const QObject *_drag = nullptr; // the latest, until its data has been handed over
     QRect _dropIndicator;
     QBasicTimer _springTimer; // opens the folder that a drag rests on
