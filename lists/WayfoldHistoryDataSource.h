@@ -67,7 +67,7 @@ private:
     std::mutex _parsingHistoryLock;
     bool _listIsFiltered = false;
     bool _dataIsLoaded = false;
-    bool _isBehind = false; // what the list shows; it is out of sight
+    bool _isBehind = false; // out of sight, the list shows an older history
     // Kept while filtered, so that afterwards the same folders are there, and open.
     WayfoldBookmarkFolderPtr _rootBeforeSearch;
     QStringList _openBeforeSearch;
