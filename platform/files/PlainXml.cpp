@@ -66,7 +66,7 @@ bool isDigit(char c)
 
 bool isBlank(char c)
 {
-    return c == ' ' || c == '\n' || c == '\t';
+    return c == ' ' || c == '\n' || c == '\t' || c == '\r';
 }
 
 // What may stand in the names of a document type without meaning anything.
@@ -113,10 +113,10 @@ bool isPlainText(QByteArrayView text)
     return unusual == 0;
 }
 
-// What XML lets into a text, and does not change.
+// What XML lets into a text.
 bool isAllowed(QByteArrayView text)
 {
-    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; };
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 && !isBlank(c); };
     const auto contains = [text](std::string_view part) {
         return std::search(text.begin(), text.end(), part.begin(), part.end()) != text.end();
     };
@@ -316,6 +316,12 @@ bool PlainXml::decode(QByteArrayView raw)
 {
     if (!isAllowed(raw))
         return fail();
+    // Whatever ends a line, XML takes it for a line feed.
+    QByteArray text;
+    if (raw.contains('\r')) {
+        text = raw.toByteArray().replace("\r\n", "\n").replace('\r', '\n');
+        raw = text;
+    }
     _decoded.resize(0);
     for (auto at = raw.begin(); at != raw.end();) {
         const auto reference = std::find(at, raw.end(), '&');

@@ -416,6 +416,7 @@ void HistoryReaderTest::timesTheFileIsRead_data()
     row("real with many digits", "<real>0.30000000000000004440892</real>", 1);
     row("large integer", "<integer>18446744073709551615</integer>", 1);
     row("comment", "<!-- a --><true/>", 1);
+    row("line ends of two characters", "\r\n<string>\r\n</string>\r\n", 1);
     // What only the general way reads.
     row("section", "<string><![CDATA[a]]></string>", 2);
     row("instruction", "<?a b?><true/>", 2);

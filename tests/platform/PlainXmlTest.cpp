@@ -167,6 +167,9 @@ void PlainXmlTest::prologs_data()
     QTest::newRow("no declaration") << documentType + root << true;
     QTest::newRow("no document type") << declaration + root << true;
     QTest::newRow("root alone") << root << true;
+    QTest::newRow("line ends of two characters") << declaration + "\r\n" + documentType + "\r\n" + root + "\r\n"
+                                                 << true;
+    QTest::newRow("line end of two characters in a comment") << declaration + "<!-- a\r\nb -->" + root << true;
     QTest::newRow("document type over two lines")
         << declaration + QByteArray(documentType).replace("EN\" \"", "EN\"\n \"") + root << true;
     QTest::newRow("other encoding") << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>") + root << false;
@@ -211,6 +214,7 @@ void PlainXmlTest::epilogs_data()
     QTest::addColumn<bool>("isTaken");
     QTest::newRow("alone") << QByteArray("</plist>") << true;
     QTest::newRow("blanks") << QByteArray(" \n\t</plist>\n\n \t") << true;
+    QTest::newRow("line ends of two characters") << QByteArray("\r\n</plist>\r\n") << true;
     QTest::newRow("none") << QByteArray() << false;
     QTest::newRow("other") << QByteArray("</list>") << false;
     QTest::newRow("text behind") << QByteArray("</plist>x") << false;
@@ -269,7 +273,10 @@ void PlainXmlTest::texts_data()
     refused("no character by number", "<string>&#xffff;</string>");
     refused("NUL", QByteArray("<string>a\0b</string>", 20));
     refused("control character", "<string>\x01</string>");
-    refused("carriage return", "<string>a\r\nb</string>"); // which XML changes
+    row("line end of two characters", "<string>a\r\nb\r\n</string>", "a\nb\n");
+    row("old line ends", "<string>\ra\r\rb\n\r</string>", "\na\n\nb\n\n");
+    row("line end of two characters and an entity", "<string>&amp;\r\n&#65;\r</string>", "&\nA\n");
+    refused("carriage return by number", "<string>a&#13;b</string>");
     refused("not in UTF-8", "<string>\xe9</string>");
     refused("overlong", "<string>\xc0\x80</string>");
     refused("half a pair", "<string>\xed\xa0\x80</string>");
@@ -361,7 +368,8 @@ void PlainXmlTest::values_data()
     row("<data>AAEC/w</data>", true);
     row("<data>&</data>", false);
     row("<data>A*EC</data>", false);
-    row("<data>AAEC\r\n</data>", false);
+    row("<data>AAEC\r\n</data>", true);
+    row("<integer>7\r\n</integer>", true);
     row("<dict><key>a</key><true/><key/><false/></dict>", true);
     row("<dict><key>a</key></dict>", false);
     row("<dict><true/></dict>", false);
