@@ -104,13 +104,13 @@ void HistoryRecords::appendFrom(const HistoryRecords &former, unsigned first, un
 QString HistoryRecords::title(unsigned index) const
 {
     const Record &record = _records[index];
-    return QString::fromUtf8(record.text, qsizetype(record.titleLength));
+    return StringRules::fromUtf8({record.text, qsizetype(record.titleLength)});
 }
 
 QString HistoryRecords::address(unsigned index) const
 {
     const Record &record = _records[index];
-    return QString::fromUtf8(record.text + record.titleLength, qsizetype(record.addressLength));
+    return StringRules::fromUtf8({record.text + record.titleLength, qsizetype(record.addressLength)});
 }
 
 bool HistoryRecords::matches(unsigned index, const TextSearch &search) const

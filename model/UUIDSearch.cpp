@@ -1,5 +1,7 @@
 #include "model/UUIDSearch.h"
 
+#include "platform/base/StringRules.h"
+
 #include <algorithm>
 
 namespace
@@ -23,7 +25,7 @@ UUIDSearch::UUIDSearch(const QStringList &uuids) : _wanted(uuids.cbegin(), uuids
 bool UUIDSearch::isWanted(QByteArrayView uuid) const
 {
     return _lengths.test(std::min(std::size_t(uuid.size()), longest)) && _firstBytes.test(firstByte(uuid)) &&
-           isWanted(QString::fromUtf8(uuid));
+           isWanted(StringRules::fromUtf8(uuid));
 }
 
 void UUIDSearch::offer(const KDRBookmarkPtr &item)

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QRegularExpression>
+#include <QStringDecoder>
 #include <QUrl>
 #include <algorithm>
 #include <array>
@@ -229,7 +230,7 @@ QByteArray StringRules::searchForm(const QString &text)
 void StringRules::appendSearchForm(QByteArrayView text, QByteArray &form)
 {
     if (!appendPlainSearchForm(text, form))
-        form.append(searchForm(QString::fromUtf8(text)));
+        form.append(searchForm(fromUtf8(text)));
 }
 
 bool StringRules::searchFormContains(QByteArrayView text, QByteArrayView part)
@@ -279,7 +280,7 @@ QString StringRules::replacingPercentEscapes(const QString &text)
         bytes.append(static_cast<char>(high * 16 + low));
         i += 2;
     }
-    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : QString();
+    return bytes.isValidUtf8() ? fromUtf8(bytes) : QString();
 }
 
 QString StringRules::addingPercentEscapes(const QString &text)
@@ -287,6 +288,15 @@ QString StringRules::addingPercentEscapes(const QString &text)
     if (text.isEmpty())
         return text;
     return QString::fromLatin1(QUrl::toPercentEncoding(text, "!*'();/?:@&=+$,"));
+}
+
+QString StringRules::fromUtf8(QByteArrayView bytes)
+{
+    if (!bytes.startsWith("\xef\xbb\xbf"))
+        return QString::fromUtf8(bytes); // the quicker way
+    QStringDecoder decode(QStringDecoder::Utf8,
+                          QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
+    return decode(bytes);
 }
 
 QString StringRules::trimmed(const QString &text)

@@ -30,6 +30,9 @@ QString replacingPercentEscapes(const QString &text);
 // Writes every character that may not stand in an address as percent escapes of its UTF-8 bytes. The reserved
 // characters (@ , & = ? : / ; + $ !) stay; "%" itself, "#", "[" and "]" are escaped.
 QString addingPercentEscapes(const QString &text);
+// The text that the bytes stand for; damaged ones as U+FFFD. QString's own call takes a U+FEFF at the beginning for a
+// mark of a file's and drops it.
+QString fromUtf8(QByteArrayView bytes);
 // The text without the white space and line ends around it.
 QString trimmed(const QString &text);
 // The leading decimal integer after blanks, 0 when there is none, clamped to int's range.

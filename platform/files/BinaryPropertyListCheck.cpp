@@ -1,5 +1,6 @@
 #include "platform/files/BinaryPropertyListCheck.h"
 
+#include "platform/base/StringRules.h"
 #include "platform/files/PropertyList.h"
 #include "platform/files/XmlPropertyListWriter.h"
 
@@ -191,7 +192,7 @@ bool BinaryPropertyListCheck::isDamaged(const Object &text) const
 {
     const QByteArrayView bytes(_data.constData() + text.position, qsizetype(text.length));
     if (!text.isWide)
-        return !bytes.isValidUtf8() || !XmlPropertyListWriter::canHold(QString::fromUtf8(bytes));
+        return !bytes.isValidUtf8() || !XmlPropertyListWriter::canHold(StringRules::fromUtf8(bytes));
     QString characters(bytes.size() / 2, Qt::Uninitialized);
     qFromBigEndian<char16_t>(bytes.data(), characters.size(), characters.data());
     return !XmlPropertyListWriter::canHold(characters);

@@ -1,5 +1,7 @@
 #include "platform/files/PlainPropertyList.h"
 
+#include "platform/base/StringRules.h"
+
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -81,5 +83,5 @@ QVariant PlainPropertyList::giveUp()
 QString PlainPropertyList::readString(Tag tag)
 {
     const QByteArrayView text = _xml.readText(tag);
-    return text.isEmpty() ? QString(QLatin1String("")) : QString::fromUtf8(text);
+    return text.isEmpty() ? QString(QLatin1String("")) : StringRules::fromUtf8(text);
 }

@@ -1,5 +1,6 @@
 #include "platform/files/PlainXml.h"
 
+#include "platform/base/StringRules.h"
 #include "platform/files/XmlScalars.h"
 
 #include <QIODevice>
@@ -86,7 +87,7 @@ bool isShortInteger(QByteArrayView text)
 
 QVariant scalarOf(PlainXml::Tag tag, QByteArrayView utf8)
 {
-    const QString text = QString::fromUtf8(utf8);
+    const QString text = StringRules::fromUtf8(utf8);
     switch (tag) {
     case PlainXml::Tag::Integer:
         return XmlScalars::integer(text);
@@ -359,7 +360,7 @@ bool PlainXml::decodeReference(QByteArrayView name)
                              (character >= 0x10000 && character <= 0x10ffff);
         if (name.isEmpty() || error != std::errc() || end != name.end() || !isPlain)
             return false;
-        _decoded.append(QString::fromUcs4(&character, 1).toUtf8());
+        _decoded.append(QStringView(QChar::fromUcs4(character)).toUtf8());
     } else
         return false;
     return true;

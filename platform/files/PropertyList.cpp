@@ -1,6 +1,7 @@
 #include "platform/files/PropertyList.h"
 
 #include "platform/base/Log.h"
+#include "platform/base/StringRules.h"
 #include "platform/files/BinaryPropertyListCheck.h"
 #include "platform/files/DiskFlush.h"
 #include "platform/files/FileStamp.h"
@@ -75,7 +76,7 @@ QString stringFrom(plist_t node)
 {
     uint64_t length = 0;
     const char *text = plist_get_string_ptr(node, &length);
-    return length ? QString::fromUtf8(text, qsizetype(length)) : QStringLiteral("");
+    return length ? StringRules::fromUtf8({text, qsizetype(length)}) : QStringLiteral("");
 }
 
 QVariant valueFrom(plist_t node, bool *isWhole);
@@ -96,7 +97,7 @@ QVariant dictionaryFrom(plist_t node, bool *isWhole)
         const QVariant value = valueFrom(child, isWhole);
         if (!value.isValid())
             return {};
-        const QString name = QString::fromUtf8(key);
+        const QString name = StringRules::fromUtf8(key);
         *isWhole = *isWhole && !dictionary.contains(name);
         dictionary.insert(name, value);
     }

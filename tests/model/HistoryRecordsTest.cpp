@@ -34,6 +34,7 @@ private Q_SLOTS:
     void empty();
     void entries();
     void entriesWithoutTitleOrAddressAreNone();
+    void byteOrderMarksInTexts();
     void visitTimes_data();
     void visitTimes();
     void timesBeyondAllCalendars();
@@ -88,6 +89,16 @@ void HistoryRecordsTest::entriesWithoutTitleOrAddressAreNone()
     QCOMPARE(records.count(), 0U);
     QVERIFY(records.append(" ", " ", ""));
     QCOMPARE(records.count(), 1U);
+}
+
+void HistoryRecordsTest::byteOrderMarksInTexts()
+{
+    HistoryRecords records;
+    records.append("\xef\xbb\xbfTitle", "\xef\xbb\xbf/path", "0");
+    records.append("\xef\xbb\xbf", "http://www.example.com/", "0");
+    QCOMPARE(records.title(0), QStringLiteral("\ufeffTitle"));
+    QCOMPARE(records.address(0), QStringLiteral("\ufeff/path"));
+    QCOMPARE(records.title(1), QStringLiteral("\ufeff"));
 }
 
 void HistoryRecordsTest::visitTimes_data()

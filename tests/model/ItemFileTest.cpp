@@ -44,6 +44,7 @@ private Q_SLOTS:
     void valuesOfOtherTypes();
     void truncatedFiles();
     void oddTexts();
+    void textsThatBeginWithAByteOrderMark();
     void titlesOfControlCharacters();
     void cannotBeWritten();
     void deepestTree();
@@ -517,8 +518,9 @@ void ItemFileTest::truncatedFiles()
 
 void ItemFileTest::oddTexts()
 {
-    const QStringList texts{" ",   "\n",    "<&>\"'", QString::fromUtf8("Ünïcödé 😀 \u202e"),
-                            "]]>", "%1 %n", "/",      QString(5000, 'x')};
+    const QStringList texts{" ",          "\n",    "<&>\"'", QString::fromUtf8("Ünïcödé 😀 \u202e"),
+                            "]]>",        "%1 %n", "/",      QString(5000, 'x'),
+                            "a\r\nb\rc\n"};
     for (const QString &text : texts) {
         const auto root =
             makeFolder(text, {WayfoldBookmarkNote::bookmarkWithTitleAndNote(text, text), makeFolder(text)});
@@ -532,6 +534,26 @@ void ItemFileTest::oddTexts()
 }
 
 // A title that no file can hold does not take its item away.
+void ItemFileTest::textsThatBeginWithAByteOrderMark()
+{
+    const QString mark(QChar(0xfeff));
+    const auto root = makeFolder(
+        mark + "root", {WayfoldBookmarkNote::bookmarkWithTitleAndNote(mark, mark + "note"), makeLink(mark + "link")});
+    root->setFilterString(mark);
+    QVERIFY(root->writeDictionaryFile(path()));
+    const QByteArray written = _home->read("Bookmarks.plist");
+    QVERIFY(written.contains("<string>\xef\xbb\xbf</string>"));
+    const auto read = readBack();
+    QCOMPARE(read->title(), mark + "root");
+    QCOMPARE(read->filterString(), mark);
+    QCOMPARE(read->childCount(), 2U);
+    QCOMPARE(read->childAtIndex(0)->title(), mark);
+    QCOMPARE(read->childAtIndex(0)->valueAsString(), mark + "note");
+    QCOMPARE(read->childAtIndex(1)->title(), mark + "link");
+    QVERIFY(read->writeDictionaryFile(path()));
+    QCOMPARE(_home->read("Bookmarks.plist"), written);
+}
+
 void ItemFileTest::titlesOfControlCharacters()
 {
     const auto folder =

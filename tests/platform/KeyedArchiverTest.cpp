@@ -85,6 +85,7 @@ void KeyedArchiverTest::values_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::newRow("string") << QVariant(QStringLiteral("a <b> & \u00e9\r\n"));
+    QTest::newRow("string behind a byte order mark") << QVariant(QStringLiteral("\ufeffa"));
     QTest::newRow("integer") << QVariant(qlonglong(-7));
     QTest::newRow("real") << QVariant(0.1);
     QTest::newRow("boolean") << QVariant(true);

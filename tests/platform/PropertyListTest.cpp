@@ -128,6 +128,32 @@ void verifyRefused(const QByteArray &data, const char *reason)
     QVERIFY2(messages.contain(reason), qPrintable(messages.texts().join(u'\n')));
 }
 
+// As JSON, each unit of UTF-16 as an escape, so that nobody on the way can take it for something else.
+QByteArray json(const QStringList &texts)
+{
+    QByteArrayList items;
+    for (const QString &text : texts) {
+        QByteArray item;
+        for (const QChar unit : text)
+            item += "\\u" + QByteArray::number(unit.unicode(), 16).rightJustified(4, '0');
+        items.append('"' + item + '"');
+    }
+    return '[' + items.join(',') + ']';
+}
+
+// Runs a script of Python, whose own reader and writer of property lists know nothing of ours; null when nothing in it
+// failed.
+QString runPython(const TemporaryHome &home, const QByteArray &script)
+{
+    home.write("script.py", "import datetime, json, plistlib\n" + script);
+    QProcess process;
+    process.setWorkingDirectory(home.path());
+    process.start(QStandardPaths::findExecutable("python3"), {home.path("script.py")});
+    const bool hasSucceeded =
+        process.waitForFinished() && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return hasSucceeded ? QString() : process.errorString() + process.readAllStandardError();
+}
+
 QString programPath()
 {
     return QCoreApplication::applicationFilePath();
@@ -232,6 +258,9 @@ private Q_SLOTS:
     void nullStringIsWrittenAsEmpty();
     void xmlForm();
     void otherReadersAgree();
+    void otherReadersReadTheSameTexts();
+    void textsOfOtherWritersAreRead_data();
+    void textsOfOtherWritersAreRead();
 
     void xmlIsRead_data();
     void xmlIsRead();
@@ -440,34 +469,107 @@ void PropertyListTest::xmlForm()
 
 void PropertyListTest::otherReadersAgree()
 {
-    const QString python = QStandardPaths::findExecutable("python3");
     const TemporaryHome home;
     QVariantMap value = sampleFile();
     value.insert("odd", "a\rb\t\1]]>");
     QVERIFY(PropertyList::writeFile(value, home.path("file.plist")));
     QCOMPARE(home.read("file.plist"), PropertyList::toXml(value));
-    if (python.isEmpty())
-        return;
-    home.write("check.py", "import plistlib, sys, datetime\n"
-                           "d = plistlib.load(open(sys.argv[1], 'rb'))\n"
-                           "assert d['Title'] == '' and d[''] == 'top', d\n"
-                           "assert d['Children'][1]['URIDictionary'] == {'title': 'Caf\\u00e9 2', '': 'empty key'}, d\n"
-                           "assert d['Children'][0]['URLString'] == 'http://example.com/?a=1&b=<c>', d\n"
-                           "assert d['count'] == -3 and d['width'] == 250.25 and d['flag'] is True, d\n"
-                           "assert d['data'] == b'\\x00\\x01\\x02', d\n"
-                           "assert d['date'] == datetime.datetime(2004, 2, 29, 12, 34, 56), d\n"
-                           "assert d['odd'] == 'a\\rb\\t]]>', d\n"
-                           "d.pop('odd')\n"
-                           "plistlib.dump(d, open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)\n"
-                           "plistlib.dump(d, open(sys.argv[3], 'wb'))\n");
-    QString log;
-    QProcess process;
-    process.start(python, {home.path("check.py"), home.path("file.plist"), home.path("binary"), home.path("xml")});
-    QVERIFY(process.waitForFinished());
-    QVERIFY2(process.exitCode() == 0, process.readAllStandardError().constData());
+    const QString failure =
+        runPython(home, "d = plistlib.load(open('file.plist', 'rb'))\n"
+                        "assert d['Title'] == '' and d[''] == 'top', d\n"
+                        "assert d['Children'][1]['URIDictionary'] == {'title': 'Caf\\u00e9 2', '': 'empty key'}, d\n"
+                        "assert d['Children'][0]['URLString'] == 'http://example.com/?a=1&b=<c>', d\n"
+                        "assert d['count'] == -3 and d['width'] == 250.25 and d['flag'] is True, d\n"
+                        "assert d['data'] == b'\\x00\\x01\\x02', d\n"
+                        "assert d['date'] == datetime.datetime(2004, 2, 29, 12, 34, 56), d\n"
+                        "assert d['odd'] == 'a\\rb\\t]]>', d\n"
+                        "d.pop('odd')\n"
+                        "plistlib.dump(d, open('binary', 'wb'), fmt=plistlib.FMT_BINARY)\n"
+                        "plistlib.dump(d, open('xml', 'wb'))\n");
+    QVERIFY2(failure.isNull(), qPrintable(failure));
     // And the other way round.
     compare(PropertyList::readFile(home.path("binary")), sampleFile());
     compare(PropertyList::readFile(home.path("xml")), sampleFile());
+}
+
+void PropertyListTest::otherReadersReadTheSameTexts()
+{
+    const TemporaryHome home;
+    QVariantList written;
+    QStringList expected;
+    const auto add = [&](const QString &text, const QString &readAs) {
+        // Among others, at both ends, and alone.
+        for (const QString &frame : {QStringLiteral("x%1y"), QStringLiteral("%1y%1"), QStringLiteral("%1")}) {
+            written.append(frame.arg(text));
+            expected.append(frame.arg(readAs));
+        }
+    };
+    for (char32_t c = 0; c < 0x10000; c++) {
+        const QChar unit(static_cast<char16_t>(c));
+        if (c == '\v' || c == '\f')
+            add(unit, QStringLiteral("\n"));
+        else if (c < 0x20 && c != '\t' && c != '\n' && c != '\r')
+            add(unit, QString());
+        else
+            add(unit, unit.isSurrogate() || c >= 0xfffe ? QChar(QChar::ReplacementCharacter) : unit);
+        // Nothing is not written for something.
+        if (expected.last().isEmpty())
+            expected.last() = QChar::ReplacementCharacter;
+    }
+    add(QStringLiteral("\r\n"), QStringLiteral("\r\n"));
+    add(QStringLiteral("\ufeff\ufeff"), QStringLiteral("\ufeff\ufeff"));
+    add(QStringLiteral("\U0001f600"), QStringLiteral("\U0001f600"));
+    const QVariantMap keys{{QStringLiteral("\ufeff"), 1}, {QStringLiteral("\ufeffa\r"), 2}};
+    QVERIFY(PropertyList::writeFile(QVariantList{written, keys}, home.path("file")));
+    home.write("expected", json(expected));
+    const QString failure = runPython(home, "texts, keys = plistlib.load(open('file', 'rb'))\n"
+                                            "expected = json.load(open('expected'))\n"
+                                            "for text, wanted in zip(texts, expected, strict=True):\n"
+                                            "    assert text == wanted, (ascii(text), ascii(wanted))\n"
+                                            "assert keys == {'\\ufeff': 1, '\\ufeffa\\r': 2}, ascii(keys)\n");
+    QVERIFY2(failure.isNull(), qPrintable(failure));
+    const QVariantList read = PropertyList::readFile(home.path("file")).toList();
+    QCOMPARE(read.value(0).toStringList(), expected);
+    QCOMPARE(read.value(1).toMap(), keys);
+}
+
+void PropertyListTest::textsOfOtherWritersAreRead_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isInXml"); // or only in the binary form
+    QTest::newRow("byte order mark") << QStringLiteral("\ufeff") << true;
+    QTest::newRow("byte order mark first") << QStringLiteral("\ufeffa") << true;
+    QTest::newRow("byte order marks") << QStringLiteral("\ufeff\ufeff") << true;
+    QTest::newRow("byte order mark before what is beyond ASCII") << QStringLiteral("\ufeff\u00e9\U0001f600") << true;
+    QTest::newRow("byte order mark behind") << QStringLiteral("a\ufeff") << true;
+    QTest::newRow("blanks") << QStringLiteral(" \n\ta ") << true;
+    QTest::newRow("carriage returns") << QStringLiteral("a\r\nb\r") << false;
+    QTest::newRow("line separators") << QStringLiteral("\u0085\u2028") << true;
+}
+
+void PropertyListTest::textsOfOtherWritersAreRead()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, isInXml);
+    const TemporaryHome home;
+    home.write("text", json({text}));
+    const QString failure = runPython(home, "text = json.load(open('text'))[0]\n"
+                                            "value = [text, {text: text}]\n"
+                                            "plistlib.dump(value, open('binary', 'wb'), fmt=plistlib.FMT_BINARY)\n"
+                                            "plistlib.dump(value, open('xml', 'wb'))\n");
+    QVERIFY2(failure.isNull(), qPrintable(failure));
+    const QVariantList value{text, QVariantMap{{text, text}}};
+    bool isWhole = false;
+    compare(PropertyList::readFile(home.path("binary"), &isWhole), value);
+    QVERIFY(isWhole);
+    if (!isInXml)
+        return;
+    compare(PropertyList::readFile(home.path("xml"), &isWhole), value);
+    QVERIFY(isWhole);
+    compare(PropertyList::readFile(home.path("xml"), nullptr, PropertyList::Xml::General), value);
+    // A mark of the file's own is no text.
+    home.write("marked", "\xef\xbb\xbf" + home.read("xml"));
+    compare(PropertyList::readFile(home.path("marked")), value);
 }
 
 void PropertyListTest::xmlIsRead_data()

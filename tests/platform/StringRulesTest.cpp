@@ -12,6 +12,8 @@ private Q_SLOTS:
     void containsIgnoringCase();
     void searchFormOfUtf8IsThatOfTheText();
     void findsAtEveryPlace();
+    void fromUtf8_data();
+    void fromUtf8();
     void compareIgnoringCase_data();
     void compareIgnoringCase();
     void replacingPercentEscapes_data();
@@ -107,7 +109,7 @@ void StringRulesTest::searchFormOfUtf8IsThatOfTheText()
         if (QChar::isSurrogate(c))
             continue;
         for (const QString &frame : frames) {
-            const QString text = frame.arg(QString::fromUcs4(&c, 1));
+            const QString text = frame.arg(QStringView(QChar::fromUcs4(c)));
             QByteArray form;
             StringRules::appendSearchForm(text.toUtf8(), form);
             if (form != StringRules::searchForm(text))
@@ -138,6 +140,30 @@ void StringRulesTest::findsAtEveryPlace()
             }
         }
     }
+}
+
+void StringRulesTest::fromUtf8_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QByteArray("") << QStringLiteral("");
+    QTest::newRow("beyond ASCII") << QByteArray("a\xc3\xa9\xf0\x9f\x98\x80") << QStringLiteral("a\u00e9\U0001f600");
+    QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbf") << QStringLiteral("\ufeff");
+    QTest::newRow("byte order mark first") << QByteArray("\xef\xbb\xbf\xc3\xa9") << QStringLiteral("\ufeff\u00e9");
+    QTest::newRow("byte order marks") << QByteArray("\xef\xbb\xbf\xef\xbb\xbf|\xef\xbb\xbf")
+                                      << QStringLiteral("\ufeff\ufeff|\ufeff");
+    QTest::newRow("damaged") << QByteArray("\xe9 a") << QStringLiteral("\ufffd a");
+    QTest::newRow("cut short") << QByteArray("a\xc3") << QStringLiteral("a\ufffd");
+    QTest::newRow("damaged behind a mark") << QByteArray("\xef\xbb\xbf\xe9 a") << QStringLiteral("\ufeff\ufffd a");
+    QTest::newRow("cut short behind a mark") << QByteArray("\xef\xbb\xbf\xc3") << QStringLiteral("\ufeff\ufffd");
+    QTest::newRow("half a mark") << QByteArray("\xef\xbb") << QStringLiteral("\ufffd\ufffd");
+}
+
+void StringRulesTest::fromUtf8()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    compare(StringRules::fromUtf8(bytes), text);
 }
 
 void StringRulesTest::compareIgnoringCase_data()
@@ -185,6 +211,7 @@ void StringRulesTest::replacingPercentEscapes_data()
                                 << "a+b+";
     QTest::newRow("UTF-8") << "%C3%A9%f0%9f%98%80" << QStringLiteral("\u00e9\U0001f600");
     QTest::newRow("beside plain UTF-8") << QStringLiteral("\u00e9%20") << QStringLiteral("\u00e9 ");
+    QTest::newRow("byte order mark") << "%EF%BB%BFa" << QStringLiteral("\ufeffa");
     QTest::newRow("not UTF-8") << "%E9" << QString();
     QTest::newRow("UTF-8 cut short") << "%C3" << QString();
     QTest::newRow("no digits") << "100%" << QString();
