@@ -1,7 +1,5 @@
 #include "platform/widgets/MenuItem.h"
 
-#include <QHash>
-#include <QKeySequence>
 #include <QMenu>
 #include <QVariant>
 
@@ -13,53 +11,6 @@ constexpr auto actionProperty = "action";
 constexpr auto targetProperty = "menuItemTarget";
 constexpr auto keyProperty = "keyEquivalent";
 constexpr auto maskProperty = "keyEquivalentModifierMask";
-
-// The characters that stand for keys without one.
-const QHash<char16_t, Qt::Key> &namedKeys()
-{
-    static const QHash<char16_t, Qt::Key> keys = {
-        {0x03, Qt::Key_Enter},  {0x08, Qt::Key_Backspace}, {0x09, Qt::Key_Tab},      {0x0D, Qt::Key_Return},
-        {0x1B, Qt::Key_Escape}, {0x7F, Qt::Key_Backspace}, {0xF700, Qt::Key_Up},     {0xF701, Qt::Key_Down},
-        {0xF702, Qt::Key_Left}, {0xF703, Qt::Key_Right},   {0xF727, Qt::Key_Insert}, {0xF728, Qt::Key_Delete},
-        {0xF729, Qt::Key_Home}, {0xF72B, Qt::Key_End},     {0xF72C, Qt::Key_PageUp}, {0xF72D, Qt::Key_PageDown},
-    };
-    return keys;
-}
-
-constexpr char16_t firstFunctionKey = 0xF704;
-constexpr char16_t lastFunctionKey = 0xF726; // F35
-
-Qt::Key keyForCharacter(QChar character)
-{
-    const char16_t code = character.unicode();
-    if (code >= firstFunctionKey && code <= lastFunctionKey)
-        return Qt::Key(Qt::Key_F1 + (code - firstFunctionKey));
-    return namedKeys().value(code, Qt::Key(character.toUpper().unicode()));
-}
-
-QString characterForKey(Qt::Key key)
-{
-    if (key >= Qt::Key_F1 && key <= Qt::Key_F35)
-        return QChar(char16_t(firstFunctionKey + (key - Qt::Key_F1)));
-    if (key == Qt::Key_Backspace)
-        return QChar(0x08);
-    const char16_t named = namedKeys().key(key, 0);
-    if (named)
-        return QChar(named);
-    return key < Qt::Key_Escape ? QString(QChar(char16_t(key)).toLower()) : QString();
-}
-
-struct ModifierPair
-{
-    MenuItem::ModifierMask mask;
-    Qt::KeyboardModifier modifier;
-};
-constexpr ModifierPair modifierPairs[] = {
-    {MenuItem::NSShiftKeyMask, Qt::ShiftModifier},
-    {MenuItem::NSControlKeyMask, Qt::MetaModifier},
-    {MenuItem::NSAlternateKeyMask, Qt::AltModifier},
-    {MenuItem::NSCommandKeyMask, Qt::ControlModifier},
-};
 
 void perform(QAction *item)
 {
@@ -117,39 +68,19 @@ void MenuItem::setKeyEquivalent(QAction *item, const QString &key, unsigned modi
 {
     item->setProperty(keyProperty, key.isNull() ? QString::fromLatin1("") : key);
     item->setProperty(maskProperty, modifierMask);
-    if (key.isEmpty()) {
-        item->setShortcut({});
-        return;
-    }
-    Qt::KeyboardModifiers modifiers;
-    for (const ModifierPair &pair : modifierPairs) {
-        if (modifierMask & pair.mask)
-            modifiers |= pair.modifier;
-    }
-    item->setShortcut(QKeyCombination(modifiers, keyForCharacter(key.front())));
+    item->setShortcut(KeyEquivalent{key, modifierMask}.shortcut());
 }
 
 QString MenuItem::keyEquivalent(const QAction *item)
 {
     const QVariant key = item->property(keyProperty);
-    if (key.isValid())
-        return key.toString();
-    const QKeySequence shortcut = item->shortcut();
-    return shortcut.isEmpty() ? QString::fromLatin1("") : characterForKey(shortcut[0].key());
+    return key.isValid() ? key.toString() : KeyEquivalent::ofShortcut(item->shortcut()).key;
 }
 
 unsigned MenuItem::keyEquivalentModifierMask(const QAction *item)
 {
     const QVariant mask = item->property(maskProperty);
-    if (mask.isValid())
-        return mask.toUInt();
-    const QKeySequence shortcut = item->shortcut();
-    unsigned result = 0;
-    for (const ModifierPair &pair : modifierPairs) {
-        if (!shortcut.isEmpty() && shortcut[0].keyboardModifiers().testFlag(pair.modifier))
-            result |= pair.mask;
-    }
-    return result;
+    return mask.isValid() ? mask.toUInt() : KeyEquivalent::ofShortcut(item->shortcut()).modifierMask;
 }
 
 QAction *MenuItem::itemWithTag(const QMenu *menu, int tag)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/widgets/KeyEquivalent.h"
+
 #include <QAction>
 #include <QString>
 #include <functional>
@@ -21,12 +23,7 @@ public:
 
 namespace MenuItem
 {
-enum ModifierMask : unsigned {
-    NSShiftKeyMask = 1U << 17,
-    NSControlKeyMask = 1U << 18,
-    NSAlternateKeyMask = 1U << 19,
-    NSCommandKeyMask = 1U << 20,
-};
+using enum KeyEquivalent::ModifierMask;
 
 int tag(const QAction *item); // 0 when none was set
 void setTag(QAction *item, int tag);
@@ -36,9 +33,8 @@ void setAction(QAction *item, const QString &action);
 void setTarget(QAction *item, MenuItemTarget *target);
 MenuItemTarget *target(const QAction *item);
 
-// Command is Qt::ControlModifier, Control is Qt::MetaModifier, Option is Qt::AltModifier. The key is one character, or
-// the platform's character for a key without one (U+F701 is the down arrow, U+F704 is F1). An empty key removes the
-// shortcut. An item that was never given one answers what its shortcut stands for, letters in lower case.
+// An empty key removes the shortcut. An item that was never given one answers what its shortcut stands for, letters in
+// lower case.
 void setKeyEquivalent(QAction *item, const QString &key, unsigned modifierMask);
 QString keyEquivalent(const QAction *item);
 unsigned keyEquivalentModifierMask(const QAction *item);

@@ -423,5 +423,33 @@
         <source>Related History</source>
         <translation>Verwandte Seiten im Verlauf</translation>
     </message>
+    <message>
+        <source>Keyboard Shortcut</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Press the new shortcut for this command:</source>
+        <translation>Drücken Sie das neue Tastenkürzel für diesen Befehl:</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Keep this shortcut</source>
+        <translation>Dieses Tastenkürzel übernehmen</translation>
+    </message>
+    <message>
+        <source>Leave the command without a shortcut</source>
+        <translation>Dem Befehl kein Tastenkürzel geben</translation>
+    </message>
+    <message>
+        <source>Press the key together with Ctrl, Alt or Shift.</source>
+        <translation>Drücken Sie die Taste zusammen mit Strg, Alt oder Umschalt.</translation>
+    </message>
+    <message>
+        <source>The browser has this shortcut already.</source>
+        <translation>Dieses Tastenkürzel hat schon der Browser.</translation>
+    </message>
 </context>
 </TS>

@@ -1,0 +1,315 @@
+#include "drawer/WayfoldShortcutPanel.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "platform/widgets/InterfaceFile.h"
+#include "platform/widgets/MenuItem.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QHash>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr unsigned Shift = MenuItem::NSShiftKeyMask;
+constexpr unsigned Control = MenuItem::NSControlKeyMask;
+constexpr unsigned Option = MenuItem::NSAlternateKeyMask;
+constexpr unsigned Command = MenuItem::NSCommandKeyMask;
+constexpr unsigned Function = MenuItem::NSFunctionKeyMask;
+
+// The browser's own shortcuts: these keys with exactly these modifiers.
+struct TakenKeys
+{
+    unsigned modifierMask;
+    QStringView characters;
+};
+
+constexpr TakenKeys takenKeys[] = {
+    {Command, u"abcdefghjklmnopqrstvwxz123456789,./[]\\|"},
+    {Command | Shift, u"?ADGHNPSTWZ"},
+    {Command | Option, u"ABDEFHKLMPSVW"},
+    {Command | Option | Shift, u"W"},
+    {Command | Function, u"\uF702\uF703"},         // the arrows to the left and to the right
+    {Command | Shift | Function, u"\uF702\uF703"}, // the same
+};
+
+const QString blanks = QStringLiteral("    ");
+
+QString localized(const char *key)
+{
+    return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+void describe(QPushButton *button, const char *text, const char *toolTip)
+{
+    button->setText(localized(text));
+    button->setAccessibleName(localized(text));
+    button->setToolTip(localized(toolTip));
+}
+
+QString signsOfModifiers(unsigned modifierMask)
+{
+    QString signs;
+    if (modifierMask & Control)
+        signs += QChar(0x2303);
+    if (modifierMask & Option)
+        signs += QChar(0x2325);
+    if (modifierMask & Shift)
+        signs += QChar(0x21E7);
+    if (modifierMask & Command)
+        signs += QChar(0x2318);
+    return signs;
+}
+
+// Null when the key has no name.
+QString nameOfFunctionKey(char16_t character)
+{
+    constexpr char16_t firstFunctionKey = 0xF704;
+    constexpr char16_t lastFunctionKey = 0xF726; // F35
+    if (character >= firstFunctionKey && character <= lastFunctionKey)
+        return QStringLiteral("F%1").arg(character - firstFunctionKey + 1);
+    static const QHash<char16_t, QString> names = {
+        {0xF700, QStringLiteral("\u2191")}, // up
+        {0xF701, QStringLiteral("\u2193")}, // down
+        {0xF702, QStringLiteral("\u2190")}, // left
+        {0xF703, QStringLiteral("\u2192")}, // right
+        {0xF729, QStringLiteral("\u2196")}, // Home
+        {0xF72B, QStringLiteral("\u2198")}, // End
+        {0xF72C, QStringLiteral("\u21DE")}, // Page Up
+        {0xF72D, QStringLiteral("\u21DF")}, // Page Down
+    };
+    return names.value(character);
+}
+
+QString nameOfPlainKey(char16_t character)
+{
+    static const QHash<char16_t, QString> names = {
+        {0x0D, QStringLiteral("\u21A9")},                                   // Return
+        {0x03, QStringLiteral("\u2305")},                                   // Enter
+        {0x09, QStringLiteral("\u21E5")},                                   // Tab
+        {0x20, QStringLiteral("Space")},  {0x7F, QStringLiteral("\u2326")}, // Delete
+        {0x1B, QStringLiteral("Esc")},
+    };
+    return names.value(character);
+}
+
+QString nameOfKey(const QString &key, unsigned modifierMask)
+{
+    const QChar first = key.front();
+    if (first.isLetterOrNumber())
+        return key.toUpper();
+    const QString name = modifierMask & Function ? nameOfFunctionKey(first.unicode()) : nameOfPlainKey(first.unicode());
+    return name.isNull() ? key.toUpper() : name;
+}
+
+// The keys with which a dialog is worked.
+bool worksButtons(const QKeyEvent &event)
+{
+    if (event.modifiers() & ~Qt::KeypadModifier)
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Tab:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Escape:
+        return true;
+    case Qt::Key_Space:
+        return qobject_cast<QPushButton *>(QApplication::focusWidget()) != nullptr;
+    default:
+        return false;
+    }
+}
+} // namespace
+
+WayfoldShortcutPanel::WayfoldShortcutPanel(QWidget *parent) : QDialog(parent)
+{
+    setWindowModality(Qt::WindowModal);
+    setFocusPolicy(Qt::StrongFocus);
+    const InterfaceFile interface(QStringLiteral("WayfoldShortcutPanel"), this);
+    if (!interface.topLevelWidget())
+        return;
+    auto *panelLayout = new QVBoxLayout(this);
+    panelLayout->setContentsMargins(0, 0, 0, 0);
+    panelLayout->setSizeConstraint(QLayout::SetFixedSize);
+    panelLayout->addWidget(interface.topLevelWidget());
+    setWindowTitle(interface.topLevelWidget()->windowTitle());
+    _menuItemTitleField = interface.outlet<QLabel>(QStringLiteral("menuItemTitleField"));
+    _messageField = interface.outlet<QLabel>(QStringLiteral("messageField"));
+    connectButtons();
+    awakeFromNib();
+}
+
+WayfoldShortcutPanel::~WayfoldShortcutPanel()
+{
+    if (isVisible())
+        restoreShortcut();
+}
+
+void WayfoldShortcutPanel::connectButtons()
+{
+    const auto *buttons = findChild<QDialogButtonBox *>();
+    QPushButton *ok = buttons->button(QDialogButtonBox::Ok);
+    QPushButton *clear = buttons->button(QDialogButtonBox::Reset);
+    QPushButton *cancel = buttons->button(QDialogButtonBox::Cancel);
+    describe(ok, "OK", "Keep this shortcut");
+    describe(clear, "Clear", "Leave the command without a shortcut");
+    describe(cancel, "Cancel", "Close without changing anything");
+    connect(ok, &QPushButton::clicked, this, [this, ok] { handleOKButton(ok); });
+    connect(clear, &QPushButton::clicked, this, [this, clear] { handleClearButton(clear); });
+    connect(cancel, &QPushButton::clicked, this, [this, cancel] { handleCancelButton(cancel); });
+    for (QPushButton *button : {ok, clear, cancel})
+        button->installEventFilter(this);
+}
+
+void WayfoldShortcutPanel::awakeFromNib()
+{
+    _menuItem = nullptr;
+    _savedKey = QString();
+    _savedModifier = 0;
+}
+
+bool WayfoldShortcutPanel::performActionWithMenuItemForWindow(QAction *item, QWidget *window)
+{
+    if (!item)
+        return false;
+    _menuItem = item;
+    _savedKey = MenuItem::keyEquivalent(item);
+    _savedModifier = MenuItem::keyEquivalentModifierMask(item);
+    displayMenuItem();
+    if (parentWidget() != window)
+        setParent(window, windowFlags());
+    setFocus();
+    open();
+    return false;
+}
+
+void WayfoldShortcutPanel::displayMenuItem()
+{
+    if (!_menuItemTitleField || !_menuItem)
+        return;
+    QString text = _menuItem->text();
+    const QString shortcut = describeShortCutKeyWithModifiers(MenuItem::keyEquivalent(_menuItem),
+                                                              MenuItem::keyEquivalentModifierMask(_menuItem));
+    if (!shortcut.isEmpty())
+        text += blanks + shortcut;
+    _menuItemTitleField->setText(text);
+}
+
+bool WayfoldShortcutPanel::performKeyEquivalent(const QKeyEvent &event)
+{
+    const KeyEquivalent pressed = KeyEquivalent::ofKeyPress(event);
+    if (pressed.key.isEmpty() || !_menuItem)
+        return true;
+    if (pressed.modifierMask == 0) {
+        refuse(localized("Press the key together with Ctrl, Alt or Shift."));
+    } else if (isTakenShortcutWithCharAndModifier(pressed.key.front().unicode(), pressed.modifierMask)) {
+        refuse(localized("The browser has this shortcut already."));
+    } else {
+        MenuItem::setKeyEquivalent(_menuItem, pressed.key, pressed.modifierMask);
+        displayMenuItem();
+    }
+    return true;
+}
+
+bool WayfoldShortcutPanel::isTakenShortcutWithCharAndModifier(char16_t character, unsigned modifierMask)
+{
+    for (const TakenKeys &taken : takenKeys) {
+        if (taken.modifierMask == modifierMask)
+            return taken.characters.contains(QChar(character));
+    }
+    return false;
+}
+
+QString WayfoldShortcutPanel::describeShortCutKeyWithModifiers(const QString &key, unsigned modifierMask)
+{
+    if (key.isEmpty())
+        return QStringLiteral("");
+    return blanks + signsOfModifiers(modifierMask) + nameOfKey(key, modifierMask);
+}
+
+void WayfoldShortcutPanel::handleOKButton(QObject * /*sender*/)
+{
+    storeShortcut();
+    endSheet(Accepted);
+}
+
+void WayfoldShortcutPanel::handleClearButton(QObject * /*sender*/)
+{
+    if (_menuItem)
+        MenuItem::setKeyEquivalent(_menuItem, QStringLiteral(""), 0);
+    storeShortcut();
+    endSheet(Accepted);
+}
+
+void WayfoldShortcutPanel::handleCancelButton(QObject * /*sender*/)
+{
+    restoreShortcut();
+    endSheet(Rejected);
+}
+
+void WayfoldShortcutPanel::reject()
+{
+    handleCancelButton(this);
+}
+
+void WayfoldShortcutPanel::storeShortcut()
+{
+    if (!_menuItem)
+        return;
+    WayfoldDefaults &settings = WayfoldDefaults::sharedInstance();
+    const auto item = unsigned(MenuItem::tag(_menuItem));
+    settings.setShortcutKeyForItem(MenuItem::keyEquivalent(_menuItem), item);
+    settings.setShortcutModifierMaskForItemForItem(MenuItem::keyEquivalentModifierMask(_menuItem), item);
+}
+
+void WayfoldShortcutPanel::restoreShortcut()
+{
+    if (_menuItem)
+        MenuItem::setKeyEquivalent(_menuItem, _savedKey, _savedModifier);
+}
+
+void WayfoldShortcutPanel::endSheet(int result)
+{
+    done(result);
+}
+
+void WayfoldShortcutPanel::refuse(const QString &reason)
+{
+    beep();
+    if (_messageField)
+        _messageField->setText(reason);
+}
+
+void WayfoldShortcutPanel::beep()
+{
+    QApplication::beep();
+}
+
+bool WayfoldShortcutPanel::event(QEvent *event)
+{
+    return takeKeyEvent(event) || QDialog::event(event);
+}
+
+bool WayfoldShortcutPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    return takeKeyEvent(event) || QDialog::eventFilter(watched, event);
+}
+
+// Before anybody's shortcut is asked, and before the dialog moves its focus or presses its default button.
+bool WayfoldShortcutPanel::takeKeyEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress)
+        return false;
+    auto *keyEvent = static_cast<QKeyEvent *>(event);
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    if (worksButtons(*keyEvent))
+        return false;
+    event->accept();
+    return keyEvent->isAutoRepeat() || performKeyEquivalent(*keyEvent);
+}
