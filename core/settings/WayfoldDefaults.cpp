@@ -34,6 +34,8 @@ const QString ShowFavIcons = QStringLiteral("WayfoldShowFavIcons");
 const QVariant off = qlonglong(0);
 const QVariant on = qlonglong(1);
 
+constexpr qreal smallFontRatio = 0.85; // of the small font to the normal one, where the desktop names none
+
 struct Shortcut
 {
     unsigned item;
@@ -133,6 +135,15 @@ QString styleOfFont(const QFont &font)
             shortest = style;
     }
     return shortest;
+}
+// Many desktops name no small font of their own, and Qt's stand-in for it may be larger than the normal one.
+QFont smallSystemFont()
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    const qreal normalSize = QFontInfo(font).pointSizeF();
+    const qreal smallSize = QFontInfo(QFontDatabase::systemFont(QFontDatabase::SmallestReadableFont)).pointSizeF();
+    font.setPointSizeF(smallSize < normalSize ? smallSize : normalSize * smallFontRatio);
+    return font;
 }
 } // namespace
 
@@ -315,9 +326,7 @@ std::optional<QFont> WayfoldDefaults::listViewFont() const
     const QString name = listViewFontName();
     if (!name.isEmpty())
         return fontWithNameSize(name, listViewFontSize());
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPointSizeF(QFontInfo(QFontDatabase::systemFont(QFontDatabase::SmallestReadableFont)).pointSizeF());
-    return font;
+    return smallSystemFont();
 }
 
 std::optional<QFont> WayfoldDefaults::fontWithNameSize(const QString &name, float size)
