@@ -1,6 +1,7 @@
 #include "platform/widgets/MenuItem.h"
 
 #include <QMenu>
+#include <QRegularExpression>
 #include <QVariant>
 
 // A menu item keeps what belongs to it as properties of the action; "tag" and "action" are set by interface files too.
@@ -30,6 +31,13 @@ void forEachTargeted(const QMenu *menu, Function function)
     }
 }
 } // namespace
+
+// A lone "&" stands before a shortcut letter, two of them for one that is shown.
+QString MenuItem::title(const QAction *item)
+{
+    static const QRegularExpression mark(QStringLiteral("&(.?)"));
+    return item->text().replace(mark, QStringLiteral("\\1"));
+}
 
 int MenuItem::tag(const QAction *item)
 {

@@ -25,6 +25,8 @@ namespace MenuItem
 {
 using enum KeyEquivalent::ModifierMask;
 
+// As it is read, without the marks that its text has for a menu ("Bed && &Breakfast").
+QString title(const QAction *item);
 int tag(const QAction *item); // 0 when none was set
 void setTag(QAction *item, int tag);
 QString action(const QAction *item); // null when none was set

@@ -37,6 +37,8 @@ class MenuItemTest : public QObject
 
 private Q_SLOTS:
     void hasNothingAtFirst();
+    void titleIsWithoutMarks_data();
+    void titleIsWithoutMarks();
     void keepsTagAndAction();
     void readsWhatAnInterfaceFileSets();
     void findsItemsByTag();
@@ -64,6 +66,34 @@ void MenuItemTest::hasNothingAtFirst()
     QVERIFY(!MenuItem::target(&item));
     QVERIFY(MenuItem::keyEquivalent(&item).isEmpty());
     QCOMPARE(MenuItem::keyEquivalentModifierMask(&item), 0U);
+}
+
+void MenuItemTest::titleIsWithoutMarks_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("plain") << "New Note..."
+                           << "New Note...";
+    QTest::newRow("shortcut letter") << "New &Note..."
+                                     << "New Note...";
+    QTest::newRow("first letter") << "&Open"
+                                  << "Open";
+    QTest::newRow("shown") << "Bed && Breakfast"
+                           << "Bed & Breakfast";
+    QTest::newRow("both") << "&Bed &&& &Breakfast"
+                          << "Bed & Breakfast";
+    QTest::newRow("at the end") << "Bed &"
+                                << "Bed ";
+    QTest::newRow("none") << QString() << QString();
+}
+
+void MenuItemTest::titleIsWithoutMarks()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, title);
+    QAction item;
+    item.setText(text);
+    QCOMPARE(MenuItem::title(&item), title);
 }
 
 void MenuItemTest::keepsTagAndAction()
