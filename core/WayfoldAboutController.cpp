@@ -1,17 +1,12 @@
 #include "core/WayfoldAboutController.h"
 
 #include "core/settings/WayfoldToolkit.h"
-#include "platform/host/CurrentHost.h"
-#include "platform/host/HostApplication.h"
-#include "platform/host/HostWindow.h"
 #include "platform/widgets/Image.h"
 #include "platform/widgets/InterfaceFile.h"
+#include "platform/widgets/SideWindow.h"
 
-#include <QGuiApplication>
 #include <QLabel>
 #include <QPointer>
-#include <QScreen>
-#include <QShortcut>
 
 namespace
 {
@@ -36,22 +31,6 @@ void fillIn(const InterfaceFile &interface)
         picture->setPixmap(icon->icon().pixmap(iconSize, picture->devicePixelRatio()));
 }
 
-// Of the screen that the user looks at.
-QRectF visibleScreenFrame()
-{
-    HostApplication *host = currentHost();
-    const std::shared_ptr<HostWindow> window = host ? host->keyWindow() : nullptr;
-    return window ? window->visibleScreenFrame() : QRectF(QGuiApplication::primaryScreen()->availableGeometry());
-}
-
-void center(QWidget *window)
-{
-    window->adjustSize();
-    QRect frame = window->frameGeometry();
-    frame.moveCenter(visibleScreenFrame().center().toPoint());
-    window->move(frame.topLeft());
-}
-
 QWidget *makeWindow()
 {
     const InterfaceFile interface(QStringLiteral("WayfoldAbout"));
@@ -60,11 +39,8 @@ QWidget *makeWindow()
         return nullptr;
     fillIn(interface);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    // The browser may quit although this window is open.
-    window->setAttribute(Qt::WA_QuitOnClose, false);
-    for (auto *close : {new QShortcut(Qt::Key_Escape, window), new QShortcut(QKeySequence::Close, window)})
-        QObject::connect(close, &QShortcut::activated, window, &QWidget::close);
-    center(window);
+    SideWindow::prepare(window);
+    SideWindow::center(window);
     return window;
 }
 } // namespace
@@ -73,11 +49,8 @@ void WayfoldAboutController::displayAboutWindow()
 {
     if (!openWindow)
         openWindow = makeWindow();
-    if (!openWindow)
-        return;
-    openWindow->show();
-    openWindow->raise();
-    openWindow->activateWindow();
+    if (openWindow)
+        SideWindow::makeKeyAndOrderFront(openWindow);
 }
 
 QWidget *WayfoldAboutController::window()

@@ -2,9 +2,9 @@
 
 #include "drawer/KDRShowNoteView.h"
 #include "platform/widgets/InterfaceFile.h"
+#include "platform/widgets/SideWindow.h"
 
 #include <QEvent>
-#include <QShortcut>
 
 void KDRShowNoteController::showNote(const WayfoldBookmarkNotePtr &note)
 {
@@ -36,11 +36,8 @@ void KDRShowNoteController::windowDidLoad()
         return;
     }
     _window->setWindowTitle(_bookmark->title());
-    // The browser may quit although notes are being read.
-    _window->setAttribute(Qt::WA_QuitOnClose, false);
+    SideWindow::prepare(_window);
     _window->installEventFilter(this);
-    for (auto *close : {new QShortcut(Qt::Key_Escape, _window), new QShortcut(QKeySequence::Close, _window)})
-        connect(close, &QShortcut::activated, _window, &QWidget::close);
 }
 
 QString KDRShowNoteController::getValueFieldText() const
@@ -50,11 +47,8 @@ QString KDRShowNoteController::getValueFieldText() const
 
 void KDRShowNoteController::makeKeyAndOrderFront()
 {
-    if (!_window)
-        return;
-    _window->show();
-    _window->raise();
-    _window->activateWindow();
+    if (_window)
+        SideWindow::makeKeyAndOrderFront(_window);
 }
 
 bool KDRShowNoteController::eventFilter(QObject *watched, QEvent *event)
