@@ -4,6 +4,8 @@
 #include "platform/base/Log.h"
 #include "platform/files/KeptCopy.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <algorithm>
 
 namespace
@@ -47,6 +49,8 @@ void ItemFileStore::retrySave(const WayfoldBookmarkFolder &root)
 
 bool ItemFileStore::write(const WayfoldBookmarkFolder &root)
 {
+    // The folder may have been removed since it was made.
+    QDir().mkpath(QFileInfo(_path).path());
     if (!keepWhatWouldBeLost() || !root.writeDictionaryFile(_path))
         return false;
     _stamp = FileStamp::ofFile(_path);

@@ -84,6 +84,33 @@ bool BinaryPropertyListCheck::readText(quint64 number, QByteArray *text)
     return wide.isValidUtf16() && !wide.contains(QChar::Null);
 }
 
+QByteArray BinaryPropertyListCheck::forLibrary() const
+{
+    if (_emptyWideTexts.empty() && _unknownValues.empty())
+        return _data;
+    // Both stand where the offsets began, and these follow, of eight bytes each now.
+    const QByteArray emptyText(1, '\x50');
+    const QByteArray identifier("\x80\0", 2);
+    std::vector<quint64> offsets(_objectCount);
+    for (quint64 number = 0; number < _objectCount; ++number)
+        offsets[number] = markerOf(number);
+    for (const quint64 number : _emptyWideTexts)
+        offsets[number] = _end;
+    for (const quint64 number : _unknownValues)
+        offsets[number] = _end + emptyText.size();
+    QByteArray result = _data.left(qsizetype(_end)) + emptyText + identifier;
+    const quint64 end = result.size();
+    const auto append = [&result](quint64 number) {
+        number = qToBigEndian(number);
+        result.append(reinterpret_cast<const char *>(&number), sizeof number);
+    };
+    std::for_each(offsets.begin(), offsets.end(), append);
+    result.append(6, '\0').append(char(sizeof(quint64))).append(char(_referenceSize));
+    for (const quint64 number : {_objectCount, _top, end})
+        append(number);
+    return result;
+}
+
 bool BinaryPropertyListCheck::readTrailer()
 {
     const quint64 size = _data.size();
@@ -119,18 +146,26 @@ bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
     position++;
     switch (kind) {
     case 0x0:
-        return low == 8 || low == 9 || refuse("an object of an unknown kind");
+        return low == 8 || low == 9 || isUnknown(object);
     case 0x1:
         if (low > 4 || !isInside(position, 1 << low))
             return refuse("a damaged integer");
         // Sixteen bytes are used for what is too large for eight bytes with a sign, and hold no more than that.
-        return low < 4 || integerAt(position, 8) == 0 || refuse("an integer out of range");
+        return low < 4 || integerAt(position, 8) == 0 || isUnknown(object);
     case 0x2:
         return ((low == 2 || low == 3) && isInside(position, 1 << low)) || refuse("a damaged real");
     case 0x3:
-        return (low == 3 && isInside(position, 8) && isDateAt(position)) || refuse("a damaged date");
-    default:
+        if (low != 3 || !isInside(position, 8))
+            return refuse("a damaged date");
+        return isDateAt(position) || isUnknown(object);
+    case 0x4:
+    case 0x5:
+    case 0x6:
+    case 0xa:
+    case 0xd:
         break;
+    default:
+        return isUnknown(object);
     }
 
     position--;
@@ -157,13 +192,11 @@ bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
         object->references = count;
         object->length = count * _referenceSize;
         break;
-    case 0xd:
+    default:
         object->kind = Object::Dictionary;
         object->references = count * 2;
         object->length = count * 2 * _referenceSize;
         break;
-    default:
-        return refuse("an object of an unknown kind");
     }
     object->position = position;
     return isInside(position, object->length) || refuse("an object that is cut short");
@@ -216,6 +249,13 @@ bool BinaryPropertyListCheck::isDateAt(quint64 position) const
     return std::abs(std::bit_cast<double>(integerAt(position, 8))) <= furthestDate;
 }
 
+// True, for use as an answer.
+bool BinaryPropertyListCheck::isUnknown(Object *object)
+{
+    object->kind = Object::Unknown;
+    return true;
+}
+
 bool BinaryPropertyListCheck::enter(quint64 number)
 {
     Visit visit;
@@ -227,8 +267,10 @@ bool BinaryPropertyListCheck::enter(quint64 number)
     known.bytes = visit.object.bytes;
     _hasDamagedText = _hasDamagedText || (visit.object.kind == Object::Text && isDamaged(visit.object));
     if (visit.object.isWide && visit.object.length == 0)
-        _emptyWideTexts.push_back(markerOf(number));
-    if (visit.object.kind == Object::Scalar || visit.object.kind == Object::Text) {
+        _emptyWideTexts.push_back(number);
+    if (visit.object.kind == Object::Unknown)
+        _unknownValues.push_back(number);
+    if (visit.object.kind != Object::Array && visit.object.kind != Object::Dictionary) {
         known.height = 0;
         return true;
     }

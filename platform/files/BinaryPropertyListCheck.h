@@ -10,7 +10,7 @@
 class BinaryPropertyListCheck
 {
 public:
-    // Some eight thousand years either way from 2001, in seconds; dates beyond are refused.
+    // Some eight thousand years either way from 2001, in seconds; dates beyond are none of our values.
     static constexpr double furthestDate = 8000 * 365.25 * 24 * 60 * 60;
 
     // `data` must outlive the check.
@@ -21,8 +21,9 @@ public:
     // Known once that has been asked for: whether any text or key will be read otherwise than it stands there, or
     // cannot be written again.
     bool hasDamagedText() const { return _hasDamagedText; }
-    // Likewise: where the markers of texts stand that are empty and in UTF-16, in bytes from the start.
-    const std::vector<quint64> &emptyWideTexts() const { return _emptyWideTexts; }
+    // Likewise: the list with other objects in place of those that libplist takes for damage, so that it unfolds the
+    // rest. An empty text in UTF-16 is one in ASCII there, and a value that is none of ours an archive's identifier.
+    QByteArray forLibrary() const;
 
     // For a list that is not refused: its objects, named by their numbers, for readers that want but a few of them. A
     // dictionary has a key and a value of each index, an array a value.
@@ -46,7 +47,7 @@ private:
     };
     struct Object
     {
-        enum Kind { Scalar, Text, Array, Dictionary } kind = Scalar;
+        enum Kind { Scalar, Text, Array, Dictionary, Unknown } kind = Scalar;
         bool isWide = false;    // text in UTF-16 instead of ASCII
         quint64 bytes = 0;      // of text or data, once it is unfolded
         quint64 references = 0; // to keys, then values, of a dictionary; to the values of an array
@@ -70,6 +71,7 @@ private:
     bool isInside(quint64 position, quint64 length) const;
     quint64 integerAt(quint64 position, int size) const;
     bool isDateAt(quint64 position) const;
+    static bool isUnknown(Object *object);
     bool enter(quint64 number);
     bool follow(Visit &visit);
     bool add(const Visit &visit, quint64 child);
@@ -86,5 +88,6 @@ private:
     std::vector<Visit> _visits;
     bool _hasDamagedText = false;
     std::vector<quint64> _emptyWideTexts;
+    std::vector<quint64> _unknownValues;
     QString _reason;
 };

@@ -95,11 +95,10 @@ QVariant dictionaryFrom(plist_t node, bool *isWhole)
         if (!child)
             return dictionary;
         const QVariant value = valueFrom(child, isWhole);
-        if (!value.isValid())
-            return {};
         const QString name = StringRules::fromUtf8(key);
-        *isWhole = *isWhole && !dictionary.contains(name);
-        dictionary.insert(name, value);
+        *isWhole = *isWhole && value.isValid() && !dictionary.contains(name);
+        if (value.isValid())
+            dictionary.insert(name, value);
     }
 }
 
@@ -116,9 +115,9 @@ QVariant arrayFrom(plist_t node, bool *isWhole)
         if (!child)
             return array;
         const QVariant value = valueFrom(child, isWhole);
-        if (!value.isValid())
-            return {};
-        array.append(value);
+        *isWhole = *isWhole && value.isValid();
+        if (value.isValid())
+            array.append(value);
     }
 }
 
@@ -156,31 +155,16 @@ QVariant valueFrom(plist_t node, bool *isWhole)
     }
 }
 
-// The library takes an empty text in UTF-16 for damage; in ASCII it is the same text.
-QByteArray withEmptyTextsInAscii(QByteArray data, const std::vector<quint64> &markers)
-{
-    for (const quint64 marker : markers)
-        data[qsizetype(marker)] = char(0x50 | (data[qsizetype(marker)] & 0xf));
-    return data;
-}
-
-QVariant fromBinary(QByteArray data, QString *reason, bool *isWhole)
+QVariant fromBinary(const QByteArray &data, QString *reason, bool *isWhole)
 {
     BinaryPropertyListCheck check(data);
     *reason = check.reasonToRefuse();
     *isWhole = !check.hasDamagedText();
     if (!reason->isNull())
         return {};
-    if (!check.emptyWideTexts().empty()) {
-        // Objects may overlap, and then this may have changed more.
-        const QByteArray changed = withEmptyTextsInAscii(data, check.emptyWideTexts());
-        *reason = BinaryPropertyListCheck(changed).reasonToRefuse();
-        if (!reason->isNull())
-            return {};
-        data = changed;
-    }
+    const QByteArray unfoldable = check.forLibrary();
     plist_t list = nullptr;
-    plist_from_bin(data.constData(), static_cast<uint32_t>(data.size()), &list);
+    plist_from_bin(unfoldable.constData(), static_cast<uint32_t>(unfoldable.size()), &list);
     const OwnedPropertyList owner(list);
     QVariant value = list ? valueFrom(list, isWhole) : QVariant();
     if (!value.isValid())
@@ -228,7 +212,7 @@ void logIfNotWhole(const QString &path, const QVariant &value, bool isWhole)
 {
     if (value.isValid() && !isWhole)
         qCWarning(logFiles).noquote() << "Could not read the whole of the property list" << path
-                                      << "- it has a key twice, or damaged text";
+                                      << "- it has a key twice, damaged text, or a value of an unknown kind";
 }
 
 // Opens a plain file; anything else (a pipe would keep us waiting, a device might do anything) is not touched. Null

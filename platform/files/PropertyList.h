@@ -17,10 +17,11 @@ class QFile;
 // would unfold to more than the file could hold (entities, objects referred to over and over) is refused. Each refusal
 // goes to the log with its reason.
 //
-// Less than the whole is read where a dictionary has a key twice (the later value counts), where text is damaged (bytes
-// that are not UTF-8 are read as U+FFFD), and where text in the binary form holds a NUL, at which it ends. `isWhole`
-// (may be null) tells: true when everything was read, and can be written again just so. Who is going to write over a
-// file that was not read whole keeps a copy of it first. The log says so too.
+// Less than the whole is read where a dictionary has a key twice (the later value counts), where a value is none of the
+// above (an archive's identifier, a date of the year 0; it is left out, and its key with it), where text is damaged
+// (bytes that are not UTF-8 are read as U+FFFD), and where text in the binary form holds a NUL, at which it ends.
+// `isWhole` (may be null) tells: true when everything was read, and can be written again just so. Who is going to write
+// over a file that was not read whole keeps a copy of it first. The log says so too.
 namespace PropertyList
 {
 // How the XML form is read: the quick way first, or the general way at once, for who has tried PlainXml in vain.

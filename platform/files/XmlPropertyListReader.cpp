@@ -89,22 +89,20 @@ void XmlPropertyListReader::startElement()
     } else if (name == QLatin1String("array")) {
         openContainer(false);
     } else if (name == QLatin1String("integer")) {
-        addValue(
-            orRefused(XmlScalars::integer(readText()), QStringLiteral("an integer that is none or is out of range")));
+        addOrLeaveOut(XmlScalars::integer(readText()), QStringLiteral("an integer that is none or is out of range"));
     } else if (name == QLatin1String("real")) {
-        addValue(orRefused(XmlScalars::real(readText()), QStringLiteral("a real that is none")));
+        addOrLeaveOut(XmlScalars::real(readText()), QStringLiteral("a real that is none"));
     } else if (name == QLatin1String("true") || name == QLatin1String("false")) {
         const bool value = name == QLatin1String("true");
-        if (readText().isEmpty())
-            addValue(value);
-        else
-            refused(QStringLiteral("text in a boolean"));
+        addOrLeaveOut(readText().isEmpty() ? QVariant(value) : QVariant(), QStringLiteral("text in a boolean"));
     } else if (name == QLatin1String("date")) {
-        addValue(orRefused(XmlScalars::date(readText()), QStringLiteral("a date that is none")));
+        addOrLeaveOut(XmlScalars::date(readText()), QStringLiteral("a date that is none"));
     } else if (name == QLatin1String("data")) {
-        addValue(orRefused(XmlScalars::data(readText()), QStringLiteral("data that is not in base 64")));
+        addOrLeaveOut(XmlScalars::data(readText()), QStringLiteral("data that is not in base 64"));
     } else {
-        refused(QStringLiteral("the unknown element \"%1\"").arg(name));
+        const QString reason = QStringLiteral("the unknown element \"%1\"").arg(name);
+        _xml.skipCurrentElement();
+        addOrLeaveOut({}, reason);
     }
 }
 
@@ -191,15 +189,25 @@ QString XmlPropertyListReader::readText()
     return text;
 }
 
-QVariant XmlPropertyListReader::orRefused(const QVariant &value, const QString &reason)
+// What is no value of ours is left out, but there is nothing left without the only one.
+void XmlPropertyListReader::addOrLeaveOut(const QVariant &value, const QString &reason)
 {
-    return value.isValid() ? value : refused(reason);
+    if (value.isValid()) {
+        addValue(value);
+    } else if (_open.empty()) {
+        refused(reason);
+    } else {
+        Container &container = _open.back();
+        if (container.isDictionary && !container.hasKey)
+            refused(QStringLiteral("a value without a key"));
+        container.hasKey = false;
+        _isWhole = false;
+    }
 }
 
-QVariant XmlPropertyListReader::refused(const QString &reason)
+void XmlPropertyListReader::refused(const QString &reason)
 {
     // The first reason counts.
     if (!_xml.hasError())
         _xml.raiseError(reason);
-    return {};
 }

@@ -9,7 +9,7 @@
 class QIODevice;
 
 // Reads the XML form of a property list. It works without recursion, so that no nesting can exhaust the stack, and
-// refuses whatever is not exactly a property list rather than guess.
+// refuses whatever is not exactly a property list rather than guess; only values of unknown kinds are left out.
 class XmlPropertyListReader
 {
 public:
@@ -19,8 +19,8 @@ public:
     // An invalid variant when it is refused; the reason is in `errorString` then.
     QVariant read();
     QString errorString() const;
-    // False when a value was left out, for another one that stands under the same key, or when bytes that are not UTF-8
-    // were read as U+FFFD.
+    // False when a value was left out, for another one that stands under the same key or because it is none of ours, or
+    // when bytes that are not UTF-8 were read as U+FFFD.
     bool isWhole() const { return _isWhole; }
 
 private:
@@ -43,8 +43,8 @@ private:
     void readKey();
     void addValue(const QVariant &value);
     QString readText();
-    QVariant orRefused(const QVariant &value, const QString &reason);
-    QVariant refused(const QString &reason);
+    void addOrLeaveOut(const QVariant &value, const QString &reason);
+    void refused(const QString &reason);
 
     QXmlStreamReader _xml;
     QIODevice *_device = nullptr;

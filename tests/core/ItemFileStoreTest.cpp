@@ -46,6 +46,7 @@ private Q_SLOTS:
     void cleanup() { _home.reset(); }
 
     void missingFileIsWritten();
+    void folderThatVanishedIsMadeAgain();
     void readFileIsWrittenWithoutCopy();
     void ownChangesAreWrittenWithoutCopy();
     void unreadableFileIsKept_data();
@@ -102,6 +103,23 @@ void ItemFileStoreTest::missingFileIsWritten()
     QVERIFY(_file.save(*treeWith(QStringLiteral("Milk"))));
     QVERIFY(_home->read(name).contains("Milk"));
     QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::folderThatVanishedIsMadeAgain()
+{
+    _home->write(name, fileWith(note("Milk")));
+    QVERIFY(_file.load());
+    QVERIFY(QDir(_home->path(QStringLiteral("Wayfold"))).removeRecursively());
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Bread"))));
+    QVERIFY(_home->read(name).contains("Bread"));
+    // So is one above it, and a file in its place is left alone.
+    _file.setPath(_home->path(QStringLiteral("above/below/Bookmarks.plist")));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Salt"))));
+    QVERIFY(_home->read(QStringLiteral("above/below/Bookmarks.plist")).contains("Salt"));
+    _home->write(QStringLiteral("file"), "mine");
+    _file.setPath(_home->path(QStringLiteral("file/Bookmarks.plist")));
+    QVERIFY(!_file.save(*treeWith(QStringLiteral("Salt"))));
+    QCOMPARE(_home->read(QStringLiteral("file")), QByteArray("mine"));
 }
 
 void ItemFileStoreTest::readFileIsWrittenWithoutCopy()
@@ -185,6 +203,9 @@ void ItemFileStoreTest::fileThatIsNotReadWholeIsKept_data()
     QTest::newRow("a key twice") << fileWith(
         note("Milk").replace("<key>Note</key>", "<key>Note</key><string>the first text</string><key>Note</key>"));
     QTest::newRow("damaged text") << fileWith(note("Milk") + note("Caf\xe9"));
+    QTest::newRow("a value that cannot be held") << fileWith(
+        note("Milk").replace("<key>Note</key>", "<key>Made</key><date>0000-01-01T00:00:00Z</date><key>Note</key>"));
+    QTest::newRow("an entry that cannot be held") << fileWith(note("Milk") + "<uid>5</uid>");
 }
 
 void ItemFileStoreTest::fileThatIsNotReadWholeIsKept()

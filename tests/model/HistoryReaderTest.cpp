@@ -337,6 +337,16 @@ void HistoryReaderTest::forms_data()
     row("none, then a list",
         fileOf("<key>WebHistoryDates</key><true/><key>WebHistoryDates</key><array>" + a + "</array>"), {"A"});
     row("list's key by number", fileOf("<key>WebHistory&#68;ates</key><array>" + a + "</array>"), {"A"});
+    row("unknown element", fileWith(a + "<entry><a/></entry>" + b), both);
+    row("integer that is none", fileWith("<dict><key>visitCount</key><integer>many</integer></dict>" + a), {"A"});
+    row("date that is none", fileWith(a + "<dict><key>x</key><date>2004-02-30T12:00:00Z</date></dict>"), {"A"});
+    row("title that is none", fileWith(QByteArray(a).replace("<string>A</string>", "<data>?</data>") + b), {"B"});
+    const QVariantMap entry{{"", "http://a.example/"}, {"title", "A"}};
+    row("binary, date beyond all calendars",
+        binaryPropertyList(QVariantMap{{"WebHistoryDates", QVariantList{entry}},
+                                       {"x", QDateTime::fromSecsSinceEpoch(1234567890, Qt::UTC)}})
+            .replace(QByteArray::fromHex("3341"), QByteArray::fromHex("337f")),
+        {"A"});
     row("something before and behind the list",
         fileOf("<key>x</key><dict><key>WebHistoryDates</key><array>" + a +
                "</array></dict><key>WebHistoryDates</key>"
@@ -469,19 +479,13 @@ void HistoryReaderTest::notADictionary_data()
         QByteArray(fileWith(element("&e;", "http://a.example/"))).replace("dtd\">", "dtd\" [<!ENTITY e \"x\">]>"));
     row("unknown entity", fileWith(element("&nbsp;", "http://a.example/")));
     row("unknown entity in a key of no concern", fileOf("<key>&nbsp;</key><true/>"));
-    row("unknown element", fileWith(a + "<entry/>"));
     row("value without a key", fileWith("<dict><string>x</string></dict>"));
     row("key without a value", fileWith("<dict><key>title</key></dict>"));
-    row("integer that is none", fileWith("<dict><key>visitCount</key><integer>many</integer></dict>"));
-    row("date that is none", fileWith("<dict><key>x</key><date>2004-02-30T12:00:00Z</date></dict>"));
     row("beyond all depths", fileWith(QByteArray("<array>").repeated(2000) + QByteArray("</array>").repeated(2000)));
     row("binary, empty", "bplist00");
     row("binary, another version", "bplist01" + binaryPropertyList(QVariantMap()).mid(8));
     row("binary list", binaryPropertyList(QVariantList{1}));
     row("binary text", binaryPropertyList("x"));
-    row("binary, date beyond all calendars",
-        binaryPropertyList(QVariantMap{{"x", QDateTime::fromSecsSinceEpoch(1234567890, Qt::UTC)}})
-            .replace(QByteArray::fromHex("3341"), QByteArray::fromHex("337f")));
 }
 
 void HistoryReaderTest::notADictionary()

@@ -271,6 +271,9 @@ private Q_SLOTS:
     void encodings();
     void wholeOrNot_data();
     void wholeOrNot();
+    void whatCannotBeHeldIsLeftOut_data();
+    void whatCannotBeHeldIsLeftOut();
+    void whatOtherWritersCanHoldIsLeftOut();
     void entitiesDoNotUnfold_data();
     void entitiesDoNotUnfold();
     void longTextOfEntitiesIsReadInTime();
@@ -625,7 +628,10 @@ void PropertyListTest::xmlIsRefused_data()
     row("no value", xml(""), "no value");
     row("two values", xml("<true/><true/>"), "more than one value");
     row("two documents", xml("<true/>") + xml("<true/>"), "line 3");
-    row("unknown element", xml("<array><foo>1</foo></array>"), "unknown element \"foo\"");
+    row("unknown element", xml("<foo>1</foo>"), "unknown element \"foo\"");
+    row("unknown element without a key", xml("<dict><foo/></dict>"), "a value without a key");
+    row("integer without a key", xml("<dict><integer>abc</integer></dict>"), "a value without a key");
+    row("unknown element that is not closed", xml("<array><foo></array>"), "line 2");
     row("plist inside", xml("<plist><true/></plist>"), "unknown element");
     row("value without a key", xml("<dict><string>a</string></dict>"), "a value without a key");
     row("key without a value", xml("<dict><key>a</key></dict>"), "a key without a value");
@@ -781,6 +787,67 @@ void PropertyListTest::wholeOrNot()
     QCOMPARE(answer, isWhole && value.metaType() == QMetaType::fromType<QVariantMap>());
     PropertyList::readDictionaryFile(home.path("nothing"), nullptr, &answer);
     QVERIFY(!answer);
+}
+
+void PropertyListTest::whatCannotBeHeldIsLeftOut_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    const auto row = [](const char *name, const QByteArray &element) {
+        QTest::newRow(name) << xml("<dict><key>a</key>" + element + "<key>b</key><array>" + element + "<true/>" +
+                                   element + "</array></dict>");
+    };
+    const auto binaryRow = [](const char *name, const QByteArray &object) {
+        BinaryList list;
+        const quint32 yes = list.add("\x09");
+        const quint32 a = list.addText("a");
+        const quint32 b = list.addText("b");
+        const quint32 array = list.addArray({yes + 5, yes, yes + 5});
+        const quint32 top = list.addDictionary({a, b}, {yes + 5, array});
+        list.add(object); // the very last
+        QTest::newRow(name) << list.finished(top);
+    };
+    row("date of the year 0", "<date>0000-01-01T00:00:00Z</date>");
+    row("date that is none", "<date>2003-02-29T00:00:00Z</date>");
+    row("integer too large", "<integer>18446744073709551616</integer>");
+    row("integer of letters", "<integer>abc</integer>");
+    row("real of letters", "<real>abc</real>");
+    row("data not in base 64", "<data>A*EC</data>");
+    row("boolean with a text", "<true>a</true>");
+    row("unknown element", "<null/>");
+    row("unknown element with others in it", "<set><integer>1</integer><foo>a<bar/></foo><dict/></set>");
+    row("many in one another", QByteArray("<foo>").repeated(5000) + QByteArray("</foo>").repeated(5000));
+    binaryRow("binary, identifier of an archive", "\x80\x01");
+    binaryRow("binary, null", QByteArray(1, 0));
+    binaryRow("binary, unknown kind", "\x90");
+    binaryRow("binary, set", QByteArray("\xc1\0\0\0\1", 5));
+    binaryRow("binary, integer too large", char(0x14) + QByteArray(16, '\x7f'));
+    binaryRow("binary, date that is no number", char(0x33) + BinaryList::number(~quint64(0)));
+    binaryRow("binary, date too far off", char(0x33) + BinaryList::number(std::bit_cast<quint64>(1e20)));
+}
+
+void PropertyListTest::whatCannotBeHeldIsLeftOut()
+{
+    QFETCH(QByteArray, data);
+    const LoggedMessages messages;
+    bool isWhole = true;
+    compare(PropertyList::fromData(data, &isWhole), QVariantMap{{"b", QVariantList{true}}});
+    QVERIFY(!isWhole);
+    QCOMPARE(messages.texts().size(), 1);
+    QVERIFY(messages.contain("a value of an unknown kind"));
+}
+
+void PropertyListTest::whatOtherWritersCanHoldIsLeftOut()
+{
+    const TemporaryHome home;
+    const QString failure =
+        runPython(home, "value = {'a': plistlib.UID(5), 'b': [plistlib.UID(300), True, 2 ** 64 - 1], '': ''}\n"
+                        "plistlib.dump(value, open('binary', 'wb'), fmt=plistlib.FMT_BINARY)\n");
+    QVERIFY2(failure.isNull(), qPrintable(failure));
+    const LoggedMessages messages;
+    bool isWhole = true;
+    const QVariantMap expected{{"b", QVariantList{true, std::numeric_limits<quint64>::max()}}, {"", ""}};
+    compare(PropertyList::readFile(home.path("binary"), &isWhole), expected);
+    QVERIFY(!isWhole);
 }
 
 void PropertyListTest::entitiesDoNotUnfold_data()
@@ -972,7 +1039,7 @@ void PropertyListTest::binaryIsRefused_data()
     row("unknown kind", alone("\x90"), "unknown kind");
     row("identifier of an archive", alone("\x80\x01"), "unknown kind");
     row("set", alone(QByteArray("\xc0", 1)), "unknown kind");
-    row("integer of seventeen bytes' worth", alone(char(0x14) + QByteArray(16, '\x7f')), "out of range");
+    row("integer of seventeen bytes' worth", alone(char(0x14) + QByteArray(16, '\x7f')), "unknown kind");
     row("integer of 32 bytes", alone(char(0x15) + QByteArray(32, 0)), "damaged integer");
     row("real of two bytes", alone(char(0x21) + QByteArray(2, 0)), "damaged real");
     row("text that goes on too long", alone(BinaryList::sized(0x5, 1000) + "a"), "size");
