@@ -4,6 +4,7 @@
 #include "core/Notifications.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "drawer/KDRDrawer.h"
+#include "drawer/WayfoldBookmarkTextCell.h"
 #include "drawer/WayfoldTabView.h"
 #include "lists/ListSearch.h"
 #include "lists/WayfoldBookmarkDataSource.h"
@@ -197,6 +198,7 @@ void KDRDrawerController::connectList(WayfoldOutlineView *view, WayfoldOutlineVi
     source->setOwner(_self);
     if (!view)
         return;
+    view->setDataCell(std::make_unique<WayfoldBookmarkTextCell>());
     view->setDelegate(source);
     view->awakeFromNib();
     view->setOutlineDataSource(source);

@@ -10,6 +10,7 @@
 #include "platform/host/HostFrame.h"
 #include "platform/host/HostWebView.h"
 #include "platform/host/HostWindow.h"
+#include "platform/widgets/TextFieldCell.h"
 #include "platform/widgets/Workspace.h"
 
 #include <QHash>
@@ -251,14 +252,14 @@ QString WayfoldOutlineViewDataSource::outlineViewObjectValueByItem(OutlineView &
     return shown->title();
 }
 
-void WayfoldOutlineViewDataSource::outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell,
+void WayfoldOutlineViewDataSource::outlineViewWillDisplayCell(OutlineView &view, TextFieldCell &cell,
                                                               const OutlineItemPtr &item)
 {
     const qreal height = view.rowHeight();
     if (item)
-        cell.image = bookmark(item)->imageForCellSize(QSizeF(height, height));
+        cell.setImage(bookmark(item)->imageForCellSize(QSizeF(height, height)));
     if (const auto *list = qobject_cast<WayfoldOutlineView *>(&view))
-        cell.font = list->currentListViewFont();
+        cell.setFont(list->currentListViewFont());
 }
 
 bool WayfoldOutlineViewDataSource::outlineViewShouldEdit(OutlineView & /*view*/, const OutlineItemPtr & /*item*/)

@@ -4,6 +4,7 @@
 #include "platform/widgets/OutlineDelegate.h"
 #include "platform/widgets/OutlineModel.h"
 #include "platform/widgets/OutlineViewDataSource.h"
+#include "platform/widgets/TextFieldCell.h"
 
 #include <QContextMenuEvent>
 #include <QDrag>
@@ -45,7 +46,10 @@ Qt::DropAction allowed(Qt::DropAction answer, Qt::DropActions possible)
 }
 } // namespace
 
-OutlineView::OutlineView(QWidget *parent) : QTreeView(parent), _model(new OutlineModel(*this))
+OutlineView::OutlineView(QWidget *parent)
+    : QTreeView(parent)
+    , _model(new OutlineModel(*this))
+    , _dataCell(std::make_unique<TextFieldCell>())
 {
     setUniformRowHeights(true);
     setHeaderHidden(true);
@@ -232,6 +236,12 @@ void OutlineView::rowsWereCollapsed(const QModelIndex &index)
         selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
     if (!hidden.isEmpty())
         selectionModel()->select(hidden, QItemSelectionModel::Deselect);
+}
+
+void OutlineView::setDataCell(std::unique_ptr<TextFieldCell> cell)
+{
+    _dataCell = std::move(cell);
+    viewport()->update();
 }
 
 qreal OutlineView::rowHeight() const

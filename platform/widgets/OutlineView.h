@@ -12,6 +12,7 @@ class OutlineModel;
 class OutlineViewDataSource;
 class QDrag;
 class QMenu;
+class TextFieldCell;
 struct OutlineDropTarget;
 
 // A list of rows with rows below them, on QTreeView. The rows are the view's own, made as folders are opened: the same
@@ -77,6 +78,10 @@ public:
     void setCurrentRow(int row);
     void scrollRowToVisible(int row);
 
+    // What the rows are drawn with, one after the other; a plain text cell until another is set.
+    TextFieldCell &dataCell() const { return *_dataCell; }
+    void setDataCell(std::unique_ptr<TextFieldCell> cell);
+
     // In device-independent pixels, the same for every row.
     qreal rowHeight() const;
     void setRowHeight(qreal height);
@@ -127,6 +132,7 @@ private:
     void endDropTracking();
 
     OutlineModel *_model = nullptr;
+    std::unique_ptr<TextFieldCell> _dataCell;
     std::optional<qreal> _rowHeight;
     int _quiet = 0;                 // while positive, selection changes are not passed on
     const QObject *_drag = nullptr; // the latest, until its data has been handed over

@@ -2,20 +2,12 @@
 
 #include "platform/widgets/OutlineItem.h"
 
-#include <QFont>
 #include <QString>
 #include <vector>
 
-class Image;
 class OutlineView;
 class QMimeData;
-
-// How one row's cell looks: what its text is drawn with, and what stands left of it.
-struct OutlineCell
-{
-    std::shared_ptr<Image> image; // none: the text takes the whole cell
-    QFont font;
-};
+class TextFieldCell;
 
 // Where a drop would go: `item` none is the root, `childIndex` -1 means on the item itself.
 struct OutlineDropTarget
@@ -54,7 +46,8 @@ public:
     }
     // The row's text.
     virtual QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) = 0;
-    virtual void outlineViewWillDisplayCell(OutlineView &view, OutlineCell &cell, const OutlineItemPtr &item) = 0;
+    // The cell, which has the row's text already, is about to be drawn for the item.
+    virtual void outlineViewWillDisplayCell(OutlineView &view, TextFieldCell &cell, const OutlineItemPtr &item) = 0;
     virtual bool outlineViewShouldEdit(OutlineView &view, const OutlineItemPtr &item) = 0;
     virtual void outlineViewSelectionDidChange(OutlineView &view) = 0;
 

@@ -6,6 +6,7 @@
 #include "lists/WayfoldOutlineView.h"
 #include "platform/files/PropertyList.h"
 #include "platform/widgets/Image.h"
+#include "platform/widgets/TextFieldCell.h"
 #include "tests/lists/ListStage.h"
 
 #include <QMimeData>
@@ -177,16 +178,21 @@ void WayfoldOutlineViewDataSourceTest::cellsGetImageAndFont()
     source.view.awakeFromNib();
     source.view.setRowHeight(40);
     const auto folder = ListStage::folder("Folder");
-    OutlineCell cell;
+    struct Cell : TextFieldCell
+    {
+        std::shared_ptr<Image> shown;
+        std::shared_ptr<Image> image() const override { return shown; }
+        void setImage(const std::shared_ptr<Image> &image) override { shown = image; }
+    } cell;
     source.outlineViewWillDisplayCell(source.view, cell, folder);
-    QVERIFY(cell.image);
-    QCOMPARE(cell.image, folder->imageForCellSize(QSizeF(40, 40)));
-    QCOMPARE(cell.font, source.view.currentListViewFont());
+    QVERIFY(cell.image());
+    QCOMPARE(cell.image(), folder->imageForCellSize(QSizeF(40, 40)));
+    QCOMPARE(cell.font(), source.view.currentListViewFont());
 
-    OutlineCell rootCell;
-    source.outlineViewWillDisplayCell(source.view, rootCell, nullptr);
-    QVERIFY(!rootCell.image);
-    QCOMPARE(rootCell.font, source.view.currentListViewFont());
+    cell.setFont(QFont());
+    source.outlineViewWillDisplayCell(source.view, cell, nullptr);
+    QCOMPARE(cell.image(), folder->imageForCellSize(QSizeF(40, 40))); // as before
+    QCOMPARE(cell.font(), source.view.currentListViewFont());
 }
 
 void WayfoldOutlineViewDataSourceTest::titlesAreNotEditedInPlace()

@@ -2,8 +2,6 @@
 
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/NotificationQueue.h"
-#include "platform/widgets/Image.h"
-#include "platform/widgets/OutlineDelegate.h"
 #include "tests/support/OutlineTree.h"
 
 #include <QAccessible>
@@ -211,8 +209,8 @@ private Q_SLOTS:
     void offersOnlyActionsThatTheDragAllows();
     void opensFoldersUnderADrag();
 
-    void cellFrames();
-    void paintsTheImageAsASquare();
+    void drawsRowsWithTheDataCell();
+    void cellsHaveTheFontOfTheView();
     void elidesLongTitles();
     void rowsHaveAccessibleNames();
     void rowsThatAreShownAreFoundWithoutASearch();
@@ -1132,33 +1130,50 @@ void OutlineViewTest::opensFoldersUnderADrag()
 
 // --- Cells ----------------------------------------------------------------------------------------------------------
 
-void OutlineViewTest::cellFrames()
+// Every row with the same cell, which has the row's text before it is decorated, and the cell's part of the row.
+void OutlineViewTest::drawsRowsWithTheDataCell()
 {
-    const QRect cell(40, 32, 150, 16);
-    QCOMPARE(OutlineDelegate::imageFrame(cell), QRect(43, 32, 16, 16));
-    QCOMPARE(OutlineDelegate::textFrame(cell, true), QRect(59, 32, 131, 16));
-    QCOMPARE(OutlineDelegate::textFrame(cell, false), cell);
+    struct Cell : TextFieldCell
+    {
+        QList<QPair<QString, QRectF>> &drawn;
+        explicit Cell(QList<QPair<QString, QRectF>> &list) : drawn(list) {}
+        void drawWithFrameInView(const QRectF &frame, QPainter & /*painter*/,
+                                 const QStyleOptionViewItem & /*view*/) const override
+        {
+            drawn.append({stringValue(), frame});
+        }
+    };
+    QList<QPair<QString, QRectF>> drawn;
+    _view->setDataCell(std::make_unique<Cell>(drawn));
+    _tree->decorate = [](TextFieldCell &cell) { cell.setStringValue(cell.stringValue() + QLatin1Char('!')); };
+    showList(*_view);
+    drawn.clear();
+    _view->grab();
+    QCOMPARE(drawn.size(), 3);
+    const QRectF first = _view->visualRect(_view->model()->index(0, 0));
+    QCOMPARE(drawn.at(0), (QPair<QString, QRectF>(QStringLiteral("fruit!"), first)));
+    QCOMPARE(drawn.at(1), (QPair<QString, QRectF>(QStringLiteral("herb!"), first.translated(0, 20))));
+    QCOMPARE(drawn.at(2).first, QStringLiteral("tools!"));
 }
 
-void OutlineViewTest::paintsTheImageAsASquare()
+// The row's own font is the view's, unless the source gives it another.
+void OutlineViewTest::cellsHaveTheFontOfTheView()
 {
-    QImage red(32, 32, QImage::Format_ARGB32);
-    red.fill(Qt::red);
-    _tree->image = Image::imageWithPicture(red);
-    _herb->title = QString();
+    QFont large = _view->font();
+    large.setPointSize(31);
+    _view->setFont(large);
+    QList<QFont> fonts;
+    QFont other = large;
+    other.setItalic(true);
+    _tree->decorate = [&](TextFieldCell &cell) {
+        fonts.append(cell.font());
+        cell.setFont(other);
+    };
     showList(*_view);
-    const QRect cell = _view->visualRect(_view->model()->index(1, 0));
-    QCOMPARE(cell.height(), 20);
-    const QImage shot = _view->viewport()->grab().toImage();
-    const int scale = int(shot.devicePixelRatio()); // pixels to the point
-    QRect painted;
-    for (int y = cell.top() * scale; y < (cell.bottom() + 1) * scale; ++y) {
-        for (int x = 0; x < shot.width(); ++x) {
-            if (shot.pixelColor(x, y) == QColor(Qt::red))
-                painted |= QRect(x, y, 1, 1);
-        }
-    }
-    QCOMPARE(painted, QRect((cell.left() + 3) * scale, cell.top() * scale, 20 * scale, 20 * scale));
+    fonts.clear();
+    _view->grab();
+    QCOMPARE(fonts, QList<QFont>({large, large, large}));
+    QCOMPARE(_view->dataCell().font(), other);
 }
 
 void OutlineViewTest::elidesLongTitles()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/widgets/OutlineViewDataSource.h"
+#include "platform/widgets/TextFieldCell.h"
 
 #include <QHash>
 #include <QMimeData>
@@ -24,7 +25,7 @@ public:
     using Node = std::shared_ptr<OutlineTreeItem>;
 
     Node root = std::make_shared<OutlineTreeItem>();
-    std::shared_ptr<Image> image;
+    std::function<void(TextFieldCell &)> decorate; // a cell before it is drawn
     int countCalls = 0;
     int childCalls = 0;
     int selectionChanges = 0;
@@ -68,9 +69,11 @@ public:
     {
         return nodeOf(item).title;
     }
-    void outlineViewWillDisplayCell(OutlineView & /*view*/, OutlineCell &cell, const OutlineItemPtr & /*item*/) override
+    void outlineViewWillDisplayCell(OutlineView & /*view*/, TextFieldCell &cell,
+                                    const OutlineItemPtr & /*item*/) override
     {
-        cell.image = image;
+        if (decorate)
+            decorate(cell);
     }
     bool outlineViewShouldEdit(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) override { return false; }
     void outlineViewSelectionDidChange(OutlineView & /*view*/) override { ++selectionChanges; }
