@@ -5,23 +5,28 @@
 #include "platform/files/PropertyList.h"
 
 #include <QMimeData>
+#include <QStringDecoder>
 #include <QUrl>
 #include <algorithm>
+#include <vector>
 
 namespace
 {
+// What has no scheme is none.
+Url addressFromText(const QString &text)
+{
+    const Url url = DroppedData::urlFromText(text.trimmed());
+    return url.scheme().isEmpty() ? Url() : url;
+}
+
 bool isFileAddress(const QString &address)
 {
     return Url::URLWithString(address).isFileURL();
 }
 
-// Lines of address and title in turn, in UTF-16 with or without a closing zero.
-QStringList mozillaLines(const QByteArray &data)
+QVariantList listOf(const QStringList &texts)
 {
-    QString text(reinterpret_cast<const QChar *>(data.constData()), data.size() / qsizetype(sizeof(char16_t)));
-    while (text.endsWith(QChar::Null))
-        text.chop(1);
-    return text.split(QLatin1Char('\n'));
+    return {texts.cbegin(), texts.cend()};
 }
 } // namespace
 
@@ -53,7 +58,7 @@ QString DroppedData::stringForType(const QString &type) const
         return {};
     if (_data.hasFormat(type))
         return QString::fromUtf8(_data.data(type));
-    return type == PasteboardTypes::NSURLPboardType ? addresses().constFirst() : _data.text();
+    return type == PasteboardTypes::NSURLPboardType ? foreignLinks().addresses.constFirst() : _data.text();
 }
 
 QVariantList DroppedData::propertyListForType(const QString &type) const
@@ -78,82 +83,118 @@ KDRBookmarkPtr DroppedData::draggedItem(std::size_t place) const
 
 QVariantList DroppedData::links() const
 {
-    QStringList titles;
-    const QStringList urls = addresses(&titles);
-    return {QVariant(QVariantList(urls.cbegin(), urls.cend())), QVariant(QVariantList(titles.cbegin(), titles.cend()))};
+    return {QVariant(listOf(foreignLinks().addresses)), QVariant(listOf(foreignLinks().titles))};
 }
 
-QStringList DroppedData::addresses(QStringList *titles) const
+// --- Data of other applications
+// ---------------------------------------------------------------------------------------
+
+DroppedData::Links DroppedData::linksFromUriList(const QString &text)
 {
-    QStringList found;
-    if (_data.hasFormat(PasteboardTypes::uriList)) {
-        const QString text = QString::fromUtf8(_data.data(PasteboardTypes::uriList));
-        const QStringList lines = text.split(QLatin1Char('\n'));
-        for (const QString &line : lines) {
-            const QString address = line.trimmed();
-            if (!address.isEmpty() && !address.startsWith(QLatin1Char('#')))
-                found.append(urlFromText(address).absoluteString());
-        }
-        if (titles && found.size() == 1)
-            *titles = titleBeside(found.first());
+    Links links;
+    for (const QStringView line : QStringView(text).split(u'\n')) {
+        if (line.startsWith(u'#'))
+            continue;
+        if (const Url url = addressFromText(line.toString()); !url.isNull())
+            links.addresses.append(url.absoluteString());
     }
-    if (_data.hasFormat(PasteboardTypes::mozillaUrl)) {
-        const QStringList lines = mozillaLines(_data.data(PasteboardTypes::mozillaUrl));
-        QStringList urls;
-        QStringList names;
-        for (qsizetype i = 0; i < lines.size(); i += 2) {
-            const QString address = lines.at(i).trimmed();
-            const Url url = urlFromText(address);
-            if (url.isNull())
-                continue;
-            urls.append(url.absoluteString());
-            names.append(lines.value(i + 1).trimmed());
-        }
-        found = urls;
-        if (titles)
-            *titles = names;
-    }
-    found.removeAll(QString());
-    return found;
+    links.titles.resize(links.addresses.size());
+    return links;
 }
 
-// A link that is dragged out of a page brings its text along; from elsewhere, and from a picture, comes an address once
-// more. Empty for none.
-QStringList DroppedData::titleBeside(const QString &address) const
+// Lines of address and title in turn.
+DroppedData::Links DroppedData::linksFromLines(const QString &text)
 {
-    const QString text = QString::fromUtf8(_data.data(PasteboardTypes::plainText)).simplified();
+    Links links;
+    const QStringList lines = text.split(u'\n');
+    for (qsizetype i = 0; i < lines.size(); i += 2) {
+        const Url url = addressFromText(lines.at(i));
+        if (url.isNull())
+            continue;
+        links.addresses.append(url.absoluteString());
+        links.titles.append(lines.value(i + 1).simplified());
+    }
+    return links;
+}
+
+QString DroppedData::textForType(const QString &type) const
+{
+    return QString::fromUtf8(_data.data(type));
+}
+
+// In UTF-16, with or without a closing zero.
+QString DroppedData::wideTextForType(const QString &type) const
+{
+    QString text = QStringDecoder(QStringDecoder::Utf16)(_data.data(type));
+    return text.remove(QChar::Null);
+}
+
+// Where no title is named as such, the text of a link may be the plain text; from elsewhere, and from a picture, that
+// is an address once more.
+QString DroppedData::titleBeside(const QString &address) const
+{
+    for (const QString &named : {textForType(PasteboardTypes::netscapeUrl).section(u'\n', 1, 1),
+                                 wideTextForType(PasteboardTypes::mozillaUrlTitle)}) {
+        if (const QString title = named.simplified(); !title.isEmpty())
+            return title;
+    }
+    const QString text = textForType(PasteboardTypes::plainText).simplified();
     const bool isAddress = text.contains(QLatin1String("://")) || urlFromText(text).absoluteString() == address;
-    return text.isEmpty() || isAddress ? QStringList() : QStringList(text);
+    return isAddress ? QString() : text;
 }
 
-bool DroppedData::areAllFiles(const QStringList &addresses) const
+// The type that names the most addresses counts, of those that name as many the one with the better titles.
+DroppedData::Links DroppedData::readLinks() const
 {
+    Links best;
+    for (Links &links : std::vector<Links>{
+             linksFromLines(wideTextForType(PasteboardTypes::mozillaUrl)),
+             linksFromUriList(textForType(PasteboardTypes::uriList)),
+             linksFromLines(textForType(PasteboardTypes::netscapeUrl).section(u'\n', 0, 1)),
+             linksFromLines(wideTextForType(PasteboardTypes::mozillaTab)),
+         }) {
+        if (links.addresses.size() > best.addresses.size())
+            best = std::move(links);
+    }
+    if (best.addresses.size() == 1 && best.titles.constFirst().isEmpty())
+        best.titles.first() = titleBeside(best.addresses.constFirst());
+    return best;
+}
+
+const DroppedData::Links &DroppedData::foreignLinks() const
+{
+    if (!_links)
+        _links = readLinks();
+    return *_links;
+}
+
+bool DroppedData::areAllFiles() const
+{
+    const QStringList &addresses = foreignLinks().addresses;
     return !addresses.isEmpty() && std::all_of(addresses.cbegin(), addresses.cend(), isFileAddress);
 }
 
 // Files come as file names, one address as an address (with its title when it has one), several with their titles.
 bool DroppedData::foreignDataOffers(const QString &type) const
 {
-    QStringList titles;
-    const QStringList urls = addresses(&titles);
     if (type == PasteboardTypes::NSStringPboardType)
         return _data.hasText();
     if (type == PasteboardTypes::NSFilenamesPboardType)
-        return areAllFiles(urls);
-    if (urls.isEmpty() || areAllFiles(urls))
+        return areAllFiles();
+    const Links &links = foreignLinks();
+    if (links.addresses.isEmpty() || areAllFiles())
         return false;
-    const bool withTitles = urls.size() > 1 || !titles.isEmpty();
+    const bool withTitles = links.addresses.size() > 1 || !links.titles.constFirst().isEmpty();
     return type == (withTitles ? PasteboardTypes::WebURLsWithTitles : PasteboardTypes::NSURLPboardType);
 }
 
 QVariantList DroppedData::foreignPropertyList(const QString &type) const
 {
-    QVariantList list;
     if (type == PasteboardTypes::WebURLsWithTitles)
         return links();
+    QVariantList list;
     if (type == PasteboardTypes::NSFilenamesPboardType) {
-        const QStringList urls = addresses();
-        for (const QString &address : urls)
+        for (const QString &address : foreignLinks().addresses)
             list.append(Url::URLWithString(address).path());
     }
     return list;

@@ -6,11 +6,13 @@
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
+#include <optional>
 
 class QMimeData;
 
 // What a drop brings, by the pasteboard types of the lists. Data of another application, which knows only the desktop's
-// types, is read as the type that comes closest.
+// types, is read as the type that comes closest. Its addresses are asked for once: each time, the other application has
+// to answer.
 class DroppedData
 {
 public:
@@ -29,18 +31,29 @@ public:
     QVariantList itemDictionaries() const;
     // The item of that place in a drag of this very process; null when there is none, or none any more.
     KDRBookmarkPtr draggedItem(std::size_t place) const;
-    // The addresses that the data has in the desktop's types, and the titles of these, in two lists; the titles may be
-    // fewer.
+    // The addresses that the data has in the desktop's types, and the titles of these, in two lists; a title is empty
+    // when there is none.
     QVariantList links() const;
 
 private:
+    struct Links
+    {
+        QStringList addresses;
+        QStringList titles; // one for each address; null: none
+    };
+
+    static Links linksFromUriList(const QString &text);
+    static Links linksFromLines(const QString &text);
+    QString textForType(const QString &type) const;
+    QString wideTextForType(const QString &type) const;
+    QString titleBeside(const QString &address) const;
+    Links readLinks() const;
+    const Links &foreignLinks() const;
+    bool areAllFiles() const;
     bool isForeign() const;
-    // Empty when the data has no addresses; the titles may be fewer.
-    QStringList addresses(QStringList *titles = nullptr) const;
-    QStringList titleBeside(const QString &address) const;
-    bool areAllFiles(const QStringList &addresses) const;
     bool foreignDataOffers(const QString &type) const;
     QVariantList foreignPropertyList(const QString &type) const;
 
     const QMimeData &_data;
+    mutable std::optional<Links> _links; // none: not asked for yet
 };

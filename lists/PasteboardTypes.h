@@ -24,6 +24,12 @@ inline const QString dictionariesWithVisits = QStringLiteral("application/x-wayf
 // The desktop's names.
 inline const QString uriList = QStringLiteral("text/uri-list");
 inline const QString mozillaUrl = QStringLiteral("text/x-moz-url");
+// Of the address that stands in the address list of the same drag.
+inline const QString mozillaUrlTitle = QStringLiteral("text/x-moz-url-desc");
+// The address of a tab, which has no other type.
+inline const QString mozillaTab = QStringLiteral("text/x-moz-text-internal");
+// Address and title, a line each.
+inline const QString netscapeUrl = QStringLiteral("_NETSCAPE_URL");
 inline const QString plainText = QStringLiteral("text/plain");
 inline const QString vCard = QStringLiteral("text/vcard");
 
