@@ -354,6 +354,11 @@ QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QStrin
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
 
+bool WayfoldOutlineViewDataSource::outlineViewTakesData(OutlineView & /*view*/, const QMimeData & /*data*/)
+{
+    return false;
+}
+
 Qt::DropAction WayfoldOutlineViewDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/,
                                                                      bool /*isLocal*/, OutlineDropTarget & /*target*/)
 {

@@ -59,6 +59,7 @@ public:
 
     // ---- Dropping: refused, but for the Scratchpad
 
+    bool outlineViewTakesData(OutlineView &view, const QMimeData &data) override;
     Qt::DropAction outlineViewValidateDrop(OutlineView &view, const QMimeData &data, bool isLocal,
                                            OutlineDropTarget &target) override;
     bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) override;

@@ -364,10 +364,15 @@ void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notifica
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
 
-Qt::DropAction WayfoldScratchDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData &data,
+bool WayfoldScratchDataSource::outlineViewTakesData(OutlineView & /*view*/, const QMimeData &data)
+{
+    return DroppedData(data).offersAnyOf(acceptableDragTypes());
+}
+
+Qt::DropAction WayfoldScratchDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/,
                                                                  bool isLocal, OutlineDropTarget &target)
 {
-    if (!_scratchBookmarkRoot || !DroppedData(data).offersAnyOf(acceptableDragTypes()))
+    if (!_scratchBookmarkRoot)
         return Qt::IgnoreAction;
     const Qt::DropAction operation = isLocal ? Qt::MoveAction : Qt::CopyAction;
     const auto proposed = std::static_pointer_cast<KDRBookmark>(target.item);

@@ -62,6 +62,7 @@ public:
     void safariFileUpdated(const Notification &notification);
 
     void outlineViewSelectionDidChange(OutlineView &view) override;
+    bool outlineViewTakesData(OutlineView &view, const QMimeData &data) override;
     Qt::DropAction outlineViewValidateDrop(OutlineView &view, const QMimeData &data, bool isLocal,
                                            OutlineDropTarget &target) override;
     bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) override;

@@ -578,7 +578,8 @@ Qt::DropAction OutlineView::validateDrop(QDropEvent *event, OutlineDropTarget &t
 void OutlineView::dragEnterEvent(QDragEnterEvent *event)
 {
     // Only what is entered is told of moves, and which row would take the drag shows then.
-    event->accept();
+    OutlineViewDataSource *source = outlineDataSource();
+    event->setAccepted(source && event->mimeData() && source->outlineViewTakesData(*this, *event->mimeData()));
 }
 
 void OutlineView::dragMoveEvent(QDragMoveEvent *event)

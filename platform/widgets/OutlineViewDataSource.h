@@ -54,7 +54,11 @@ public:
     // Drag and drop. A null answer starts no drag; the view takes the data.
     virtual QMimeData *outlineViewWriteItems(OutlineView &view, const std::vector<OutlineItemPtr> &items) = 0;
     virtual void outlineViewDraggingEnded(OutlineView &view) = 0;
-    // May change the target. `isLocal`: the drag comes from this very view.
+    // Whether the data may be dropped anywhere here. Asked once, when the drag comes in: another application may have
+    // to answer for its data.
+    virtual bool outlineViewTakesData(OutlineView &view, const QMimeData &data) = 0;
+    // Asked at every move, so it does not look at the data of other applications. May change the target. `isLocal`: the
+    // drag comes from this very view.
     virtual Qt::DropAction outlineViewValidateDrop(OutlineView &view, const QMimeData &data, bool isLocal,
                                                    OutlineDropTarget &target) = 0;
     virtual bool outlineViewAcceptDrop(OutlineView &view, const QMimeData &data, const OutlineDropTarget &target) = 0;

@@ -2,9 +2,9 @@
 
 #include "lists/PasteboardTypes.h"
 #include "lists/ScratchpadDrop.h"
+#include "tests/lists/AskedData.h"
 
 #include <QMap>
-#include <QMimeData>
 #include <QtTest>
 
 namespace
@@ -21,20 +21,6 @@ void fill(QMimeData &mimeData, const Data &data)
     for (auto each = data.cbegin(); each != data.cend(); ++each)
         mimeData.setData(each.key(), each.value());
 }
-
-// Counts how often the other application is asked for what it offers.
-class AskedData : public QMimeData
-{
-public:
-    mutable int asked = 0;
-
-protected:
-    QVariant retrieveData(const QString &mimeType, QMetaType type) const override
-    {
-        ++asked;
-        return QMimeData::retrieveData(mimeType, type);
-    }
-};
 } // namespace
 
 // What other applications offer in a drag, as it was seen, and what it becomes.

@@ -6,8 +6,10 @@
 #include "lists/WayfoldHistoryOutlineView.h"
 #include "model/WayfoldHistoryAutoFolder.h"
 #include "platform/files/PropertyList.h"
+#include "tests/lists/AskedData.h"
 #include "tests/lists/ListStage.h"
 
+#include <QDragEnterEvent>
 #include <QMimeData>
 
 namespace
@@ -49,6 +51,7 @@ private Q_SLOTS:
     // ---- Validating
     void operationBySource();
     void unknownDataIsRefused();
+    void moveOfADragAsksForNothing();
     void proposedFolder();
     void proposedLeafAtTheTop();
     void proposedLeafInAFolder();
@@ -131,6 +134,8 @@ private:
     }
     Qt::DropAction validate(Target &target, bool isLocal = false)
     {
+        if (!_pad->source->outlineViewTakesData(_pad->view, *_data))
+            return Qt::IgnoreAction;
         return _pad->source->outlineViewValidateDrop(_pad->view, *_data, isLocal, target);
     }
     // So many folders, one inside the other.
@@ -170,6 +175,29 @@ void ScratchpadDropTest::unknownDataIsRefused()
     _data->setData(QStringLiteral("image/png"), "x");
     Target target;
     QCOMPARE(validate(target), Qt::IgnoreAction);
+}
+
+void ScratchpadDropTest::moveOfADragAsksForNothing()
+{
+    AskedData files;
+    files.setUrls({QUrl(QStringLiteral("file:///tmp/a")), QUrl(QStringLiteral("file:///tmp/b"))});
+    QDragEnterEvent enter(QPoint(60, 1), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(_pad->view.viewport(), &enter);
+    QVERIFY(enter.isAccepted());
+    const int asked = files.asked;
+    QVERIFY(asked > 0);
+    for (int row = 0; row < _pad->view.numberOfRows(); ++row) {
+        const QPoint place = _pad->view.rectOfRow(row).center();
+        QDragMoveEvent move(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(_pad->view.viewport(), &move);
+        QVERIFY(move.isAccepted());
+    }
+    QCOMPARE(files.asked, asked);
+    QDropEvent drop(QPointF(60, 1), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(_pad->view.viewport(), &drop);
+    QVERIFY(drop.isAccepted());
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({QStringLiteral("a"), QStringLiteral("b")}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
 }
 
 void ScratchpadDropTest::proposedFolder()

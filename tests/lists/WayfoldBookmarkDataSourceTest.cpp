@@ -473,6 +473,7 @@ void WayfoldBookmarkDataSourceTest::dropsAreRefused()
     QMimeData data;
     data.setUrls({QUrl("http://a.org/")});
     OutlineDropTarget target;
+    QVERIFY(!tab.source->outlineViewTakesData(tab.view, data));
     QCOMPARE(tab.source->outlineViewValidateDrop(tab.view, data, false, target), Qt::IgnoreAction);
     QVERIFY(!tab.source->outlineViewAcceptDrop(tab.view, data, target));
     QVERIFY(!tab.view.allowIncomingDrops());

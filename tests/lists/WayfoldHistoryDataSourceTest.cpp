@@ -840,6 +840,7 @@ void WayfoldHistoryDataSourceTest::dropsAreRefused()
     QMimeData data;
     data.setUrls({QUrl("http://a.org/")});
     OutlineDropTarget target;
+    QVERIFY(!tab.source->outlineViewTakesData(tab.view, data));
     QCOMPARE(tab.source->outlineViewValidateDrop(tab.view, data, false, target), Qt::IgnoreAction);
     QVERIFY(!tab.source->outlineViewAcceptDrop(tab.view, data, target));
     QVERIFY(!tab.view.allowIncomingDrops());

@@ -208,6 +208,7 @@ void WayfoldOutlineViewDataSourceTest::dropsAreRefused()
     QMimeData data;
     data.setText(QStringLiteral("text"));
     OutlineDropTarget target;
+    QVERIFY(!source.outlineViewTakesData(source.view, data));
     QCOMPARE(source.outlineViewValidateDrop(source.view, data, false, target), Qt::IgnoreAction);
     QVERIFY(!source.outlineViewAcceptDrop(source.view, data, target));
     QCOMPARE(source.root->childCount(), 0U);

@@ -202,6 +202,7 @@ private Q_SLOTS:
     void mapsDropsToPlaces_data();
     void mapsDropsToPlaces();
     void sourceMayRetargetADrop();
+    void dragOfOtherDataStaysOutside();
     void refusedDropsAreIgnored_data();
     void refusedDropsAreIgnored();
     void dropIndicatorGoesWithTheDrag();
@@ -1050,6 +1051,16 @@ void OutlineViewTest::sourceMayRetargetADrop()
     QCOMPARE(dropAt(*_view, 10, data), Qt::CopyAction);
     QCOMPARE(_tree->accepted[0].item, OutlineItemPtr(_tools));
     QCOMPARE(_tree->accepted[0].childIndex, 1);
+}
+
+void OutlineViewTest::dragOfOtherDataStaysOutside()
+{
+    _tree->takesData = false;
+    const QMimeData data;
+    QDragEnterEvent enter(QPoint(60, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(_view->viewport(), &enter);
+    QVERIFY(!enter.isAccepted());
+    QVERIFY(_tree->validated.empty());
 }
 
 void OutlineViewTest::refusedDropsAreIgnored_data()

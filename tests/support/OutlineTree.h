@@ -37,6 +37,7 @@ public:
     Qt::DropAction answer = Qt::CopyAction;
     std::function<void(OutlineDropTarget &)> retarget;
     bool accepts = true;
+    bool takesData = true;
     std::vector<OutlineDropTarget> validated;
     std::vector<OutlineDropTarget> accepted;
 
@@ -88,6 +89,7 @@ public:
         return data;
     }
     void outlineViewDraggingEnded(OutlineView & /*view*/) override { ++draggingEnded; }
+    bool outlineViewTakesData(OutlineView & /*view*/, const QMimeData & /*data*/) override { return takesData; }
     Qt::DropAction outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/, bool /*isLocal*/,
                                            OutlineDropTarget &target) override
     {
