@@ -1,5 +1,6 @@
 #include "browser/BookmarkFile.h"
 
+#include "platform/files/FileReplacement.h"
 #include "platform/files/KeptCopy.h"
 #include "platform/files/Paths.h"
 #include "platform/files/PropertyList.h"
@@ -195,6 +196,8 @@ bool BookmarkFile::addBookmark(const QString &title, const QString &address, con
 
 void BookmarkFile::ensureCurrent()
 {
+    if (!_isRead)
+        removeAbandonedSaves(_path);
     if (!_isRead || FileStamp::ofFile(_path) != _stamp)
         read();
 }

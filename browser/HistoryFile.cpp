@@ -1,6 +1,7 @@
 #include "browser/HistoryFile.h"
 
 #include "platform/base/Log.h"
+#include "platform/files/FileReplacement.h"
 #include "platform/files/KeptCopy.h"
 #include "platform/files/Paths.h"
 #include "platform/files/PropertyList.h"
@@ -159,8 +160,10 @@ void HistoryFile::finishWriting()
 
 void HistoryFile::ensureRead()
 {
-    if (!_isRead)
-        read();
+    if (_isRead)
+        return;
+    removeAbandonedSaves(_path);
+    read();
 }
 
 // Reads the file and repeats on it what has not been written yet.

@@ -2,6 +2,7 @@
 
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/Log.h"
+#include "platform/files/FileReplacement.h"
 #include "platform/files/KeptCopy.h"
 
 #include <QDir>
@@ -15,6 +16,7 @@ constexpr int mostSecondsBetweenTries = 64;
 
 std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 {
+    removeAbandonedSaves(_path);
     // Stamped first: a change that arrives while the file is read is then noticed before it is written over.
     _stamp = FileStamp::ofFile(_path);
     _holdsMore = false;

@@ -3,7 +3,7 @@
 #include "platform/base/Log.h"
 #include "platform/base/StringRules.h"
 #include "platform/files/BinaryPropertyListCheck.h"
-#include "platform/files/DiskFlush.h"
+#include "platform/files/FileReplacement.h"
 #include "platform/files/FileStamp.h"
 #include "platform/files/PlainPropertyList.h"
 #include "platform/files/XmlPropertyListReader.h"
@@ -12,8 +12,6 @@
 #include <QBuffer>
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QtEndian>
 #include <bit>
 #include <cerrno>
@@ -234,35 +232,6 @@ QString openPlainFile(const QString &path, QFile *file)
         return file->errorString();
     }
     return {};
-}
-
-// Null when that worked, else the reason.
-QString replaceFile(const QString &path, const QByteArray &contents)
-{
-    const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
-    if (!stamp && errno != ENOENT)
-        return qt_error_string(errno);
-    if (stamp && !stamp->isPlainFile)
-        return QStringLiteral("not a plain file");
-    // Where the file system has files without a name, the temporary one gets its name as the very last step: a save
-    // that is cut off leaves nothing behind.
-    QSaveFile file(path);
-    file.setDirectWriteFallback(false);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return file.errorString();
-    // A disk that fills up takes a part first, and gives its reason when it is asked to take the rest.
-    for (qsizetype written = 0; written < contents.size();) {
-        const qint64 taken = file.write(contents.constData() + written, contents.size() - written);
-        if (taken <= 0)
-            return file.errorString();
-        written += taken;
-    }
-    if (::fsync(file.handle()) != 0)
-        return qt_error_string(errno);
-    if (!file.commit())
-        return file.errorString();
-    // The path may be a link; the names that changed are in the folder that it leads to.
-    return flushToDisk(QFileInfo(QFileInfo(path).canonicalFilePath()).path());
 }
 } // namespace
 

@@ -45,7 +45,6 @@ QVariant fromData(const QByteArray &data, bool *isWhole = nullptr);
 // file stays readable for everyone: a vertical tab and a form feed as a line end, other control characters not at all,
 // lone surrogates, what is no character and a text of nothing but control characters as U+FFFD.
 QByteArray toXml(const QVariant &value);
-// Writes the XML form to a temporary file beside `path`, flushes it to the disk, puts it in place of the old file and
-// flushes the directory. False, with the reason in the log and the old file whole, when any of this fails.
+// Writes the XML form, see replaceFile. False, with the reason in the log, when that failed or there is no such form.
 bool writeFile(const QVariant &value, const QString &path);
 } // namespace PropertyList

@@ -1,6 +1,7 @@
 #include "platform/files/UserDefaults.h"
 
 #include "platform/base/Log.h"
+#include "platform/files/FileReplacement.h"
 #include "platform/files/KeptCopy.h"
 #include "platform/files/Paths.h"
 #include "platform/files/PropertyList.h"
@@ -85,6 +86,7 @@ UserDefaults::Domain &UserDefaults::domainNamed(const QString &name)
     const auto known = _domains.find(path);
     if (known != _domains.end())
         return *known;
+    removeAbandonedSaves(path);
     Domain domain;
     bool isWhole = false;
     domain.values = PropertyList::readDictionaryFile(path, &domain.exists, &isWhole);

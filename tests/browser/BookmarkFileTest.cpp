@@ -17,6 +17,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void placeOfTheFile();
+    void whatAKilledSaveLeftIsRemoved();
     void makesTheFile();
     void leavesAnExistingFileAlone();
     void addsABookmark();
@@ -110,6 +111,15 @@ QStringList BookmarkFileTest::keptCopies() const
 void BookmarkFileTest::placeOfTheFile()
 {
     QCOMPARE(_path, _home->path("Library/Safari/Bookmarks.plist"));
+}
+
+void BookmarkFileTest::whatAKilledSaveLeftIsRemoved()
+{
+    const QString left = _path + ".saving-abcdef";
+    _home->write(QDir(_home->path()).relativeFilePath(left), "half");
+    BookmarkFile file(_path);
+    QVERIFY(file.barNodes().isEmpty());
+    QVERIFY(!QFileInfo::exists(left));
 }
 
 void BookmarkFileTest::makesTheFile()

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void placeOfTheFile();
+    void whatAKilledSaveLeftIsRemoved();
     void writesAnEntry();
     void newestFirst();
     void revisitMovesToTheFront();
@@ -97,6 +98,15 @@ void HistoryFileTest::writeEntries(const QVariantList &entries, const QVariantMa
 void HistoryFileTest::placeOfTheFile()
 {
     QCOMPARE(_path, _home->path("Library/Safari/History.plist"));
+}
+
+void HistoryFileTest::whatAKilledSaveLeftIsRemoved()
+{
+    const QString left = _path + ".saving-abcdef";
+    _home->write(QDir(_home->path()).relativeFilePath(left), "half");
+    HistoryFile file(_path);
+    QCOMPARE(file.count(), 0);
+    QVERIFY(!QFileInfo::exists(left));
 }
 
 void HistoryFileTest::writesAnEntry()

@@ -47,6 +47,7 @@ private Q_SLOTS:
 
     void missingFileIsWritten();
     void folderThatVanishedIsMadeAgain();
+    void whatAKilledSaveLeftIsRemoved();
     void readFileIsWrittenWithoutCopy();
     void ownChangesAreWrittenWithoutCopy();
     void unreadableFileIsKept_data();
@@ -120,6 +121,16 @@ void ItemFileStoreTest::folderThatVanishedIsMadeAgain()
     _file.setPath(_home->path(QStringLiteral("file/Bookmarks.plist")));
     QVERIFY(!_file.save(*treeWith(QStringLiteral("Salt"))));
     QCOMPARE(_home->read(QStringLiteral("file")), QByteArray("mine"));
+}
+
+void ItemFileStoreTest::whatAKilledSaveLeftIsRemoved()
+{
+    const LoggedMessages messages;
+    _home->write(name + QStringLiteral(".saving-abcdef"), "half");
+    _home->write(name + QStringLiteral(".saving"), "mine");
+    QVERIFY(!_file.load());
+    QCOMPARE(QDir(_home->path(QStringLiteral("Wayfold"))).entryList(QDir::Files),
+             QStringList(QStringLiteral("Bookmarks.plist.saving")));
 }
 
 void ItemFileStoreTest::readFileIsWrittenWithoutCopy()

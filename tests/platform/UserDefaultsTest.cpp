@@ -36,6 +36,7 @@ private Q_SLOTS:
     void homeIsReadWhenAskedFor();
     void resetForgets();
     void nothingIsWrittenWithoutAChange();
+    void whatAKilledSaveLeftIsRemoved();
 
 private:
     QString file(const QString &name = QStringLiteral("org.example.Test")) const
@@ -105,6 +106,16 @@ void UserDefaultsTest::changeIsWrittenAtTheEnd()
 {
     UserDefaults().setPersistentDomainForName({{"a", 1}}, _name);
     QVERIFY(QFile::exists(_home->path(file())));
+}
+
+void UserDefaultsTest::whatAKilledSaveLeftIsRemoved()
+{
+    const LoggedMessages messages;
+    _home->write(file() + ".saving-abcdef", "half");
+    _home->write(file("org.example.Other") + ".saving-abcdef", "half");
+    QVERIFY(_defaults->persistentDomainForName(_name).isEmpty());
+    QCOMPARE(QDir(_home->path("Library/Preferences")).entryList(QDir::Files),
+             QStringList("org.example.Other.plist.saving-abcdef"));
 }
 
 void UserDefaultsTest::removeAndSet()
