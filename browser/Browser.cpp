@@ -132,6 +132,8 @@ Browser::Browser(QObject *parent) : QObject(parent), _parts(std::make_unique<Par
     _parts->bookmarks.ensureExists();
     connect(services.profile, &QWebEngineProfile::downloadRequested, &_parts->downloads, &Downloads::take);
     connect(&_parts->downloads, &Downloads::started, this, &Browser::showDownload);
+    connect(qApp, &QGuiApplication::lastWindowClosed, this,
+            [this] { _parts->isQuitting = _parts->isQuitting || QGuiApplication::quitOnLastWindowClosed(); });
     connect(qApp, &QCoreApplication::aboutToQuit, this, &Browser::terminate);
 }
 
@@ -161,13 +163,16 @@ void Browser::start(const QStringList &arguments)
     openAddresses(addresses);
 }
 
-void Browser::openAddresses(const QStringList &addresses)
+bool Browser::openAddresses(const QStringList &addresses)
 {
+    if (_parts->isQuitting)
+        return false;
     BrowserWindow *window = newWindow(Address::fromUserInput(addresses.value(0)));
     for (const QString &address : addresses.mid(1))
         window->openTab(Address::fromUserInput(address), BrowserWindow::InBackground);
     window->raise();
     window->activateWindow();
+    return true;
 }
 
 bool Browser::loadPlugin()
@@ -328,6 +333,7 @@ void Browser::terminate()
     if (_parts->hasTerminated)
         return;
     _parts->hasTerminated = true;
+    _parts->isQuitting = true;
     _parts->history.flush();
     if (_parts->observer)
         _parts->observer->applicationWillTerminate();

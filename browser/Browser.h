@@ -37,8 +37,9 @@ public:
     // and opens the addresses among them, the first in a new window and the others in tabs of it; the start page when
     // there are none.
     void start(const QStringList &arguments);
-    // Opens the addresses, or the start page for none, in a new window and brings it to the front.
-    void openAddresses(const QStringList &addresses);
+    // Opens the addresses, or the start page for none, in a new window and brings it to the front. False, and nothing
+    // opened, when the browser is about to end.
+    bool openAddresses(const QStringList &addresses);
     // Loads the plug-in; part of `start`. False, with the reason in the log, when there is none that works.
     bool loadPlugin();
     bool isPluginLoaded() const;

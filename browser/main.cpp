@@ -1,5 +1,6 @@
 #include "browser/Browser.h"
 #include "browser/CommandLine.h"
+#include "browser/NoAnswerBox.h"
 #include "browser/RunningInstance.h"
 #include "browser/TerminationSignals.h"
 
@@ -15,12 +16,19 @@ int main(int argc, char **argv)
         return commandLine.isError ? 2 : 0;
     }
     QApplication application(argc, argv);
-    // Two processes would write over each other's files.
     RunningInstance instance;
-    if (!instance.isFirst() && instance.sendAddresses(commandLine.addresses))
+    RunningInstance::Outcome outcome = instance.settle(commandLine.addresses);
+    while (outcome == RunningInstance::NoAnswer) {
+        NoAnswerBox box(commandLine.addresses);
+        box.exec();
+        if (!box.triesAgain())
+            return 1;
+        outcome = instance.settle(commandLine.addresses);
+    }
+    if (outcome == RunningInstance::HandedOver)
         return 0;
     Browser browser;
-    QObject::connect(&instance, &RunningInstance::addressesReceived, &browser, &Browser::openAddresses);
+    instance.setReceiver([&browser](const QStringList &addresses) { return browser.openAddresses(addresses); });
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &browser, &Browser::quitAtOnce);
     browser.start(QApplication::arguments().mid(1));
