@@ -8,6 +8,7 @@
 #include "browser/BrowserMenus.h"
 #include "browser/BrowserServices.h"
 #include "browser/BrowserWindow.h"
+#include "browser/DisplayPlatform.h"
 #include "browser/Downloads.h"
 #include "browser/HistoryFile.h"
 #include "browser/PluginLoader.h"
@@ -17,6 +18,7 @@
 #include "browser/WebView.h"
 #include "platform/base/Log.h"
 #include "platform/host/HostObserver.h"
+#include "platform/host/HostPlugin.h"
 
 #include <QApplication>
 #include <QDir>
@@ -75,7 +77,7 @@ struct Browser::Parts
         , history(HistoryFile::defaultPath())
         , bookmarks(BookmarkFile::defaultPath())
         , siteIcons(QDir(dataFolder()).filePath(QStringLiteral("SiteIcons")))
-        , startPage(&bookmarks)
+        , startPage(&bookmarks, &siteIcons)
     {
         services.profile = profile.get();
         services.history = &history;
@@ -84,6 +86,17 @@ struct Browser::Parts
         services.siteIcons = &siteIcons;
         services.settings = &settings;
         profile->installUrlSchemeHandler(StartPage::scheme(), &startPage);
+    }
+
+    // What the start page tells about the drawer.
+    std::optional<StartPage::Drawer> drawer() const
+    {
+        if (!plugin)
+            return std::nullopt;
+        const BrowserHostMenuBar &menu = host->mainMenu();
+        return StartPage::Drawer{menu.shortcutOf(QStringLiteral("toggleDrawerItem")),
+                                 menu.shortcutOf(QStringLiteral("focusOnSiteItem")),
+                                 menu.shortcutOf(QStringLiteral("newNoteItem")), plugin->sitesWithList()};
     }
 
     BrowserHostSettings settings;
@@ -95,6 +108,7 @@ struct Browser::Parts
     StartPage startPage;
     BrowserServices services;
     std::unique_ptr<BrowserHost> host;
+    HostPlugin *plugin = nullptr;
     HostObserver *observer = nullptr;
     QList<BrowserWindow *> windows;    // oldest first
     QList<BrowserWindow *> byKeyboard; // the one that had the keyboard last comes last
@@ -112,9 +126,6 @@ void Browser::prepareProcess()
     StartPage::registerScheme();
     if (isRoot())
         qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    // A drawer has to be put beside its window, which Wayland lets nobody do.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
 Browser::Browser(QObject *parent) : QObject(parent), _parts(std::make_unique<Parts>())
@@ -129,6 +140,7 @@ Browser::Browser(QObject *parent) : QObject(parent), _parts(std::make_unique<Par
         const BrowserWindow *window = keyWindow();
         return window ? window->hostWindow() : nullptr;
     });
+    _parts->startPage.setDrawerSource([this] { return _parts->drawer(); });
     _parts->bookmarks.ensureExists();
     connect(services.profile, &QWebEngineProfile::downloadRequested, &_parts->downloads, &Downloads::take);
     connect(&_parts->downloads, &Downloads::started, this, &Browser::showDownload);
@@ -153,6 +165,10 @@ void Browser::start(const QStringList &arguments)
 {
     if (isRoot())
         qCWarning(logWayfold) << "Running as root: pages are not kept in a sandbox";
+    if (!DisplayPlatform::canPlaceWindows())
+        qCWarning(logWayfold)
+            << "There is no X server, and Wayland puts windows where it likes: the drawer is a window "
+               "of its own";
     QStringList addresses;
     for (const QString &argument : arguments) {
         if (!argument.startsWith(QLatin1String("--")))
@@ -177,9 +193,12 @@ bool Browser::openAddresses(const QStringList &addresses)
 
 bool Browser::loadPlugin()
 {
-    if (!_parts->observer)
-        _parts->observer =
-            PluginLoader::load(PluginLoader::candidates(QCoreApplication::applicationDirPath()), _parts->host.get());
+    if (!_parts->observer) {
+        const QStringList candidates = PluginLoader::candidates(QCoreApplication::applicationDirPath());
+        const PluginLoader::Started started = PluginLoader::load(candidates, _parts->host.get());
+        _parts->plugin = started.plugin;
+        _parts->observer = started.observer;
+    }
     return isPluginLoaded();
 }
 

@@ -25,7 +25,7 @@ class Browser : public QObject
 
 public:
     // What the web engine and the desktop have to know before the QApplication is made: names, scheme of the start
-    // page, sandbox (off for root alone, under whom it does not work), X11 instead of Wayland.
+    // page, sandbox (off for root alone, under whom it does not work).
     static void prepareProcess();
 
     // Needs a QApplication, and goes before it does. Reads and writes below `$HOME`.

@@ -8,6 +8,7 @@
 #include "browser/SymbolIcon.h"
 
 #include <QGuiApplication>
+#include <QPalette>
 
 namespace
 {
@@ -67,5 +68,16 @@ QImage BrowserHost::imageNamed(const QString &name, const QSize &size) const
 
 QImage BrowserHost::siteIconForAddress(const QString &address, const QSize &size) const
 {
-    return _services.siteIcons->iconForAddress(address, size);
+    const QImage icon = _services.siteIcons->iconForAddress(address, size);
+    return icon.isNull() ? neutralSiteIcon(size) : icon;
+}
+
+// Asked for at every drawing of a row, and drawn only when it has to look different.
+const QImage &BrowserHost::neutralSiteIcon(const QSize &size) const
+{
+    const QColor color = QGuiApplication::palette().color(QPalette::Text);
+    if (_neutralSiteIcon.size() != size || _neutralColor != color)
+        _neutralSiteIcon = SymbolIcon::image(QStringLiteral("site"), size);
+    _neutralColor = color;
+    return _neutralSiteIcon;
 }

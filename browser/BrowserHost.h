@@ -4,6 +4,7 @@
 #include "platform/host/HostApplication.h"
 #include "platform/host/HostClasses.h"
 
+#include <QColor>
 #include <functional>
 
 struct BrowserServices;
@@ -26,8 +27,12 @@ public:
     QImage siteIconForAddress(const QString &address, const QSize &size) const override;
 
 private:
+    const QImage &neutralSiteIcon(const QSize &size) const;
+
     BrowserServices &_services;
     KeyWindow _keyWindow;
     HostClasses _classes;
     BrowserHostMenuBar _menuBar;
+    mutable QImage _neutralSiteIcon; // as it was drawn last
+    mutable QColor _neutralColor;
 };

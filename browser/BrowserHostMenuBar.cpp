@@ -31,3 +31,15 @@ void BrowserHostMenuBar::addMenuBar(QMenuBar *menuBar)
             addMenuTo(menuBar, menu);
     }
 }
+
+QString BrowserHostMenuBar::shortcutOf(const QString &itemName) const
+{
+    for (const QPointer<QMenu> &menu : _menus) {
+        const QList<QAction *> items = menu ? menu->actions() : QList<QAction *>();
+        for (const QAction *item : items) {
+            if (item->objectName() == itemName)
+                return item->shortcut().toString(QKeySequence::NativeText);
+        }
+    }
+    return {};
+}

@@ -15,6 +15,8 @@ public:
 
     // Takes the menu bar of a new window in; its own menus have to be in it already. Held weakly.
     void addMenuBar(QMenuBar *menuBar);
+    // The shortcut, as menus write it, of the item of that object name in an appended menu; empty when there is none.
+    QString shortcutOf(const QString &itemName) const;
 
 private:
     QList<QPointer<QMenu>> _menus;

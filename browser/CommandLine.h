@@ -8,6 +8,8 @@ struct CommandLine
 {
     QStringList addresses;
     bool loadsPlugin = true;
+    // The platform plug-in of Qt that was asked for; empty for none.
+    QString platform;
     // What to print in place of starting; empty to start.
     QString text;
     bool isError = false;

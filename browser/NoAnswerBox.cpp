@@ -26,7 +26,7 @@ NoAnswerBox::NoAnswerBox(const QStringList &addresses)
     setObjectName(QStringLiteral("noAnswerBox"));
     setTextFormat(Qt::PlainText);
     QString explanation = tr("Perhaps it is only busy: try again in a moment. If that does not help, end it and try "
-                             "again. Nothing has been changed; two browsers at once would write over each other's "
+                             "again. Nothing has been changed; two browsers at once would write over each other’s "
                              "files.");
     if (!addresses.isEmpty())
         explanation += QStringLiteral("\n\n") + tr("Not opened yet:") + list(addresses);

@@ -22,7 +22,7 @@ QStringList PluginLoader::candidates(const QString &programFolder)
             QDir::cleanPath(folder.filePath(QStringLiteral("../lib/wayfold/") + libraryInBundle))};
 }
 
-HostObserver *PluginLoader::load(const QStringList &candidates, HostApplication *host)
+PluginLoader::Started PluginLoader::load(const QStringList &candidates, HostApplication *host)
 {
     for (const QString &path : candidates) {
         if (!QFileInfo::exists(path))
@@ -31,15 +31,16 @@ HostObserver *PluginLoader::load(const QStringList &candidates, HostApplication 
         auto *plugin = qobject_cast<HostPlugin *>(loader.instance());
         if (!plugin) {
             qCWarning(logWayfold) << "The plug-in" << path << "could not be loaded:" << loader.errorString();
-            return nullptr;
+            return {};
         }
         HostObserver *observer = plugin->load(host);
-        if (!observer)
+        if (!observer) {
             qCWarning(logWayfold) << "The plug-in" << path << "did not start";
-        else
-            qCInfo(logWayfold) << "Loaded the plug-in" << path;
-        return observer;
+            return {};
+        }
+        qCInfo(logWayfold) << "Loaded the plug-in" << path;
+        return {plugin, observer};
     }
     qCInfo(logWayfold) << "No plug-in found; looked for" << candidates;
-    return nullptr;
+    return {};
 }

@@ -1,5 +1,7 @@
 #include "browser/Browser.h"
 #include "browser/CommandLine.h"
+#include "browser/DisplayPlatform.h"
+#include "browser/Language.h"
 #include "browser/NoAnswerBox.h"
 #include "browser/RunningInstance.h"
 #include "browser/TerminationSignals.h"
@@ -15,7 +17,9 @@ int main(int argc, char **argv)
         std::fputs(qPrintable(commandLine.text), commandLine.isError ? stderr : stdout);
         return commandLine.isError ? 2 : 0;
     }
+    DisplayPlatform::choose(commandLine.platform);
     QApplication application(argc, argv);
+    const Language language;
     RunningInstance instance;
     RunningInstance::Outcome outcome = instance.settle(commandLine.addresses);
     while (outcome == RunningInstance::NoAnswer) {

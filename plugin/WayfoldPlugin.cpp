@@ -3,6 +3,7 @@
 #include "core/KDRDrawerBundle.h"
 #include "drawer/DrawerRoom.h"
 #include "model/ItemClasses.h"
+#include "model/WayfoldBookmarkFolder.h"
 #include "platform/host/CurrentHost.h"
 
 HostObserver *WayfoldPlugin::load(HostApplication *host)
@@ -12,4 +13,14 @@ HostObserver *WayfoldPlugin::load(HostApplication *host)
     installDrawerRoom();
     KDRDrawerBundle::load();
     return &_events;
+}
+
+QStringList WayfoldPlugin::sitesWithList() const
+{
+    QStringList titles;
+    for (const auto &item : KDRDrawerBundle::sharedInstance().bookmarkRoot()->children()) {
+        if (item->isFolder())
+            titles.append(item->title());
+    }
+    return titles;
 }

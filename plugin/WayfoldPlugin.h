@@ -14,6 +14,7 @@ class WayfoldPlugin : public QObject, public HostPlugin
 
 public:
     HostObserver *load(HostApplication *host) override;
+    QStringList sitesWithList() const override;
 
 private:
     HostEvents _events;

@@ -31,7 +31,7 @@ public:
     // The image that the host knows by that name, in a resolution fit for `size` (pixels); an empty size: the image as
     // it is, in its natural one. Null when there is none.
     virtual QImage imageNamed(const QString &name, const QSize &size) const = 0;
-    // The icon of the site that the address belongs to, from what the browser has seen already, for that size (pixels);
-    // null when it has none.
+    // The icon of the site that the address belongs to, from what the browser has seen already, for that size (pixels).
+    // A neutral icon in the palette's text colour when it has none, so that no row of a list goes without.
     virtual QImage siteIconForAddress(const QString &address, const QSize &size) const = 0;
 };

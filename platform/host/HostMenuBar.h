@@ -8,6 +8,8 @@ class HostMenuBar
 {
 public:
     virtual ~HostMenuBar() = default;
-    // Adds the menu at the right-hand end. The caller keeps it and lets it live as long as the process.
+    // Adds the menu at the right-hand end. The caller keeps it and lets it live as long as the process. A host that
+    // explains the drawer finds these items in it by their object names: "toggleDrawerItem", "focusOnSiteItem",
+    // "newNoteItem".
     virtual void appendMenu(QMenu *menu) = 0;
 };

@@ -11,6 +11,7 @@ private Q_SLOTS:
     void windowsThatComeLater();
     void windowsAndMenusThatHaveGone();
     void shortcutsWithoutMenuBar();
+    void shortcutOfAnItem();
 };
 
 namespace
@@ -85,6 +86,24 @@ void BrowserHostMenuBarTest::shortcutsWithoutMenuBar()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     QTest::keyClick(&window, Qt::Key_0, Qt::ControlModifier);
     QCOMPARE(triggered, 1);
+}
+
+void BrowserHostMenuBarTest::shortcutOfAnItem()
+{
+    BrowserHostMenuBar host;
+    QCOMPARE(host.shortcutOf("open"), QString());
+    auto gone = std::make_unique<QMenu>();
+    host.appendMenu(gone.get());
+    QMenu menu;
+    host.appendMenu(&menu);
+    gone.reset();
+    menu.addAction("Other")->setShortcut(QKeySequence("Ctrl+1"));
+    QAction *open = menu.addAction("Open");
+    open->setObjectName("open");
+    QCOMPARE(host.shortcutOf("open"), QString());
+    open->setShortcut(QKeySequence("Ctrl+Shift+O"));
+    QCOMPARE(host.shortcutOf("open"), QString("Ctrl+Shift+O"));
+    QCOMPARE(host.shortcutOf("close"), QString());
 }
 
 QTEST_MAIN(BrowserHostMenuBarTest)

@@ -5,7 +5,9 @@
 #include "browser/BrowserServices.h"
 #include "browser/BrowserWindow.h"
 #include "browser/HistoryFile.h"
+#include "browser/SiteIcons.h"
 #include "browser/StartPage.h"
+#include "browser/SymbolIcon.h"
 #include "browser/TabBar.h"
 #include "browser/WebView.h"
 #include "platform/files/UserDefaults.h"
@@ -219,6 +221,7 @@ private Q_SLOTS:
     void history();
     void menus();
     void images();
+    void siteIcons();
     void everyControlHasAName();
     void links_data();
     void links();
@@ -263,6 +266,12 @@ void BrowserTest::initTestCase()
 
 void BrowserTest::cleanupTestCase()
 {
+    _witness.events.clear();
+    QVERIFY(_browser->openAddresses({}));
+    QCOMPARE(_browser->windows().size(), 1);
+    _browser->quitAtOnce();
+    QVERIFY(!_browser->openAddresses({}));
+    QVERIFY(_browser->windows().isEmpty());
     _witness.events.clear();
     _browser.reset();
     QCOMPARE(_witness.events, QStringList("terminate"));
@@ -629,7 +638,32 @@ void BrowserTest::images()
     QCOMPARE(natural.deviceIndependentSize(), QSizeF(32, 32));
     QVERIFY(_browser->host().imageNamed("Nothing", QSize(24, 24)).isNull());
     QVERIFY(_browser->host().imageNamed("Nothing", QSize()).isNull());
-    QVERIFY(_browser->host().siteIconForAddress("http://never.example/", QSize(16, 16)).isNull());
+}
+
+// A site that was never seen has a drawing, in the colour of the text that it stands beside.
+void BrowserTest::siteIcons()
+{
+    const HostApplication &host = _browser->host();
+    const auto neutral = [&](int size) { return host.siteIconForAddress("http://never.example/", QSize(size, size)); };
+    const QPalette palette = QApplication::palette();
+    for (const QColor &color : {QColor(Qt::black), QColor(Qt::white)}) {
+        QPalette other = palette;
+        other.setColor(QPalette::Text, color);
+        QApplication::setPalette(other);
+        for (const int size : {16, 32}) {
+            QCOMPARE(neutral(size).size(), QSize(size, size));
+            QCOMPARE(neutral(size), SymbolIcon::image("site", QSize(size, size)));
+            QCOMPARE(host.siteIconForAddress("", QSize(size, size)), neutral(size));
+        }
+    }
+    QApplication::setPalette(palette);
+
+    QPixmap own(16, 16);
+    own.fill(Qt::red);
+    _browser->services().siteIcons->add(QUrl("http://seen.example/"), QIcon(own));
+    const QImage seen = host.siteIconForAddress("http://seen.example/page", QSize(16, 16));
+    QCOMPARE(seen.pixelColor(8, 8), QColor(Qt::red));
+    QVERIFY(seen != neutral(16));
 }
 
 void BrowserTest::everyControlHasAName()

@@ -10,6 +10,7 @@ private Q_SLOTS:
     void nothing();
     void addresses();
     void withoutPlugin();
+    void platform();
     void printsAndGoes_data();
     void printsAndGoes();
 };
@@ -46,6 +47,18 @@ void CommandLineTest::withoutPlugin()
     QVERIFY(!line.loadsPlugin);
     QVERIFY(line.text.isEmpty());
     QCOMPARE(line.addresses, QStringList("a.example"));
+}
+
+void CommandLineTest::platform()
+{
+    QCOMPARE(parse({"a.example"}).platform, QString());
+    for (const QList<QByteArray> &arguments :
+         {QList<QByteArray>{"-platform", "offscreen"}, {"--platform", "offscreen"}, {"--platform=offscreen"}}) {
+        const CommandLine line = parse(arguments + QList<QByteArray>{"a.example"});
+        QVERIFY2(line.text.isEmpty(), qPrintable(line.text));
+        QCOMPARE(line.platform, QString("offscreen"));
+        QCOMPARE(line.addresses, QStringList("a.example"));
+    }
 }
 
 void CommandLineTest::printsAndGoes_data()

@@ -34,8 +34,8 @@ void PluginLoaderTest::chosenLibrary()
 
 void PluginLoaderTest::missingLibrary()
 {
-    QVERIFY(!PluginLoader::load({}, nullptr));
-    QVERIFY(!PluginLoader::load({"/nowhere/libwayfold.so"}, nullptr));
+    QVERIFY(!PluginLoader::load({}, nullptr).plugin);
+    QVERIFY(!PluginLoader::load({"/nowhere/libwayfold.so"}, nullptr).plugin);
 }
 
 void PluginLoaderTest::brokenLibrary()
@@ -43,7 +43,7 @@ void PluginLoaderTest::brokenLibrary()
     const TemporaryHome home;
     home.write("libwayfold.so", "no library");
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("could not be loaded"));
-    QVERIFY(!PluginLoader::load({home.path("libwayfold.so")}, nullptr));
+    QVERIFY(!PluginLoader::load({home.path("libwayfold.so")}, nullptr).plugin);
 }
 
 // A plug-in of Qt's that is none of ours.
@@ -52,7 +52,7 @@ void PluginLoaderTest::otherLibrary()
     const QString path = QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/imageformats/libqsvg.so";
     QVERIFY(QFile::exists(path));
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("could not be loaded"));
-    QVERIFY(!PluginLoader::load({path}, nullptr));
+    QVERIFY(!PluginLoader::load({path}, nullptr).plugin);
 }
 
 QTEST_GUILESS_MAIN(PluginLoaderTest)

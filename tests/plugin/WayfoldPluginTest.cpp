@@ -20,6 +20,8 @@ private Q_SLOTS:
     void initTestCase();
 
     void startsEverything();
+    void itemsThatHostsLookFor();
+    void sitesWithList();
     void windowThatBecomesKeyGetsADrawer();
     void pageLoadIsHandled();
     void windowThatClosesLosesItsDrawer();
@@ -36,16 +38,27 @@ private:
 
     TemporaryHome _home;
     FakeHostApplication _host;
+    HostPlugin *_plugin = nullptr;
     HostObserver *_observer = nullptr;
     std::shared_ptr<FakeHostWindow> _window;
 };
 
 void WayfoldPluginTest::initTestCase()
 {
+    const auto folder = [](const char *title) {
+        return QVariantMap{{"WebBookmarkType", "WebBookmarkTypeList"}, {"Title", title}, {"Children", QVariantList()}};
+    };
+    const QVariantMap note{{"WebBookmarkType", "WebBookmarkTypeNote"}, {"Title", "note"}, {"Note", "text"}};
+    const QVariantMap root{{"WebBookmarkType", "WebBookmarkTypeList"},
+                           {"Title", ""},
+                           {"Children", QVariantList{folder("b.example"), note, folder("<a>"), folder("b.example")}}};
+    const QString items = _home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"));
+    QVERIFY(QDir().mkpath(QFileInfo(items).path()));
+    QVERIFY(PropertyList::writeFile(root, items));
     QPluginLoader loader(qEnvironmentVariable("WAYFOLD_BUNDLE") + QStringLiteral("/Contents/Plugin/libwayfold.so"));
-    auto *plugin = qobject_cast<HostPlugin *>(loader.instance());
-    QVERIFY2(plugin, qPrintable(loader.errorString()));
-    _observer = plugin->load(&_host);
+    _plugin = qobject_cast<HostPlugin *>(loader.instance());
+    QVERIFY2(_plugin, qPrintable(loader.errorString()));
+    _observer = _plugin->load(&_host);
     QVERIFY(_observer);
 }
 
@@ -64,6 +77,22 @@ void WayfoldPluginTest::startsEverything()
                           "WayfoldDefaultFirstTab", "WayfoldHistoryGroupingKey", "WayfoldListViewFontName",
                           "WayfoldListViewFontSize", "WayfoldMenuItemShortcuts", "WayfoldOpenDrawerForKnownSite",
                           "WayfoldOpenDrawerOnNewWindow", "WayfoldShowBookmarkIcons", "WayfoldShowFavIcons"}));
+}
+
+void WayfoldPluginTest::itemsThatHostsLookFor()
+{
+    QHash<QString, QString> shortcuts;
+    for (const QAction *item : _host.menuBar.menus.constFirst()->actions())
+        shortcuts.insert(item->objectName(), item->shortcut().toString());
+    QCOMPARE(shortcuts.value("toggleDrawerItem"), QString("Ctrl+0"));
+    QCOMPARE(shortcuts.value("focusOnSiteItem"), QString("Ctrl+Shift+O"));
+    QCOMPARE(shortcuts.value("newNoteItem"), QString("Ctrl+Shift+K"));
+}
+
+// Folders at the top are lists of sites; a note beside them is none.
+void WayfoldPluginTest::sitesWithList()
+{
+    QCOMPARE(_plugin->sitesWithList(), QStringList({"b.example", "<a>", "b.example"}));
 }
 
 void WayfoldPluginTest::windowThatBecomesKeyGetsADrawer()
