@@ -686,7 +686,7 @@
     </message>
     <message>
         <source>Show the site’s list</source>
-        <translation>Liste der Website zeigen</translation>
+        <translation>Liste zeigen</translation>
     </message>
     <message>
         <source>Each site has a list of its own. You need not make it.</source>
