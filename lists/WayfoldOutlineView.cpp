@@ -364,6 +364,15 @@ void WayfoldOutlineView::scrollAfterSearch(bool hasEnded)
         setCurrentRow(0);
 }
 
+void WayfoldOutlineView::beginAtTop()
+{
+    scrollToTop();
+    if (selectedRow() < 0)
+        setCurrentRow(0);
+    else
+        scrollRowToVisible(selectedRow());
+}
+
 // --- Tool tips ------------------------------------------------------------------------------------------------------
 
 void WayfoldOutlineView::ensureToolTipPresentForItem(const KDRBookmarkPtr &item)

@@ -69,6 +69,9 @@ public:
     // For a search that has changed: from the first match on; when it has ended, to what is still selected.
     void scrollAfterSearch(bool hasEnded);
 
+    // For another list than before: from its first row on, or as far down as what is still selected.
+    void beginAtTop();
+
     // ---- Tool tips
 
     // Registers tool tips down to the item's row; nothing for an item that has no row.

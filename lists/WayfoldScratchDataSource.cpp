@@ -213,6 +213,7 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
     _scratchBookmarkRoot = rootForLabel(newLabel);
     if (_scratchOutlineView) {
         _scratchOutlineView->reloadData();
+        _scratchOutlineView->beginAtTop();
         _scratchOutlineView->setSitePopupTitle(newLabel);
     }
     if (!oldLabel.isEmpty()) {

@@ -14,9 +14,14 @@ WayfoldSitePopupButton::WayfoldSitePopupButton(QWidget *parent) : QComboBox(pare
     // As wide as there is room, whatever the sites are called.
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(1);
-    connect(this, &QComboBox::currentIndexChanged, this,
-            [this](int index) { _title = index < 0 ? QString() : itemText(index); });
+    connect(this, &QComboBox::currentIndexChanged, this, &WayfoldSitePopupButton::takeTitle);
+    connect(this, &QComboBox::currentTextChanged, this, &WayfoldSitePopupButton::takeTitle); // the entry is renamed
     connect(this, &QComboBox::activated, this, &WayfoldSitePopupButton::siteChangeRequested);
+}
+
+void WayfoldSitePopupButton::takeTitle()
+{
+    _title = currentIndex() < 0 ? QString() : currentText();
 }
 
 void WayfoldSitePopupButton::setTitle(const QString &title)
@@ -40,7 +45,7 @@ void WayfoldSitePopupButton::setEntries(const QStringList &titles, const QString
         }
         setCurrentIndex(findText(selected, Qt::MatchExactly | Qt::MatchCaseSensitive));
     }
-    _title = currentIndex() < 0 ? QString() : currentText();
+    takeTitle();
     update();
 }
 

@@ -36,6 +36,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
 
 private:
+    void takeTitle();
     void willPopUp();
 
     QString _title;

@@ -264,13 +264,10 @@ int OutlineView::rowPixels() const
 
 int OutlineView::selectedRow() const
 {
-    int first = -1;
-    for (const QItemSelectionRange &range : selectionModel()->selection()) {
-        const int row = _model->rowOfIndex(range.topLeft());
-        if (row >= 0 && (first < 0 || row < first))
-            first = row;
-    }
-    return first;
+    int last = -1;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        last = std::max(last, _model->rowOfIndex(range.bottomRight()));
+    return last;
 }
 
 std::vector<int> OutlineView::selectedRows() const

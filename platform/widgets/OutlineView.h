@@ -61,7 +61,7 @@ public:
     void expandItems(const std::vector<OutlineItemPtr> &items);
     void collapseItem(const OutlineItemPtr &item);
 
-    // The first selected row, -1 when there is none.
+    // The last of the selected rows, which is the one that counts where one is asked for; -1 when there is none.
     int selectedRow() const;
     // Ascending.
     std::vector<int> selectedRows() const;
@@ -91,7 +91,7 @@ public:
 
     // The tip for a point of the viewport; null for none.
     virtual QString toolTipAtPoint(const QPoint &point);
-    // The menu for a right click, or for the menu key, which asks for the middle of the first selected row, or of the
+    // The menu for a right click, or for the menu key, which asks for the middle of the last selected row, or of the
     // list when none is; null for none. Not taken over.
     virtual QMenu *menuForEvent(QContextMenuEvent *event);
     // Where the mark of the current drag is drawn, in the viewport's coordinates; empty when there is none.

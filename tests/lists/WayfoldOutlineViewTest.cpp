@@ -114,6 +114,7 @@ private Q_SLOTS:
     void heldKeysOpenOnce();
     void controlSpaceIsTheToolkits();
     void spaceOnAFolderIsTheToolkits();
+    void lastSelectedRowCounts();
     void rightClickSelects();
     void rightClickInsideTheSelectionKeepsIt();
     void menuKeySelectsNothing();
@@ -695,6 +696,25 @@ void WayfoldOutlineViewTest::spaceOnAFolderIsTheToolkits()
     QTest::keyClick(&_pad->view, Qt::Key_Space);
     QCOMPARE(_pad->view.selectedRows(), std::vector<int>({0, 1}));
     QCOMPARE(opened, 0);
+}
+
+// Of several: a folder among them is opened with them unless it is the last one.
+void WayfoldOutlineViewTest::lastSelectedRowCounts()
+{
+    const auto first = ListStage::note("First");
+    const auto folder = ListStage::folder("Folder");
+    const auto last = ListStage::note("Last");
+    _pad->showItems({first, folder, last});
+    int opened = 0;
+    _pad->view.doubleAction = [&opened] { ++opened; };
+    _pad->select({first, folder});
+    QCOMPARE(_pad->view.selectedItem(), KDRBookmarkPtr(folder));
+    QTest::keyClick(&_pad->view, Qt::Key_Space);
+    QCOMPARE(opened, 0);
+    _pad->select({last, folder});
+    QCOMPARE(_pad->view.selectedItem(), KDRBookmarkPtr(last));
+    QTest::keyClick(&_pad->view, Qt::Key_Space);
+    QCOMPARE(opened, 1);
 }
 
 void WayfoldOutlineViewTest::rightClickSelects()

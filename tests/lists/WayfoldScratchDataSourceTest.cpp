@@ -9,6 +9,7 @@
 
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 
 namespace
 {
@@ -94,6 +95,8 @@ private Q_SLOTS:
     void switchback();
     void switchbackWithoutAPreviousSite();
     void labelEqualsThePopupsTitle();
+    void anotherSitesListStartsAtItsTop();
+    void whatStaysSelectedIsSeen();
 
     void saveCurrentPage();
     void saveCurrentPageMakesTheSiteKnown();
@@ -351,6 +354,46 @@ void WayfoldScratchDataSourceTest::labelEqualsThePopupsTitle()
 }
 
 // --- Saving pages ---------------------------------------------------------------------------------------------------
+
+void WayfoldScratchDataSourceTest::anotherSitesListStartsAtItsTop()
+{
+    const auto longSite = [](const QString &title) {
+        std::vector<KDRBookmarkPtr> notes;
+        for (int i = 0; i < 100; ++i)
+            notes.push_back(ListStage::note(QString::number(i)));
+        return ListStage::folder(title, notes);
+    };
+    _pad->showItems({longSite(siteA), longSite(siteB)});
+    _pad->show(siteA);
+    QScrollBar &bar = *_pad->view.verticalScrollBar();
+    QTRY_VERIFY(bar.maximum() > 0);
+    _pad->view.selectIndividualRow(60);
+    bar.setValue(bar.maximum());
+    _pad->show(siteB);
+    QCOMPARE(bar.value(), 0);
+    QCOMPARE(_pad->view.currentRow(), 0);
+    QCOMPARE(_pad->view.selectedRow(), -1);
+    bar.setValue(bar.maximum());
+    _pad->source->handleSwitchbackRequest(nullptr);
+    QCOMPARE(bar.value(), 0);
+}
+
+// What was selected in the list of all sites, in the list of its own.
+void WayfoldScratchDataSourceTest::whatStaysSelectedIsSeen()
+{
+    std::vector<KDRBookmarkPtr> notes;
+    for (int i = 0; i < 100; ++i)
+        notes.push_back(ListStage::note(QString::number(i)));
+    const auto site = ListStage::folder(siteA, notes);
+    _pad->showItems({site});
+    _pad->view.expandItem(site);
+    QTRY_VERIFY(_pad->view.verticalScrollBar()->maximum() > 0);
+    _pad->view.selectIndividualItem(notes[80]);
+    _pad->show(siteA);
+    QCOMPARE(_pad->view.selectedRow(), 80);
+    QCOMPARE(_pad->view.currentRow(), 80);
+    QVERIFY(_pad->view.viewport()->rect().contains(_pad->view.rectOfRow(80)));
+}
 
 void WayfoldScratchDataSourceTest::saveCurrentPage()
 {

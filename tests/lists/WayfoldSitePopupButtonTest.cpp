@@ -23,6 +23,7 @@ class WayfoldSitePopupButtonTest : public QObject
 
 private Q_SLOTS:
     void titleOfTheSelectedEntry();
+    void titleOfARenamedEntry();
     void setTitleAddsWhatIsMissing();
     void entriesAreReplacedQuietly();
     void longTitlesDoNotMakeItWider();
@@ -43,6 +44,19 @@ void WayfoldSitePopupButtonTest::titleOfTheSelectedEntry()
     QCOMPARE(popup.title(), QStringLiteral("Sites"));
     popup.setCurrentIndex(2);
     QCOMPARE(popup.title(), QStringLiteral("b.org"));
+}
+
+// As when an interface file's entries are translated.
+void WayfoldSitePopupButtonTest::titleOfARenamedEntry()
+{
+    WayfoldSitePopupButton popup;
+    popup.addItems(sites());
+    popup.setItemText(0, QStringLiteral("Websites"));
+    QCOMPARE(popup.title(), QStringLiteral("Websites"));
+    popup.setItemText(1, QStringLiteral("other.org"));
+    QCOMPARE(popup.title(), QStringLiteral("Websites"));
+    popup.clear();
+    QVERIFY(popup.title().isNull());
 }
 
 void WayfoldSitePopupButtonTest::setTitleAddsWhatIsMissing()
