@@ -6,7 +6,7 @@
 #include "lists/NoteViewer.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/WayfoldOutlineView.h"
-#include "model/WayfoldBookmarkURL.h"
+#include "model/WayfoldBookmarkEmail.h"
 #include "platform/host/HostFrame.h"
 #include "platform/host/HostWebView.h"
 #include "platform/host/HostWindow.h"
@@ -388,8 +388,10 @@ void WayfoldOutlineViewDataSource::openItem(const KDRBookmarkPtr &item)
         openInCurrentTab(urlOf(*item));
         break;
     case KDRBookmark::FileLinkType:
-    case KDRBookmark::EmailLinkType:
         Workspace::openURL(urlOf(*item));
+        break;
+    case KDRBookmark::EmailLinkType:
+        Workspace::openURL(static_cast<const WayfoldBookmarkEmail &>(*item).urlForMailProgram());
         break;
     case KDRBookmark::NoteType:
         NoteViewer::showNote(std::static_pointer_cast<WayfoldBookmarkNote>(item));

@@ -16,6 +16,7 @@
 
 #include <QHash>
 #include <QKeyEvent>
+#include <QSet>
 
 namespace
 {
@@ -91,12 +92,15 @@ struct Mail
     QStringList bcc;
     QString subject;
 
+    // What stands on lines of its own is an address of its own.
     void add(QStringList Mail::*list, const QStringList &addresses)
     {
-        for (const QString &address : addresses) {
+        const QStringList lines = addresses.join(u'\n').split(u'\n');
+        for (const QString &line : lines) {
+            const QString address = StringRules::trimmed(line);
             if (address.isEmpty() || _taken.contains(address))
                 continue;
-            _taken.append(address);
+            _taken.insert(address);
             (this->*list).append(address);
         }
     }
@@ -104,7 +108,7 @@ struct Mail
     bool isEmpty() const { return _taken.isEmpty(); }
 
 private:
-    QStringList _taken;
+    QSet<QString> _taken;
 };
 
 void addRecipients(const WayfoldBookmarkEmail &link, Mail &mail)
@@ -119,23 +123,6 @@ void addRecipients(const WayfoldBookmarkEmail &link, Mail &mail)
     mail.add(&Mail::bcc, bcc);
     if (mail.subject.isEmpty())
         mail.subject = subject;
-}
-
-QString mailText(const Mail &mail)
-{
-    const QChar comma(u',');
-    QString text = QStringLiteral("mailto:") + mail.to.join(comma);
-    QChar separator(u'?');
-    const auto append = [&text, &separator](const QString &name, const QString &value) {
-        if (value.isEmpty())
-            return;
-        text += separator + name + QLatin1Char('=') + value;
-        separator = QChar(u'&');
-    };
-    append(QStringLiteral("cc"), mail.cc.join(comma));
-    append(QStringLiteral("bcc"), mail.bcc.join(comma));
-    append(QStringLiteral("subject"), mail.subject);
-    return text;
 }
 } // namespace
 
@@ -255,9 +242,7 @@ Url WayfoldScratchOutlineView::mailURL() const
         if (item->type() == KDRBookmark::EmailLinkType)
             addRecipients(static_cast<const WayfoldBookmarkEmail &>(*item), mail);
     }
-    if (mail.isEmpty())
-        return {};
-    return Url::URLWithString(StringRules::addingPercentEscapes(StringRules::trimmed(mailText(mail))));
+    return mail.isEmpty() ? Url() : WayfoldBookmarkEmail::mailURL(mail.to, mail.cc, mail.bcc, mail.subject);
 }
 
 void WayfoldScratchOutlineView::handleSendEmailRequest(QObject * /*sender*/)

@@ -7,6 +7,8 @@
 #include "platform/base/Scanner.h"
 #include "platform/base/StringRules.h"
 
+#include <QRegularExpression>
+
 namespace
 {
 // Takes what stands before the delimiter, and steps over the delimiter unless nothing stood before it.
@@ -23,6 +25,24 @@ QString decodeHTTPInString(const QString &text)
 {
     const QString decoded = StringRules::replacingPercentEscapes(text);
     return decoded.isNull() ? text : decoded;
+}
+
+// What stands between the commas of a list of recipients.
+QString escapedList(const QStringList &addresses)
+{
+    QStringList escaped;
+    for (const QString &address : addresses)
+        escaped.append(StringRules::escapedValue(StringRules::trimmed(address)));
+    return escaped.join(QLatin1Char(','));
+}
+
+// Escaped line ends, and commas and blanks beside them, become one comma; those around the list go.
+QString withCommasForLineEnds(const QString &list)
+{
+    static const QRegularExpression lineEnds(QStringLiteral("(?:,|%20)*%0[ad](?:,|%20|%0[ad])*"),
+                                             QRegularExpression::CaseInsensitiveOption);
+    const QStringList lines = list.split(lineEnds, Qt::SkipEmptyParts);
+    return lines.join(QLatin1Char(','));
 }
 
 QStringList addressesInString(const QString &text)
@@ -51,6 +71,41 @@ WayfoldBookmarkEmailPtr WayfoldBookmarkEmail::bookmarkFromDictionary(const QVari
     auto link = std::make_shared<WayfoldBookmarkEmail>(Blank());
     link->loadFromDictionary(dictionary);
     return link;
+}
+
+Url WayfoldBookmarkEmail::mailURL(const QStringList &to, const QStringList &cc, const QStringList &bcc,
+                                  const QString &subject)
+{
+    QString address = QStringLiteral("mailto:") + escapedList(to);
+    QChar separator(u'?');
+    const auto append = [&address, &separator](const char *name, const QString &value) {
+        address += separator + QLatin1String(name) + QLatin1Char('=') + value;
+        separator = QChar(u'&');
+    };
+    if (!cc.isEmpty())
+        append("cc", escapedList(cc));
+    if (!bcc.isEmpty())
+        append("bcc", escapedList(bcc));
+    if (!subject.isEmpty())
+        append("subject", StringRules::escapedValue(StringRules::trimmed(subject)));
+    return Url::URLWithString(address);
+}
+
+Url WayfoldBookmarkEmail::urlForMailProgram() const
+{
+    const QString address = url().absoluteString();
+    const qsizetype start = address.indexOf(u'?');
+    QStringList pieces = start < 0 ? QStringList() : address.mid(start + 1).split(u'&');
+    const qsizetype scheme = address.indexOf(u':') + 1;
+    const QString to = address.mid(scheme, start < 0 ? -1 : start - scheme);
+    for (QString &piece : pieces) {
+        const qsizetype value = piece.indexOf(u'=') + 1;
+        const QStringView name = QStringView(piece).first(value);
+        if (name.compare(u"cc=", Qt::CaseInsensitive) == 0 || name.compare(u"bcc=", Qt::CaseInsensitive) == 0)
+            piece.replace(value, piece.size() - value, withCommasForLineEnds(piece.mid(value)));
+    }
+    const QString rest = start < 0 ? QString() : QLatin1Char('?') + pieces.join(u'&');
+    return Url::URLWithString(address.first(scheme) + withCommasForLineEnds(to) + rest);
 }
 
 WayfoldBookmarkEmailPtr WayfoldBookmarkEmail::newViaDialog()

@@ -17,9 +17,13 @@ public:
     static WayfoldBookmarkEmailPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkEmailPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     static WayfoldBookmarkEmailPtr bookmarkFromDictionary(const QVariantMap &dictionary);
+    // The address of a mail to these people; recipients and subject may hold any letter. A null or empty subject is none.
+    static Url mailURL(const QStringList &to, const QStringList &cc, const QStringList &bcc, const QString &subject);
     // Asks the user for a new link; none when that was cancelled.
     static WayfoldBookmarkEmailPtr newViaDialog();
 
+    // The address as a mail program takes it: recipients that stand on lines of their own have commas between them.
+    Url urlForMailProgram() const;
     // Takes the address apart, percent escapes decoded. All four are replaced; a part that is not there is empty.
     void parseMailToLinkIntoToListCCListBCCListSubject(QStringList &toList, QStringList &ccList, QStringList &bccList,
                                                        QString &subject) const;

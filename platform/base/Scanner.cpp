@@ -4,14 +4,12 @@ Scanner::Scanner(const QString &text) : _text(text) {}
 
 bool Scanner::isAtEnd() const
 {
-    Scanner ahead(*this);
-    ahead.skipWhiteSpace();
-    return ahead._position == _text.size();
+    return nextPosition() == _text.size();
 }
 
 bool Scanner::scanUpToString(const QString &delimiter, QString *piece)
 {
-    skipWhiteSpace();
+    _position = nextPosition();
     qsizetype end = delimiter.isEmpty() ? -1 : _text.indexOf(delimiter, _position);
     if (end < 0)
         end = _text.size();
@@ -24,15 +22,18 @@ bool Scanner::scanUpToString(const QString &delimiter, QString *piece)
 
 bool Scanner::scanString(const QString &text)
 {
-    skipWhiteSpace();
+    _position = nextPosition();
     if (text.isEmpty() || !QStringView(_text).mid(_position).startsWith(text))
         return false;
     _position += text.size();
     return true;
 }
 
-void Scanner::skipWhiteSpace()
+// Where the next piece begins: behind the white space.
+qsizetype Scanner::nextPosition() const
 {
-    while (_position < _text.size() && _text[_position].isSpace())
-        _position++;
+    qsizetype position = _position;
+    while (position < _text.size() && _text[position].isSpace())
+        ++position;
+    return position;
 }

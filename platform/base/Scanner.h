@@ -18,7 +18,7 @@ public:
     bool scanString(const QString &text);
 
 private:
-    void skipWhiteSpace();
+    qsizetype nextPosition() const;
 
     QString _text;
     qsizetype _position = 0;

@@ -36,14 +36,6 @@ QString unfolded(const QString &text)
     return result;
 }
 
-// The form in which texts that differ only in letter case or in canonically equivalent spellings are the same. Text
-// that is in this form already, as most text is, is handed through without a copy.
-QString folded(const QString &text)
-{
-    const QString composed = text.normalized(QString::NormalizationForm_C);
-    return unfolded(composed.toCaseFolded()).normalized(QString::NormalizationForm_C);
-}
-
 // Whether a mark that belongs to the letter before it stands there: a bare letter is not found in an accented one.
 bool isCombiningMarkAt(const QString &text, qsizetype position)
 {
@@ -53,6 +45,39 @@ bool isCombiningMarkAt(const QString &text, qsizetype position)
     if (text[position].isHighSurrogate() && position + 1 < text.size() && text[position + 1].isLowSurrogate())
         character = QChar::surrogateToUcs4(text[position], text[position + 1]);
     return QChar::combiningClass(character) != 0;
+}
+
+// No letter of any language has as many marks as this; the number is Unicode's for texts of unknown origin.
+constexpr int mostMarks = 30;
+
+// The text with a joiner that shows nothing after every so many marks in a row. Sorting the marks of one letter takes
+// quadratic time, and a page's title may have a hundred thousand of them.
+QString withBoundedMarks(const QString &text)
+{
+    const QChar joiner(0x34f);
+    QString result;
+    qsizetype taken = 0;
+    int marks = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text[at].isLowSurrogate())
+            continue;
+        marks = isCombiningMarkAt(text, at) ? marks + 1 : 0;
+        if (marks > mostMarks) {
+            result += QStringView(text).sliced(taken, at - taken);
+            result += joiner;
+            taken = at;
+            marks = 1;
+        }
+    }
+    return taken == 0 ? text : result.append(QStringView(text).sliced(taken));
+}
+
+// The form in which texts that differ only in letter case or in canonically equivalent spellings are the same. Text
+// that is in this form already, as most text is, is handed through without a copy.
+QString folded(const QString &text)
+{
+    const QString composed = withBoundedMarks(text).normalized(QString::NormalizationForm_C);
+    return unfolded(composed.toCaseFolded()).normalized(QString::NormalizationForm_C);
 }
 
 // The same for text in UTF-8.
@@ -175,6 +200,10 @@ const char *find(const char *at, const char *end, QByteArrayView part)
 {
     if (part.size() == 1)
         return static_cast<const char *>(std::memchr(at, part.front(), std::size_t(end - at)));
+    // Its preparation is what keeps the time for a long part linear, though.
+    constexpr qsizetype longPart = 256;
+    if (part.size() >= longPart)
+        return static_cast<const char *>(memmem(at, std::size_t(end - at), part.data(), std::size_t(part.size())));
     const auto isAt = [&](const char *place) {
         return *place == part.front() && std::memcmp(place, part.data(), std::size_t(part.size())) == 0;
     };
@@ -297,6 +326,12 @@ QString StringRules::fromUtf8(QByteArrayView bytes)
     QStringDecoder decode(QStringDecoder::Utf8,
                           QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     return decode(bytes);
+
+QString StringRules::escapedValue(const QString &text)
+{
+    if (text.isEmpty())
+        return text;
+    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!*'()/:@$,"));
 }
 
 QString StringRules::trimmed(const QString &text)

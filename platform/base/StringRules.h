@@ -33,6 +33,9 @@ QString addingPercentEscapes(const QString &text);
 // The text that the bytes stand for; damaged ones as U+FFFD. QString's own call takes a U+FEFF at the beginning for a
 // mark of a file's and drops it.
 QString fromUtf8(QByteArrayView bytes);
+// The same for one value among others in an address: the signs that would end it there, or be taken for others
+// (& = ? ; +), are escaped too.
+QString escapedValue(const QString &text);
 // The text without the white space and line ends around it.
 QString trimmed(const QString &text);
 // The leading decimal integer after blanks, 0 when there is none, clamped to int's range.

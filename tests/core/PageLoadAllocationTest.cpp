@@ -1,53 +1,7 @@
 #include "tests/core/StoreInTemporaryHome.h"
+#include "tests/support/AllocationCount.h"
 
-#include <cstdlib>
 #include <optional>
-
-// Counts what this program takes from the heap: its own `malloc` stands in front of the C library's, which everything
-// else (operator new, Qt's strings and lists) comes down to.
-namespace
-{
-std::size_t allocationCount = 0;
-}
-
-#if defined(__SANITIZE_ADDRESS__)
-// Not every compiler comes with the header that declares this.
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void *, std::size_t),
-                                                         void (*released)(const volatile void *));
-namespace
-{
-void countAllocation(const volatile void * /*memory*/, std::size_t /*size*/)
-{
-    ++allocationCount;
-}
-void ignoreRelease(const volatile void * /*memory*/) {}
-[[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
-} // namespace
-#else
-extern "C" {
-void *__libc_malloc(std::size_t size);
-void *__libc_calloc(std::size_t count, std::size_t size);
-void *__libc_realloc(void *memory, std::size_t size);
-
-__attribute__((visibility("default"))) void *malloc(std::size_t size)
-{
-    ++allocationCount;
-    return __libc_malloc(size);
-}
-
-__attribute__((visibility("default"))) void *calloc(std::size_t count, std::size_t size)
-{
-    ++allocationCount;
-    return __libc_calloc(count, size);
-}
-
-__attribute__((visibility("default"))) void *realloc(void *memory, std::size_t size)
-{
-    ++allocationCount;
-    return __libc_realloc(memory, size);
-}
-}
-#endif
 
 // The page-load reaction runs at every drawing of every page, so its early exits take nothing from the heap.
 class PageLoadAllocationTest : public QObject

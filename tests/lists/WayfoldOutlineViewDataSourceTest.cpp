@@ -530,11 +530,13 @@ void WayfoldOutlineViewDataSourceTest::openFilesAndMails()
     Scratchpad pad(*_stage);
     const auto file = ListStage::file("File");
     const auto mail = ListStage::mail("Mail");
-    pad.showItems({file, mail});
+    const auto lines = ListStage::mail("Two lines", "mailto:ann%0Abob");
+    pad.showItems({file, mail, lines});
     pad.controller->setCurrentWebFrame(pad.web->frame);
-    pad.select({file, mail});
+    pad.select({file, mail, lines});
     pad.source->handleResolveBookmarkRequest(nullptr);
-    QCOMPARE(_stage->openedURLs, QStringList({QStringLiteral("file:///tmp/a%20b.txt"), QStringLiteral("mailto:ann")}));
+    QCOMPARE(_stage->openedURLs, QStringList({QStringLiteral("file:///tmp/a%20b.txt"), QStringLiteral("mailto:ann"),
+                                              QStringLiteral("mailto:ann,bob")}));
     QVERIFY(pad.web->frame->loadRequests.empty());
 }
 

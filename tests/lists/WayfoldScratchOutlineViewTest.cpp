@@ -68,6 +68,7 @@ private Q_SLOTS:
     void mailAddress_data();
     void mailAddress();
     void mailIsHandedToTheDesktop();
+    void mailIsHandedOverWhole();
 
     void editItem_data();
     void editItem();
@@ -483,6 +484,11 @@ void WayfoldScratchOutlineViewTest::mailAddress_data()
                                        << QStringLiteral("mailto:a?subject=Hi");
     QTest::newRow("signs of addresses") << QStringList{QStringLiteral("mailto:a?subject=%231%20%25")}
                                         << QStringLiteral("mailto:a?subject=%231%20%25");
+    QTest::newRow("signs within the parts")
+        << QStringList{QStringLiteral("mailto:Tom%20%26%20Jerry?subject=Tom%20%26%20Jerry%3D2%3F")}
+        << QStringLiteral("mailto:Tom%20%26%20Jerry?subject=Tom%20%26%20Jerry%3D2%3F");
+    QTest::newRow("a line each") << QStringList{QStringLiteral("mailto:a%0Ab%0D%0A?cc=c%0Aa%0Ad")}
+                                 << QStringLiteral("mailto:a,b?cc=c,d");
     QTest::newRow("nobody") << QStringList{QStringLiteral("mailto:")} << QString();
     QTest::newRow("not only mails") << QStringList{QStringLiteral("http://a/"), QStringLiteral("mailto:a")}
                                     << QStringLiteral("mailto:a");
@@ -509,6 +515,41 @@ void WayfoldScratchOutlineViewTest::mailIsHandedToTheDesktop()
     _pad->select({mail});
     _pad->view.handleSendEmailRequest(nullptr);
     QCOMPARE(_stage->openedURLs, QStringList{QStringLiteral("mailto:ann?subject=Gr%C3%BC%C3%9Fe")});
+}
+
+// By the word of another parser.
+void WayfoldScratchOutlineViewTest::mailIsHandedOverWhole()
+{
+    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+    QVERIFY(!python.isEmpty());
+    const QString subject = QStringLiteral("Tom & Jerry? 100% = 50%+#1; \u00e9\U0001f600");
+    const auto escaped = [](const QString &text) { return QString::fromLatin1(QUrl::toPercentEncoding(text)); };
+    const QString name = QStringLiteral("\"Tom & Jerry = 2?\" <t+j@x.example>");
+    const auto first = ListStage::mail(QStringLiteral("One"), QStringLiteral("mailto:") + escaped(name) +
+                                                                  QStringLiteral("%0Abob@x.example?cc=cy%0Adan&subject=") +
+                                                                  escaped(subject));
+    const auto second = ListStage::mail(QStringLiteral("Two"), QStringLiteral("mailto:eve?bcc=fay,gus&subject=other"));
+    _pad->showItems({first, second});
+    _pad->select({first, second});
+    _pad->view.handleSendEmailRequest(nullptr);
+    QCOMPARE(_stage->openedURLs.size(), 1);
+    QProcess process;
+    process.start(python, {QStringLiteral("-c"),
+                           QStringLiteral("import json, sys\n"
+                                          "from urllib.parse import urlsplit, parse_qs, unquote\n"
+                                          "mail = urlsplit(sys.argv[1])\n"
+                                          "parts = {k: v for k, v in parse_qs(mail.query).items()}\n"
+                                          "parts['to'] = [unquote(to) for to in mail.path.split(',')]\n"
+                                          "print(json.dumps(parts))\n"),
+                           _stage->openedURLs.constFirst()});
+    QVERIFY(process.waitForFinished());
+    QVERIFY2(process.exitCode() == 0, process.readAllStandardError().constData());
+    const QVariantMap parts = QJsonDocument::fromJson(process.readAllStandardOutput()).toVariant().toMap();
+    QCOMPARE(parts.value(QStringLiteral("to")).toStringList(),
+             QStringList({name, QStringLiteral("bob@x.example"), QStringLiteral("eve")}));
+    QCOMPARE(parts.value(QStringLiteral("cc")).toStringList(), QStringList{QStringLiteral("cy,dan")});
+    QCOMPARE(parts.value(QStringLiteral("bcc")).toStringList(), QStringList{QStringLiteral("fay,gus")});
+    QCOMPARE(parts.value(QStringLiteral("subject")).toStringList(), QStringList{subject});
 }
 
 // --- Menu -----------------------------------------------------------------------------------------------------------

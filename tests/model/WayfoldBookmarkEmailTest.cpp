@@ -19,6 +19,9 @@ private Q_SLOTS:
     void parse();
     void parseReplacesWhatWasThere();
     void parseIntoTexts();
+    void mailURL();
+    void urlForMailProgram_data();
+    void urlForMailProgram();
     void tooltip_data();
     void tooltip();
     void image();
@@ -123,6 +126,46 @@ void WayfoldBookmarkEmailTest::parseIntoTexts()
     QCOMPARE(cc, "a\nb");
     QCOMPARE(bcc, "c");
     QCOMPARE(subject, "s");
+}
+
+void WayfoldBookmarkEmailTest::mailURL()
+{
+    const auto text = [](const QStringList &to, const QStringList &cc, const QStringList &bcc, const QString &subject) {
+        return WayfoldBookmarkEmail::mailURL(to, cc, bcc, subject).absoluteString();
+    };
+    QCOMPARE(text({"ann"}, {}, {}, {}), "mailto:ann");
+    QCOMPARE(text({"ann", "bob"}, {"c", "d"}, {"e"}, "Hi there"), "mailto:ann,bob?cc=c,d&bcc=e&subject=Hi%20there");
+    QCOMPARE(text({}, {}, {"e"}, "s"), "mailto:?bcc=e&subject=s");
+    QCOMPARE(text({"Tom & Jerry <t@x.example>"}, {}, {}, " 1+1=2? "),
+             "mailto:Tom%20%26%20Jerry%20%3Ct@x.example%3E?subject=1%2B1%3D2%3F");
+    QCOMPARE(text({" ann "}, {}, {}, ""), "mailto:ann");
+}
+
+void WayfoldBookmarkEmailTest::urlForMailProgram_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("answer");
+    const auto row = [](const char *name, const QString &address, const QString &answer) {
+        QTest::newRow(name) << address << answer;
+    };
+    row("one", "mailto:ann", "mailto:ann");
+    row("lines", "mailto:ann%0Abob", "mailto:ann,bob");
+    row("lines of other systems", "mailto:ann%0D%0Abob%0dcy", "mailto:ann,bob,cy");
+    row("empty lines", "mailto:%0Aann,%0A%0A%20bob%20%0A", "mailto:ann,bob");
+    row("copies", "mailto:a%0Ab?cc=c%0Ad&bcc=e%0Af&CC=g%0Ah&subject=i", "mailto:a,b?cc=c,d&bcc=e,f&CC=g,h&subject=i");
+    row("lines of a text", "mailto:ann?subject=a%0Ab&body=c%0Ad", "mailto:ann?subject=a%0Ab&body=c%0Ad");
+    row("odd parts", "mailto:a%0Ab?&&cc&cc=x=y?z%0A&", "mailto:a,b?&&cc&cc=x=y?z&");
+    row("nobody", "mailto:?subject=Hi", "mailto:?subject=Hi");
+    row("nothing", "mailto:", "mailto:");
+    row("blanks and commas alone", "mailto:ann,%20bob", "mailto:ann,%20bob");
+}
+
+void WayfoldBookmarkEmailTest::urlForMailProgram()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, answer);
+    QCOMPARE(mail(address)->urlForMailProgram().absoluteString(), answer);
+    QVERIFY(WayfoldBookmarkEmail::bookmarkWithTitle("none")->urlForMailProgram().isNull());
 }
 
 void WayfoldBookmarkEmailTest::tooltip_data()

@@ -1,5 +1,7 @@
 #include "platform/base/Scanner.h"
 
+#include "tests/support/AllocationCount.h"
+
 #include <QTest>
 
 class ScannerTest : public QObject
@@ -15,6 +17,7 @@ private Q_SLOTS:
     void isAtEnd_data();
     void isAtEnd();
     void scanString();
+    void theTextIsNotCopied();
 };
 
 void ScannerTest::scanUpToString_data()
@@ -117,6 +120,23 @@ void ScannerTest::scanString()
     QVERIFY(scanner.scanString("c"));
     QVERIFY(!scanner.scanString("c"));
     QVERIFY(scanner.isAtEnd());
+}
+
+// What is taken from the heap is the pieces, and nothing for looking at what is left.
+void ScannerTest::theTextIsNotCopied()
+{
+    constexpr int pieces = 1000;
+    const QString text = QStringLiteral(" piece&").repeated(pieces);
+    Scanner scanner(text);
+    const std::size_t before = allocatedBytes;
+    int scanned = 0;
+    for (QString piece; !scanner.isAtEnd(); ++scanned) {
+        QVERIFY(scanner.scanUpToString("&", &piece));
+        QVERIFY(scanner.scanString("&"));
+    }
+    QCOMPARE(scanned, pieces);
+    constexpr std::size_t mostOfAPiece = 200;
+    QVERIFY2(allocatedBytes - before < pieces * mostOfAPiece, qPrintable(QString::number(allocatedBytes - before)));
 }
 
 QTEST_GUILESS_MAIN(ScannerTest)

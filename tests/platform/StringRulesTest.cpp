@@ -18,8 +18,12 @@ private Q_SLOTS:
     void compareIgnoringCase();
     void replacingPercentEscapes_data();
     void replacingPercentEscapes();
+    void longPartsAreFound();
+    void marksInARow();
     void addingPercentEscapes_data();
     void addingPercentEscapes();
+    void escapedValue_data();
+    void escapedValue();
     void addingPercentEscapesToEveryAsciiCharacter();
     void trimmed_data();
     void trimmed();
@@ -228,6 +232,44 @@ void StringRulesTest::replacingPercentEscapes()
     compare(StringRules::replacingPercentEscapes(text), answer);
 }
 
+void StringRulesTest::longPartsAreFound()
+{
+    for (const int length : {255, 256, 257, 1000}) {
+        const QByteArray part = QByteArray("a").repeated(length - 1) + "b";
+        QVERIFY(StringRules::searchFormContains("a" + part + "c", part));
+        QVERIFY(StringRules::searchFormContains(part, part));
+        QVERIFY(!StringRules::searchFormContains(part.chopped(1) + "c", part));
+        QVERIFY(!StringRules::searchFormContains(part.mid(1), part));
+        QVERIFY(!StringRules::searchFormContains(part + "\xcc\x81", part)); // an accented b
+    }
+}
+
+// Sorting the marks of a letter takes quadratic time; so no letter has as many as a page's title may give it.
+void StringRulesTest::marksInARow()
+{
+    const QString acute = QStringLiteral("\u0301"); // above the letter
+    const QString cedilla = QStringLiteral("\u0327"); // below it, and sorted before what is above
+    const auto marksAtOnce = [](const QString &text) {
+        qsizetype most = 0;
+        qsizetype marks = 0;
+        for (const uint c : QString::fromUtf8(StringRules::searchForm(text)).toUcs4()) {
+            marks = QChar::combiningClass(c) == 0 ? 0 : marks + 1;
+            most = std::max(most, marks);
+        }
+        return most;
+    };
+    QCOMPARE(marksAtOnce("x" + acute.repeated(30)), 30);
+    QCOMPARE(marksAtOnce("x" + acute.repeated(31)), 30);
+    QCOMPARE(marksAtOnce("x" + (acute + cedilla).repeated(5000) + "y"), 30);
+    QCOMPARE(marksAtOnce(QStringLiteral("\U0001d165\U0001d16d").repeated(5000)), 30); // in two halves each
+    QCOMPARE(StringRules::searchForm("x" + (acute + cedilla).repeated(15)),
+             StringRules::searchForm("x" + (cedilla + acute).repeated(15)));
+    const QString title = "x" + (acute + cedilla).repeated(5000) + "y";
+    QVERIFY(StringRules::containsIgnoringCase("Title " + title, title));
+    QVERIFY(StringRules::containsIgnoringCase(title, QStringLiteral("y")));
+    QVERIFY(StringRules::searchFormContains(StringRules::searchForm("Title " + title), StringRules::searchForm(title)));
+}
+
 void StringRulesTest::addingPercentEscapes_data()
 {
     QTest::addColumn<QString>("text");
@@ -251,6 +293,31 @@ void StringRulesTest::addingPercentEscapes()
     QFETCH(QString, text);
     QFETCH(QString, answer);
     compare(StringRules::addingPercentEscapes(text), answer);
+}
+
+void StringRulesTest::escapedValue_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("null") << QString() << QString();
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("address") << "ann@example.com"
+                             << "ann@example.com";
+    QTest::newRow("what ends a value") << "a&b=c?d#e;f+g"
+                                       << "a%26b%3Dc%3Fd%23e%3Bf%2Bg";
+    QTest::newRow("what does not") << "Hi, (all): $1/2!"
+                                   << "Hi,%20(all):%20$1/2!";
+    QTest::newRow("percent sign") << "100%"
+                                  << "100%25";
+    QTest::newRow("UTF-8") << QStringLiteral("\u00e9\U0001f600") << "%C3%A9%F0%9F%98%80";
+}
+
+void StringRulesTest::escapedValue()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, answer);
+    compare(StringRules::escapedValue(text), answer);
 }
 
 void StringRulesTest::addingPercentEscapesToEveryAsciiCharacter()
