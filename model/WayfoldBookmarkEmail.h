@@ -17,7 +17,8 @@ public:
     static WayfoldBookmarkEmailPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkEmailPtr bookmarkWithTitleAndURL(const QString &title, const Url &url);
     static WayfoldBookmarkEmailPtr bookmarkFromDictionary(const QVariantMap &dictionary);
-    // The address of a mail to these people; recipients and subject may hold any letter. A null or empty subject is none.
+    // The address of a mail to these people; recipients and subject may hold any letter. A null or empty subject is
+    // none.
     static Url mailURL(const QStringList &to, const QStringList &cc, const QStringList &bcc, const QString &subject);
     // Asks the user for a new link; none when that was cancelled.
     static WayfoldBookmarkEmailPtr newViaDialog();

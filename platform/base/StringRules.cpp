@@ -326,6 +326,7 @@ QString StringRules::fromUtf8(QByteArrayView bytes)
     QStringDecoder decode(QStringDecoder::Utf8,
                           QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     return decode(bytes);
+}
 
 QString StringRules::escapedValue(const QString &text)
 {

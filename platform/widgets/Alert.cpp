@@ -3,6 +3,7 @@
 #include "platform/files/Bundle.h"
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -49,9 +50,12 @@ int Alert::runModal(QWidget *parent) const
     const QPointer<AlertBox> box = new AlertBox(parent);
     box->setObjectName(QStringLiteral("Alert"));
     box->setIcon(iconForStyle(style));
-    box->setTextFormat(Qt::PlainText);
     box->setText(messageText);
     box->setInformativeText(informativeText);
+    box->setTextFormat(Qt::PlainText);
+    // Which leaves the second text out.
+    for (QLabel *label : box->findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText);
 
     const QString defaultTitle = defaultButton.isNull() ? Bundle::localizedString(QStringLiteral("OK")) : defaultButton;
     QPushButton *first = box->addButton(defaultTitle, QMessageBox::AcceptRole);

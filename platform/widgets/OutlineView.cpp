@@ -5,6 +5,7 @@
 #include "platform/widgets/OutlineModel.h"
 #include "platform/widgets/OutlineViewDataSource.h"
 #include "platform/widgets/TextFieldCell.h"
+#include "platform/widgets/ToolTipText.h"
 
 #include <QContextMenuEvent>
 #include <QDrag>
@@ -15,7 +16,6 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
-#include <QTextDocument>
 #include <QToolTip>
 #include <QtMath>
 #include <algorithm>
@@ -27,12 +27,6 @@ constexpr int springMilliseconds = 700; // until a folder under a drag opens
 constexpr int indicatorHeight = 2;
 constexpr std::size_t mostRowsInDragPicture = 8;
 constexpr int widestDragPicture = 260;
-
-// The tip as text that is wrapped and not taken for markup.
-QString wrapped(const QString &tip)
-{
-    return Qt::convertFromPlainText(tip, Qt::WhiteSpaceNormal);
-}
 
 // What the drag allows of what was answered: a copy may be made by a source that knows only links, and a move may
 // become a copy, but nothing is moved away that was to be copied.
@@ -416,7 +410,7 @@ bool OutlineView::viewportEvent(QEvent *event)
         QToolTip::hideText();
         event->ignore();
     } else {
-        QToolTip::showText(help->globalPos(), wrapped(tip), viewport(), rectOfRow(rowAtPoint(help->pos())));
+        QToolTip::showText(help->globalPos(), ToolTipText::shown(tip), viewport(), rectOfRow(rowAtPoint(help->pos())));
     }
     return true;
 }

@@ -525,9 +525,9 @@ void WayfoldScratchOutlineViewTest::mailIsHandedOverWhole()
     const QString subject = QStringLiteral("Tom & Jerry? 100% = 50%+#1; \u00e9\U0001f600");
     const auto escaped = [](const QString &text) { return QString::fromLatin1(QUrl::toPercentEncoding(text)); };
     const QString name = QStringLiteral("\"Tom & Jerry = 2?\" <t+j@x.example>");
-    const auto first = ListStage::mail(QStringLiteral("One"), QStringLiteral("mailto:") + escaped(name) +
-                                                                  QStringLiteral("%0Abob@x.example?cc=cy%0Adan&subject=") +
-                                                                  escaped(subject));
+    const auto first = ListStage::mail(QStringLiteral("One"),
+                                       QStringLiteral("mailto:") + escaped(name) +
+                                           QStringLiteral("%0Abob@x.example?cc=cy%0Adan&subject=") + escaped(subject));
     const auto second = ListStage::mail(QStringLiteral("Two"), QStringLiteral("mailto:eve?bcc=fay,gus&subject=other"));
     _pad->showItems({first, second});
     _pad->select({first, second});

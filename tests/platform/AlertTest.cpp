@@ -141,6 +141,8 @@ void AlertTest::showsItsTexts()
         QCOMPARE(box.text(), QString("Delete the note?"));
         QCOMPARE(box.informativeText(), QString("This cannot be <i>undone</i>."));
         QCOMPARE(box.textFormat(), Qt::PlainText);
+        for (const QLabel *label : box.findChildren<QLabel *>())
+            QVERIFY2(label->text().isEmpty() || label->textFormat() == Qt::PlainText, qPrintable(label->text()));
         QCOMPARE(box.buttons().size(), 3);
         QCOMPARE(box.defaultButton()->text(), QString("Delete"));
         box.close();

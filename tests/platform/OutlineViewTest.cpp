@@ -813,6 +813,10 @@ void OutlineViewTest::showsToolTips()
     QVERIFY2(QToolTip::text().contains("&lt;b&gt;mint &amp; thyme&lt;/b&gt;"), qPrintable(QToolTip::text()));
     pointAt(2);
     QTRY_VERIFY(!QToolTip::isVisible());
+    _view->tip = QStringLiteral("http://www.example.com/") + QStringLiteral("word/").repeated(100000);
+    pointAt(1);
+    QVERIFY(QToolTip::text().contains(QStringLiteral("http://www.example.com/word/word/")));
+    QVERIFY2(QToolTip::text().size() < 3000, qPrintable(QString::number(QToolTip::text().size())));
 }
 
 void OutlineViewTest::showsContextMenus()

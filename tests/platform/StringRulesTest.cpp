@@ -247,7 +247,7 @@ void StringRulesTest::longPartsAreFound()
 // Sorting the marks of a letter takes quadratic time; so no letter has as many as a page's title may give it.
 void StringRulesTest::marksInARow()
 {
-    const QString acute = QStringLiteral("\u0301"); // above the letter
+    const QString acute = QStringLiteral("\u0301");   // above the letter
     const QString cedilla = QStringLiteral("\u0327"); // below it, and sorted before what is above
     const auto marksAtOnce = [](const QString &text) {
         qsizetype most = 0;
