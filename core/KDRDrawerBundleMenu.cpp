@@ -221,7 +221,7 @@ bool KDRDrawerBundle::validateMenuItem(QAction *item)
     if (action == u"handleCheckForNewReleaseRequest:")
         return MenuCommands::hasHandler(MenuCommands::CheckForNewRelease);
     if (action == u"handleShowPrefsWindow:")
-        return drawer && !_prefsWindowOpen && MenuCommands::hasHandler(MenuCommands::ShowPreferences);
+        return drawer && !_prefsWindowOpen;
     if (action == u"handleShowAboutWindow:")
         return true;
     return controller && controller->passValidateMenuItemToOutlineView(item);

@@ -1,11 +1,13 @@
 #include "drawer/DrawerRoom.h"
 
+#include "core/MenuCommands.h"
 #include "core/SiteDrawerFactory.h"
 #include "drawer/ItemEditors.h"
 #include "drawer/KDRDrawer.h"
 #include "drawer/KDRDrawerController.h"
 #include "drawer/KDRShowNoteController.h"
 #include "drawer/KDRShowNoteView.h"
+#include "drawer/WayfoldPrefsController.h"
 #include "drawer/WayfoldTabView.h"
 #include "lists/NoteViewer.h"
 #include "lists/StoreTrees.h"
@@ -42,4 +44,5 @@ void installDrawerRoom()
     SiteDrawerFactory::setMaker([](const std::shared_ptr<HostWindow> &window) -> std::shared_ptr<SiteDrawerController> {
         return KDRDrawerController::controllerForWindow(window);
     });
+    MenuCommands::setHandler(MenuCommands::ShowPreferences, &WayfoldPrefsController::displayPrefsWindow);
 }

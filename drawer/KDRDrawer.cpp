@@ -12,6 +12,9 @@ void KDRDrawer::reloadBookmarks()
 {
     if (_outlineView)
         _outlineView->reloadData();
+    // What the other lists show is the same, but how it looks may be another.
+    for (WayfoldOutlineView *view : findChildren<WayfoldOutlineView *>())
+        view->viewport()->update();
 }
 
 void KDRDrawer::handleNewSubFolderRequest(QObject *sender)

@@ -451,5 +451,361 @@
         <source>The browser has this shortcut already.</source>
         <translation>Dieses Tastenkürzel hat schon der Browser.</translation>
     </message>
+    <message>
+        <source>Wayfold Preferences</source>
+        <translation>Wayfold-Einstellungen</translation>
+    </message>
+    <message>
+        <source>Pages of the preferences</source>
+        <translation>Seiten der Einstellungen</translation>
+    </message>
+    <message>
+        <source>&amp;Drawer</source>
+        <translation>&amp;Schublade</translation>
+    </message>
+    <message>
+        <source>&amp;Lists</source>
+        <translation>&amp;Listen</translation>
+    </message>
+    <message>
+        <source>Shor&amp;tcuts</source>
+        <translation>&amp;Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Open the drawer:</source>
+        <translation>Schublade öffnen:</translation>
+    </message>
+    <message>
+        <source>&amp;Only when you ask for it</source>
+        <translation>&amp;Nur auf Wunsch</translation>
+    </message>
+    <message>
+        <source>In every new &amp;window</source>
+        <translation>In jedem neuen &amp;Fenster</translation>
+    </message>
+    <message>
+        <source>On sites that you &amp;keep items for</source>
+        <translation>Auf Websites mit &amp;Einträgen</translation>
+    </message>
+    <message>
+        <source>&amp;Close it on other sites</source>
+        <translation>Auf &amp;anderen Websites schließen</translation>
+    </message>
+    <message>
+        <source>Show first:</source>
+        <translation>Zuerst zeigen:</translation>
+    </message>
+    <message>
+        <source>&amp;Scratchpad</source>
+        <translation>Scratch&amp;pad</translation>
+    </message>
+    <message>
+        <source>&amp;Bookmarks</source>
+        <translation>&amp;Bookmarks</translation>
+    </message>
+    <message>
+        <source>&amp;History</source>
+        <translation>&amp;History</translation>
+    </message>
+    <message>
+        <source>In the Scratchpad:</source>
+        <translation>Im Scratchpad:</translation>
+    </message>
+    <message>
+        <source>&amp;Follow the site in front of you</source>
+        <translation>&amp;Der Website im Fenster folgen</translation>
+    </message>
+    <message>
+        <source>Have s&amp;mart folders in the top folders</source>
+        <translation>&amp;Intelligente Ordner in den obersten Ordnern</translation>
+    </message>
+    <message>
+        <source>&amp;Ask before items are deleted</source>
+        <translation>Vor dem Löschen f&amp;ragen</translation>
+    </message>
+    <message>
+        <source>Icons:</source>
+        <translation>Symbole:</translation>
+    </message>
+    <message>
+        <source>Show &amp;icons</source>
+        <translation>Symbole &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>Show the &amp;sites' own icons</source>
+        <translation>Eigene Symbole der Webs&amp;ites</translation>
+    </message>
+    <message>
+        <source>Font:</source>
+        <translation>Schrift:</translation>
+    </message>
+    <message>
+        <source>Choose the font of the lists</source>
+        <translation>Die Schrift der Listen wählen</translation>
+    </message>
+    <message>
+        <source>Group the history:</source>
+        <translation>Verlauf gruppieren:</translation>
+    </message>
+    <message>
+        <source>&amp;Not at all</source>
+        <translation>&amp;Gar nicht</translation>
+    </message>
+    <message>
+        <source>B&amp;y day</source>
+        <translation>Nach T&amp;ag</translation>
+    </message>
+    <message>
+        <source>By day and sit&amp;e</source>
+        <translation>Nach Tag u&amp;nd Website</translation>
+    </message>
+    <message>
+        <source>&amp;By site</source>
+        <translation>Nach W&amp;ebsite</translation>
+    </message>
+    <message>
+        <source>By site &amp;and day</source>
+        <translation>Nach Website &amp;und Tag</translation>
+    </message>
+    <message>
+        <source>Commands of the Wayfold &amp;menu:</source>
+        <translation>Befehle im Wayfold-&amp;Menü:</translation>
+    </message>
+    <message>
+        <source>Keyboard shortcuts of the Wayfold menu</source>
+        <translation>Tastenkürzel des Wayfold-Menüs</translation>
+    </message>
+    <message>
+        <source>Double-click a command, or press Return on it, to change its shortcut.</source>
+        <translation>Doppelklick oder Eingabetaste ändert das Tastenkürzel eines Befehls.</translation>
+    </message>
+    <message>
+        <source>Command</source>
+        <translation>Befehl</translation>
+    </message>
+    <message>
+        <source>Shortcut</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Determines when Wayfold should automatically open the drawer.</source>
+        <translation>Bestimmt, wann Wayfold die Schublade von selbst öffnet.</translation>
+    </message>
+    <message>
+        <source>If checked, Wayfold will automatically close the drawer if the Scratchpad is showing and you navigate to a site that has no bookmarks in the Scratchpad.</source>
+        <translation>Wenn eingeschaltet, schließt Wayfold die Schublade von selbst, sobald das Scratchpad zu sehen ist und Sie eine Website besuchen, zu der es im Scratchpad keine Einträge gibt.</translation>
+    </message>
+    <message>
+        <source>If checked, Wayfold will automatically focus the Scratchpad tab to the current site.</source>
+        <translation>Wenn eingeschaltet, zeigt das Scratchpad von selbst die Liste der aktuellen Website.</translation>
+    </message>
+    <message>
+        <source>If checked, icons for items in the drawer are displayed.</source>
+        <translation>Wenn eingeschaltet, haben die Einträge in der Schublade Symbole.</translation>
+    </message>
+    <message>
+        <source>Determines how items in the History tab are grouped.</source>
+        <translation>Bestimmt, wie die Einträge unter History gruppiert werden.</translation>
+    </message>
+    <message>
+        <source>If unchecked, Wayfold will not ask you to confirm deleting items.  They'll just disappear.</source>
+        <translation>Wenn ausgeschaltet, fragt Wayfold nicht nach, bevor Einträge gelöscht werden. Sie verschwinden einfach.</translation>
+    </message>
+    <message>
+        <source>Allows you to choose the font to be used in all bookmark lists within Wayfold.</source>
+        <translation>Hier wählen Sie die Schrift für alle Listen in Wayfold.</translation>
+    </message>
+    <message>
+        <source>Allows you to change the keyboard shortcuts for Wayfold menu items.
+
+To change a shortcut, double-click on the menu item's row.</source>
+        <translation>Hier ändern Sie die Tastenkürzel der Befehle im Wayfold-Menü.
+
+Doppelklicken Sie dazu auf die Zeile des Befehls.</translation>
+    </message>
+    <message>
+        <source>If checked, Wayfold will create Smart Folders within top-level subfolders.</source>
+        <translation>Wenn eingeschaltet, legt Wayfold in den Ordnern der obersten Ebene intelligente Ordner an.</translation>
+    </message>
+    <message>
+        <source>If checked, the site's custom icon is displayed.  Available only if the Show Bookmark Icons option is checked.</source>
+        <translation>Wenn eingeschaltet, haben Links das Symbol ihrer Website. Nur möglich, wenn Symbole gezeigt werden.</translation>
+    </message>
+    <message>
+        <source>Determines which of the three Wayfold views is displayed when you simply open the drawer.</source>
+        <translation>Bestimmt, welche der drei Ansichten zu sehen ist, wenn Sie die Schublade einfach öffnen.</translation>
+    </message>
+    <message>
+        <source>Font of the Lists</source>
+        <translation>Schrift der Listen</translation>
+    </message>
+    <message>
+        <source>&amp;Font</source>
+        <translation>&amp;Schriftart</translation>
+    </message>
+    <message>
+        <source>Font st&amp;yle</source>
+        <translation>S&amp;chnitt</translation>
+    </message>
+    <message>
+        <source>&amp;Size</source>
+        <translation>&amp;Größe</translation>
+    </message>
+    <message>
+        <source>Sample</source>
+        <translation>Beispiel</translation>
+    </message>
+    <message>
+        <source>Wr&amp;iting System</source>
+        <translation>Schr&amp;iftsystem</translation>
+    </message>
+    <message>
+        <source>Any</source>
+        <translation>Alle</translation>
+    </message>
+    <message>
+        <source>Latin</source>
+        <translation>Lateinisch</translation>
+    </message>
+    <message>
+        <source>Greek</source>
+        <translation>Griechisch</translation>
+    </message>
+    <message>
+        <source>Cyrillic</source>
+        <translation>Kyrillisch</translation>
+    </message>
+    <message>
+        <source>Armenian</source>
+        <translation>Armenisch</translation>
+    </message>
+    <message>
+        <source>Hebrew</source>
+        <translation>Hebräisch</translation>
+    </message>
+    <message>
+        <source>Arabic</source>
+        <translation>Arabisch</translation>
+    </message>
+    <message>
+        <source>Syriac</source>
+        <translation>Syrisch</translation>
+    </message>
+    <message>
+        <source>Thaana</source>
+        <translation>Thaana</translation>
+    </message>
+    <message>
+        <source>Devanagari</source>
+        <translation>Devanagari</translation>
+    </message>
+    <message>
+        <source>Bengali</source>
+        <translation>Bengalisch</translation>
+    </message>
+    <message>
+        <source>Gurmukhi</source>
+        <translation>Gurmukhi</translation>
+    </message>
+    <message>
+        <source>Gujarati</source>
+        <translation>Gujarati</translation>
+    </message>
+    <message>
+        <source>Oriya</source>
+        <translation>Oriya</translation>
+    </message>
+    <message>
+        <source>Tamil</source>
+        <translation>Tamil</translation>
+    </message>
+    <message>
+        <source>Telugu</source>
+        <translation>Telugu</translation>
+    </message>
+    <message>
+        <source>Kannada</source>
+        <translation>Kannada</translation>
+    </message>
+    <message>
+        <source>Malayalam</source>
+        <translation>Malayalam</translation>
+    </message>
+    <message>
+        <source>Sinhala</source>
+        <translation>Singhalesisch</translation>
+    </message>
+    <message>
+        <source>Thai</source>
+        <translation>Thailändisch</translation>
+    </message>
+    <message>
+        <source>Lao</source>
+        <translation>Laotisch</translation>
+    </message>
+    <message>
+        <source>Tibetan</source>
+        <translation>Tibetisch</translation>
+    </message>
+    <message>
+        <source>Myanmar</source>
+        <translation>Birmanisch</translation>
+    </message>
+    <message>
+        <source>Georgian</source>
+        <translation>Georgisch</translation>
+    </message>
+    <message>
+        <source>Khmer</source>
+        <translation>Khmer</translation>
+    </message>
+    <message>
+        <source>Simplified Chinese</source>
+        <translation>Vereinfachtes Chinesisch</translation>
+    </message>
+    <message>
+        <source>Traditional Chinese</source>
+        <translation>Traditionelles Chinesisch</translation>
+    </message>
+    <message>
+        <source>Japanese</source>
+        <translation>Japanisch</translation>
+    </message>
+    <message>
+        <source>Korean</source>
+        <translation>Koreanisch</translation>
+    </message>
+    <message>
+        <source>Vietnamese</source>
+        <translation>Vietnamesisch</translation>
+    </message>
+    <message>
+        <source>Symbol</source>
+        <translation>Symbole</translation>
+    </message>
+    <message>
+        <source>Ogham</source>
+        <translation>Ogham</translation>
+    </message>
+    <message>
+        <source>Runic</source>
+        <translation>Runen</translation>
+    </message>
+    <message>
+        <source>N'Ko</source>
+        <translation>N’Ko</translation>
+    </message>
+    <message>
+        <source>When the drawer opens, and what it shows</source>
+        <translation>Wann sich die Schublade öffnet und was sie zeigt</translation>
+    </message>
+    <message>
+        <source>What the lists look like</source>
+        <translation>Wie die Listen aussehen</translation>
+    </message>
+    <message>
+        <source>The keyboard shortcuts of the commands</source>
+        <translation>Die Tastenkürzel der Befehle</translation>
+    </message>
 </context>
 </TS>
