@@ -166,9 +166,7 @@ void Browser::start(const QStringList &arguments)
     if (isRoot())
         qCWarning(logWayfold) << "Running as root: pages are not kept in a sandbox";
     if (!DisplayPlatform::canPlaceWindows())
-        qCWarning(logWayfold)
-            << "There is no X server, and Wayland puts windows where it likes: the drawer is a window "
-               "of its own";
+        qCWarning(logWayfold) << "Wayland puts windows where it likes: the drawer is a window of its own";
     QStringList addresses;
     for (const QString &argument : arguments) {
         if (!argument.startsWith(QLatin1String("--")))

@@ -1,5 +1,7 @@
 #include "browser/NoAnswerBox.h"
 
+#include "browser/SymbolIcon.h"
+
 #include <QGuiApplication>
 #include <QPushButton>
 
@@ -24,6 +26,7 @@ NoAnswerBox::NoAnswerBox(const QStringList &addresses)
                   tr("The browser is already open, but it does not answer."))
 {
     setObjectName(QStringLiteral("noAnswerBox"));
+    setWindowIcon(SymbolIcon::named(QStringLiteral("browser")));
     setTextFormat(Qt::PlainText);
     QString explanation = tr("Perhaps it is only busy: try again in a moment. If that does not help, end it and try "
                              "again. Nothing has been changed; two browsers at once would write over each other’s "

@@ -331,7 +331,7 @@ WayfoldOutlineViewDataSource *KDRDrawerController::currentDataSource() const
 void KDRDrawerController::resizeParentWindowForDrawer()
 {
     const std::shared_ptr<HostWindow> window = parentWindow();
-    if (!window)
+    if (!window || _drawer->standsAlone())
         return;
     const QRectF frame = window->frame();
     const QRectF screen = window->visibleScreenFrame();

@@ -65,7 +65,7 @@ QRect desktopOf(const HostWindow &window)
 } // namespace
 
 Drawer::Drawer(QWidget *parent)
-    : QFrame(parent, Qt::Tool | Qt::FramelessWindowHint)
+    : QFrame(parent)
     , _body(new QWidget(this))
     , _grip(new DrawerGrip(_body))
 {
@@ -73,6 +73,7 @@ Drawer::Drawer(QWidget *parent)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_X11NetWmWindowTypeUtility);
     setAttribute(Qt::WA_QuitOnClose, false);
+    setStandsAlone(QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
     _slide.setEasingCurve(QEasingCurve::InOutQuad);
     connect(&_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
         _shown = value.toReal();
@@ -193,6 +194,13 @@ void Drawer::showWith(const HostWindow &window)
         TaskBar::leaveOut(*this);
 }
 
+void Drawer::setStandsAlone(bool standsAlone)
+{
+    _standsAlone = standsAlone;
+    setWindowFlags(standsAlone ? Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint
+                               : Qt::Tool | Qt::FramelessWindowHint);
+}
+
 // --- Opening and closing --------------------------------------------------------------------------------------------
 
 void Drawer::open()
@@ -244,6 +252,8 @@ void Drawer::toggle()
 
 int Drawer::slideTime() const
 {
+    if (_standsAlone)
+        return 0;
     if (_slideDuration >= 0)
         return _slideDuration;
     return style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 ? slideMilliseconds : 0;
@@ -368,33 +378,47 @@ int Drawer::openWidth() const
     return qRound(contentWidth()) + frameWidth;
 }
 
-// Where it stands when it is all the way out.
+// Where it stands when it is all the way out. A window of its own is as high as its parent at first.
 QRect Drawer::openGeometry() const
 {
     const std::shared_ptr<HostWindow> window = parentWindow();
     if (!window)
         return geometry();
+    if (_standsAlone && isVisible())
+        return {x(), y(), openWidth(), height()};
     const QRect contents = contentsOf(*window);
     const int height = std::max(1, contents.height() - topInset - bottomInset);
     const int x = _edge == NSMinXEdge ? contents.left() - openWidth() : contents.left() + contents.width();
     return {x, contents.top() + topInset, openWidth(), height};
 }
 
-// A drawer that is partly out is a narrower window in which only the part farthest from the parent shows, so it comes
-// out from behind the parent's edge though windows of this kind lie above their parents. Nor does the window reach
-// beyond the screen: window managers would push it back, over its parent.
 void Drawer::layOut()
 {
     const std::shared_ptr<HostWindow> window = parentWindow();
     if (_state == Closed || !window)
         return;
-    const bool onLeft = _edge == NSMinXEdge;
     const QRect whole = openGeometry();
+    if (_standsAlone) {
+        _isOnScreen = true;
+        resize(whole.size());
+        _out = rect();
+    } else {
+        layOutBeside(*window, whole);
+    }
+    if (_isOnScreen)
+        layOutBody(whole.size());
+}
+
+// A drawer that is partly out is a narrower window in which only the part farthest from the parent shows, so it comes
+// out from behind the parent's edge though windows of this kind lie above their parents. Nor does the window reach
+// beyond the screen: window managers would push it back, over its parent.
+void Drawer::layOutBeside(const HostWindow &window, const QRect &whole)
+{
     QRect out = whole;
     out.setWidth(std::max(1, qRound(whole.width() * _shown)));
-    if (onLeft)
+    if (_edge == NSMinXEdge)
         out.moveRight(whole.right());
-    const QRect seen = out & desktopOf(*window);
+    const QRect seen = out & desktopOf(window);
     _isOnScreen = !seen.isEmpty();
     if (!_isOnScreen)
         return;
@@ -403,7 +427,12 @@ void Drawer::layOut()
     _timesPutBack = 0;
     setGeometry(_place);
     _out = out.translated(-seen.topLeft());
-    QRect body(QPoint(), whole.size());
+}
+
+void Drawer::layOutBody(const QSize &whole)
+{
+    const bool onLeft = _edge == NSMinXEdge;
+    QRect body(QPoint(), whole);
     body.moveTopLeft(onLeft ? _out.topLeft() : QPoint(_out.right() + 1 - whole.width(), _out.top()));
     _body->setGeometry(body);
     _grip->setGeometry(onLeft ? 1 : whole.width() - gripWidth - 1, 1, gripWidth, whole.height() - 2);
@@ -422,14 +451,19 @@ void Drawer::moveEvent(QMoveEvent *event)
 void Drawer::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
-    putBack();
+    if (!_standsAlone)
+        putBack();
+    else if (isVisible() && width() != openWidth())
+        setContentSize(QSizeF(width() - frameWidth, _contentSize.height()));
+    else if (isVisible())
+        layOut();
 }
 
 // Somebody else says that it stands elsewhere: the user moved it by the window manager's own means, or the window
 // manager told a place that it has passed through. A window manager that insists is let have its way.
 void Drawer::putBack()
 {
-    const auto isInPlace = [this] { return !isVisible() || geometry() == _place; };
+    const auto isInPlace = [this] { return _standsAlone || !isVisible() || geometry() == _place; };
     if (isInPlace() || _timesPutBack >= mostTimesPutBack)
         return;
     ++_timesPutBack;
@@ -450,12 +484,14 @@ void Drawer::moveFreeEdge(int distance)
         setContentSize(QSizeF(width, _contentSize.height()));
 }
 
-// The palette's own grounds with a line around the three free sides, and the parent's shadow on the fourth.
+// The palette's own grounds; beside a window with a line around the three free sides, and its shadow on the fourth.
 void Drawer::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     const QColor ground = palette().color(QPalette::Window);
     painter.fillRect(rect(), ground);
+    if (_standsAlone)
+        return;
 
     const bool onLeft = _edge == NSMinXEdge;
     const qreal parentSide = onLeft ? _out.right() + 1 : _out.left();

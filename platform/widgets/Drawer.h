@@ -71,6 +71,11 @@ public:
     // The edge that it is open on.
     Edge edge() const { return _edge; }
 
+    // Whether it is a window of its own, with a frame of the desktop's that the user moves and sizes it by, in place of
+    // one beside its parent. So it is at first where no program may place a window (Wayland). Set while it is closed.
+    bool standsAlone() const { return _standsAlone; }
+    void setStandsAlone(bool standsAlone);
+
     // Time of one slide in milliseconds, 0 for none; the default follows the desktop's wish for animations.
     void setSlideDuration(int milliseconds) { _slideDuration = milliseconds; }
 
@@ -97,6 +102,8 @@ private:
     qreal contentWidth() const;
     int openWidth() const;
     void layOut();
+    void layOutBeside(const HostWindow &window, const QRect &whole);
+    void layOutBody(const QSize &whole);
     void putBack();
     void moveFreeEdge(int distance);
 
@@ -106,6 +113,7 @@ private:
     DrawerGrip *_grip = nullptr;
     QPointer<QWidget> _contentView;
 
+    bool _standsAlone = false;
     State _state = Closed;
     Edge _preferredEdge = NSMaxXEdge;
     Edge _edge = NSMaxXEdge;

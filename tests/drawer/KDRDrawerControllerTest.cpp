@@ -40,6 +40,7 @@ private Q_SLOTS:
     void roomOnAnotherScreen_data();
     void roomOnAnotherScreen();
     void roomForAWiderDrawer();
+    void drawerOfItsOwnNeedsNoRoom();
     void narrowedWindowIsPutBack();
     void changedWindowStaysAsItIs_data();
     void changedWindowStaysAsItIs();
@@ -253,6 +254,16 @@ void KDRDrawerControllerTest::roomOnTheScreen()
     QCOMPARE(_window->frameRequests.size(), narrowed.isNull() ? 0U : 1U);
     if (!narrowed.isNull())
         QVERIFY(_window->frameRequests.front().animate);
+}
+
+void KDRDrawerControllerTest::drawerOfItsOwnNeedsNoRoom()
+{
+    openWindow(QRectF(270, 50, 880, 500));
+    drawer()->setStandsAlone(true);
+    drawer()->open();
+    QCOMPARE(drawer()->state(), Drawer::Open);
+    drawer()->close();
+    QVERIFY(_window->frameRequests.empty());
 }
 
 // The same places on a screen that stands elsewhere: only the window's own screen counts.

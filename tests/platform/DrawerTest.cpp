@@ -77,6 +77,9 @@ private Q_SLOTS:
     void returnsWhenItIsMovedAway();
     void isAToolWindowOfItsWindow();
     void doesNotStayMinimised();
+    void standsAlone();
+    void standsAloneInTheUsersSize();
+    void standsAloneAcrossItsWindowsChanges();
 
     void widthHasAMinimum();
     void widthIsLimitedByTheScreen();
@@ -526,6 +529,70 @@ void DrawerTest::doesNotStayMinimised()
 }
 
 // --- Size -----------------------------------------------------------------------------------------------------------
+
+// Where no program may place a window, it is one like any other: the desktop gives it a frame and puts it somewhere.
+void DrawerTest::standsAlone()
+{
+    QVERIFY(!_drawer->standsAlone());
+    QVERIFY(_drawer->windowFlags() & Qt::FramelessWindowHint);
+    _drawer->setStandsAlone(true);
+    QVERIFY(_drawer->standsAlone());
+    QVERIFY(!(_drawer->windowFlags() & Qt::FramelessWindowHint));
+    QVERIFY(_drawer->windowFlags() & Qt::WindowTitleHint);
+    QVERIFY(_drawer->windowFlags() & Qt::WindowCloseButtonHint);
+    QCOMPARE(_drawer->windowType(), Qt::Tool);
+    _drawer->setSlideDuration(slowly);
+    _drawer->open();
+    QCOMPARE(_drawer->state(), Drawer::Open);
+    QVERIFY(_drawer->isVisible());
+    QCOMPARE(_drawer->width(), int(_drawer->contentSize().width()) + Drawer::frameWidth);
+    const QImage picture = _drawer->grab().toImage();
+    QCOMPARE(picture.pixelColor(0, 0), _drawer->palette().color(QPalette::Window));
+    QCOMPARE(picture.pixelColor(1, picture.height() / 2), _drawer->palette().color(QPalette::Window));
+    _drawer->close();
+    QCOMPARE(_drawer->state(), Drawer::Closed);
+    QVERIFY(!_drawer->isVisible());
+}
+
+void DrawerTest::standsAloneInTheUsersSize()
+{
+    auto *content = new QWidget;
+    _drawer->setContentView(content);
+    _drawer->setStandsAlone(true);
+    _drawer->setMinContentSize(QSizeF(150, 100));
+    _drawer->open();
+    _drawer->resize(300 + Drawer::frameWidth, 500);
+    QTRY_COMPARE(_drawer->contentSize().width(), 300.0);
+    QTRY_COMPARE(content->width(), 300);
+    QCOMPARE(_drawer->chosenContentWidth(), 300.0);
+    _drawer->resize(300 + Drawer::frameWidth, 600);
+    QTRY_COMPARE(content->height(), _drawer->contentSize().height());
+    QCOMPARE(_drawer->height(), 600);
+    QCOMPARE(content->mapTo(_drawer.data(), QPoint(0, content->height())).y(), 592);
+    _drawer->resize(100, 600);
+    QTRY_COMPARE(_drawer->width(), 150 + Drawer::frameWidth);
+    QCOMPARE(_drawer->contentSize().width(), 150.0);
+    _drawer->close();
+    QCOMPARE(_drawer->chosenContentWidth(), 150.0);
+}
+
+void DrawerTest::standsAloneAcrossItsWindowsChanges()
+{
+    _drawer->setStandsAlone(true);
+    _drawer->open();
+    _drawer->move(20, 30);
+    _drawer->resize(_drawer->width(), 333);
+    const QRect own = _drawer->geometry();
+    _window->windowFrame = QRectF(-5000, 200, 700, 100); // beyond every screen
+    _window->frameDidChange();
+    QCoreApplication::processEvents();
+    QVERIFY(_drawer->isVisible());
+    QCOMPARE(_drawer->geometry(), own);
+    _window->hide();
+    QVERIFY(!_drawer->isVisible());
+    _window->show();
+    QVERIFY(_drawer->isVisible());
+}
 
 void DrawerTest::widthHasAMinimum()
 {
