@@ -64,10 +64,7 @@ QRect desktopOf(const HostWindow &window)
 }
 } // namespace
 
-Drawer::Drawer(QWidget *parent)
-    : QFrame(parent)
-    , _body(new QWidget(this))
-    , _grip(new DrawerGrip(_body))
+Drawer::Drawer(QWidget *parent) : QFrame(parent), _body(new QWidget(this)), _grip(new DrawerGrip(_body))
 {
     // Shown beside its window without taking the keyboard from it, and kept with it by window managers.
     setAttribute(Qt::WA_ShowWithoutActivating);
