@@ -206,11 +206,11 @@ void BookmarkFile::read()
 {
     _isRead = true;
     _stamp = FileStamp::ofFile(_path);
-    bool isWhole = false;
-    _root = PropertyList::readDictionaryFile(_path, nullptr, &isWhole);
+    PropertyList::Reading reading;
+    _root = PropertyList::readDictionaryFile(_path, &reading);
     const QVariant children = _root.value(childrenKey);
     const bool hasOtherChildren = children.isValid() && children.typeId() != QMetaType::QVariantList;
-    _mustKeepCopy = _stamp && (!isWhole || hasOtherChildren);
+    _mustKeepCopy = _stamp && (!reading.isWhole || hasOtherChildren);
     completeRoot(_root);
 }
 

@@ -173,11 +173,11 @@ void HistoryFile::read()
     _entries.clear();
     _byAddress.clear();
     _stamp = FileStamp::ofFile(_path);
-    bool isWhole = false;
-    _otherKeys = PropertyList::readDictionaryFile(_path, nullptr, &isWhole);
+    PropertyList::Reading reading;
+    _otherKeys = PropertyList::readDictionaryFile(_path, &reading);
     const QVariant entries = _otherKeys.take(entriesKey);
     const bool hasEntries = entries.typeId() == QMetaType::QVariantList;
-    _mustKeepCopy = _stamp && (!isWhole || (entries.isValid() && !hasEntries));
+    _mustKeepCopy = _stamp && (!reading.isWhole || (entries.isValid() && !hasEntries));
     const QVariantList list = hasEntries && !_wasCleared ? entries.toList() : QVariantList();
     _byAddress.reserve(list.size());
     for (const QVariant &value : list) {

@@ -7,12 +7,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <algorithm>
-
-namespace
-{
-constexpr int mostSecondsBetweenTries = 64;
-}
 
 std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 {
@@ -20,7 +14,7 @@ std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
     // Stamped first: a change that arrives while the file is read is then noticed before it is written over.
     _stamp = FileStamp::ofFile(_path);
     _holdsMore = false;
-    _isSaveOwed = false;
+    _retries.end();
     if (!_stamp || !_stamp->isPlainFile)
         return nullptr;
     ItemFileReading reading;
@@ -31,22 +25,20 @@ std::shared_ptr<WayfoldBookmarkFolder> ItemFileStore::load()
 
 bool ItemFileStore::save(const WayfoldBookmarkFolder &root)
 {
-    _isSaveOwed = !write(root);
-    _secondsBetweenTries = 1;
-    _secondsToNextTry = 1;
-    return !_isSaveOwed;
+    if (write(root))
+        _retries.end();
+    else
+        _retries.begin();
+    return !_retries.isOwed();
 }
 
-// Less and less often, since a try takes its time with a large tree and leaves a line in the log.
+// Not every second, since a try takes its time with a large tree and leaves a line in the log.
 void ItemFileStore::retrySave(const WayfoldBookmarkFolder &root)
 {
-    if (!_isSaveOwed || --_secondsToNextTry > 0)
+    if (!_retries.isDue() || !write(root))
         return;
-    _isSaveOwed = !write(root);
-    _secondsBetweenTries = std::min(_secondsBetweenTries * 2, mostSecondsBetweenTries);
-    _secondsToNextTry = _secondsBetweenTries;
-    if (!_isSaveOwed)
-        qCWarning(logFiles) << _path << "is saved now";
+    _retries.end();
+    qCWarning(logFiles) << _path << "is saved now";
 }
 
 bool ItemFileStore::write(const WayfoldBookmarkFolder &root)

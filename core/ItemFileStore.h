@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Retries.h"
 #include "platform/files/FileStamp.h"
 
 #include <QString>
@@ -22,9 +23,8 @@ public:
     bool save(const WayfoldBookmarkFolder &root);
 
     // Whether the last save failed, so that the file does not hold the last changes.
-    bool isSaveOwed() const { return _isSaveOwed; }
-    // Called once a second: tries an owed save again, after a second at first, then less and less often, down to once
-    // in about a minute. Nothing happens while none is owed.
+    bool isSaveOwed() const { return _retries.isOwed(); }
+    // Called once a second: tries an owed save again, see Retries. Nothing happens while none is owed.
     void retrySave(const WayfoldBookmarkFolder &root);
 
 private:
@@ -36,7 +36,5 @@ private:
     std::optional<FileStamp> _stamp;
     // Whether the file with that stamp holds more than was read from it.
     bool _holdsMore = false;
-    bool _isSaveOwed = false;
-    int _secondsBetweenTries = 1;
-    int _secondsToNextTry = 1;
+    Retries _retries;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ItemFileStore.h"
+#include "core/Retries.h"
 #include "model/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/FileStamp.h"
@@ -125,7 +126,8 @@ public:
     void tagSafariFilesNextEvent();
     // Reads what has changed on disk since the last check, and says so in a notification.
     void tagSafariFiles();
-    // An empty tree and false when the file is missing or cannot be read.
+    // An empty tree and false when the file is missing or cannot be read. False and the tree as it was when the file
+    // may soon be readable (too many files are open, the disk is busy); later checks try again then.
     bool loadSafariBookmarkFile();
     bool loadHistoryBookmarkFile();
     // Writes a bookmark tree's dictionary into the browser's bookmark file, which keeps its own version, root type and
@@ -174,8 +176,10 @@ private:
     ItemFileStore _itemFile;
     QMenu *_contextualMenu = nullptr;
     std::optional<FileStamp> _safariBookmarkFileModDate;
+    Retries _safariBookmarkRetries;
     FolderPtr _safariBookmarkRoot;
     std::optional<FileStamp> _safariHistoryFileModDate;
+    Retries _safariHistoryRetries;
     FolderPtr _safariHistoryRoot;
     HistoryReader _historyReader;
     QMutex _extSafariFileLock;

@@ -10,8 +10,6 @@
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
 
-#include <QFileInfo>
-
 namespace
 {
 // What the browser's bookmark file keeps, whatever is written into it.
@@ -21,19 +19,23 @@ const QString keptKeys[] = {
     QStringLiteral("WebBookmarkUUID"),
 };
 
-bool isPlainFile(const QString &path)
-{
-    const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
-    return stamp && stamp->isPlainFile;
-}
-
-// Looks at the file again; true when it is there and not what it was. A missing file leaves no stamp, so that it is
-// read again when it comes back.
-bool hasChanged(const QString &path, std::optional<FileStamp> &stamp)
+// Looks at the file again; true when it is there and not what it was, or is to be tried again. A missing file leaves no
+// stamp, so that it is read again when it comes back.
+bool isToBeRead(const QString &path, std::optional<FileStamp> &stamp, Retries &retries)
 {
     const std::optional<FileStamp> previous = stamp;
     stamp = FileStamp::ofFile(path);
-    return stamp && stamp != previous;
+    const bool isDue = retries.isDue();
+    return stamp && (stamp != previous || isDue);
+}
+
+// Tries go on as they were.
+void noteFailure(bool isPassing, Retries &retries)
+{
+    if (!isPassing)
+        retries.end();
+    else if (!retries.isOwed())
+        retries.begin();
 }
 } // namespace
 
@@ -63,26 +65,28 @@ void KDRDrawerBundle::tagSafariFiles()
 {
     if (_terminating || !_extSafariFileLock.tryLock())
         return;
-    if (hasChanged(safariBookmarkFilePath(), _safariBookmarkFileModDate)) {
+    if (isToBeRead(safariBookmarkFilePath(), _safariBookmarkFileModDate, _safariBookmarkRetries)) {
         loadSafariBookmarkFile();
-        WayfoldToolkit::postNotificationNameObject(Notifications::SafariBookmarkFileModNotification, this);
+        if (!_safariBookmarkRetries.isOwed())
+            WayfoldToolkit::postNotificationNameObject(Notifications::SafariBookmarkFileModNotification, this);
     }
-    if (hasChanged(safariHistoryFilePath(), _safariHistoryFileModDate)) {
+    if (isToBeRead(safariHistoryFilePath(), _safariHistoryFileModDate, _safariHistoryRetries)) {
         loadHistoryBookmarkFile();
-        WayfoldToolkit::postNotificationNameObject(Notifications::SafariHistoryFileModNotification, this);
+        if (!_safariHistoryRetries.isOwed())
+            WayfoldToolkit::postNotificationNameObject(Notifications::SafariHistoryFileModNotification, this);
     }
     _extSafariFileLock.unlock();
 }
 
 bool KDRDrawerBundle::loadSafariBookmarkFile()
 {
-    const QString path = safariBookmarkFilePath();
-    _safariBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
-    if (!isPlainFile(path))
+    PropertyList::Reading reading;
+    const QVariantMap file = PropertyList::readDictionaryFile(safariBookmarkFilePath(), &reading);
+    noteFailure(reading.isPassing, _safariBookmarkRetries);
+    if (reading.isPassing)
         return false;
-    bool isDictionary = false;
-    const QVariantMap file = PropertyList::readDictionaryFile(path, &isDictionary);
-    if (!isDictionary)
+    _safariBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
+    if (!reading.ok)
         return false;
     _safariBookmarkRoot->loadFromDictionary(file);
     _safariBookmarkRoot->setTitle(QStringLiteral("Bookmarks"));
@@ -91,7 +95,11 @@ bool KDRDrawerBundle::loadSafariBookmarkFile()
 
 bool KDRDrawerBundle::loadHistoryBookmarkFile()
 {
-    const std::shared_ptr<const HistoryRecords> records = _historyReader.read(safariHistoryFilePath());
+    bool isPassing = false;
+    const std::shared_ptr<const HistoryRecords> records = _historyReader.read(safariHistoryFilePath(), &isPassing);
+    noteFailure(isPassing, _safariHistoryRetries);
+    if (isPassing)
+        return false;
     _safariHistoryRoot = std::make_shared<WayfoldBookmarkFolder>();
     if (!records)
         return false;
@@ -103,9 +111,9 @@ bool KDRDrawerBundle::loadHistoryBookmarkFile()
 bool KDRDrawerBundle::saveSafariBookmarkFile(const QVariantMap &dictionary)
 {
     const QMutexLocker locker(&_extSafariFileLock);
-    bool isDictionary = false;
-    const QVariantMap current = PropertyList::readDictionaryFile(safariBookmarkFilePath(), &isDictionary);
-    if (!isDictionary)
+    PropertyList::Reading reading;
+    const QVariantMap current = PropertyList::readDictionaryFile(safariBookmarkFilePath(), &reading);
+    if (!reading.ok)
         return false;
     QVariantMap written = dictionary;
     for (const QString &key : keptKeys) {

@@ -46,20 +46,21 @@ QByteArray utf8(const QVariantMap &entry, const QString &key)
 }
 } // namespace
 
-std::shared_ptr<const HistoryRecords> HistoryReader::read(const QString &path)
+std::shared_ptr<const HistoryRecords> HistoryReader::read(const QString &path, bool *isPassing)
 {
     QFile file;
     std::shared_ptr<HistoryRecords> records;
     if (PropertyList::openFile(path, &file)) {
         const QByteArray start = file.peek(6);
         records = start == "bplist" ? readBinary(file) : start.startsWith('<') ? readPlain(file) : nullptr;
-        if (!records) {
-            bool isDictionary = false;
-            const QVariantMap dictionary =
-                PropertyList::readDictionaryFile(path, &isDictionary, nullptr, PropertyList::Xml::General);
-            records = isDictionary ? recordsFrom(dictionary) : nullptr;
-        }
     }
+    PropertyList::Reading reading;
+    if (!records) {
+        const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &reading, PropertyList::Xml::General);
+        records = reading.ok ? recordsFrom(dictionary) : nullptr;
+    }
+    if (isPassing)
+        *isPassing = reading.isPassing;
     _former = records;
     _formerElements = std::move(_elements);
     return _former;

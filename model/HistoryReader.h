@@ -13,8 +13,9 @@ class QIODevice;
 class HistoryReader
 {
 public:
-    // None when the file is missing or is no property-list dictionary; the reason is in the log then.
-    std::shared_ptr<const HistoryRecords> read(const QString &path);
+    // None when the file is missing or is no property-list dictionary; the reason is in the log then. `isPassing` (may
+    // be null) tells whether it may soon be over, see PropertyList::Reading.
+    std::shared_ptr<const HistoryRecords> read(const QString &path, bool *isPassing = nullptr);
 
 private:
     // An element of the file's list, whether or not it became an entry: where it ends behind the one before, and what

@@ -120,13 +120,14 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionaryFile(const
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::readDictionaryFile(const QString &path, ItemFileReading *reading)
 {
     ItemFileReading result;
-    bool isWhole = false;
-    const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &result.readable, &isWhole);
+    PropertyList::Reading file;
+    const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &file);
+    result.readable = file.ok;
     WayfoldBookmarkFolderPtr folder = bookmarkFromDictionary(dictionary);
     if (!reading)
         return folder;
     result.skippedEntries = int(deepEntryCount(dictionary) - folder->deepChildCount());
-    result.complete = isWhole && isContainedInDictionary(dictionary, folder->createDictionary(true));
+    result.complete = file.isWhole && isContainedInDictionary(dictionary, folder->createDictionary(true));
     *reading = result;
     return folder;
 }

@@ -13,11 +13,13 @@
 #include <QDateTime>
 #include <QFile>
 #include <QtEndian>
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <fcntl.h>
+#include <iterator>
 #include <memory>
 #include <plist/plist.h>
 #include <unistd.h>
@@ -213,11 +215,19 @@ void logIfNotWhole(const QString &path, const QVariant &value, bool isWhole)
                                       << "- it has a key twice, damaged text, or a value of an unknown kind";
 }
 
+// Whether such an error may be over soon, without anything about the file changing.
+bool mayPass(int error)
+{
+    constexpr int lasting[] = {ENOENT, ENOTDIR, EACCES, EPERM, ELOOP, ENAMETOOLONG, ENXIO};
+    return std::find(std::begin(lasting), std::end(lasting), error) == std::end(lasting);
+}
+
 // Opens a plain file; anything else (a pipe would keep us waiting, a device might do anything) is not touched. Null
 // when that worked, else the reason, empty when there is no such file.
-QString openPlainFile(const QString &path, QFile *file)
+QString openPlainFile(const QString &path, QFile *file, bool *isPassing)
 {
     const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
+    *isPassing = !stamp && mayPass(errno);
     if (!stamp)
         return errno == ENOENT || errno == ENOTDIR ? QStringLiteral("") : qt_error_string(errno);
     if (!stamp->isPlainFile)
@@ -225,6 +235,7 @@ QString openPlainFile(const QString &path, QFile *file)
     if (stamp->size > PropertyList::maximumFileSize)
         return QStringLiteral("larger than 1 GiB");
     const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    *isPassing = descriptor < 0 && mayPass(errno);
     if (descriptor < 0)
         return qt_error_string(errno);
     if (!file->open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
@@ -233,42 +244,62 @@ QString openPlainFile(const QString &path, QFile *file)
     }
     return {};
 }
+
+// Remembers that a reading failed, whatever happens then.
+class NotingFile : public QFile
+{
+public:
+    bool hasFailed() const { return _hasFailed; }
+
+protected:
+    qint64 readData(char *data, qint64 most) override
+    {
+        const qint64 length = QFile::readData(data, most);
+        _hasFailed = _hasFailed || length < 0;
+        return length;
+    }
+
+private:
+    bool _hasFailed = false;
+};
 } // namespace
 
 bool PropertyList::openFile(const QString &path, QFile *file)
 {
-    const QString reason = openPlainFile(path, file);
-    if (!reason.isEmpty())
-        logRefusal(path, reason);
-    return reason.isNull();
+    bool isPassing = false;
+    return openPlainFile(path, file, &isPassing).isNull();
 }
 
-QVariant PropertyList::readFile(const QString &path, bool *isWhole, Xml xml)
+QVariant PropertyList::readFile(const QString &path, Reading *reading, Xml xml)
 {
-    QFile file;
-    QString reason = openPlainFile(path, &file);
+    Reading result;
+    NotingFile file;
+    QString reason = openPlainFile(path, &file, &result.isPassing);
     QVariant value;
-    bool whole = false;
     if (reason.isNull())
-        value = fromDevice(&file, xml, &reason, &whole);
+        value = fromDevice(&file, xml, &reason, &result.isWhole);
+    result.ok = value.isValid();
+    result.isWhole = result.ok && result.isWhole;
+    result.isPassing = result.isPassing || (!result.ok && file.hasFailed());
     if (!reason.isEmpty())
-        logRefusal(path, reason);
-    logIfNotWhole(path, value, whole);
-    if (isWhole)
-        *isWhole = value.isValid() && whole;
+        logRefusal(path, file.hasFailed() ? QStringLiteral("the disk failed, ") + reason : reason);
+    logIfNotWhole(path, value, result.isWhole);
+    if (reading)
+        *reading = result;
     return value;
 }
 
-QVariantMap PropertyList::readDictionaryFile(const QString &path, bool *ok, bool *isWhole, Xml xml)
+QVariantMap PropertyList::readDictionaryFile(const QString &path, Reading *reading, Xml xml)
 {
-    const QVariant value = readFile(path, isWhole, xml);
+    Reading result;
+    const QVariant value = readFile(path, &result, xml);
     const bool isDictionary = value.metaType().id() == QMetaType::QVariantMap;
     if (value.isValid() && !isDictionary)
         logRefusal(path, QStringLiteral("its top level is no dictionary"));
-    if (ok)
-        *ok = isDictionary;
-    if (isWhole)
-        *isWhole = *isWhole && isDictionary;
+    result.ok = isDictionary;
+    result.isWhole = result.isWhole && isDictionary;
+    if (reading)
+        *reading = result;
     return isDictionary ? value.toMap() : QVariantMap();
 }
 

@@ -20,10 +20,18 @@ class QFile;
 // Less than the whole is read where a dictionary has a key twice (the later value counts), where a value is none of the
 // above (an archive's identifier, a date of the year 0; it is left out, and its key with it), where text is damaged
 // (bytes that are not UTF-8 are read as U+FFFD), and where text in the binary form holds a NUL, at which it ends.
-// `isWhole` (may be null) tells: true when everything was read, and can be written again just so. Who is going to write
-// over a file that was not read whole keeps a copy of it first. The log says so too.
+// `isWhole` tells: true when everything was read, and can be written again just so. Who is going to write over a file
+// that was not read whole keeps a copy of it first. The log says so too.
 namespace PropertyList
 {
+// How the reading of a file went.
+struct Reading
+{
+    bool ok = false;        // there is a value
+    bool isWhole = false;   // see above
+    bool isPassing = false; // there is none, but for a reason that may soon be over: too many open files, a busy disk
+};
+
 // How the XML form is read: the quick way first, or the general way at once, for who has tried PlainXml in vain.
 enum class Xml { QuickFirst, General };
 
@@ -31,13 +39,13 @@ constexpr qint64 maximumFileSize = qint64(1) << 30;
 constexpr int maximumDepth = 1024;
 
 // Opens a file for a reader that knows more about its contents; false when it is missing, unreadable, larger than what
-// is read here or not a plain file (a pipe would keep us waiting). A missing file is not logged.
+// is read here or not a plain file (a pipe would keep us waiting). Nothing is logged: `readFile` says why.
 bool openFile(const QString &path, QFile *file);
 // An invalid variant when the file is missing, unreadable, not a plain file or refused. A missing file is not logged.
-QVariant readFile(const QString &path, bool *isWhole = nullptr, Xml xml = Xml::QuickFirst);
-// The same for a file whose top level is a dictionary; `ok` (may be null) tells an empty dictionary from none.
-QVariantMap readDictionaryFile(const QString &path, bool *ok = nullptr, bool *isWhole = nullptr,
-                               Xml xml = Xml::QuickFirst);
+// `reading` may be null, here and below.
+QVariant readFile(const QString &path, Reading *reading = nullptr, Xml xml = Xml::QuickFirst);
+// The same for a file whose top level is a dictionary.
+QVariantMap readDictionaryFile(const QString &path, Reading *reading = nullptr, Xml xml = Xml::QuickFirst);
 QVariant fromData(const QByteArray &data, bool *isWhole = nullptr);
 
 // The XML form, ending in a line end; empty when the value holds something that a property list cannot, or is nested

@@ -88,9 +88,10 @@ UserDefaults::Domain &UserDefaults::domainNamed(const QString &name)
         return *known;
     removeAbandonedSaves(path);
     Domain domain;
-    bool isWhole = false;
-    domain.values = PropertyList::readDictionaryFile(path, &domain.exists, &isWhole);
-    domain.mustKeepFile = !isWhole && QFileInfo::exists(path);
+    PropertyList::Reading reading;
+    domain.values = PropertyList::readDictionaryFile(path, &reading);
+    domain.exists = reading.ok;
+    domain.mustKeepFile = !reading.isWhole && QFileInfo::exists(path);
     return *_domains.insert(path, domain);
 }
 

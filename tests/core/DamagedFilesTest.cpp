@@ -27,6 +27,7 @@ struct Meddling
     QByteArray path;
     int pieces = 0; // to be read before
     std::function<void()> action;
+    int failures = 0; // of the reading, one after the other, instead of the action
     bool isDone = false;
 };
 Meddling *meddling = nullptr;
@@ -44,9 +45,16 @@ bool isOfFile(int descriptor, const QByteArray &path)
 extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void *buffer, size_t size)
 {
     if (Meddling *const present = meddling; present && !present->isDone && isOfFile(descriptor, present->path)) {
-        if (present->pieces-- == 0) {
+        if (present->pieces > 0) {
+            --present->pieces;
+        } else if (present->failures > 0) {
+            --present->failures;
+            errno = EIO;
+            return -1;
+        } else {
             present->isDone = true;
-            present->action();
+            if (present->action)
+                present->action();
         }
     }
     return ::syscall(SYS_read, descriptor, buffer, size);
@@ -247,6 +255,8 @@ private Q_SLOTS:
     void becomesAPipeBeforeItIsRead();
     void changesWhileItIsRead_data();
     void changesWhileItIsRead();
+    void diskFails_data();
+    void diskFails();
     void checkDuringAWriteBack();
 
 private:
@@ -657,6 +667,55 @@ void DamagedFilesTest::changesWhileItIsRead()
     write(kind, oldContents);
     QVERIFY(load(kind));
     QCOMPARE(contentsOf(kind), expectedOf(kind, before));
+}
+
+void DamagedFilesTest::diskFails_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<bool>("isBinary");
+    QTest::addColumn<int>("failures");
+    for (const Kind kind : {Bookmarks, History}) {
+        for (const bool isBinary : {false, true}) {
+            for (const int failures : {1, 2, 1000})
+                QTest::addRow("%s%s %d", isBinary ? "binary " : "", kind == Bookmarks ? "bookmarks" : "history",
+                              failures)
+                    << kind << isBinary << failures;
+        }
+    }
+}
+
+// What is read then is the old list or the new one, and never anything else.
+void DamagedFilesTest::diskFails()
+{
+    QFETCH(Kind, kind);
+    QFETCH(bool, isBinary);
+    QFETCH(int, failures);
+    QVariantList items;
+    for (int i = 0; i < 2500; ++i) { // more than is read in one piece
+        const QString title = "new" + QString::number(10000 + i);
+        items.append(kind == Bookmarks ? link(title, "http://www.new.example/")
+                                       : entry(title, "http://www.new.example/" + QString::number(i)));
+    }
+    const QVariantMap after{{kind == Bookmarks ? "Children" : "WebHistoryDates", items}};
+    for (int pieces = 0; pieces < 3; ++pieces) {
+        write(kind, inForm(sample(kind), isBinary));
+        store().tagSafariFiles();
+        QCOMPARE(contentsOf(kind), expectedOf(kind, sample(kind)));
+        const WayfoldBookmarkFolderPtr before = rootOf(kind);
+        write(kind, inForm(after, isBinary));
+        Meddling meddled;
+        meddled.path = QFile::encodeName(path(kind));
+        meddled.pieces = pieces;
+        meddled.failures = failures;
+        meddling = &meddled;
+        store().tagSafariFiles();
+        meddling = nullptr;
+        if (rootOf(kind) != before)
+            QCOMPARE(contentsOf(kind), expectedOf(kind, after));
+        QVERIFY(failures < 1000 || pieces > 0 || rootOf(kind) == before);
+        store().tagSafariFiles();
+        QCOMPARE(contentsOf(kind), expectedOf(kind, after));
+    }
 }
 
 void DamagedFilesTest::checkDuringAWriteBack()

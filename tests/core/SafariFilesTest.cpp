@@ -8,6 +8,7 @@
 #include "platform/host/CurrentHost.h"
 #include "tests/core/StoreInTemporaryHome.h"
 #include "tests/platform/StatusChange.h"
+#include "tests/support/LoggedMessages.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,6 +19,7 @@
 #include <QThread>
 #include <atomic>
 #include <optional>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -69,6 +71,26 @@ public:
 private:
     bool _isSuperuser = false;
     bool _isOne = false;
+};
+
+// Lets no file be opened until this goes.
+class NoDescriptorsLeft
+{
+public:
+    NoDescriptorsLeft()
+    {
+        if (::getrlimit(RLIMIT_NOFILE, &_before) != 0)
+            qFatal("There is no telling how many files may be open.");
+        rlimit none = _before;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoDescriptorsLeft() { ::setrlimit(RLIMIT_NOFILE, &_before); }
+    NoDescriptorsLeft(const NoDescriptorsLeft &) = delete;
+    NoDescriptorsLeft &operator=(const NoDescriptorsLeft &) = delete;
+
+private:
+    rlimit _before;
 };
 
 // Keeps one thread waiting when that first asks for the bookmark file's place.
@@ -126,6 +148,12 @@ private Q_SLOTS:
     void unreadableFileGivesAnEmptyTree();
     void fileThatMayBeReadLaterIsReadThen_data() { bothFiles(); }
     void fileThatMayBeReadLaterIsReadThen();
+    void fileThatCannotBeOpenedJustNowIsReadLater_data() { bothFiles(); }
+    void fileThatCannotBeOpenedJustNowIsReadLater();
+    void fileThatCannotBeOpenedAtTheStartIsReadLater_data() { bothFiles(); }
+    void fileThatCannotBeOpenedAtTheStartIsReadLater();
+    void triesBecomeRare_data() { bothFiles(); }
+    void triesBecomeRare();
     void rewrittenFileOfTheSameDateAndLengthIsReadAgain_data() { bothFiles(); }
     void rewrittenFileOfTheSameDateAndLengthIsReadAgain();
     void directoryGivesAnEmptyTree();
@@ -405,6 +433,83 @@ void SafariFilesTest::fileThatMayBeReadLaterIsReadThen()
     StatusChange::make(_fresh->home.path(file), [&] { QCOMPARE(::chmod(path.constData(), 0644), 0); });
     store().tagSafariFiles();
     QCOMPARE(titlesOf(file), QStringList{"One"});
+}
+
+void SafariFilesTest::fileThatCannotBeOpenedJustNowIsReadLater()
+{
+    QFETCH(QString, file);
+    writeFile(file, "One");
+    touch(file, 1);
+    store();
+    const WayfoldBookmarkFolderPtr root = rootOf(file);
+    NotificationLog::deliverPending();
+    NotificationLog log({bookmarksChanged, historyChanged});
+    writeFile(file, "Two");
+    touch(file, 2);
+    {
+        const LoggedMessages messages;
+        const NoDescriptorsLeft none;
+        store().tagSafariFiles();
+        QVERIFY(messages.contain(QStringLiteral("Too many open files")));
+    }
+    // What was shown before stays, and nothing has happened.
+    QCOMPARE(rootOf(file), root);
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+    NotificationLog::deliverPending();
+    QVERIFY(log.received.empty());
+
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"Two"});
+    NotificationLog::deliverPending();
+    QCOMPARE(log.names(), QStringList{changeOf(file)});
+    // Once.
+    const WayfoldBookmarkFolderPtr newRoot = rootOf(file);
+    for (int check = 0; check < 10; ++check)
+        store().tagSafariFiles();
+    QCOMPARE(rootOf(file), newRoot);
+}
+
+void SafariFilesTest::fileThatCannotBeOpenedAtTheStartIsReadLater()
+{
+    QFETCH(QString, file);
+    store();
+    writeFile(file, "One");
+    const LoggedMessages messages;
+    {
+        const NoDescriptorsLeft none;
+        store().tagSafariFiles();
+    }
+    QVERIFY(!rootOf(file));
+    store().tagSafariFiles();
+    QCOMPARE(titlesOf(file), QStringList{"One"});
+    // What has gone meanwhile is not tried again.
+    touch(file, 5);
+    {
+        const NoDescriptorsLeft none;
+        store().tagSafariFiles();
+    }
+    QVERIFY(QFile::remove(_fresh->home.path(file)));
+    const WayfoldBookmarkFolderPtr root = rootOf(file);
+    store().tagSafariFiles();
+    store().tagSafariFiles();
+    QCOMPARE(rootOf(file), root);
+}
+
+void SafariFilesTest::triesBecomeRare()
+{
+    QFETCH(QString, file);
+    store();
+    writeFile(file, "One");
+    LoggedMessages messages; // one for each try
+    const NoDescriptorsLeft none;
+    QList<int> tries;
+    for (int check = 0; check < 100; ++check) {
+        messages.clear();
+        store().tagSafariFiles();
+        if (!messages.texts().isEmpty())
+            tries.append(check);
+    }
+    QCOMPARE(tries, (QList<int>{0, 1, 3, 7, 15, 31, 63}));
 }
 
 void SafariFilesTest::rewrittenFileOfTheSameDateAndLengthIsReadAgain()

@@ -14,9 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     TreeChecks::checkCopy(root);
     TreeChecks::checkSearches(root);
 
-    bool isReadable = false;
-    const QVariantMap current = PropertyList::readDictionaryFile(file.path(), &isReadable);
-    if (!isReadable)
+    PropertyList::Reading reading;
+    const QVariantMap current = PropertyList::readDictionaryFile(file.path(), &reading);
+    if (!reading.ok)
         return 0;
     QVariantMap tree = root->createDictionary(false);
     for (const char *kept : {"WebBookmarkFileVersion", "WebBookmarkType", "WebBookmarkUUID"}) {

@@ -562,13 +562,13 @@ void PropertyListTest::textsOfOtherWritersAreRead()
                                             "plistlib.dump(value, open('xml', 'wb'))\n");
     QVERIFY2(failure.isNull(), qPrintable(failure));
     const QVariantList value{text, QVariantMap{{text, text}}};
-    bool isWhole = false;
-    compare(PropertyList::readFile(home.path("binary"), &isWhole), value);
-    QVERIFY(isWhole);
+    PropertyList::Reading reading;
+    compare(PropertyList::readFile(home.path("binary"), &reading), value);
+    QVERIFY(reading.isWhole);
     if (!isInXml)
         return;
-    compare(PropertyList::readFile(home.path("xml"), &isWhole), value);
-    QVERIFY(isWhole);
+    compare(PropertyList::readFile(home.path("xml"), &reading), value);
+    QVERIFY(reading.isWhole);
     compare(PropertyList::readFile(home.path("xml"), nullptr, PropertyList::Xml::General), value);
     // A mark of the file's own is no text.
     home.write("marked", "\xef\xbb\xbf" + home.read("xml"));
@@ -779,14 +779,17 @@ void PropertyListTest::wholeOrNot()
 
     const TemporaryHome home;
     home.write("file", data);
-    answer = !isWhole;
-    PropertyList::readFile(home.path("file"), &answer);
-    QCOMPARE(answer, isWhole);
-    answer = !isWhole;
-    PropertyList::readDictionaryFile(home.path("file"), nullptr, &answer);
-    QCOMPARE(answer, isWhole && value.metaType() == QMetaType::fromType<QVariantMap>());
-    PropertyList::readDictionaryFile(home.path("nothing"), nullptr, &answer);
-    QVERIFY(!answer);
+    PropertyList::Reading reading{false, !isWhole, true};
+    PropertyList::readFile(home.path("file"), &reading);
+    QCOMPARE(reading.isWhole, isWhole);
+    QCOMPARE(reading.ok, value.isValid());
+    QVERIFY(!reading.isPassing);
+    reading.isWhole = !isWhole;
+    PropertyList::readDictionaryFile(home.path("file"), &reading);
+    QCOMPARE(reading.isWhole, isWhole && value.metaType() == QMetaType::fromType<QVariantMap>());
+    PropertyList::readDictionaryFile(home.path("nothing"), &reading);
+    QVERIFY(!reading.isWhole);
+    QVERIFY(!reading.isPassing);
 }
 
 void PropertyListTest::whatCannotBeHeldIsLeftOut_data()
@@ -844,10 +847,11 @@ void PropertyListTest::whatOtherWritersCanHoldIsLeftOut()
                         "plistlib.dump(value, open('binary', 'wb'), fmt=plistlib.FMT_BINARY)\n");
     QVERIFY2(failure.isNull(), qPrintable(failure));
     const LoggedMessages messages;
-    bool isWhole = true;
+    PropertyList::Reading reading;
     const QVariantMap expected{{"b", QVariantList{true, std::numeric_limits<quint64>::max()}}, {"", ""}};
-    compare(PropertyList::readFile(home.path("binary"), &isWhole), expected);
-    QVERIFY(!isWhole);
+    compare(PropertyList::readFile(home.path("binary"), &reading), expected);
+    QVERIFY(reading.ok);
+    QVERIFY(!reading.isWhole);
 }
 
 void PropertyListTest::entitiesDoNotUnfold_data()
@@ -1261,22 +1265,22 @@ void PropertyListTest::readDictionaryFile()
     home.write("empty", PropertyList::toXml(QVariantMap()));
     home.write("array", PropertyList::toXml(QVariantList{"a"}));
     home.write("damaged", "<plist>");
-    bool ok = false;
-    QCOMPARE(PropertyList::readDictionaryFile(home.path("dictionary"), &ok), QVariantMap({{"a", "b"}}));
-    QVERIFY(ok);
-    ok = false;
-    QVERIFY(PropertyList::readDictionaryFile(home.path("empty"), &ok).isEmpty());
-    QVERIFY(ok);
+    PropertyList::Reading reading;
+    QCOMPARE(PropertyList::readDictionaryFile(home.path("dictionary"), &reading), QVariantMap({{"a", "b"}}));
+    QVERIFY(reading.ok);
+    reading.ok = false;
+    QVERIFY(PropertyList::readDictionaryFile(home.path("empty"), &reading).isEmpty());
+    QVERIFY(reading.ok);
     const LoggedMessages messages;
-    QVERIFY(PropertyList::readDictionaryFile(home.path("array"), &ok).isEmpty());
-    QVERIFY(!ok);
+    QVERIFY(PropertyList::readDictionaryFile(home.path("array"), &reading).isEmpty());
+    QVERIFY(!reading.ok);
     QVERIFY(messages.contain("no dictionary"));
-    ok = true;
-    QVERIFY(PropertyList::readDictionaryFile(home.path("damaged"), &ok).isEmpty());
-    QVERIFY(!ok);
-    ok = true;
-    QVERIFY(PropertyList::readDictionaryFile(home.path("nothing"), &ok).isEmpty());
-    QVERIFY(!ok);
+    reading.ok = true;
+    QVERIFY(PropertyList::readDictionaryFile(home.path("damaged"), &reading).isEmpty());
+    QVERIFY(!reading.ok);
+    reading.ok = true;
+    QVERIFY(PropertyList::readDictionaryFile(home.path("nothing"), &reading).isEmpty());
+    QVERIFY(!reading.ok);
     QVERIFY(PropertyList::readDictionaryFile(home.path("nothing")).isEmpty());
 }
 
