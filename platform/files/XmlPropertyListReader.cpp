@@ -38,7 +38,8 @@ bool XmlPropertyListReader::isInUtf8() const
 
 QVariant XmlPropertyListReader::readDocument()
 {
-    while (!_xml.atEnd()) {
+    // Behind an early end it would go on for ever, as long as the device says that there should be more.
+    while (!_xml.atEnd() && !_xml.hasError()) {
         switch (_xml.readNext()) {
         case QXmlStreamReader::StartElement:
             startElement();
@@ -169,7 +170,7 @@ void XmlPropertyListReader::addValue(const QVariant &value)
 QString XmlPropertyListReader::readText()
 {
     QString text = QLatin1String("");
-    while (!_xml.atEnd()) {
+    while (!_xml.hasError()) {
         switch (_xml.readNext()) {
         case QXmlStreamReader::Characters:
             text.append(_xml.text());
