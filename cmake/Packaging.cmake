@@ -25,7 +25,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION web)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Loaded at run time, so the search for linked libraries does not see them.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, qt6-translations-l10n")
+# Loaded at run time, so the search for linked libraries does not see them: image formats, texts, and whom https trusts.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, qt6-translations-l10n, ca-certificates")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 include(CPack)

@@ -2,6 +2,7 @@
 #include "core/KDRDrawerBundle.h"
 
 #include "core/MenuCommands.h"
+#include "core/ReleaseCheck.h"
 #include "core/SiteDrawer.h"
 #include "core/WayfoldAboutController.h"
 #include "core/settings/WayfoldDefaults.h"
@@ -219,7 +220,7 @@ bool KDRDrawerBundle::validateMenuItem(QAction *item)
     if (action == u"handleSwitchbackRequest:")
         return validateSwitchbackItem(item, controller);
     if (action == u"handleCheckForNewReleaseRequest:")
-        return MenuCommands::hasHandler(MenuCommands::CheckForNewRelease);
+        return true;
     if (action == u"handleShowPrefsWindow:")
         return drawer && !_prefsWindowOpen;
     if (action == u"handleShowAboutWindow:")
@@ -307,7 +308,7 @@ void KDRDrawerBundle::handleNewEmailRequest(QObject *sender)
 
 void KDRDrawerBundle::handleCheckForNewReleaseRequest(QObject * /*sender*/)
 {
-    MenuCommands::perform(MenuCommands::CheckForNewRelease);
+    ReleaseCheck::checkForNewRelease();
 }
 
 void KDRDrawerBundle::handleShowPrefsWindow(QObject * /*sender*/)

@@ -7,7 +7,7 @@ namespace
 {
 MenuCommands::Handler &handlerOf(MenuCommands::Command command)
 {
-    static std::array<MenuCommands::Handler, 2> handlers;
+    static std::array<MenuCommands::Handler, 1> handlers;
     return handlers.at(command);
 }
 } // namespace

@@ -8,7 +8,6 @@ namespace MenuCommands
 {
 enum Command {
     ShowPreferences,
-    CheckForNewRelease,
 };
 using Handler = std::function<void()>;
 

@@ -3,8 +3,6 @@
 #include "platform/base/NotificationQueue.h"
 #include "platform/base/StringRules.h"
 #include "platform/files/Bundle.h"
-#include "platform/files/Paths.h"
-#include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
 #include "platform/host/HostFrame.h"
@@ -87,11 +85,7 @@ std::shared_ptr<Image> WayfoldToolkit::loadAppImageNamedScaledTo(const QString &
 
 QString WayfoldToolkit::getCurrentVersion()
 {
-    const QString bundle = Bundle::path();
-    if (bundle.isNull())
-        return {};
-    const QString file = Paths::standardized(bundle + QStringLiteral("/Contents/Info.plist"));
-    return PropertyList::readDictionaryFile(file).value(QStringLiteral("CFBundleVersion")).toString();
+    return Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString();
 }
 
 unsigned WayfoldToolkit::getCurrentVersionAsNumber()

@@ -1,5 +1,8 @@
 #include "platform/files/Bundle.h"
 
+#include "platform/files/Paths.h"
+#include "platform/files/PropertyList.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -80,6 +83,14 @@ QString Bundle::path()
         return QDir::cleanPath(QFile::decodeName(given));
     static const QString found = findPath();
     return found;
+}
+
+QVariantMap Bundle::infoDictionary()
+{
+    const QString bundle = path();
+    if (bundle.isNull())
+        return {};
+    return PropertyList::readDictionaryFile(Paths::standardized(bundle + QStringLiteral("/Contents/Info.plist")));
 }
 
 QString Bundle::pathForResource(const QString &name)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariantMap>
 
 // The plug-in's folder on disk, wherever it is installed:
 //
@@ -11,6 +12,8 @@ namespace Bundle
 {
 // Found from where this code was loaded; `$WAYFOLD_BUNDLE` when that is set (tests).
 QString path();
+// "Contents/Info.plist", read anew each time; empty when it cannot be read.
+QVariantMap infoDictionary();
 // "Contents/Resources/<name>" when that file exists, else null.
 QString pathForResource(const QString &name);
 // The image resource of that name, with or without its ending: .svg, .png, .jpg, .gif are tried in this order. Null

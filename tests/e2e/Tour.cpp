@@ -5,6 +5,7 @@
 #include "tests/e2e/support/Eyes.h"
 #include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
+#include "tests/e2e/support/PlayedRelease.h"
 #include "tests/e2e/support/Tool.h"
 
 #include <QAbstractButton>
@@ -463,6 +464,57 @@ void DarkSession::visitInTheDark()
     QVERIFY(shoot(QStringLiteral("dark-palette-history")));
 }
 
+// Whether there is a newer release is asked of a server that stands in for the maker's.
+class ReleaseSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void upToDate();
+    void newerThanAvailable();
+    void newVersion();
+    void leave() { QVERIFY(quit()); }
+
+private:
+    bool check(const QString &released, int number, const QString &alert);
+
+    const PlayedRelease _release{_play.web(), QStringLiteral("1.2.3")};
+};
+
+bool ReleaseSession::check(const QString &released, int number, const QString &alert)
+{
+    _release.publish(released, number);
+    return _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Check for New Release...")}) &&
+           Stage::eventually([] { return Eyes::dialog() != nullptr; }) && Eyes::dialogText().contains(alert);
+}
+
+void ReleaseSession::upToDate()
+{
+    QVERIFY(check(QStringLiteral("1.2.3"), 10203, QStringLiteral("Your Wayfold version 1.2.3 is up to date.")));
+    QVERIFY(shoot(QStringLiteral("release-up-to-date")));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
+    EVENTUALLY(!Eyes::dialog());
+}
+
+void ReleaseSession::newerThanAvailable()
+{
+    QVERIFY(check(QStringLiteral("1.1.0"), 10100, QStringLiteral("is newer than the version available")));
+    QVERIFY(shoot(QStringLiteral("release-newer-than-available")));
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(!Eyes::dialog());
+}
+
+void ReleaseSession::newVersion()
+{
+    QVERIFY(check(QStringLiteral("1.3.0"), 10300, QStringLiteral("Wayfold 1.3.0 is now available.")));
+    QVERIFY(shoot(QStringLiteral("release-new-version")));
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("Cancel"))));
+    EVENTUALLY(!Eyes::dialog());
+}
+
 namespace
 {
 int playSession(const QString &name, int argc, char **argv)
@@ -473,6 +525,8 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<SecondSession>(argc, argv);
     if (name == QLatin1String("lists"))
         return Play::performAtHome<ListsSession>(argc, argv);
+    if (name == QLatin1String("release"))
+        return Play::performAtHome<ReleaseSession>(argc, argv);
     Play::storeSettings(
         {{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1}, {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1}});
     if (name == QLatin1String("following"))
@@ -531,7 +585,7 @@ int main(int argc, char **argv)
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
     for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"),
-                                QStringLiteral("following"), QStringLiteral("dark")}) {
+                                QStringLiteral("following"), QStringLiteral("dark"), QStringLiteral("release")}) {
         if (!runSession(name, directory))
             return 1;
     }
