@@ -42,6 +42,14 @@ QMessageBox::Icon iconForStyle(Alert::Style style)
         return QMessageBox::Warning;
     }
 }
+
+// A message box by itself is as narrow as its heading, which breaks the text below into a column.
+void widen(QMessageBox &box)
+{
+    constexpr int characters = 48;
+    if (auto *text = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+        text->setMinimumWidth(characters * text->fontMetrics().averageCharWidth());
+}
 } // namespace
 
 int Alert::runModal(QWidget *parent) const
@@ -56,6 +64,8 @@ int Alert::runModal(QWidget *parent) const
     // Which leaves the second text out.
     for (QLabel *label : box->findChildren<QLabel *>())
         label->setTextFormat(Qt::PlainText);
+
+    widen(*box);
 
     const QString defaultTitle = defaultButton.isNull() ? Bundle::localizedString(QStringLiteral("OK")) : defaultButton;
     QPushButton *first = box->addButton(defaultTitle, QMessageBox::AcceptRole);

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void closingCountsAsTheAlternateButton_data();
     void closingCountsAsTheAlternateButton();
     void showsItsTexts();
+    void textIsNoColumn();
     void showsItsStyle_data();
     void showsItsStyle();
     void hasAnOrdinaryButtonAtLeast();
@@ -147,6 +149,23 @@ void AlertTest::showsItsTexts()
         QCOMPARE(box.defaultButton()->text(), QString("Delete"));
         box.close();
     });
+}
+
+// However short the heading is.
+void AlertTest::textIsNoColumn()
+{
+    Alert alert;
+    alert.messageText = "No";
+    alert.informativeText = QString("A sentence of many words. ").repeated(8);
+    int lines = 0;
+    runWith(alert, [&](QMessageBox &box) {
+        for (const QLabel *label : box.findChildren<QLabel *>()) {
+            if (label->text() == alert.informativeText)
+                lines = label->height() / label->fontMetrics().lineSpacing();
+        }
+        box.close();
+    });
+    QVERIFY2(lines > 0 && lines <= 9, qPrintable(QString::number(lines)));
 }
 
 void AlertTest::showsItsStyle_data()
