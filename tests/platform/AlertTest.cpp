@@ -165,7 +165,7 @@ void AlertTest::textIsNoColumn()
         }
         box.close();
     });
-    QVERIFY2(lines > 0 && lines <= 9, qPrintable(QString::number(lines)));
+    QVERIFY2(lines > 0 && lines <= 7, qPrintable(QString::number(lines)));
 }
 
 void AlertTest::showsItsStyle_data()
