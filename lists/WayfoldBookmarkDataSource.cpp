@@ -44,6 +44,14 @@ void WayfoldBookmarkDataSource::ensureDataLoaded()
 
 void WayfoldBookmarkDataSource::safariBookmarksUpdated(const Notification & /*notification*/)
 {
+    if (_bookmarkOutlineView)
+        _bookmarkOutlineView->changeWhenSeen([this] { followBookmarks(); });
+    else
+        followBookmarks();
+}
+
+void WayfoldBookmarkDataSource::followBookmarks()
+{
     const std::lock_guard<std::mutex> guard(_parsingBookmarksLock);
     if (_listIsFiltered) {
         filterList();

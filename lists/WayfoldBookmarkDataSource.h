@@ -27,7 +27,7 @@ public:
 
     // Shows the browser's tree and follows it from then on; later calls do nothing.
     void ensureDataLoaded() override;
-    // The browser's tree was read again.
+    // The browser's tree was read again. A list that is out of sight follows when it can be seen.
     void safariBookmarksUpdated(const Notification &notification);
     // Shows only what contains the search field's text; everything when that is empty.
     void processSearchFilter(const QLineEdit *sender);
@@ -36,6 +36,7 @@ public:
     void savebookmarkBookmarkRoot() {}
 
 private:
+    void followBookmarks();
     void showBrowserTree();
     void showMatches();
     void fillRootFromMatches();

@@ -63,16 +63,10 @@ void WayfoldHistoryDataSource::awakeFromNib()
     _lastFilterString = QString();
     _oldGroupingStyle = QString();
     _dataIsLoaded = false;
-    _isBehind = false;
     _rootBeforeSearch.reset();
     _openBeforeSearch.clear();
-    if (!_historyOutlineView)
-        return;
-    _historyOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_historyOutlineView); };
-    _historyOutlineView->comesIntoSight = [this] {
-        if (std::exchange(_isBehind, false))
-            followHistory();
-    };
+    if (_historyOutlineView)
+        _historyOutlineView->doubleAction = [this] { handleResolveBookmarkRequest(_historyOutlineView); };
 }
 
 WayfoldOutlineView *WayfoldHistoryDataSource::myOutlineView() const
@@ -118,8 +112,9 @@ void WayfoldHistoryDataSource::regroupIntoRoot(const QString &style)
 // Every window has its own list, and each takes its time at each visit; only those that are seen are worth it.
 void WayfoldHistoryDataSource::safariHistoryUpdated(const Notification & /*notification*/)
 {
-    _isBehind = _historyOutlineView && _historyOutlineView->isOutOfSight();
-    if (!_isBehind)
+    if (_historyOutlineView)
+        _historyOutlineView->changeWhenSeen([this] { followHistory(); });
+    else
         followHistory();
 }
 

@@ -42,7 +42,7 @@ public:
     void ensureDataLoaded() override;
     // Groups the history anew. While the style stays the same the folders do too, so that open ones stay open.
     void parseHistoryBookmarks();
-    // The history was read again, or the style has changed. A list that is out of sight follows when it comes back.
+    // The history was read again, or the style has changed. A list that is out of sight follows when it can be seen.
     void safariHistoryUpdated(const Notification &notification);
     // Shows only what contains the search field's text; everything, grouped, when that is empty.
     void processSearchFilter(const QLineEdit *sender);
@@ -67,7 +67,6 @@ private:
     std::mutex _parsingHistoryLock;
     bool _listIsFiltered = false;
     bool _dataIsLoaded = false;
-    bool _isBehind = false; // out of sight, the list shows an older history
     // Kept while filtered, so that afterwards the same folders are there, and open.
     WayfoldBookmarkFolderPtr _rootBeforeSearch;
     QStringList _openBeforeSearch;

@@ -15,6 +15,7 @@
 #include <QPointer>
 #include <QSet>
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -173,10 +174,21 @@ void WayfoldOutlineView::paintEvent(QPaintEvent *event)
 
 void WayfoldOutlineView::showEvent(QShowEvent *event)
 {
-    _wasSeen = true;
-    if (comesIntoSight)
-        comesIntoSight();
+    catchUp();
     OutlineView::showEvent(event);
+}
+
+void WayfoldOutlineView::changeWhenSeen(std::function<void()> change)
+{
+    _waitingChange = std::move(change);
+    if (isVisible())
+        catchUp();
+}
+
+void WayfoldOutlineView::catchUp()
+{
+    if (const std::function<void()> change = std::exchange(_waitingChange, {}))
+        change();
 }
 
 QMenu *WayfoldOutlineView::defaultMenu()

@@ -49,10 +49,11 @@ public:
     // What a drag from here may do in this application, or in others.
     Qt::DropActions draggingSourceOperationMaskForLocal(bool local) const;
 
-    // Whether the list was seen before and cannot be seen now, in a tab behind another or in a closed drawer.
-    bool isOutOfSight() const { return _wasSeen && !isVisible(); }
-    // Run before the list is seen, for the first time or again.
-    std::function<void()> comesIntoSight;
+    // Makes a change to what stands in the list. While the list cannot be seen, in a tab behind another or in a closed
+    // drawer, the change waits until it can; of several, only the last is made.
+    void changeWhenSeen(std::function<void()> change);
+    // Makes the change that waits, if there is one, at once.
+    void catchUp();
 
     // ---- Reload with memory
 
@@ -134,7 +135,7 @@ private:
     void reselectCurrentRow(const QStringList &uuids);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
-    bool _wasSeen = false;
+    std::function<void()> _waitingChange;
     int _tooltipRects = 0; // rows, from the top, that have a tool tip
     QString _placeholderText;
     std::optional<QFont> _listViewFont;

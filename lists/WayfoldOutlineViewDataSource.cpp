@@ -159,7 +159,7 @@ void WayfoldOutlineViewDataSource::leaveView(WayfoldOutlineView *view)
     if (view->delegate() == this)
         view->setDelegate(nullptr);
     view->doubleAction = {};
-    view->comesIntoSight = {};
+    view->changeWhenSeen({});
 }
 
 void WayfoldOutlineViewDataSource::deselectAllItems()

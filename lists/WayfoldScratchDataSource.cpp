@@ -207,8 +207,10 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
         return;
 
     saveScratchBookmarkRoot();
-    if (_scratchOutlineView)
+    if (_scratchOutlineView) {
+        _scratchOutlineView->catchUp(); // later, it would be about the new site list
         _scratchOutlineView->prepForReloadData();
+    }
     releaseRoot();
     _scratchBookmarkRoot = rootForLabel(newLabel);
     if (_scratchOutlineView) {
@@ -350,7 +352,13 @@ void WayfoldScratchDataSource::outlineViewSelectionDidChange(OutlineView & /*vie
 
 void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notification*/)
 {
-    if (!_scratchOutlineView || !_scratchBookmarkRoot)
+    if (_scratchOutlineView)
+        _scratchOutlineView->changeWhenSeen([this] { followOutsideChanges(); });
+}
+
+void WayfoldScratchDataSource::followOutsideChanges()
+{
+    if (!_scratchBookmarkRoot)
         return;
     QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
     const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();

@@ -58,7 +58,7 @@ public:
     void handleItemEditRequest(QObject *sender) override;
     // Adopts a provisional site folder that holds something, and writes the item file.
     void saveScratchBookmarkRoot() override;
-    // The browser's files or the contacts have changed.
+    // The browser's files or the contacts have changed. A list that is out of sight follows when it can be seen.
     void safariFileUpdated(const Notification &notification);
 
     void outlineViewSelectionDidChange(OutlineView &view) override;
@@ -74,6 +74,7 @@ private:
     void releaseRoot();
     void decorateButtons();
     void observeOutsideChanges();
+    void followOutsideChanges();
     bool confirmDelete(const std::vector<KDRBookmarkPtr> &items);
     bool canTakeNewItem() const;
 

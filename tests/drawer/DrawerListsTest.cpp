@@ -20,6 +20,8 @@ private Q_SLOTS:
 
     void dataIsLoadedWhenTheTabIsShown();
     void firstTabIsLoadedAtOnce();
+    void listsOutOfSightFollowWhenTheyAreSeen_data();
+    void listsOutOfSightFollowWhenTheyAreSeen();
     void bookmarksAreTheSameInAllDrawers();
     void searchFieldFiltersAtEveryChange();
     void searchesAreOfOneTab();
@@ -81,6 +83,38 @@ void DrawerListsTest::firstTabIsLoadedAtOnce()
     _window = _stage->openWindow();
     QVERIFY(controller()->isHistoryTabViewCurrent());
     QCOMPARE(history().numberOfRows(), 2);
+}
+
+void DrawerListsTest::listsOutOfSightFollowWhenTheyAreSeen_data()
+{
+    QTest::addColumn<bool>("isOpen");
+    QTest::newRow("behind another tab") << true;
+    QTest::newRow("in a drawer that was never open") << false;
+}
+
+void DrawerListsTest::listsOutOfSightFollowWhenTheyAreSeen()
+{
+    QFETCH(bool, isOpen);
+    using Files = BrowserFiles;
+    if (isOpen)
+        openDrawer();
+    controller()->showBookmarkTabView();
+    controller()->showHistoryTabView();
+    if (isOpen)
+        controller()->showScratchPadTabView();
+    const Files files(_stage->home);
+    files.writeBookmarks({Files::link("Observatory", "http://stars.org/", "STARS")});
+    files.writeHistory({Files::visit("A cedar", "http://www.c.org/", Files::noonOf(4))});
+    DrawerStage::store().tagSafariFiles();
+    QCoreApplication::processEvents();
+    QCOMPARE(DrawerStage::rows(bookmarks()), QStringList({"News", "Kettle works"}));
+    QCOMPARE(DrawerStage::rows(history()), QStringList({"a.org", "b.org"}));
+    openDrawer();
+    controller()->showHistoryTabView();
+    QVERIFY(DrawerStage::rows(history()).contains("c.org"));
+    QCOMPARE(DrawerStage::rows(bookmarks()), QStringList({"News", "Kettle works"}));
+    controller()->showBookmarkTabView();
+    QCOMPARE(DrawerStage::rows(bookmarks()), QStringList{"Observatory"});
 }
 
 void DrawerListsTest::bookmarksAreTheSameInAllDrawers()

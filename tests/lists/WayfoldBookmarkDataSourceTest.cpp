@@ -89,6 +89,8 @@ private Q_SLOTS:
     void newTreeIsTaken();
     void openFoldersStayOpen();
     void missingFileKeepsTheTree();
+    void listOutOfSightFollowsWhenItIsSeen_data();
+    void listOutOfSightFollowsWhenItIsSeen();
 
     void matches_data();
     void matches();
@@ -206,6 +208,27 @@ void WayfoldBookmarkDataSourceTest::missingFileKeepsTheTree()
     ListStage::store().tagSafariFiles();
     QCoreApplication::processEvents();
     QCOMPARE(tab.view.numberOfRows(), 3);
+}
+
+void WayfoldBookmarkDataSourceTest::listOutOfSightFollowsWhenItIsSeen_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("all") << "";
+    QTest::newRow("searched") << "page";
+}
+
+void WayfoldBookmarkDataSourceTest::listOutOfSightFollowsWhenItIsSeen()
+{
+    QFETCH(QString, text);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search(text);
+    const QStringList before = tab.rows();
+    tab.view.hide();
+    change(manyPages(2));
+    QCOMPARE(tab.rows(), before);
+    tab.view.show();
+    QCOMPARE(tab.rows(), QStringList({"Page 0", "Page 1"}));
 }
 
 // --- Searching ------------------------------------------------------------------------------------------------------

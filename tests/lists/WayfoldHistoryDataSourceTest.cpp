@@ -58,7 +58,7 @@ void regroup(const WayfoldBookmarkFolderPtr &from, const WayfoldBookmarkFolderPt
 class HistoryTab
 {
 public:
-    HistoryTab()
+    explicit HistoryTab(bool isSeen = true)
     {
         source = std::make_unique<WayfoldHistoryDataSource>(&view);
         view.setDelegate(source.get());
@@ -66,7 +66,7 @@ public:
         view.setOutlineDataSource(source.get());
         source->awakeFromNib();
         view.resize(300, 400);
-        view.show();
+        view.setVisible(isSeen);
     }
 
     WayfoldHistoryOutlineView view;
@@ -522,14 +522,17 @@ void WayfoldHistoryDataSourceTest::newVisitsMoveNothing()
 void WayfoldHistoryDataSourceTest::listOutOfSightFollowsWhenItIsSeen_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::newRow("grouped") << "";
-    QTest::newRow("searched") << "again";
+    QTest::addColumn<bool>("wasSeen");
+    QTest::newRow("grouped") << "" << true;
+    QTest::newRow("searched") << "again" << true;
+    QTest::newRow("never seen") << "" << false;
 }
 
 void WayfoldHistoryDataSourceTest::listOutOfSightFollowsWhenItIsSeen()
 {
     QFETCH(QString, text);
-    HistoryTab tab;
+    QFETCH(bool, wasSeen);
+    HistoryTab tab(wasSeen);
     tab.source->ensureDataLoaded();
     tab.search(text);
     const QStringList before = tab.rows();

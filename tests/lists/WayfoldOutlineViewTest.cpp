@@ -99,6 +99,7 @@ private Q_SLOTS:
     void expandedFoldersBeforeTheirSubfolders();
     void reselectingAddsToTheSelection();
     void identifiersWithoutARoot();
+    void changeWaitsUntilTheListIsSeen();
 
     void toolTips();
     void toolTipsAfterRemoval();
@@ -480,6 +481,30 @@ void WayfoldOutlineViewTest::identifiersWithoutARoot()
     view.prepForReloadData();
     view.reloadData();
     QCOMPARE(view.numberOfRows(), 0);
+}
+
+void WayfoldOutlineViewTest::changeWaitsUntilTheListIsSeen()
+{
+    QStringList made;
+    const auto change = [&](const QString &name) { _pad->view.changeWhenSeen([&made, name] { made.append(name); }); };
+    change("at once");
+    QCOMPARE(made, QStringList{"at once"});
+    _pad->view.hide();
+    change("earlier");
+    change("later");
+    QCOMPARE(made.size(), 1);
+    _pad->view.show();
+    QCOMPARE(made, QStringList({"at once", "later"}));
+
+    _pad->view.hide();
+    change("in time");
+    _pad->view.catchUp();
+    QCOMPARE(made.last(), QString("in time"));
+    _pad->view.catchUp();
+    change("never");
+    _pad->view.changeWhenSeen({});
+    _pad->view.show();
+    QCOMPARE(made.size(), 3);
 }
 
 // --- Tool tips ------------------------------------------------------------------------------------------------------

@@ -124,6 +124,8 @@ private Q_SLOTS:
     void outsideChanges_data();
     void outsideChanges();
     void closedSmartFoldersWaitForOutsideChanges();
+    void listOutOfSightFollowsOnceWhenItIsSeen();
+    void siteThatIsLeftOutOfSightFollows();
     void outsideChangesSelectNoTwins();
     void keyOpensUnseenSmartFolders();
     void noChangesAfterDestruction();
@@ -814,14 +816,57 @@ void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()
     QCOMPARE(smart->refreshed, 2);
 }
 
+// In a tab behind another, or in a drawer that is closed.
+void WayfoldScratchDataSourceTest::listOutOfSightFollowsOnceWhenItIsSeen()
+{
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = ListStage::link("Found");
+    _pad->showItems({smart});
+    smart->ensureUpToDate();
+    _pad->view.expandItem(smart);
+    const int refreshed = smart->refreshed;
+    _pad->view.hide();
+    smart->found = ListStage::link("Another");
+    postFileChange(Notifications::SafariHistoryFileModNotification);
+    postFileChange(Notifications::SafariBookmarkFileModNotification);
+    QCOMPARE(smart->refreshed, refreshed);
+    _pad->view.show();
+    QCOMPARE(smart->refreshed, refreshed + 1);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Smart", "-Another"}));
+    _pad->view.hide();
+    _pad->view.show(); // nothing has changed
+    QCOMPARE(smart->refreshed, refreshed + 1);
+}
+
+// Or it would be behind when it is shown again.
+void WayfoldScratchDataSourceTest::siteThatIsLeftOutOfSightFollows()
+{
+    const auto smart = std::make_shared<RefreshedFolder>();
+    smart->initWithTitle(QStringLiteral("Smart"));
+    smart->found = ListStage::link("Found");
+    _pad->showItems({ListStage::folder(siteA, {smart}), ListStage::folder(siteB)});
+    _pad->show(siteA);
+    smart->ensureUpToDate();
+    _pad->view.hide();
+    smart->found = ListStage::link("Another");
+    postFileChange(Notifications::SafariHistoryFileModNotification);
+    _pad->show(siteB);
+    _pad->view.show();
+    QCOMPARE(ListStage::titles(smart), QStringList{QStringLiteral("Another")});
+}
+
 void WayfoldScratchDataSourceTest::noChangesAfterDestruction()
 {
+    _pad->view.hide();
+    postFileChange(Notifications::SafariBookmarkFileModNotification);
     _pad->source.reset();
     QVERIFY(!_pad->view.delegate());
     QVERIFY(!_pad->view.doubleAction);
     _pad->view.prepForReloadData();
     _pad->view.reloadData();
     postFileChange(Notifications::SafariBookmarkFileModNotification);
+    _pad->view.show();
     QCOMPARE(_pad->view.numberOfRows(), 0);
 }
 
