@@ -51,8 +51,8 @@ void BrowserHostWindow::setFrame(const QRectF &frame, bool animate)
         return;
     delete _animation;
     _settleTimer.stop();
-    const QRect target = frame.toRect();
-    _requestedFrame = frame;
+    _requestedFrame = QRectF(frame.topLeft(), frame.size().expandedTo(leastFrameSize()));
+    const QRect target = _requestedFrame.toRect();
     if (target == _window->frameGeometry() || restoreLeftState(target))
         return;
     const bool wasSpecial = _window->isMaximized() || _window->isFullScreen();
@@ -110,6 +110,12 @@ void BrowserHostWindow::windowShouldGoToURL(const Url &url)
 {
     if (_window && !url.isNull())
         _window->goTo(UrlConversion::toQUrl(url));
+}
+
+QSizeF BrowserHostWindow::leastFrameSize() const
+{
+    const QSize decorations = _window->frameGeometry().size() - _window->geometry().size();
+    return _window->minimumSize() + decorations;
 }
 
 bool BrowserHostWindow::restoreLeftState(const QRect &frame)

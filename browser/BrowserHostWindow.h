@@ -31,6 +31,7 @@ public:
     void windowShouldGoToURL(const Url &url) override;
 
 private:
+    QSizeF leastFrameSize() const;
     bool restoreLeftState(const QRect &frame);
     void leaveSpecialState();
     void place(const QRect &frame) const;
@@ -41,7 +42,7 @@ private:
     QPointer<QVariantAnimation> _animation;
     QTimer _settleTimer; // runs until the window manager has let go of a state that the window has left
     int _settleAttempts = 0;
-    QRectF _requestedFrame; // the last one that was set; may lie between two pixels
+    QRectF _requestedFrame; // the last one that was set, as far as it could be; may lie between two pixels
     QRect _leftFrame;       // the frame that the window had while maximised
     QRect _leftNormalGeometry;
     Qt::WindowStates _leftStates = Qt::WindowNoState;

@@ -349,10 +349,10 @@ void KDRDrawerController::resizeParentWindowForDrawer()
     const bool onLeft = overflowRight >= overflowLeft;
     const QRectF narrowed = onLeft ? frame.adjusted(overflowLeft, 0, 0, 0) : frame.adjusted(0, 0, -overflowRight, 0);
     _parentWindowOriginalFrame = frame;
-    _parentWindowNewFrame = narrowed;
     _parentWindowWasResized = true;
     _drawer->setPreferredEdge(onLeft ? Drawer::NSMinXEdge : Drawer::NSMaxXEdge);
     window->setFrame(narrowed, true);
+    _parentWindowNewFrame = window->frame(); // it may not get as narrow as that
 }
 
 void KDRDrawerController::undoParentWindowResize()

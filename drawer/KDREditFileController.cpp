@@ -1,6 +1,7 @@
 #include "drawer/KDREditFileController.h"
 
 #include "drawer/FileOrFolderPanel.h"
+#include "platform/files/Paths.h"
 
 KDREditFileController::KDREditFileController() : KDREditController("Untitled File") {}
 
@@ -35,5 +36,5 @@ void KDREditFileController::chooseFileDidEnd(const QFileDialog &panel, int retur
 void KDREditFileController::writeValue()
 {
     if (_valueField && !_valueField->text().isEmpty())
-        _link->setURL(Url::fileURLWithPath(_valueField->text()));
+        _link->setURL(Url::fileURLWithPath(Paths::expandingTilde(_valueField->text())));
 }

@@ -24,7 +24,8 @@ public:
 
     // The frame (decorations included) in device-independent pixels, y growing downwards.
     virtual QRectF frame() const = 0;
-    // Sets the frame; `animate` asks for a smooth transition.
+    // Sets the frame; `animate` asks for a smooth transition. A window may stay larger than it is asked to be; `frame`
+    // answers at once what it comes to.
     virtual void setFrame(const QRectF &frame, bool animate) = 0;
     // The part of the window's screen that panels and docks leave free.
     virtual QRectF visibleScreenFrame() const = 0;

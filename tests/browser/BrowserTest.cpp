@@ -217,6 +217,8 @@ private Q_SLOTS:
     void keyWindow();
     void windowEvents();
     void frameOfAWindow();
+    void frameThatIsTooSmall_data();
+    void frameThatIsTooSmall();
     void objectsThatOutliveTheirWindow();
     void history();
     void menus();
@@ -567,6 +569,27 @@ void BrowserTest::frameOfAWindow()
     TRY_COMPARE(window->frameGeometry(), target.toRect());
     QCOMPARE(host->frame(), target);
     QVERIFY(host->visibleScreenFrame().isValid());
+}
+
+void BrowserTest::frameThatIsTooSmall_data()
+{
+    QTest::addColumn<bool>("animate");
+    QTest::newRow("at once") << false;
+    QTest::newRow("smoothly") << true;
+}
+
+void BrowserTest::frameThatIsTooSmall()
+{
+    QFETCH(bool, animate);
+    BrowserWindow *window = open("a");
+    window->setMinimumSize(450, 300);
+    const auto host = window->hostWindow();
+    host->setFrame(QRectF(20.5, 30, 100, 500), animate);
+    const int borders = window->frameGeometry().width() - window->width();
+    const QRectF frame(20.5, 30, 450 + borders, 500);
+    QCOMPARE(host->frame(), frame);
+    TRY_COMPARE(window->frameGeometry(), frame.toRect());
+    QCOMPARE(host->frame(), frame);
 }
 
 void BrowserTest::objectsThatOutliveTheirWindow()

@@ -42,6 +42,8 @@ private Q_SLOTS:
     void roomForAWiderDrawer();
     void drawerOfItsOwnNeedsNoRoom();
     void narrowedWindowIsPutBack();
+    void windowThatStayedWiderIsPutBack_data();
+    void windowThatStayedWiderIsPutBack();
     void changedWindowStaysAsItIs_data();
     void changedWindowStaysAsItIs();
     void resizeForgetsTheLastOne();
@@ -303,6 +305,26 @@ void KDRDrawerControllerTest::narrowedWindowIsPutBack()
     drawer()->close();
     QCOMPARE(_window->frame(), frame);
     QVERIFY(_window->frameRequests.back().animate);
+}
+
+void KDRDrawerControllerTest::windowThatStayedWiderIsPutBack_data()
+{
+    QTest::addColumn<QRectF>("frame");
+    QTest::addColumn<QRectF>("narrowed");
+    QTest::newRow("drawer on the left") << QRectF(270, 50, 880, 500) << QRectF(300, 50, 870, 500);
+    QTest::newRow("drawer on the right") << QRectF(250, 50, 880, 500) << QRectF(250, 50, 870, 500);
+}
+
+void KDRDrawerControllerTest::windowThatStayedWiderIsPutBack()
+{
+    QFETCH(QRectF, frame);
+    QFETCH(QRectF, narrowed);
+    openWindow(frame);
+    _window->leastWidth = 870;
+    drawer()->open();
+    QCOMPARE(_window->frame(), narrowed);
+    drawer()->close();
+    QCOMPARE(_window->frame(), frame);
 }
 
 void KDRDrawerControllerTest::changedWindowStaysAsItIs_data()

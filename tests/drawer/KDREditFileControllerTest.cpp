@@ -24,10 +24,13 @@ private Q_SLOTS:
 
     void showsTitleAndPath();
     void okWritesBoth();
+    void tildeIsTheHomeFolder_data();
+    void tildeIsTheHomeFolder();
     void emptyFields();
     void chooserOpensWhereThePathPoints();
     void chosenFile();
     void chosenFolder();
+    void tildeTypedIntoTheChooser();
     void cancelledChooser();
 
 private:
@@ -96,6 +99,29 @@ void KDREditFileControllerTest::okWritesBoth()
     QCOMPARE(_link->valueAsString(), QStringLiteral("file:///no/such%20file"));
 }
 
+void KDREditFileControllerTest::tildeIsTheHomeFolder_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("path"); // in the home folder, unless it is absolute
+    QTest::newRow("home") << "~"
+                          << ".";
+    QTest::newRow("in it") << "~/Documents/report.pdf"
+                           << "Documents/report.pdf";
+    QTest::newRow("elsewhere") << "/tmp/~x"
+                               << "/tmp/~x";
+}
+
+void KDREditFileControllerTest::tildeIsTheHomeFolder()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, path);
+    edit([&](const DialogStage &dialog) {
+        dialog.type(dialog.line("valueField"), typed);
+        dialog.pressOK();
+    });
+    QCOMPARE(_link->url().path(), QDir::cleanPath(QDir(_stage->home.path(".")).filePath(path)));
+}
+
 void KDREditFileControllerTest::emptyFields()
 {
     QVERIFY(edit([](const DialogStage &dialog) {
@@ -142,6 +168,24 @@ void KDREditFileControllerTest::chosenFolder()
             QTest::mouseClick(openButton(panel), Qt::LeftButton);
         });
         QCOMPARE(dialog.line("valueField")->text(), _stage->home.path(QStringLiteral("Documents/inner")));
+        dialog.pressCancel();
+    });
+}
+
+void KDREditFileControllerTest::tildeTypedIntoTheChooser()
+{
+    edit([this](const DialogStage &dialog) {
+        choose(dialog, QStringLiteral("~/nothing"), [&dialog](FileOrFolderPanel &panel) {
+            auto *name = panel.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            panel.activateWindow(); // as a window manager does
+            name->setFocus();
+            QTRY_VERIFY(name->hasFocus());
+            dialog.type(name, QStringLiteral("~/Documents/report.pdf"));
+            QCOMPARE(name->text(), QStringLiteral("~/Documents/report.pdf"));
+            QTRY_VERIFY(openButton(panel)->isEnabled());
+            QTest::mouseClick(openButton(panel), Qt::LeftButton);
+        });
+        QCOMPARE(dialog.line("valueField")->text(), _stage->home.path(QStringLiteral("Documents/report.pdf")));
         dialog.pressCancel();
     });
 }

@@ -172,6 +172,7 @@ void FakeHostWindow::setFrame(const QRectF &frame, bool animate)
 {
     frameRequests.push_back({frame, animate});
     windowFrame = frame;
+    windowFrame.setWidth(std::max(frame.width(), leastWidth));
     if (_widget)
         place(*_widget, frame);
     frameDidChange();

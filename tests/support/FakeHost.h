@@ -65,6 +65,7 @@ public:
     QRectF windowFrame; // not used while there is a widget
     QRectF screenFrame = QRectF(0, 0, 1920, 1080);
     bool visible = true; // not used while there is a widget
+    qreal leastWidth = 0;
     std::shared_ptr<FakeHostWebView> frontWebView;
 
     // What was asked for, oldest first.
