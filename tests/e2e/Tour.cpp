@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QProcess>
+#include <QTabBar>
 #include <QTextEdit>
 #include <QTreeView>
 #include <cstdio>
@@ -30,6 +31,10 @@ const QString news = QStringLiteral("http://news.fernhill.localhost/");
 const QString kitchen = QStringLiteral("http://www.kettle.localhost/");
 const QString trains = QStringLiteral("http://times.marshline.localhost/");
 const QString story = QStringLiteral("The old observatory opens its dome again");
+const QString preferences = QStringLiteral("preferences");
+const QString preferencesInTheDark = QStringLiteral("preferences-dark");
+const QString preferencesInGerman = QStringLiteral("preferences-german");
+const QString preferencesAtTwice = QStringLiteral("preferences-2x"); // two pixels to the point
 const QString noteTitle = QStringLiteral("First Friday");
 const QString noteText = QStringLiteral("Eight o'clock, north shoulder of the hill.\n"
                                         "Bring good shoes and a torch with a red cloth.");
@@ -66,6 +71,8 @@ QPalette darkPalette()
     palette.setColor(QPalette::Link, QColor(120, 176, 236));
     palette.setColor(QPalette::ToolTipBase, QColor(60, 62, 67));
     palette.setColor(QPalette::ToolTipText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(128, 131, 136));
     return palette;
 }
 } // namespace
@@ -515,8 +522,110 @@ void ReleaseSession::newVersion()
     EVENTUALLY(!Eyes::dialog());
 }
 
+// The preferences, as every desktop shows them.
+class PreferencesSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+    // Of the session; the pictures begin with it.
+    static inline QString name;
+
+private Q_SLOTS:
+    void openThem();
+    void seePages();
+    void chooseAFont();
+    void pressAShortcut();
+    void leave();
+
+private:
+    static QWidget *windowNamed(const QString &name);
+    bool shootPreferences(const QString &what) { return shoot(name + u'-' + what); }
+    bool showPage(int page);
+
+    QWidget *_preferences = nullptr;
+};
+
+// The plug-in's windows are known here by their names, or by their classes' names, only.
+QWidget *PreferencesSession::windowNamed(const QString &name)
+{
+    return Stage::onMain([&]() -> QWidget * {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            const bool isMeant = window->objectName() == name || window->inherits(qPrintable(name));
+            if (isMeant && window->isVisible() && window->isActiveWindow())
+                return window;
+        }
+        return nullptr;
+    });
+}
+
+bool PreferencesSession::showPage(int page)
+{
+    auto *bar = Eyes::firstOf<QTabBar>(_preferences);
+    return Hands::pointAt(bar, [&] { return std::optional(bar->mapToGlobal(bar->tabRect(page).center())); }) &&
+           Hands::click() && Stage::eventually([&] { return bar->currentIndex() == page; });
+}
+
+void PreferencesSession::openThem()
+{
+    const bool isGerman = QLocale().language() == QLocale::German;
+    QVERIFY(_play.choose(
+        {QStringLiteral("Wayfold"), isGerman ? QStringLiteral("Einstellungen...") : QStringLiteral("Preferences...")}));
+    EVENTUALLY(_preferences = windowNamed(QStringLiteral("prefsWindow")));
+}
+
+void PreferencesSession::seePages()
+{
+    QVERIFY(shootPreferences(QStringLiteral("drawer")));
+    QVERIFY(showPage(1));
+    QVERIFY(shootPreferences(QStringLiteral("lists")));
+    QVERIFY(showPage(2));
+    QVERIFY(shootPreferences(QStringLiteral("shortcuts")));
+}
+
+void PreferencesSession::chooseAFont()
+{
+    QVERIFY(showPage(1));
+    QVERIFY(Hands::clickOn(Eyes::widgetNamed<QAbstractButton>(_preferences, QStringLiteral("setDrawerFontButton"))));
+    EVENTUALLY(windowNamed(QStringLiteral("FontPanel")));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    QVERIFY(shootPreferences(QStringLiteral("font")));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(_preferences->isActiveWindow());
+}
+
+void PreferencesSession::pressAShortcut()
+{
+    QVERIFY(showPage(2));
+    QVERIFY(Hands::press(QStringLiteral("alt+m"))); // the letter of the table's label, in German too
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(windowNamed(QStringLiteral("WayfoldShortcutPanel")));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+y")));
+    QVERIFY(shootPreferences(QStringLiteral("shortcut-pressed")));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(_preferences->isActiveWindow());
+}
+
+void PreferencesSession::leave()
+{
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(_window->isActiveWindow());
+    QVERIFY(quit());
+}
+
 namespace
 {
+int playPreferences(const QString &name, int argc, char **argv)
+{
+    PreferencesSession::name = name;
+    if (name == preferencesAtTwice)
+        qputenv("QT_SCALE_FACTOR", "2");
+    const QPalette dark = darkPalette();
+    return Play::performAtHome<PreferencesSession>(argc, argv, name == preferencesInTheDark ? &dark : nullptr);
+}
+
 int playSession(const QString &name, int argc, char **argv)
 {
     if (name == QLatin1String("first"))
@@ -527,6 +636,8 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<ListsSession>(argc, argv);
     if (name == QLatin1String("release"))
         return Play::performAtHome<ReleaseSession>(argc, argv);
+    if (name.startsWith(preferences))
+        return playPreferences(name, argc, argv);
     Play::storeSettings(
         {{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1}, {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1}});
     if (name == QLatin1String("following"))
@@ -556,11 +667,18 @@ bool runSession(const QString &name, const QDir &directory)
     QProcess browser;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), directory.filePath(QStringLiteral("home")));
+    if (name == preferencesInGerman)
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
     browser.setProcessEnvironment(environment);
     browser.setWorkingDirectory(directory.path());
     browser.setProcessChannelMode(QProcess::ForwardedChannels);
     browser.setStandardInputFile(QProcess::nullDevice());
-    browser.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--session"), name});
+    const QStringList command{QCoreApplication::applicationFilePath(), QStringLiteral("--session"), name};
+    if (name == preferencesAtTwice) // on a display of its own, which has as many points as the other
+        browser.start(QStringLiteral(WAYFOLD_DISPLAY),
+                      QStringList{QStringLiteral("-s"), QStringLiteral("2560x1600")} + command);
+    else
+        browser.start(command.constFirst(), command.mid(1));
     return browser.waitForFinished(-1) && browser.exitStatus() == QProcess::NormalExit && browser.exitCode() == 0;
 }
 
@@ -585,7 +703,8 @@ int main(int argc, char **argv)
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
     for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"),
-                                QStringLiteral("following"), QStringLiteral("dark"), QStringLiteral("release")}) {
+                                QStringLiteral("following"), QStringLiteral("dark"), QStringLiteral("release"),
+                                preferences, preferencesInTheDark, preferencesInGerman, preferencesAtTwice}) {
         if (!runSession(name, directory))
             return 1;
     }

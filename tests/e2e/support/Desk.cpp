@@ -2,7 +2,7 @@
 
 #include "tests/e2e/support/Tool.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QRegularExpression>
 
 namespace
@@ -42,7 +42,11 @@ QRect Desk::geometryOf(WId window)
     const auto match = numbers.match(QString::fromUtf8(info.value_or(QByteArray())));
     if (!match.hasMatch())
         return {};
-    return {match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(), match.captured(4).toInt()};
+    // The display counts pixels.
+    const auto points = [&](int number) {
+        return qRound(match.captured(number).toInt() / qGuiApp->devicePixelRatio());
+    };
+    return {points(1), points(2), points(3), points(4)};
 }
 
 bool Desk::isLeftOutOfTaskBar(WId window)

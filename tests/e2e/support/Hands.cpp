@@ -15,9 +15,11 @@ bool xdotool(const QStringList &arguments)
     return Tool::run(QStringLiteral("xdotool"), arguments).has_value();
 }
 
+// The display counts pixels, of which there may be several to the point.
 QStringList move(const QPoint &position)
 {
-    return {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())};
+    const QPoint pixel = position * qGuiApp->devicePixelRatio();
+    return {QStringLiteral("mousemove"), QString::number(pixel.x()), QString::number(pixel.y())};
 }
 
 // Without a pause anywhere, and whatever time goes by between them on a busy machine, two clicks are a double click.
