@@ -1,7 +1,7 @@
 // The store's menus and their commands.
 #include "core/KDRDrawerBundle.h"
 
-#include "core/MenuCommands.h"
+#include "core/PreferencesWindow.h"
 #include "core/ReleaseCheck.h"
 #include "core/SiteDrawer.h"
 #include "core/WayfoldAboutController.h"
@@ -313,7 +313,7 @@ void KDRDrawerBundle::handleCheckForNewReleaseRequest(QObject * /*sender*/)
 
 void KDRDrawerBundle::handleShowPrefsWindow(QObject * /*sender*/)
 {
-    MenuCommands::perform(MenuCommands::ShowPreferences);
+    PreferencesWindow::show();
 }
 
 void KDRDrawerBundle::handleShowAboutWindow(QObject * /*sender*/)

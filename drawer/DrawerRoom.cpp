@@ -1,6 +1,6 @@
 #include "drawer/DrawerRoom.h"
 
-#include "core/MenuCommands.h"
+#include "core/PreferencesWindow.h"
 #include "core/SiteDrawerFactory.h"
 #include "drawer/ItemEditors.h"
 #include "drawer/KDRDrawer.h"
@@ -44,5 +44,5 @@ void installDrawerRoom()
     SiteDrawerFactory::setMaker([](const std::shared_ptr<HostWindow> &window) -> std::shared_ptr<SiteDrawerController> {
         return KDRDrawerController::controllerForWindow(window);
     });
-    MenuCommands::setHandler(MenuCommands::ShowPreferences, &WayfoldPrefsController::displayPrefsWindow);
+    PreferencesWindow::setOpener(&WayfoldPrefsController::displayPrefsWindow);
 }

@@ -1,6 +1,6 @@
 #include "core/KDRDrawerBundle.h"
 
-#include "core/MenuCommands.h"
+#include "core/PreferencesWindow.h"
 #include "core/WayfoldAboutController.h"
 #include "tests/core/StoreInTemporaryHome.h"
 
@@ -32,22 +32,6 @@ const ItemOfMenu itemsOfMenu[] = {
     {"handleCheckForNewReleaseRequest:", "", 1, 0},
     {"handleShowPrefsWindow:", "", 2, 0},
     {"handleShowAboutWindow:", "", 3, 0},
-};
-
-// A command that is carried out elsewhere, there for as long as this lives.
-class InstalledCommand
-{
-public:
-    explicit InstalledCommand(MenuCommands::Command command) : _command(command)
-    {
-        MenuCommands::setHandler(command, [this] { ++count; });
-    }
-    ~InstalledCommand() { MenuCommands::setHandler(_command, {}); }
-
-    int count = 0; // how often it was carried out
-
-private:
-    MenuCommands::Command _command;
 };
 
 // A plug-in folder of the test's own, with the given interface file.
@@ -716,10 +700,12 @@ void MenuAdditionsTest::preferencesCommand()
 {
     const QString action = QStringLiteral("handleShowPrefsWindow:");
     _fresh->openWindow();
-    store().performMenuItem(item(action)); // nobody carries it out yet
-    const InstalledCommand command(MenuCommands::ShowPreferences);
+    store().performMenuItem(item(action)); // nobody has them yet
+    int count = 0;
+    PreferencesWindow::setOpener([&count] { ++count; });
     item(action)->trigger();
-    QCOMPARE(command.count, 1);
+    PreferencesWindow::setOpener({});
+    QCOMPARE(count, 1);
     QVERIFY(controller().calls.isEmpty());
 }
 
