@@ -575,6 +575,7 @@ void OutlineView::dragEnterEvent(QDragEnterEvent *event)
 
 void OutlineView::dragMoveEvent(QDragMoveEvent *event)
 {
+    QTreeView::dragMoveEvent(event); // scrolls near the edges, by the place that it notes here
     OutlineDropTarget target;
     const bool accepted = validateDrop(event, target) != Qt::IgnoreAction;
     setDropIndicator(accepted ? indicatorForTarget(target) : QRect());
@@ -587,17 +588,11 @@ void OutlineView::dragMoveEvent(QDragMoveEvent *event)
         _springItem = target.item;
         _springTimer.start(springMilliseconds, this);
     }
-    if (hasAutoScroll() && !viewport()
-                                ->rect()
-                                .adjusted(0, autoScrollMargin(), 0, -autoScrollMargin())
-                                .contains(event->position().toPoint()))
-        startAutoScroll();
-    else
-        stopAutoScroll();
 }
 
 void OutlineView::dragLeaveEvent(QDragLeaveEvent *event)
 {
+    QTreeView::dragLeaveEvent(event);
     endDropTracking();
     event->accept();
 }
@@ -605,6 +600,7 @@ void OutlineView::dragLeaveEvent(QDragLeaveEvent *event)
 void OutlineView::dropEvent(QDropEvent *event)
 {
     endDropTracking();
+    setState(NoState);
     OutlineDropTarget target;
     const Qt::DropAction action = validateDrop(event, target);
     if (action == Qt::IgnoreAction)

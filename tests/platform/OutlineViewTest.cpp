@@ -4,6 +4,7 @@
 #include "platform/base/NotificationQueue.h"
 #include "tests/support/OutlineTree.h"
 
+#include <QAbstractItemModelTester>
 #include <QAccessible>
 #include <QDrag>
 #include <QMenu>
@@ -60,6 +61,7 @@ class MadeTree : public OutlineTree
 public:
     std::vector<bool> made;
     int walks = 0;
+    bool areLeaves = false;
 
     explicit MadeTree(int rows) : made(std::size_t(rows))
     {
@@ -67,6 +69,14 @@ public:
             add(QString::number(i));
     }
     bool outlineViewMakesChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item) override { return !item; }
+    bool outlineViewMakesLeavesOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) override
+    {
+        return areLeaves;
+    }
+    bool outlineViewIsChildExpandable(OutlineView & /*view*/, int index, const OutlineItemPtr & /*item*/) override
+    {
+        return root->children[std::size_t(index)]->isFolder;
+    }
     OutlineItemPtr outlineViewChildOfItem(OutlineView &view, int index, const OutlineItemPtr &item) override
     {
         made[std::size_t(index)] = true;
@@ -209,12 +219,28 @@ private Q_SLOTS:
     void offersOnlyActionsThatTheDragAllows_data();
     void offersOnlyActionsThatTheDragAllows();
     void opensFoldersUnderADrag();
+    void opensOnlyTheFolderThatADragRestsOn();
+    void scrollsUnderADrag();
+    void marksWhereADropGoes_data();
+    void marksWhereADropGoes();
+    void drawsTheDropIndicator();
+    void dropIndicatorScrollsWithTheRows();
+    void dragsAPictureOfTheRows();
 
     void drawsRowsWithTheDataCell();
     void cellsHaveTheFontOfTheView();
     void elidesLongTitles();
     void rowsHaveAccessibleNames();
     void rowsThatAreShownAreFoundWithoutASearch();
+
+    void keepsQtsRules_data();
+    void keepsQtsRules();
+    void tellsQtWhatRowsCanDo();
+    void indexesThatAreOutOfDateLeadNowhere();
+    void listsWhatStandsOpen();
+    void asksMadeChildrenOneByOne();
+    void reloadItemKeepsMadeRows();
+    void countsBelowZeroAreNone();
 
 private:
     void buildGarden();
@@ -716,6 +742,8 @@ void OutlineViewTest::rowsAreAsHighAsTold()
     QCOMPARE(_view->visualRect(_view->model()->index(1, 0)).height(), 18);
     _view->setRowHeight(30);
     QCOMPARE(_view->visualRect(_view->model()->index(1, 0)).top(), 30);
+    _view->setRowHeight(0);
+    QCOMPARE(_view->rectOfRow(2), QRect(0, 2, _view->viewport()->width(), 1));
 }
 
 void OutlineViewTest::mapsPointsToRows()
@@ -732,6 +760,9 @@ void OutlineViewTest::mapsPointsToRows()
     QCOMPARE(_view->rowAtPoint(QPoint(5, 20 * 6)), -1);
     QCOMPARE(_view->rowAtPoint(QPoint(5, -1)), -1);
     QCOMPARE(_view->rowAtPoint(QPoint(-1, 5)), -1);
+    QCOMPARE(_view->rowAtPoint(QPoint(_view->viewport()->width() - 1, 5)), 0);
+    QCOMPARE(_view->rowAtPoint(QPoint(_view->viewport()->width(), 5)), -1);
+    QCOMPARE(_view->rowAtPoint(QPoint(0, 0)), 0);
 }
 
 void OutlineViewTest::scrollsRowsIntoView()
@@ -747,8 +778,18 @@ void OutlineViewTest::scrollsRowsIntoView()
     QVERIFY(_view->rectOfRow(0).bottom() < 0);
     _view->scrollRowToVisible(91); // by just one row
     QCOMPARE(_view->rectOfRow(91), rect);
+    _view->scrollRowToVisible(91); // where it is
+    _view->scrollRowToVisible(85);
+    QCOMPARE(_view->rectOfRow(91), rect);
     _view->scrollRowToVisible(0);
     QCOMPARE(_view->rectOfRow(0).top(), 0);
+    _view->scrollRowToVisible(-1);
+    _view->scrollRowToVisible(103);
+    QCOMPARE(_view->rectOfRow(0).top(), 0);
+    // One that is higher than the list begins at its top.
+    _view->setRowHeight(1000);
+    _view->scrollRowToVisible(7);
+    QCOMPARE(_view->rectOfRow(7).top(), 0);
 }
 
 // --- Keyboard and mouse ---------------------------------------------------------------------------------------------
@@ -770,6 +811,17 @@ void OutlineViewTest::keysWalkAndFold()
     QTest::keyClick(_view.get(), Qt::Key_Left);
     QVERIFY(!_view->isItemExpanded(_fruit));
     QCOMPARE(_view->numberOfRows(), 3);
+    // With Ctrl the keyboard walks and selects nothing; nor does a key that walks nowhere.
+    _view->deselectAll();
+    QTest::keyClick(_view.get(), Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(_view->currentRow(), 1);
+    QTest::keyClick(_view.get(), Qt::Key_Shift);
+    QCOMPARE(_view->numberOfSelectedRows(), 0);
+    QTest::keyClick(_view.get(), Qt::Key_Up);
+    QCOMPARE(_view->selectedRows(), std::vector<int>({0}));
+    _view->deselectAll();
+    QTest::keyClick(_view.get(), Qt::Key_Up); // there is no row above
+    QCOMPARE(_view->selectedRows(), std::vector<int>({0}));
 }
 
 void OutlineViewTest::typingFindsTitles()
@@ -805,13 +857,13 @@ void OutlineViewTest::showsToolTips()
     const auto pointAt = [this](int row) {
         const QPoint point = _view->rectOfRow(row).center();
         QHelpEvent help(QEvent::ToolTip, point, _view->viewport()->mapToGlobal(point));
-        QCoreApplication::sendEvent(_view->viewport(), &help);
+        return QCoreApplication::sendEvent(_view->viewport(), &help) && help.isAccepted();
     };
-    pointAt(1);
+    QVERIFY(pointAt(1));
     QVERIFY(QToolTip::isVisible());
     // The text as it is, not what it would mean as markup.
     QVERIFY2(QToolTip::text().contains("&lt;b&gt;mint &amp; thyme&lt;/b&gt;"), qPrintable(QToolTip::text()));
-    pointAt(2);
+    QVERIFY(!pointAt(2)); // nothing to show, so whoever is behind may
     QTRY_VERIFY(!QToolTip::isVisible());
     _view->tip = QStringLiteral("http://www.example.com/") + QStringLiteral("word/").repeated(100000);
     pointAt(1);
@@ -848,6 +900,22 @@ void OutlineViewTest::menuKeyAsksForTheSelectedRow()
     _view->deselectAll();
     QCoreApplication::sendEvent(_view.get(), &event);
     QCOMPARE(_view->menuPoints.last(), _view->viewport()->rect().center());
+
+    // A row that is out of sight comes into it first.
+    for (int i = 0; i < 100; ++i)
+        _tree->add(QString::number(i));
+    _view->reloadData();
+    _view->selectRowExtending(50, false);
+    _view->verticalScrollBar()->setValue(0);
+    QMenu menu;
+    menu.addAction("Open");
+    _view->menu = &menu;
+    QCoreApplication::sendEvent(_view.get(), &event);
+    QVERIFY(_view->viewport()->rect().contains(_view->rectOfRow(50)));
+    QCOMPARE(_view->menuPoints.last(), _view->rectOfRow(50).center());
+    QVERIFY(menu.isVisible());
+    QCOMPARE(menu.pos().x(), _view->viewport()->mapToGlobal(_view->rectOfRow(50).center()).x());
+    menu.close();
 }
 
 // What the menu acts on must not be loaded anew under it.
@@ -1143,6 +1211,186 @@ void OutlineViewTest::opensFoldersUnderADrag()
     QTRY_VERIFY(_view->isItemExpanded(_fruit));
 }
 
+void OutlineViewTest::opensOnlyTheFolderThatADragRestsOn()
+{
+    showList(*_view);
+    QMimeData data;
+    dragTo(*_view, 10, data); // on the fruit
+    dragTo(*_view, 50, data); // on the tools
+    QTRY_VERIFY(_view->isItemExpanded(_tools));
+    QVERIFY(!_view->isItemExpanded(_fruit));
+    // Neither one that a drag has left, nor one beside which it would go in.
+    dragTo(*_view, 10, data);
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(_view->viewport(), &leave);
+    _view->collapseItem(_tools);
+    dragTo(*_view, 10, data);
+    dragTo(*_view, 21, data);
+    dragTo(*_view, 50, data);
+    QTRY_VERIFY(_view->isItemExpanded(_tools));
+    QVERIFY(!_view->isItemExpanded(_fruit));
+}
+
+void OutlineViewTest::scrollsUnderADrag()
+{
+    for (int i = 0; i < 100; ++i)
+        _tree->add(QString::number(i));
+    _view->reloadData();
+    showList(*_view, QSize(240, 200));
+    QMimeData data;
+    const int bottom = _view->viewport()->height() - 1;
+    dragTo(*_view, bottom, data);
+    QTRY_VERIFY(_view->verticalScrollBar()->value() > 15);
+    dragTo(*_view, 1, data);
+    QTRY_VERIFY(_view->verticalScrollBar()->value() < 10);
+    _view->verticalScrollBar()->setValue(0);
+    // In the middle it stays, and the mouse selects as ever when the drag has gone.
+    dragTo(*_view, 100, data);
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(_view->viewport(), &leave);
+    QTest::mouseClick(_view->viewport(), Qt::LeftButton, {}, QPoint(60, 30));
+    QCOMPARE(_view->selectedRows(), std::vector<int>({1}));
+    QCOMPARE(_view->verticalScrollBar()->value(), 0);
+}
+
+void OutlineViewTest::marksWhereADropGoes_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<int>("childIndex");
+    QTest::addColumn<int>("y");      // of the line, or of the frame
+    QTest::addColumn<int>("level");  // of the line's beginning; -1: a frame
+    QTest::addColumn<int>("height"); // of the frame in rows, 0: the whole list, -1: no mark
+
+    // Rows of 20: fruit, apple, citrus, lemon, pear, herb, tools.
+    QTest::newRow("before everything") << "" << 0 << 0 << 0 << 0;
+    QTest::newRow("between two rows at the top") << "" << 1 << 99 << 0 << 0;
+    QTest::newRow("after everything") << "" << 3 << 139 << 0 << 0;
+    QTest::newRow("beyond the end") << "" << 9 << 139 << 0 << 0;
+    QTest::newRow("first in an open folder") << "fruit" << 0 << 19 << 1 << 0;
+    QTest::newRow("before an inner folder") << "fruit" << 1 << 39 << 1 << 0;
+    QTest::newRow("behind an open inner folder") << "fruit" << 2 << 79 << 1 << 0;
+    QTest::newRow("last in an open folder") << "fruit" << 3 << 99 << 1 << 0;
+    QTest::newRow("last in an inner folder") << "citrus" << 1 << 79 << 2 << 0;
+    QTest::newRow("on an open folder") << "fruit" << -1 << 0 << -1 << 1;
+    QTest::newRow("on a leaf") << "apple" << -1 << 20 << -1 << 1;
+    QTest::newRow("in a closed folder") << "tools" << 0 << 120 << -1 << 1;
+    QTest::newRow("on the list") << "" << -1 << 0 << -1 << 0;
+    QTest::newRow("in what is not shown") << "rake" << 0 << 0 << -1 << -1;
+}
+
+void OutlineViewTest::marksWhereADropGoes()
+{
+    QFETCH(QString, item);
+    QFETCH(int, childIndex);
+    QFETCH(int, y);
+    QFETCH(int, level);
+    QFETCH(int, height);
+    showList(*_view);
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    const QHash<QString, OutlineTree::Node> nodes{{"", nullptr},     {"fruit", _fruit}, {"citrus", _citrus},
+                                                  {"apple", _apple}, {"tools", _tools}, {"rake", _rake}};
+    _tree->retarget = [&](OutlineDropTarget &target) { target = {nodes.value(item), childIndex}; };
+    QMimeData data;
+    dragTo(*_view, 10, data);
+    const QRect mark = _view->dropIndicatorRect();
+    const int width = _view->viewport()->width();
+    if (level >= 0) {
+        const int x = (level + 1) * _view->indentation();
+        QCOMPARE(mark, QRect(x, y, width - x, 2));
+        _view->setLayoutDirection(Qt::RightToLeft);
+        dragTo(*_view, 30, data);
+        QCOMPARE(_view->dropIndicatorRect(), QRect(0, y, width - x, 2));
+    } else if (height > 0) {
+        QCOMPARE(mark, QRect(0, y, width, height * 20));
+    } else {
+        QCOMPARE(mark, height < 0 ? QRect() : _view->viewport()->rect());
+    }
+}
+
+void OutlineViewTest::drawsTheDropIndicator()
+{
+    showList(*_view);
+    const QColor color(1, 200, 3);
+    QPalette palette = _view->palette();
+    palette.setColor(QPalette::Highlight, color);
+    _view->setPalette(palette);
+    const auto colorAt = [this](const QPoint &point) {
+        const QImage shot = _view->viewport()->grab().toImage();
+        return shot.pixelColor(point * shot.devicePixelRatio());
+    };
+    QMimeData data;
+    dragTo(*_view, 21, data); // between the first two rows
+    const QRect line = _view->dropIndicatorRect();
+    QCOMPARE(colorAt(line.center()), color);
+    QCOMPARE(colorAt(line.topLeft()), color);
+    QVERIFY(colorAt(line.center() + QPoint(0, 3)) != color);
+    dragTo(*_view, 10, data); // on the first row
+    const QRect frame = _view->dropIndicatorRect();
+    QCOMPARE(colorAt(QPoint(frame.center().x(), 1)), color);
+    QVERIFY(colorAt(QPoint(frame.right() - 30, frame.center().y())) != color);
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(_view->viewport(), &leave);
+    QVERIFY(colorAt(line.center()) != color);
+}
+
+void OutlineViewTest::dropIndicatorScrollsWithTheRows()
+{
+    for (int i = 0; i < 100; ++i)
+        _tree->add(QString::number(i));
+    _view->reloadData();
+    showList(*_view);
+    _view->verticalScrollBar()->setValue(15);
+    QVERIFY(_view->dropIndicatorRect().isEmpty());
+    QMimeData data;
+    dragTo(*_view, 110, data);
+    const QRect mark = _view->dropIndicatorRect();
+    QCOMPARE(mark, _view->rectOfRow(6));
+    _view->verticalScrollBar()->setValue(25);
+    QCOMPARE(_view->dropIndicatorRect(), mark.translated(0, -10));
+    QCOMPARE(_view->dropIndicatorRect(), _view->rectOfRow(6));
+}
+
+// As wide as the longest title, but not wider than a drawer is; not higher than the pointer can see past.
+void OutlineViewTest::dragsAPictureOfTheRows()
+{
+    QSizeF size;
+    QPoint hotSpot;
+    QImage picture;
+    _view->duringDrag = [&](QDrag &drag) {
+        size = drag.pixmap().deviceIndependentSize();
+        hotSpot = drag.hotSpot();
+        picture = drag.pixmap().toImage();
+    };
+    showList(*_view);
+    _view->selectRowExtending(0, false);
+    _view->selectRowExtending(2, true);
+    _view->startDrag(Qt::CopyAction);
+    const int text =
+        std::max(_view->fontMetrics().horizontalAdvance("fruit"), _view->fontMetrics().horizontalAdvance("tools"));
+    QCOMPARE(size, QSizeF(text + 40, 40));
+    QCOMPARE(hotSpot, QPoint(0, 10));
+    QCOMPARE(picture.devicePixelRatio(), _view->devicePixelRatioF());
+    // Something is drawn in either row, and there is no ground behind it.
+    const qreal scale = picture.devicePixelRatio();
+    for (const int row : {0, 1}) {
+        bool hasInk = false;
+        for (int y = int(row * 20 * scale); y < int((row + 1) * 20 * scale); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                hasInk = hasInk || picture.pixelColor(x, y).alpha() > 100;
+        }
+        QVERIFY(hasInk);
+        QCOMPARE(picture.pixelColor(picture.width() - 1, int(row * 20 * scale)).alpha(), 0);
+    }
+
+    for (int i = 0; i < 20; ++i)
+        _tree->add(QString(500, QLatin1Char('m')));
+    _view->reloadData();
+    _view->selectAll();
+    _view->startDrag(Qt::CopyAction);
+    QCOMPARE(size, QSizeF(260, 8 * 20));
+}
+
 // --- Cells ----------------------------------------------------------------------------------------------------------
 
 // Every row with the same cell, which has the row's text before it is decorated, and the cell's part of the row.
@@ -1244,6 +1492,244 @@ void OutlineViewTest::rowsThatAreShownAreFoundWithoutASearch()
     QCOMPARE(tree.walks, 1);
     view.grab();
     QCOMPARE(tree.walks, 1);
+}
+
+// --- The model ------------------------------------------------------------------------------------------------------
+
+void OutlineViewTest::keepsQtsRules_data()
+{
+    mapsRowsBothWays_data();
+}
+
+// A random tree that is opened, closed, changed and reloaded at random, under Qt's own check of models and beside a
+// walk over the rows as Qt sees them.
+void OutlineViewTest::keepsQtsRules()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    OutlineTree tree;
+    std::vector<OutlineTree::Node> folders;
+    const auto oneOf = [&random](const auto &list) { return list[random.bounded(quint32(list.size()))]; };
+    for (int i = 0; i < 60; ++i) {
+        const auto node = tree.add(QString::number(i), folders.empty() || i % 7 == 0 ? nullptr : oneOf(folders));
+        if (i % 3 == 0) {
+            node->isFolder = true;
+            folders.push_back(node);
+        }
+    }
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    view.show();
+    const QAbstractItemModelTester tester(view.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+
+    std::vector<QModelIndex> seen;
+    const std::function<void(const QModelIndex &)> walk = [&](const QModelIndex &parent) {
+        for (int i = 0; i < view.model()->rowCount(parent); ++i) {
+            seen.push_back(view.model()->index(i, 0, parent));
+            if (view.isExpanded(seen.back()))
+                walk(seen.back());
+        }
+    };
+    for (int step = 0; step < 150; ++step) {
+        const OutlineTree::Node folder = oneOf(folders);
+        std::vector<OutlineTree::Node> &children = folder->children;
+        switch (random.bounded(5)) {
+        case 0:
+            view.expandItem(folder);
+            break;
+        case 1:
+            view.collapseItem(folder);
+            break;
+        case 2:
+            tree.add(QString::number(1000 + step), folder);
+            view.reloadItem(folder, true);
+            break;
+        case 3:
+            std::shuffle(children.begin(), children.end(), std::minstd_rand(seed + quint32(step)));
+            if (!children.empty() && !children.back()->isFolder)
+                children.pop_back();
+            view.reloadItem(folder, true);
+            break;
+        default: // from one folder into another one beside it
+            for (const OutlineTree::Node &child : children) {
+                if (!child->isFolder || child == children.front())
+                    continue;
+                child->children.push_back(children.front());
+                children.erase(children.begin());
+                break;
+            }
+            view.reloadItem(folder, true);
+        }
+        view.selectRowExtending(int(random.bounded(quint32(view.numberOfRows()))), random.bounded(2) == 0);
+
+        seen.clear();
+        walk({});
+        QCOMPARE(view.numberOfRows(), int(seen.size()));
+        for (int row = 0; row < int(seen.size()); ++row) {
+            int level = 0;
+            for (QModelIndex above = seen[std::size_t(row)].parent(); above.isValid(); above = above.parent())
+                ++level;
+            QCOMPARE(view.levelForRow(row), level);
+            QCOMPARE(view.rowForItem(view.itemAtRow(row)), row);
+            QCOMPARE(tree.nodeOf(view.itemAtRow(row)).title, seen[std::size_t(row)].data().toString());
+            QCOMPARE(view.isItemExpanded(view.itemAtRow(row)), view.isExpanded(seen[std::size_t(row)]));
+        }
+    }
+}
+
+void OutlineViewTest::tellsQtWhatRowsCanDo()
+{
+    const QAbstractItemModel &model = *_view->model();
+    const QModelIndex folder = model.index(0, 0);
+    const QModelIndex leaf = model.index(1, 0);
+    const Qt::ItemFlags flags =
+        Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
+    QCOMPARE(model.flags(folder), flags);
+    QCOMPARE(model.flags(leaf), flags | Qt::ItemNeverHasChildren);
+    QCOMPARE(model.flags({}), Qt::ItemFlags(Qt::ItemIsDropEnabled));
+    QVERIFY(model.hasChildren());
+    QVERIFY(model.hasChildren(folder));
+    QVERIFY(!model.hasChildren(leaf));
+    QCOMPARE(model.columnCount(), 1);
+    QCOMPARE(model.supportedDropActions(), Qt::CopyAction | Qt::MoveAction);
+    QCOMPARE(model.data(folder, Qt::DisplayRole).toString(), QString("fruit"));
+    QCOMPARE(model.data(folder, Qt::AccessibleTextRole).toString(), QString("fruit"));
+    QVERIFY(!model.data(folder, Qt::DecorationRole).isValid());
+    QVERIFY(!model.index(-1, 0).isValid());
+    QVERIFY(!model.index(3, 0).isValid());
+    QVERIFY(!model.index(0, 1).isValid());
+    QVERIFY(!model.index(0, 0, leaf).isValid());
+    QCOMPARE(model.index(0, 0, folder).parent(), folder);
+    _view->setOutlineDataSource(nullptr);
+    QVERIFY(!model.hasChildren());
+}
+
+// Somebody may still hold an index of a row that a reload has taken away.
+void OutlineViewTest::indexesThatAreOutOfDateLeadNowhere()
+{
+    _view->expandItem(_fruit);
+    const QModelIndex pear = _view->model()->index(2, 0, _view->model()->index(0, 0));
+    QCOMPARE(pear.data().toString(), QString("pear"));
+    _fruit->children = {_apple};
+    _view->reloadItem(_fruit, true);
+    QCOMPARE(pear.data().toString(), QString());
+    QVERIFY(!_view->model()->hasChildren(pear));
+    QCOMPARE(_view->model()->rowCount(pear), 0);
+    QCOMPARE(_view->numberOfRows(), 4);
+}
+
+void OutlineViewTest::listsWhatStandsOpen()
+{
+    using Items = std::vector<OutlineItemPtr>;
+    const auto expansions = [this] {
+        QStringList list;
+        for (const OutlineExpansion &expansion : _view->expansions())
+            list.append(_tree->nodeOf(expansion.item).title + (expansion.isOpen ? " open" : " closed"));
+        return list;
+    };
+    QCOMPARE(_view->expandedItems(), Items());
+    QCOMPARE(expansions(), QStringList());
+    _view->expandItem(_tools);
+    _view->expandItem(_fruit);
+    _view->expandItem(_citrus);
+    QCOMPARE(_view->expandedItems(), Items({_fruit, _citrus, _tools}));
+    QCOMPARE(expansions(), QStringList({"fruit open", "citrus open", "tools open"}));
+    _view->collapseItem(_fruit);
+    QCOMPARE(_view->expandedItems(), Items({_tools}));
+    QCOMPARE(expansions(), QStringList({"fruit closed", "citrus open", "tools open"}));
+    _view->expandItem(_fruit);
+    _view->collapseItem(_citrus);
+    _view->collapseItem(_fruit);
+    QCOMPARE(expansions(), QStringList({"tools open"}));
+    _tools->isFolder = false; // as the list learns only when it asks again
+    _tools->children.clear();
+    _view->reloadItem(_tools, false);
+    QCOMPARE(_view->expandedItems(), Items());
+    QCOMPARE(expansions(), QStringList());
+}
+
+void OutlineViewTest::asksMadeChildrenOneByOne()
+{
+    MadeTree tree(100);
+    tree.root->children[5]->isFolder = true;
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    const QAbstractItemModel &model = *view.model();
+    QVERIFY(model.hasChildren(model.index(5, 0)));
+    QVERIFY(!model.hasChildren(model.index(6, 0)));
+    QCOMPARE(tree.childCalls, 0); // nothing was made for that
+    QCOMPARE(model.index(6, 0).data().toString(), QString("6"));
+    QVERIFY(!model.hasChildren(model.index(6, 0)));
+    QCOMPARE(view.rowForItem(tree.root->children[6]), 6);
+    QCOMPARE(view.rowForItem(tree.root->children[7]), -1); // nobody has made it
+    tree.made[7] = true;
+    QCOMPARE(view.rowForItem(tree.root->children[7]), 7);
+    tree.areLeaves = true;
+    view.reloadData();
+    QVERIFY(!model.hasChildren(model.index(5, 0)));
+    view.setOutlineDataSource(nullptr);
+}
+
+// A folder whose rows are made as they are seen, as long lists are; what was made keeps its row wherever it is now.
+void OutlineViewTest::reloadItemKeepsMadeRows()
+{
+    struct Made : OutlineTree
+    {
+        Node folder = add("folder");
+        std::vector<std::pair<int, OutlineItemPtr>> made;
+        bool outlineViewMakesChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr &item) override
+        {
+            return item == folder;
+        }
+        std::vector<std::pair<int, OutlineItemPtr>>
+        outlineViewMadeChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) override
+        {
+            return made;
+        }
+    };
+    Made tree;
+    std::vector<OutlineTree::Node> nodes;
+    for (int i = 0; i < 6; ++i)
+        nodes.push_back(tree.add(QString::number(i), tree.folder));
+    tree.add("inner", nodes[3]);
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    view.expandItem(tree.folder);
+    for (const int row : {2, 4, 6}) // 1, 3 and 5 are made
+        QVERIFY(view.itemAtRow(row));
+    tree.made = {{1, nodes[1]}, {3, nodes[3]}, {5, nodes[5]}};
+    view.expandItem(nodes[3]);
+    view.selectRowExtending(2, false);
+    view.selectRowExtending(7, true);
+    QCOMPARE(view.numberOfRows(), 8);
+
+    // 1 goes, 3 and 5 move up, and the source tells of one that lies beyond the end.
+    tree.folder->children = {nodes[0], nodes[3], nodes[5], nodes[2]};
+    tree.made = {{1, nodes[3]}, {2, nodes[5]}, {4, nodes[1]}};
+    tree.selectionChanges = 0;
+    view.reloadItem(tree.folder, true);
+    QCOMPARE(shownTitles(view, tree), QStringList({"folder", " 0", " 3", "  inner", " 5", " 2"}));
+    QCOMPARE(selectedTitles(view, tree), QStringList({"5"}));
+    QCOMPARE(tree.selectionChanges, 1);
+    QVERIFY(view.isItemExpanded(nodes[3]));
+    QCOMPARE(view.rowForItem(nodes[1]), -1);
+    view.setOutlineDataSource(nullptr);
+}
+
+void OutlineViewTest::countsBelowZeroAreNone()
+{
+    struct Negative : OutlineTree
+    {
+        int outlineViewNumberOfChildrenOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) override
+        {
+            return -1;
+        }
+    };
+    Negative tree;
+    OutlineView view;
+    view.setOutlineDataSource(&tree);
+    QCOMPARE(view.numberOfRows(), 0);
+    QVERIFY(!view.itemAtRow(0));
 }
 
 QTEST_MAIN(OutlineViewTest)
