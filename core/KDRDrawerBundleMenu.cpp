@@ -12,6 +12,7 @@
 #include "platform/host/HostFrame.h"
 #include "platform/host/HostMenuBar.h"
 #include "platform/widgets/InterfaceFile.h"
+#include "platform/widgets/MenuKeyFilter.h"
 
 #include <QHash>
 #include <QMenu>
@@ -196,6 +197,7 @@ void KDRDrawerBundle::loadMenuAdditions()
     applyStoredShortcuts(_wayfoldMenu);
     setTargetOfItems(_wayfoldMenu, this);
     MenuItem::validateOnShow(_wayfoldMenu);
+    new MenuKeyFilter(_wayfoldMenu);
     setTargetOfItems(_mainMenuRef, this);
     moveIntoMainMenu(_mainMenuRef);
 }

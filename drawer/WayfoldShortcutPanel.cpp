@@ -138,6 +138,10 @@ WayfoldShortcutPanel::WayfoldShortcutPanel(QWidget *parent) : QDialog(parent)
     setWindowTitle(interface.topLevelWidget()->windowTitle());
     _menuItemTitleField = interface.outlet<QLabel>(QStringLiteral("menuItemTitleField"));
     _messageField = interface.outlet<QLabel>(QStringLiteral("messageField"));
+    if (_messageField) {
+        _messageField->setForegroundRole(QPalette::PlaceholderText);
+        _messageField->setMinimumHeight(_messageField->fontMetrics().height()); // while it is empty as well
+    }
     connectButtons();
     awakeFromNib();
 }
@@ -173,12 +177,15 @@ void WayfoldShortcutPanel::awakeFromNib()
 
 bool WayfoldShortcutPanel::performActionWithMenuItemForWindow(QAction *item, QWidget *window)
 {
-    if (!item)
+    if (!item || !_menuItemTitleField)
         return false;
+    if (isVisible())
+        restoreShortcut(); // of the item before
     _menuItem = item;
     _savedKey = MenuItem::keyEquivalent(item);
     _savedModifier = MenuItem::keyEquivalentModifierMask(item);
     displayMenuItem();
+    showMessage(QString());
     if (parentWidget() != window)
         setParent(window, windowFlags());
     setFocus();
@@ -190,7 +197,7 @@ void WayfoldShortcutPanel::displayMenuItem()
 {
     if (!_menuItemTitleField || !_menuItem)
         return;
-    QString text = _menuItem->text();
+    QString text = MenuItem::title(_menuItem);
     const QString shortcut = describeShortCutKeyWithModifiers(MenuItem::keyEquivalent(_menuItem),
                                                               MenuItem::keyEquivalentModifierMask(_menuItem));
     if (!shortcut.isEmpty())
@@ -203,15 +210,26 @@ bool WayfoldShortcutPanel::performKeyEquivalent(const QKeyEvent &event)
     const KeyEquivalent pressed = KeyEquivalent::ofKeyPress(event);
     if (pressed.key.isEmpty() || !_menuItem)
         return true;
-    if (pressed.modifierMask == 0) {
-        refuse(localized("Press the key together with Ctrl, Alt or Shift."));
-    } else if (isTakenShortcutWithCharAndModifier(pressed.key.front().unicode(), pressed.modifierMask)) {
-        refuse(localized("The browser has this shortcut already."));
-    } else {
+    const QString refusal = refusalOf(pressed);
+    if (refusal.isNull()) {
         MenuItem::setKeyEquivalent(_menuItem, pressed.key, pressed.modifierMask);
         displayMenuItem();
+    } else {
+        beep();
     }
+    showMessage(refusal);
     return true;
+}
+
+QString WayfoldShortcutPanel::refusalOf(const KeyEquivalent &pressed) const
+{
+    if (pressed.modifierMask == 0)
+        return localized("Press the key together with Ctrl, Alt or Shift.");
+    if (const QAction *other = MenuItem::otherCommandWithShortcut(_menuItem, pressed.shortcuts()))
+        return localized("\"%@\" has this shortcut already.").replace(QStringLiteral("%@"), MenuItem::title(other));
+    if (isTakenShortcutWithCharAndModifier(pressed.key.front().unicode(), pressed.modifierMask))
+        return localized("The browser has this shortcut already.");
+    return {};
 }
 
 bool WayfoldShortcutPanel::isTakenShortcutWithCharAndModifier(char16_t character, unsigned modifierMask)
@@ -233,7 +251,7 @@ QString WayfoldShortcutPanel::describeShortCutKeyWithModifiers(const QString &ke
 void WayfoldShortcutPanel::handleOKButton(QObject * /*sender*/)
 {
     storeShortcut();
-    endSheet(Accepted);
+    done(Accepted);
 }
 
 void WayfoldShortcutPanel::handleClearButton(QObject * /*sender*/)
@@ -241,13 +259,13 @@ void WayfoldShortcutPanel::handleClearButton(QObject * /*sender*/)
     if (_menuItem)
         MenuItem::setKeyEquivalent(_menuItem, QStringLiteral(""), 0);
     storeShortcut();
-    endSheet(Accepted);
+    done(Accepted);
 }
 
 void WayfoldShortcutPanel::handleCancelButton(QObject * /*sender*/)
 {
     restoreShortcut();
-    endSheet(Rejected);
+    done(Rejected);
 }
 
 void WayfoldShortcutPanel::reject()
@@ -263,6 +281,7 @@ void WayfoldShortcutPanel::storeShortcut()
     const auto item = unsigned(MenuItem::tag(_menuItem));
     settings.setShortcutKeyForItem(MenuItem::keyEquivalent(_menuItem), item);
     settings.setShortcutModifierMaskForItemForItem(MenuItem::keyEquivalentModifierMask(_menuItem), item);
+    settings.writeDefaults(); // the two leave it to others, and there may be none before the browser quits
 }
 
 void WayfoldShortcutPanel::restoreShortcut()
@@ -271,16 +290,19 @@ void WayfoldShortcutPanel::restoreShortcut()
         MenuItem::setKeyEquivalent(_menuItem, _savedKey, _savedModifier);
 }
 
-void WayfoldShortcutPanel::endSheet(int result)
+void WayfoldShortcutPanel::showMessage(const QString &message)
 {
-    done(result);
+    if (_messageField)
+        _messageField->setText(message);
 }
 
-void WayfoldShortcutPanel::refuse(const QString &reason)
+// A modal window that is shown later than the others is blocked by none of them.
+void WayfoldShortcutPanel::showAgain()
 {
-    beep();
-    if (_messageField)
-        _messageField->setText(reason);
+    if (!isVisible())
+        return;
+    hide();
+    open();
 }
 
 void WayfoldShortcutPanel::beep()
@@ -290,6 +312,8 @@ void WayfoldShortcutPanel::beep()
 
 bool WayfoldShortcutPanel::event(QEvent *event)
 {
+    if (event->type() == QEvent::WindowBlocked && _worksWhenModal)
+        QMetaObject::invokeMethod(this, &WayfoldShortcutPanel::showAgain, Qt::QueuedConnection);
     return takeKeyEvent(event) || QDialog::event(event);
 }
 

@@ -6,6 +6,7 @@
 
 class QAction;
 class QKeyEvent;
+struct KeyEquivalent;
 
 // The sheet in which the user presses a new shortcut for a command of the menu. What is pressed goes to the menu item
 // at once; OK stores it, Clear takes the shortcut away, anything else that closes the sheet puts the old one back.
@@ -52,10 +53,12 @@ protected:
 private:
     void connectButtons();
     bool takeKeyEvent(QEvent *event);
-    void refuse(const QString &reason);
+    // Why the item cannot have that key; null when it can.
+    QString refusalOf(const KeyEquivalent &pressed) const;
+    void showMessage(const QString &message);
     void storeShortcut();
     void restoreShortcut();
-    void endSheet(int result);
+    void showAgain();
 
     QPointer<QLabel> _menuItemTitleField;
     QPointer<QLabel> _messageField;

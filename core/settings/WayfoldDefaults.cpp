@@ -73,6 +73,26 @@ QString modifierEntry(unsigned item)
     return QString::number(item) + QStringLiteral("_MODIFIER");
 }
 
+// A property list in XML has no room for control characters: Escape is stored as "U+001B". Keys are single characters
+// otherwise, so that none is taken for another.
+const QString codePrefix = QStringLiteral("U+");
+constexpr int codeDigits = 4;
+
+QString storedForm(const QString &key)
+{
+    if (key.size() != 1 || key.front().category() != QChar::Other_Control)
+        return key;
+    return codePrefix + QString::number(key.front().unicode(), 16).rightJustified(codeDigits, u'0').toUpper();
+}
+
+QString keyOfStoredForm(const QString &stored)
+{
+    if (!stored.startsWith(codePrefix) || stored.size() != codePrefix.size() + codeDigits)
+        return stored;
+    const QChar character(stored.mid(codePrefix.size()).toUShort(nullptr, 16));
+    return storedForm(character) == stored ? QString(character) : stored;
+}
+
 float floatValue(const QVariant &value)
 {
     switch (value.typeId()) {
@@ -354,7 +374,7 @@ QString WayfoldDefaults::nameOfFont(const QFont &font)
 
 QString WayfoldDefaults::shortcutKeyForItem(unsigned item) const
 {
-    return _prefs.value(MenuItemShortcuts).toMap().value(keyEntry(item)).toString();
+    return keyOfStoredForm(_prefs.value(MenuItemShortcuts).toMap().value(keyEntry(item)).toString());
 }
 
 unsigned WayfoldDefaults::shortcutModifierMaskForItem(unsigned item) const
@@ -364,7 +384,7 @@ unsigned WayfoldDefaults::shortcutModifierMaskForItem(unsigned item) const
 
 void WayfoldDefaults::setShortcutKeyForItem(const QString &key, unsigned item)
 {
-    setShortcutEntry(key.isNull() ? QVariant() : QVariant(key), keyEntry(item));
+    setShortcutEntry(key.isNull() ? QVariant() : QVariant(storedForm(key)), keyEntry(item));
 }
 
 void WayfoldDefaults::setShortcutModifierMaskForItemForItem(unsigned modifierMask, unsigned item)

@@ -21,12 +21,14 @@ constexpr char16_t firstFunctionKey = 0xF704;
 constexpr char16_t lastFunctionKey = 0xF726; // F35
 constexpr char16_t deleteCharacter = 0x7F;
 
+// Qt's keys of letters are their capitals; that of a letter whose capital lies beyond Latin-1 is the letter.
 Qt::Key keyForCharacter(QChar character)
 {
     const char16_t code = character.unicode();
     if (code >= firstFunctionKey && code <= lastFunctionKey)
         return Qt::Key(Qt::Key_F1 + (code - firstFunctionKey));
-    return namedKeys().value(code, Qt::Key(character.toUpper().unicode()));
+    const char16_t capital = character.toUpper().unicode();
+    return namedKeys().value(code, Qt::Key(code <= 0xFF && capital > 0xFF ? code : capital));
 }
 
 QString characterForKey(Qt::Key key)
@@ -40,7 +42,7 @@ QString characterForKey(Qt::Key key)
     const char16_t named = namedKeys().key(key, 0);
     if (named)
         return QChar(named);
-    return key <= 0xFFFF ? QString(QChar(char16_t(key)).toLower()) : QString();
+    return key >= Qt::Key_Space && key <= 0xFFFF ? QString(QChar(char16_t(key))) : QString();
 }
 
 bool isFunctionKey(const QString &key)
@@ -77,8 +79,8 @@ KeyEquivalent KeyEquivalent::ofKeyPress(const QKeyEvent &event)
     if (key == Qt::Key_Insert || key == Qt::Key_Delete)
         return {};
     KeyEquivalent pressed{characterForKey(key), maskForModifiers(event.modifiers())};
-    if (pressed.modifierMask & NSShiftKeyMask)
-        pressed.key = pressed.key.toUpper();
+    if (!(pressed.modifierMask & NSShiftKeyMask))
+        pressed.key = pressed.key.toLower();
     if (isFunctionKey(pressed.key))
         pressed.modifierMask |= NSFunctionKeyMask;
     return pressed;
@@ -88,7 +90,7 @@ KeyEquivalent KeyEquivalent::ofShortcut(const QKeySequence &shortcut)
 {
     if (shortcut.isEmpty())
         return {QString::fromLatin1(""), 0};
-    return {characterForKey(shortcut[0].key()), maskForModifiers(shortcut[0].keyboardModifiers())};
+    return {characterForKey(shortcut[0].key()).toLower(), maskForModifiers(shortcut[0].keyboardModifiers())};
 }
 
 QKeySequence KeyEquivalent::shortcut() const
@@ -101,4 +103,18 @@ QKeySequence KeyEquivalent::shortcut() const
             modifiers |= pair.modifier;
     }
     return QKeyCombination(modifiers, keyForCharacter(key.front()));
+}
+
+bool KeyEquivalent::isSignWithShift() const
+{
+    return modifierMask & NSShiftKeyMask && !key.isEmpty() && key.front().isPrint() && !key.front().isLetter() &&
+           !key.front().isSpace();
+}
+
+QList<QKeySequence> KeyEquivalent::shortcuts() const
+{
+    QList<QKeySequence> shortcuts{shortcut()};
+    if (isSignWithShift())
+        shortcuts.append(KeyEquivalent{key, modifierMask & ~NSShiftKeyMask}.shortcut());
+    return shortcuts;
 }

@@ -1,8 +1,11 @@
 #include "platform/widgets/MenuItem.h"
 
+#include <QApplication>
 #include <QMenu>
+#include <QMenuBar>
 #include <QRegularExpression>
 #include <QVariant>
+#include <algorithm>
 
 // A menu item keeps what belongs to it as properties of the action; "tag" and "action" are set by interface files too.
 namespace
@@ -20,6 +23,22 @@ void perform(QAction *item)
         target->performMenuItem(item);
 }
 
+bool isInMenuBar(const QAction *command)
+{
+    const QList<QObject *> holders = command->associatedObjects();
+    return std::any_of(holders.cbegin(), holders.cend(),
+                       [](const QObject *holder) { return qobject_cast<const QMenuBar *>(holder) != nullptr; });
+}
+
+bool hasAnyShortcut(const QAction *command, const QList<QKeySequence> &shortcuts)
+{
+    for (const QKeySequence &shortcut : command->shortcuts()) {
+        if (shortcuts.contains(shortcut))
+            return true;
+    }
+    return command->menu() && isInMenuBar(command) && shortcuts.contains(QKeySequence::mnemonic(command->text()));
+}
+
 // The items with a target; what the others look like is none of our business.
 template <class Function>
 void forEachTargeted(const QMenu *menu, Function function)
@@ -32,11 +51,11 @@ void forEachTargeted(const QMenu *menu, Function function)
 }
 } // namespace
 
-// A lone "&" stands before a shortcut letter, two of them for one that is shown.
+// A lone "&" stands before a shortcut letter, two of them for one that is shown; what follows a tab is shown as a key.
 QString MenuItem::title(const QAction *item)
 {
     static const QRegularExpression mark(QStringLiteral("&(.?)"));
-    return item->text().replace(mark, QStringLiteral("\\1"));
+    return item->text().section(QLatin1Char('\t'), 0, 0).replace(mark, QStringLiteral("\\1"));
 }
 
 int MenuItem::tag(const QAction *item)
@@ -97,6 +116,48 @@ QAction *MenuItem::itemWithTag(const QMenu *menu, int tag)
     for (QAction *item : items) {
         if (item->property(tagProperty).isValid() && MenuItem::tag(item) == tag)
             return item;
+    }
+    return nullptr;
+}
+
+QAction *MenuItem::itemWithKeyEquivalent(const QMenu *menu, const KeyEquivalent &key)
+{
+    const QList<QAction *> items = menu->actions();
+    for (QAction *item : items) {
+        if (KeyEquivalent{keyEquivalent(item), keyEquivalentModifierMask(item)} == key)
+            return item;
+    }
+    return nullptr;
+}
+
+QList<QAction *> MenuItem::commandsOfWindow(const QWidget *window)
+{
+    QList<QAction *> commands = window->actions();
+    const QList<QMenuBar *> menuBars = window->findChildren<QMenuBar *>(Qt::FindDirectChildrenOnly);
+    for (const QMenuBar *menuBar : menuBars)
+        commands += menuBar->actions();
+    for (qsizetype i = 0; i < commands.size(); ++i) {
+        if (const QMenu *submenu = commands[i]->menu())
+            commands += submenu->actions();
+    }
+    return commands;
+}
+
+QAction *MenuItem::otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts)
+{
+    QList<QAction *> commands;
+    for (const QObject *holder : item->associatedObjects()) {
+        if (const auto *menu = qobject_cast<const QMenu *>(holder))
+            commands += menu->actions();
+    }
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
+        const QList<QAction *> ofWindow = commandsOfWindow(window);
+        if (ofWindow.contains(item))
+            commands += ofWindow;
+    }
+    for (QAction *command : commands) {
+        if (command != item && hasAnyShortcut(command, shortcuts))
+            return command;
     }
     return nullptr;
 }

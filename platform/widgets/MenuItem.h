@@ -7,6 +7,7 @@
 #include <functional>
 
 class QMenu;
+class QWidget;
 
 // Menu items are QActions with a tag, an action (the name of an operation, as in "handleDeleteItemRequest:"), a target
 // that carries it out and decides whether it is enabled, and a key equivalent with a modifier mask.
@@ -25,7 +26,7 @@ namespace MenuItem
 {
 using enum KeyEquivalent::ModifierMask;
 
-// As it is read, without the marks that its text has for a menu ("Bed && &Breakfast").
+// As it is read, without the marks that its text has for a menu ("Bed && &Breakfast") and without keys behind a tab.
 QString title(const QAction *item);
 int tag(const QAction *item); // 0 when none was set
 void setTag(QAction *item, int tag);
@@ -43,6 +44,13 @@ unsigned keyEquivalentModifierMask(const QAction *item);
 
 // The first item of the menu that was given that tag; null when there is none.
 QAction *itemWithTag(const QMenu *menu, int tag);
+// The first item with exactly that key equivalent; null when there is none.
+QAction *itemWithKeyEquivalent(const QMenu *menu, const KeyEquivalent &key);
+// What a window's menu bar shows, submenus and all, and what else the window was given; some may come twice.
+QList<QAction *> commandsOfWindow(const QWidget *window);
+// Another command, of the item's menu or of a window that has the item, that one of these shortcuts would reach; null
+// when there is none. The letter that opens a menu of a menu bar counts as the menu's shortcut.
+QAction *otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts);
 // Makes the menu ask its items' targets each time it is about to show, and enables the items again when it goes, so
 // that key equivalents are never left disabled; those ask before they act.
 void validateOnShow(QMenu *menu);

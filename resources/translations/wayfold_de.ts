@@ -807,5 +807,13 @@ Doppelklicken Sie dazu auf die Zeile des Befehls.</translation>
         <source>The keyboard shortcuts of the commands</source>
         <translation>Die Tastenkürzel der Befehle</translation>
     </message>
+    <message>
+        <source>Wa&amp;yfold</source>
+        <translation>Wa&amp;yfold</translation>
+    </message>
+    <message>
+        <source>"%@" has this shortcut already.</source>
+        <translation>„%@“ hat dieses Tastenkürzel schon.</translation>
+    </message>
 </context>
 </TS>

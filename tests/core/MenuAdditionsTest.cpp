@@ -79,10 +79,16 @@ class MenuAdditionsTest : public QObject
 
 private Q_SLOTS:
     void init() { _fresh.emplace(); }
-    void cleanup() { _fresh.reset(); }
+    void cleanup()
+    {
+        QLocale::setDefault(QLocale::c());
+        _fresh.reset();
+    }
 
     // Loading
     void menusAreLoaded();
+    void menuHasALetterOfItsOwn_data();
+    void menuHasALetterOfItsOwn();
     void menuGoesToTheEndOfTheHostsMenuBar();
     void itemsAreComplete();
     void everyItemHasTitleAndTag();
@@ -91,6 +97,7 @@ private Q_SLOTS:
     void storedShortcutIsApplied();
     void emptyShortcutLeavesTheInterfaceFiles_data();
     void emptyShortcutLeavesTheInterfaceFiles();
+    void clearedShortcutStaysCleared();
     void shortcutsStopAtTheFirstMissingTag();
     void everyContainerItemMovesInOrder();
     void missingInterfaceFileIsNoError();
@@ -159,7 +166,25 @@ void MenuAdditionsTest::menusAreLoaded()
     QVERIFY(store().wayfoldMenu());
     QVERIFY(store().menu());
     QVERIFY(store().menu() != store().wayfoldMenu());
-    QCOMPARE(store().wayfoldMenu()->title(), QStringLiteral("Wayfold"));
+    QCOMPARE(store().wayfoldMenu()->title(), QStringLiteral("Wa&yfold"));
+}
+
+void MenuAdditionsTest::menuHasALetterOfItsOwn_data()
+{
+    QTest::addColumn<QLocale>("locale");
+    QTest::newRow("English") << QLocale::c();
+    QTest::newRow("German") << QLocale(QStringLiteral("de_DE"));
+}
+
+void MenuAdditionsTest::menuHasALetterOfItsOwn()
+{
+    QFETCH(QLocale, locale);
+    QLocale::setDefault(locale);
+    const QKeySequence letter = QKeySequence::mnemonic(store().wayfoldMenu()->title());
+    QVERIFY(!letter.isEmpty());
+    // The bundled browser's.
+    for (const char *title : {"&File", "&Edit", "&View", "Hi&story", "&Bookmarks", "&Window"})
+        QVERIFY2(letter != QKeySequence::mnemonic(QString::fromLatin1(title)), title);
 }
 
 void MenuAdditionsTest::menuGoesToTheEndOfTheHostsMenuBar()
@@ -250,9 +275,24 @@ void MenuAdditionsTest::emptyShortcutLeavesTheInterfaceFiles()
 {
     QFETCH(QString, key);
     QFETCH(unsigned, modifierMask);
+    OtherBundle bundle;
+    bundle.writeMenu(menuWithTags({0}));
     _fresh->settings().setShortcutKeyForItem(key, 0);
     _fresh->settings().setShortcutModifierMaskForItemForItem(modifierMask, 0);
-    QCOMPARE(item(QStringLiteral("handleToggleKDRDrawer:"))->shortcut(), QKeySequence(QStringLiteral("Ctrl+0")));
+    QCOMPARE(MenuItem::itemWithTag(store().wayfoldMenu(), 0)->shortcut(), QKeySequence(QStringLiteral("Ctrl+F1")));
+}
+
+void MenuAdditionsTest::clearedShortcutStaysCleared()
+{
+    for (const ItemOfMenu &command : itemsOfMenu) {
+        _fresh->settings().setShortcutKeyForItem(QStringLiteral(""), unsigned(command.tag));
+        _fresh->settings().setShortcutModifierMaskForItemForItem(0, unsigned(command.tag));
+    }
+    for (const ItemOfMenu &command : itemsOfMenu) {
+        const QAction *found = item(QString::fromLatin1(command.action));
+        QVERIFY(found->shortcuts().isEmpty());
+        QVERIFY(MenuItem::keyEquivalent(found).isEmpty());
+    }
 }
 
 void MenuAdditionsTest::shortcutsStopAtTheFirstMissingTag()

@@ -73,6 +73,14 @@ QVariantMap domain()
     return UserDefaults::standardUserDefaults().persistentDomainForName(QStringLiteral("org.wayfold.Wayfold"));
 }
 
+// As after a restart of the browser.
+void startAgain()
+{
+    QVERIFY(UserDefaults::standardUserDefaults().synchronize());
+    UserDefaults::standardUserDefaults().reset();
+    defaults().loadDefaults();
+}
+
 // As a user who has these settings stored starts.
 void startWith(const QVariantMap &stored)
 {
@@ -130,6 +138,10 @@ private Q_SLOTS:
     void shortcutsFromTheDiskCanBeChanged();
     void shortcutSettersWorkWithoutHost();
     void foreignShortcutEntriesAreNoError();
+    void keyOutlivesARestart_data();
+    void keyOutlivesARestart();
+    void storedFormsOfKeys_data();
+    void storedFormsOfKeys();
 
     void emptyFontNameGivesSmallSystemFont_data();
     void emptyFontNameGivesSmallSystemFont();
@@ -478,11 +490,6 @@ void WayfoldDefaultsTest::shortcutReachesTheDomainWithTheNextSetter()
 
 void WayfoldDefaultsTest::shortcutsFromTheDiskCanBeChanged()
 {
-    const auto startAgain = [] {
-        QVERIFY(UserDefaults::standardUserDefaults().synchronize());
-        UserDefaults::standardUserDefaults().reset();
-        defaults().loadDefaults();
-    };
     startAgain();
     defaults().setShortcutKeyForItem(QStringLiteral("P"), 7);
     defaults().setShortcutModifierMaskForItemForItem(MenuItem::NSControlKeyMask, 7);
@@ -521,6 +528,80 @@ void WayfoldDefaultsTest::foreignShortcutEntriesAreNoError()
     startWith({{shortcutsKey,
                 QVariantMap{{QStringLiteral("3_KEY"), QStringLiteral("X")}, {QStringLiteral("3_MODIFIER"), 1e300}}}});
     QCOMPARE(defaults().shortcutModifierMaskForItem(3), 0U);
+}
+
+void WayfoldDefaultsTest::keyOutlivesARestart_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("stored");
+    const auto row = [](char16_t key, const QString &stored) {
+        QTest::addRow("U+%04X", key) << QString(QChar(key)) << stored;
+    };
+    for (const auto &[key, stored] : {std::pair(u'\x03', "U+0003"),
+                                      {u'\t', "U+0009"},
+                                      {u'\n', "U+000A"},
+                                      {u'\r', "U+000D"},
+                                      {u'\x19', "U+0019"},
+                                      {u'\x1B', "U+001B"},
+                                      {u'\x7F', "U+007F"},
+                                      {u'\x85', "U+0085"}})
+        row(key, QString::fromLatin1(stored));
+    for (char16_t key : {u' ', u'U', u'+', u'<', u'&', u'"', u'\u00E4', u'\u241B', u'\uF704', u'\uF72D'})
+        row(key, QString(QChar(key)));
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("several") << "U+"
+                             << "U+";
+}
+
+void WayfoldDefaultsTest::keyOutlivesARestart()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, stored);
+    FakeHostApplication host;
+    startWith({});
+    defaults().setShortcutKeyForItem(key, 7);
+    QCOMPARE(defaults().shortcutKeyForItem(7), key);
+    const auto entry = [](const QVariant &table) { return table.toMap().value(QStringLiteral("7_KEY")); };
+    QCOMPARE(entry(host.hostSettings.values.value(shortcutsKey)), QVariant(stored));
+
+    defaults().writeDefaults();
+    startAgain();
+    QCOMPARE(defaults().shortcutKeyForItem(7), key);
+    QCOMPARE(entry(domain().value(shortcutsKey)), QVariant(stored));
+
+    // As another program reads it.
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("import plistlib, sys; table = plistlib.load(open(sys.argv[1], 'rb'))[sys.argv[2]]; "
+                                 "sys.stdout.buffer.write(table['7_KEY'].encode())"),
+                  _home->path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist")), shortcutsKey});
+    QVERIFY(python.waitForFinished());
+    QCOMPARE(python.exitCode(), 0);
+    QCOMPARE(QString::fromUtf8(python.readAllStandardOutput()), stored);
+}
+
+void WayfoldDefaultsTest::storedFormsOfKeys_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("Escape") << "U+001B"
+                            << "\x1B";
+    QTest::newRow("Escape itself") << "\x1B"
+                                   << "\x1B"; // as a binary property list may hold it
+    // None of these is written.
+    for (const char *other :
+         {"U+", "U+1B", "U+001b", "U+0041", "U+001B ", "u+001B", "U+F704", "U+00G1", "U+-01B", "U+ 01B"})
+        QTest::newRow(other) << QString::fromLatin1(other) << QString::fromLatin1(other);
+}
+
+void WayfoldDefaultsTest::storedFormsOfKeys()
+{
+    QFETCH(QString, stored);
+    QFETCH(QString, key);
+    startWith({{shortcutsKey, QVariantMap{{QStringLiteral("3_KEY"), stored}}}});
+    QCOMPARE(defaults().shortcutKeyForItem(3), key);
 }
 
 void WayfoldDefaultsTest::emptyFontNameGivesSmallSystemFont_data()

@@ -42,6 +42,11 @@ private Q_SLOTS:
     void keepsTagAndAction();
     void readsWhatAnInterfaceFileSets();
     void findsItemsByTag();
+    void findsItemsByKeyEquivalent();
+    void commandsOfAWindow();
+    void otherCommandWithShortcut_data();
+    void otherCommandWithShortcut();
+    void commandsOfOtherWindowsDoNotCount();
 
     void masksHaveThePlatformsValues();
     void keyEquivalentIsAShortcut_data();
@@ -85,6 +90,8 @@ void MenuItemTest::titleIsWithoutMarks_data()
     QTest::newRow("at the end") << "Bed &"
                                 << "Bed ";
     QTest::newRow("none") << QString() << QString();
+    QTest::newRow("key behind a tab") << "&Copy\tCtrl+C"
+                                      << "Copy";
 }
 
 void MenuItemTest::titleIsWithoutMarks()
@@ -128,12 +135,103 @@ void MenuItemTest::findsItemsByTag()
     QVERIFY(!MenuItem::itemWithTag(&menu, 1));
 }
 
+void MenuItemTest::findsItemsByKeyEquivalent()
+{
+    QMenu menu;
+    QAction *first = menu.addAction("first");
+    QAction *second = menu.addAction("second");
+    MenuItem::setKeyEquivalent(first, "*", command);
+    MenuItem::setKeyEquivalent(second, "*", command | shift);
+    QCOMPARE(MenuItem::itemWithKeyEquivalent(&menu, {"*", command}), first);
+    QCOMPARE(MenuItem::itemWithKeyEquivalent(&menu, {"*", command | shift}), second);
+    QVERIFY(!MenuItem::itemWithKeyEquivalent(&menu, {"*", shift}));
+    QVERIFY(!MenuItem::itemWithKeyEquivalent(&menu, {"+", command}));
+}
+
+void MenuItemTest::commandsOfAWindow()
+{
+    QMainWindow window;
+    QVERIFY(MenuItem::commandsOfWindow(&window).isEmpty());
+    QMenu *menu = window.menuBar()->addMenu("Menu");
+    QAction *item = menu->addAction("Item");
+    QAction *deep = menu->addMenu("Deeper")->addMenu("Still deeper")->addAction("Deep");
+    QAction added("Added");
+    window.addAction(&added);
+    const QList<QAction *> commands = MenuItem::commandsOfWindow(&window);
+    for (QAction *command : {menu->menuAction(), item, deep, &added})
+        QCOMPARE(commands.count(command), 1);
+}
+
+void MenuItemTest::otherCommandWithShortcut_data()
+{
+    QTest::addColumn<QString>("shortcuts");
+    QTest::addColumn<QString>("found");
+    QTest::newRow("nobody's") << "Ctrl+J"
+                              << "";
+    QTest::newRow("its own") << "Ctrl+I"
+                             << "";
+    QTest::newRow("of its menu") << "Ctrl+N"
+                                 << "Neighbour";
+    QTest::newRow("of another menu") << "Ctrl+D"
+                                     << "Deep";
+    QTest::newRow("the second of two") << "Ctrl+F5"
+                                       << "Deep";
+    QTest::newRow("one of those that are asked for") << "Ctrl+J; Ctrl+D"
+                                                     << "Deep";
+    QTest::newRow("of the window") << "Ctrl+A"
+                                   << "Added";
+    QTest::newRow("letter of a menu in the menu bar") << "Alt+M"
+                                                      << "&Menu";
+    QTest::newRow("letter of a submenu") << "Alt+S"
+                                         << "";
+    QTest::newRow("of another window") << "Ctrl+O"
+                                       << "";
+}
+
+void MenuItemTest::otherCommandWithShortcut()
+{
+    QFETCH(QString, shortcuts);
+    QFETCH(QString, found);
+    const auto add = [](QWidget *place, const QString &title, const QString &keys) {
+        auto *item = new QAction(title, place);
+        item->setShortcuts(QKeySequence::listFromString(keys, QKeySequence::PortableText));
+        place->addAction(item);
+        return item;
+    };
+    QMainWindow window;
+    QMenu *menu = window.menuBar()->addMenu("&Menu");
+    const QAction *item = add(menu, "Item", "Ctrl+I");
+    add(menu, "Neighbour", "Ctrl+N");
+    add(window.menuBar()->addMenu("Other")->addMenu("&Submenu"), "Deep", "Ctrl+D; Ctrl+F5");
+    add(&window, "Added", "Ctrl+A");
+    QMainWindow another;
+    add(another.menuBar()->addMenu("Menu"), "Elsewhere", "Ctrl+O");
+
+    const QAction *other =
+        MenuItem::otherCommandWithShortcut(item, QKeySequence::listFromString(shortcuts, QKeySequence::PortableText));
+    QCOMPARE(other ? other->text() : QString(), found);
+}
+
+// The menu that all windows of a host share is in none of them before the host has put it there.
+void MenuItemTest::commandsOfOtherWindowsDoNotCount()
+{
+    QMainWindow window;
+    QAction *hosts = window.menuBar()->addMenu("Host")->addAction("Host's");
+    hosts->setShortcut(QKeySequence("Ctrl+H"));
+    QMenu menu;
+    QAction *item = menu.addAction("Item");
+    QVERIFY(!MenuItem::otherCommandWithShortcut(item, {QKeySequence("Ctrl+H")}));
+    window.menuBar()->addMenu(&menu);
+    QCOMPARE(MenuItem::otherCommandWithShortcut(item, {QKeySequence("Ctrl+H")}), hosts);
+}
+
 void MenuItemTest::masksHaveThePlatformsValues()
 {
     QCOMPARE(shift, 0x20000U);
     QCOMPARE(control, 0x40000U);
     QCOMPARE(option, 0x80000U);
     QCOMPARE(command, 0x100000U);
+    QCOMPARE(unsigned(MenuItem::NSFunctionKeyMask), 0x800000U);
 }
 
 void MenuItemTest::keyEquivalentIsAShortcut_data()

@@ -65,7 +65,7 @@ void WayfoldPluginTest::initTestCase()
 void WayfoldPluginTest::startsEverything()
 {
     QCOMPARE(_host.menuBar.menus.size(), 1);
-    QCOMPARE(_host.menuBar.menus.constFirst()->title(), QStringLiteral("Wayfold"));
+    QCOMPARE(_host.menuBar.menus.constFirst()->title(), QStringLiteral("Wa&yfold"));
     QVERIFY(QFileInfo(_home.path(QStringLiteral("Library/Wayfold"))).isDir());
     const QString settings = _home.path(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"));
     QTRY_VERIFY(QFileInfo::exists(settings));

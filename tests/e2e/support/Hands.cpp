@@ -136,3 +136,8 @@ bool Hands::type(const QString &text)
     }
     return true;
 }
+
+bool Hands::takeKeyboard(const QString &layout)
+{
+    return Tool::run(QStringLiteral("setxkbmap"), {layout}).has_value();
+}

@@ -1,0 +1,366 @@
+#include "browser/Browser.h"
+#include "browser/BrowserWindow.h"
+#include "browser/WebView.h"
+#include "platform/widgets/MenuItem.h"
+#include "platform/widgets/MenuKeyFilter.h"
+#include "tests/e2e/support/Eyes.h"
+#include "tests/e2e/support/Hands.h"
+#include "tests/e2e/support/Play.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTabBar>
+
+// The keys of the menu's commands on the keyboards of several countries. They are pressed by their places, told by the
+// display's key codes, since what they type is what it is about.
+class ShortcutKeysTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ShortcutKeysTest(Play &play) : _play(play) {}
+
+private Q_SLOTS:
+    void cleanupTestCase();
+
+    void viewCommand_data();
+    void viewCommand();
+    void zoomOfTheBrowser_data();
+    void zoomOfTheBrowser();
+
+    void whatWasPressedWorks_data();
+    void whatWasPressedWorks();
+    void whatTheKeyTypesComesFirst();
+    void shortcutOfTheHostStays();
+    void textGoesToTheField();
+    void worksInAToolWindow();
+    void waitsForADialog();
+
+private:
+    Play &_play;
+};
+
+namespace
+{
+constexpr auto us = "us";
+constexpr auto german = "de";
+constexpr auto french = "fr";
+
+class Target : public MenuItemTarget
+{
+public:
+    QList<QAction *> performed;
+
+    bool validateMenuItem(QAction * /*item*/) override { return true; }
+    void performMenuItem(QAction *item) override { performed.append(item); }
+};
+
+// A window with a menu of its own, and what is pressed in it.
+class KeyWindow : public QMainWindow
+{
+public:
+    Target target;
+    QMenu *menu = menuBar()->addMenu(QStringLiteral("Commands"));
+    QMenu *hostMenu = menuBar()->addMenu(QStringLiteral("Host"));
+    QList<KeyEquivalent> pressed; // what no command took
+
+    KeyWindow()
+    {
+        setFocusPolicy(Qt::StrongFocus);
+        setFocus();
+        new MenuKeyFilter(menu);
+        resize(300, 200);
+        show();
+    }
+    QAction *addItem(const QString &key, unsigned modifierMask)
+    {
+        QAction *item = menu->addAction(QStringLiteral("Item"));
+        MenuItem::setTarget(item, &target);
+        MenuItem::setKeyEquivalent(item, key, modifierMask);
+        return item;
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override { pressed.append(KeyEquivalent::ofKeyPress(*event)); }
+};
+
+// Lives on the main thread and waits until it has the keyboard.
+class WindowForKeys
+{
+public:
+    WindowForKeys()
+        : _window(Stage::onMain([] { return new KeyWindow; }))
+        , _isReady(Stage::eventually([this] { return _window->isActiveWindow(); }))
+    {}
+    ~WindowForKeys()
+    {
+        Stage::onMain([this] { delete _window; });
+    }
+    WindowForKeys(const WindowForKeys &) = delete;
+    WindowForKeys &operator=(const WindowForKeys &) = delete;
+    bool isReady() const { return _isReady; }
+    KeyWindow *operator->() const { return _window; }
+    QAction *addItem(const QString &key, unsigned modifierMask)
+    {
+        return Stage::onMain([&] { return _window->addItem(key, modifierMask); });
+    }
+
+private:
+    KeyWindow *_window;
+    bool _isReady;
+};
+
+constexpr unsigned shift = MenuItem::NSShiftKeyMask;
+constexpr unsigned command = MenuItem::NSCommandKeyMask;
+
+// The keys of the main block, the keys above and beside it, and those of the number pad.
+QList<int> keyCodes()
+{
+    QList<int> codes = {9, 22, 23, 36, 65, 94, 95, 96, 104, 106, 110, 111, 112, 113, 114, 115, 116, 117};
+    for (const auto &[first, last] : {std::pair(10, 21), {24, 35}, {38, 49}, {51, 61}, {67, 76}, {79, 91}}) {
+        for (int code = first; code <= last; ++code)
+            codes.append(code);
+    }
+    codes.removeAll(77); // Num Lock
+    return codes;
+}
+} // namespace
+
+void ShortcutKeysTest::cleanupTestCase()
+{
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
+}
+
+void ShortcutKeysTest::viewCommand_data()
+{
+    QTest::addColumn<QString>("layout");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<int>("tab");
+    const auto row = [](const char *layout, const char *keys, int tab) {
+        QTest::addRow("%s %s", layout, keys) << QString::fromLatin1(layout) << QString::fromLatin1(keys) << tab;
+    };
+    for (const char *layout : {us, german, french}) {
+        row(layout, "ctrl+shift+63", 0); // * of the number pad
+        row(layout, "ctrl+shift+82", 1); // - of the number pad
+        row(layout, "ctrl+shift+86", 2); // + of the number pad
+    }
+    row(us, "ctrl+shift+17", 0);     // 8 and *
+    row(us, "ctrl+shift+20", 1);     // - and _
+    row(us, "ctrl+shift+21", 2);     // = and +
+    row(german, "ctrl+shift+35", 0); // + and *
+    row(german, "ctrl+shift+61", 1); // - and _
+    row(french, "ctrl+shift+51", 0); // * and the micro sign
+    row(french, "ctrl+shift+15", 1); // - and 6
+    row(french, "ctrl+shift+21", 2); // = and +
+}
+
+void ShortcutKeysTest::viewCommand()
+{
+    QFETCH(QString, layout);
+    QFETCH(QString, keys);
+    QFETCH(int, tab);
+    EVENTUALLY(_play.window());
+    const BrowserWindow *window = _play.window();
+    QVERIFY(Hands::takeKeyboard(layout));
+    EVENTUALLY(Play::isDrawerClosed(window));
+
+    QVERIFY(Hands::press(keys));
+    EVENTUALLY(Play::isDrawerOpen(window));
+    QTabBar *tabs = Eyes::firstOf<QTabBar>(Play::drawer(window));
+    QVERIFY(tabs);
+    NOW(tabs->currentIndex() == tab);
+    QVERIFY(Hands::press(keys)); // from the drawer's own window
+    EVENTUALLY(Play::isDrawerClosed(window));
+}
+
+void ShortcutKeysTest::zoomOfTheBrowser_data()
+{
+    QTest::addColumn<QString>("layout");
+    QTest::addColumn<QString>("in");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("us") << us << "ctrl+21"
+                        << "ctrl+20";
+    QTest::newRow("us, number pad") << us << "ctrl+86"
+                                    << "ctrl+82";
+    QTest::newRow("de") << german << "ctrl+35"
+                        << "ctrl+61";
+    QTest::newRow("de, number pad") << german << "ctrl+86"
+                                    << "ctrl+82";
+    QTest::newRow("fr") << french << "ctrl+21"
+                        << "ctrl+15";
+    QTest::newRow("fr, number pad") << french << "ctrl+86"
+                                    << "ctrl+82";
+}
+
+void ShortcutKeysTest::zoomOfTheBrowser()
+{
+    QFETCH(QString, layout);
+    QFETCH(QString, in);
+    QFETCH(QString, out);
+    EVENTUALLY(_play.window());
+    const BrowserWindow *window = _play.window();
+    const auto zoom = [&] { return window->currentWebView()->zoomFactor(); };
+    QVERIFY(Hands::takeKeyboard(layout));
+    NOW(zoom() == 1.0);
+
+    QVERIFY(Hands::press(in));
+    EVENTUALLY(zoom() > 1.0);
+    QVERIFY(Hands::press(out));
+    EVENTUALLY(zoom() == 1.0);
+    NOW(Play::isDrawerClosed(window));
+}
+
+void ShortcutKeysTest::whatWasPressedWorks_data()
+{
+    QTest::addColumn<QString>("layout");
+    QTest::addColumn<QString>("modifiers");
+    for (const char *layout : {us, german, french}) {
+        for (const char *modifiers : {"ctrl", "ctrl+shift", "alt+shift"})
+            QTest::addRow("%s %s", layout, modifiers) << QString::fromLatin1(layout) << QString::fromLatin1(modifiers);
+    }
+}
+
+// Whatever is captured is found again by the same keys.
+void ShortcutKeysTest::whatWasPressedWorks()
+{
+    QFETCH(QString, layout);
+    QFETCH(QString, modifiers);
+    const WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(layout));
+    QAction *item = Stage::onMain([&] { return window->addItem(QString(), 0); });
+
+    int tried = 0;
+    for (int code : keyCodes()) {
+        const QString keys =
+            modifiers + QLatin1Char('+') + QString::number(code).rightJustified(2, u'0'); // "9" is a digit
+        const auto pressOnce = [&] { return Hands::press(keys) && Hands::press(QStringLiteral("Scroll_Lock")); };
+        // A key that is no shortcut comes last, and tells when all of it has arrived.
+        Stage::onMain([&] {
+            MenuItem::setKeyEquivalent(item, QString(), 0);
+            window->pressed.clear();
+            window->target.performed.clear();
+        });
+        QVERIFY(pressOnce());
+        EVENTUALLY(window->pressed.size() >= 2);
+        QList<KeyEquivalent> captured = Stage::onMain([&] { return window->pressed; });
+        captured.removeIf([](const KeyEquivalent &key) { return key.key.isEmpty(); });
+        if (captured.isEmpty())
+            continue; // a dead key, say
+        QCOMPARE(captured.size(), 1);
+
+        const KeyEquivalent key = captured.first();
+        Stage::onMain([&] {
+            MenuItem::setKeyEquivalent(item, key.key, key.modifierMask);
+            window->pressed.clear();
+        });
+        QVERIFY(pressOnce());
+        EVENTUALLY(!window->pressed.isEmpty() && window->pressed.last().key.isEmpty());
+        QVERIFY2(Stage::onMain([&] { return window->target.performed.size() == 1; }),
+                 qPrintable(QStringLiteral("%1: \"%2\", 0x%3").arg(keys, key.key).arg(key.modifierMask, 0, 16)));
+        ++tried;
+    }
+    QVERIFY2(tried > 70, qPrintable(QString::number(tried)));
+}
+
+// On a German keyboard the plus key has the asterisk with Shift.
+void ShortcutKeysTest::whatTheKeyTypesComesFirst()
+{
+    WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(german)));
+    QAction *asterisk = window.addItem(QStringLiteral("*"), command | shift);
+    QAction *plus = window.addItem(QStringLiteral("+"), command | shift);
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+35")));
+    EVENTUALLY(window->target.performed == QList<QAction *>{asterisk});
+    QVERIFY(Hands::press(QStringLiteral("ctrl+35"))); // without Shift it is neither
+    EVENTUALLY(window->pressed.contains(KeyEquivalent{QStringLiteral("+"), command}));
+    NOW(window->target.performed == QList<QAction *>{asterisk});
+
+    Stage::onMain([&] { MenuItem::setKeyEquivalent(asterisk, QString(), 0); });
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+35")));
+    EVENTUALLY(window->target.performed == (QList<QAction *>{asterisk, plus}));
+}
+
+void ShortcutKeysTest::shortcutOfTheHostStays()
+{
+    WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
+    window.addItem(QStringLiteral("+"), command | shift);
+    int zoomed = 0;
+    Stage::onMain([&] {
+        QAction *zoom = window->hostMenu->addAction(QStringLiteral("Zoom In"));
+        zoom->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Plus));
+        connect(zoom, &QAction::triggered, zoom, [&] { ++zoomed; });
+    });
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+21")));
+    EVENTUALLY(zoomed == 1);
+    NOW(window->target.performed.isEmpty());
+}
+
+void ShortcutKeysTest::textGoesToTheField()
+{
+    WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
+    QAction *item = window.addItem(QStringLiteral("*"), shift);
+    QLineEdit *field = Stage::onMain([&] {
+        auto *made = new QLineEdit;
+        window->setCentralWidget(made);
+        return made;
+    });
+    QVERIFY(Hands::clickInto(field));
+    QVERIFY(Hands::press(QStringLiteral("shift+17")));
+    EVENTUALLY(field->text() == QLatin1String("*"));
+    Stage::onMain([&] { window->setFocus(); });
+    QVERIFY(Hands::press(QStringLiteral("shift+17")));
+    EVENTUALLY(window->target.performed == QList<QAction *>{item});
+    NOW(field->text() == QLatin1String("*"));
+}
+
+void ShortcutKeysTest::worksInAToolWindow()
+{
+    WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
+    QAction *item = window.addItem(QStringLiteral("*"), command | shift);
+    QWidget *tool = Stage::onMain([&] {
+        auto *made = new QWidget(window.operator->(), Qt::Tool);
+        made->resize(100, 100);
+        made->show();
+        made->activateWindow();
+        return made;
+    });
+    EVENTUALLY(tool->isActiveWindow());
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+17")));
+    EVENTUALLY(window->target.performed == QList<QAction *>{item});
+}
+
+void ShortcutKeysTest::waitsForADialog()
+{
+    WindowForKeys window;
+    QVERIFY(window.isReady());
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
+    window.addItem(QStringLiteral("*"), command | shift);
+    QDialog *dialog = Stage::onMain([&] {
+        auto *made = new QDialog(window.operator->());
+        made->open();
+        return made;
+    });
+    EVENTUALLY(dialog->isActiveWindow());
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+17")));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(!dialog->isVisible());
+    NOW(window->target.performed.isEmpty());
+}
+
+int main(int argc, char **argv)
+{
+    return Play::perform<ShortcutKeysTest>(argc, argv);
+}
+
+#include "ShortcutKeysTest.moc"
