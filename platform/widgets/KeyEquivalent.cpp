@@ -107,7 +107,7 @@ QKeySequence KeyEquivalent::shortcut() const
 
 bool KeyEquivalent::isSignWithShift() const
 {
-    return modifierMask & NSShiftKeyMask && !key.isEmpty() && key.front().isPrint() && !key.front().isLetter() &&
+    return modifierMask & NSShiftKeyMask && !key.isEmpty() && key.front().isPrint() && !key.front().isUpper() &&
            !key.front().isSpace();
 }
 

@@ -30,7 +30,7 @@ struct KeyEquivalent
     static KeyEquivalent ofShortcut(const QKeySequence &shortcut);
     // Empty without a key.
     QKeySequence shortcut() const;
-    // Whether the key types a sign (no letter) with Shift, which is then one modifier more than the sign needs.
+    // Whether the key types with Shift what is no capital: Shift is then one modifier more than the sign needs.
     bool isSignWithShift() const;
     // What Qt may take the same keys for: the shortcut and, of a sign with Shift, the one without Shift.
     QList<QKeySequence> shortcuts() const;

@@ -120,7 +120,8 @@ bool Hands::drag(const QPoint &from, const QPoint &to)
 
 bool Hands::press(const QString &keys)
 {
-    return xdotool({QStringLiteral("key"), QStringLiteral("--clearmodifiers"), keys});
+    return xdotool(QStringList{QStringLiteral("key"), QStringLiteral("--clearmodifiers")} +
+                   keys.split(QLatin1Char(' ')));
 }
 
 bool Hands::type(const QString &text)

@@ -34,7 +34,8 @@ bool clickOnRow(QTreeView *list, const QString &text);
 bool doubleClickOnRow(QTreeView *list, const QString &text);
 // Presses the left button, moves the pointer in small steps and lets go.
 bool drag(const QPoint &from, const QPoint &to);
-// A key with its modifiers: "ctrl+q", "Return", "space"; or by its place, a key code of the display: "ctrl+21".
+// A key with its modifiers: "ctrl+q", "Return", "space"; or by its place, a key code of the display: "ctrl+21". Several
+// with blanks between them, one after the other.
 bool press(const QString &keys);
 // Line ends are typed with Return.
 bool type(const QString &text);
