@@ -21,6 +21,7 @@ private Q_SLOTS:
     void keepsWhatWasSaved();
     void findsItAgain();
     void findsItOnceMore();
+    void keepsAShortcut();
 
 private:
     // The site folders of the item file.
@@ -56,6 +57,8 @@ private Q_SLOTS:
     void initTestCase();
     void save();
     void find();
+    void changeShortcut();
+    void useShortcut();
     void cleanupTestCase();
 
 private:
@@ -82,6 +85,13 @@ void RestartTest::findsItAgain()
 void RestartTest::findsItOnceMore()
 {
     QCOMPARE(session(QStringLiteral("find")), 0);
+}
+
+// Nothing else is changed before the browser quits.
+void RestartTest::keepsAShortcut()
+{
+    QCOMPARE(session(QStringLiteral("changeShortcut")), 0);
+    QCOMPARE(session(QStringLiteral("useShortcut")), 0);
 }
 
 void Session::initTestCase()
@@ -129,6 +139,34 @@ void Session::find()
     QVERIFY(_play.chooseRow(QStringLiteral("The garden")));
     QVERIFY(Hands::press(QStringLiteral("space")));
     EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.garden.localhost/")));
+}
+
+void Session::changeShortcut()
+{
+    const auto isInFront = [](const char *className) {
+        const QWidget *window = QApplication::activeWindow();
+        return window && window->inherits(className);
+    };
+    QVERIFY(_play.choose({QStringLiteral("Wayfold"), QStringLiteral("Preferences...")}));
+    EVENTUALLY(QApplication::activeWindow() && QApplication::activeWindow()->objectName() == u"prefsWindow");
+    QVERIFY(Hands::press(QStringLiteral("alt+t"))); // the page of the shortcuts
+    QVERIFY(Hands::press(QStringLiteral("alt+m"))); // its table, on the drawer's command
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(isInFront("WayfoldShortcutPanel"));
+    QVERIFY(Hands::press(QStringLiteral("alt+Escape")));
+    EVENTUALLY(isInFront("WayfoldShortcutPanel"));
+    QVERIFY(Hands::press(QStringLiteral("Return")));
+    EVENTUALLY(!isInFront("WayfoldShortcutPanel"));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(_window->isActiveWindow());
+}
+
+void Session::useShortcut()
+{
+    QVERIFY(Hands::press(QStringLiteral("alt+Escape")));
+    EVENTUALLY(Play::isDrawerClosed(_window));
+    QVERIFY(Hands::press(QStringLiteral("alt+Escape")));
+    EVENTUALLY(Play::isDrawerOpen(_window));
 }
 
 void Session::cleanupTestCase()

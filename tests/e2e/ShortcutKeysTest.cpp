@@ -24,7 +24,7 @@ public:
     explicit ShortcutKeysTest(Play &play) : _play(play) {}
 
 private Q_SLOTS:
-    void initTestCase() { EVENTUALLY(_play.window()); }
+    void initTestCase();
     void cleanupTestCase();
 
     void viewCommand_data();
@@ -43,6 +43,7 @@ private Q_SLOTS:
 
 private:
     Play &_play;
+    BrowserWindow *_window = nullptr;
 };
 
 namespace
@@ -142,6 +143,12 @@ QList<int> keyCodes()
 }
 } // namespace
 
+void ShortcutKeysTest::initTestCase()
+{
+    EVENTUALLY(_play.window());
+    _window = _play.window();
+}
+
 void ShortcutKeysTest::cleanupTestCase()
 {
     QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
@@ -175,18 +182,17 @@ void ShortcutKeysTest::viewCommand()
     QFETCH(QString, layout);
     QFETCH(QString, keys);
     QFETCH(int, tab);
-    const BrowserWindow *window = _play.window();
-    QVERIFY(window);
+    EVENTUALLY(_play.window() == _window);
     QVERIFY(Hands::takeKeyboard(layout));
-    EVENTUALLY(Play::isDrawerClosed(window));
+    EVENTUALLY(Play::isDrawerClosed(_window));
 
     QVERIFY(Hands::press(keys));
-    EVENTUALLY(Play::isDrawerOpen(window));
-    QTabBar *tabs = Eyes::firstOf<QTabBar>(Play::drawer(window));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    QTabBar *tabs = Eyes::firstOf<QTabBar>(Play::drawer(_window));
     QVERIFY(tabs);
     NOW(tabs->currentIndex() == tab);
     QVERIFY(Hands::press(keys)); // from the drawer's own window
-    EVENTUALLY(Play::isDrawerClosed(window));
+    EVENTUALLY(Play::isDrawerClosed(_window));
 }
 
 void ShortcutKeysTest::zoomOfTheBrowser_data()
@@ -207,9 +213,8 @@ void ShortcutKeysTest::zoomOfTheBrowser()
     QFETCH(QString, layout);
     QFETCH(QString, in);
     QFETCH(QString, out);
-    const BrowserWindow *window = _play.window();
-    QVERIFY(window);
-    const auto zoom = [&] { return window->currentWebView()->zoomFactor(); };
+    EVENTUALLY(_play.window() == _window);
+    const auto zoom = [this] { return _window->currentWebView()->zoomFactor(); };
     QVERIFY(Hands::takeKeyboard(layout));
     NOW(zoom() == 1.0);
 
@@ -217,16 +222,16 @@ void ShortcutKeysTest::zoomOfTheBrowser()
     EVENTUALLY(zoom() > 1.0);
     QVERIFY(Hands::press(out));
     EVENTUALLY(zoom() == 1.0);
-    NOW(Play::isDrawerClosed(window));
+    NOW(Play::isDrawerClosed(_window));
 }
 
 void ShortcutKeysTest::letterOpensTheMenu()
 {
     QVERIFY(Hands::takeKeyboard(QString::fromLatin1(us)));
-    const BrowserWindow *window = _play.window();
+    EVENTUALLY(_play.window() == _window);
     QList<QKeySequence> letters;
     Stage::onMain([&] {
-        for (const QAction *menu : window->menuBar()->actions())
+        for (const QAction *menu : _window->menuBar()->actions())
             letters.append(QKeySequence::mnemonic(menu->text()));
     });
     QCOMPARE(letters.count(letters.last()), 1);
@@ -234,7 +239,7 @@ void ShortcutKeysTest::letterOpensTheMenu()
     QVERIFY(Hands::press(letters.last().toString().toLower()));
     const auto shown = [] { return qobject_cast<QMenu *>(QApplication::activePopupWidget()); };
     EVENTUALLY(shown());
-    NOW(shown()->menuAction() == window->menuBar()->actions().last());
+    NOW(shown()->menuAction() == _window->menuBar()->actions().last());
     QVERIFY(Hands::press(QStringLiteral("Escape Escape")));
     EVENTUALLY(!shown());
 }

@@ -602,6 +602,8 @@ void PreferencesSession::pressAShortcut()
     QVERIFY(Hands::press(QStringLiteral("alt+m"))); // the letter of the table's label, in German too
     QVERIFY(Hands::press(QStringLiteral("Return")));
     EVENTUALLY(windowNamed(QStringLiteral("WayfoldShortcutPanel")));
+    QVERIFY(Hands::press(QStringLiteral("F11"))); // full screen, in the browser
+    QVERIFY(shootPreferences(QStringLiteral("shortcut-refused")));
     QVERIFY(Hands::press(QStringLiteral("ctrl+shift+y")));
     QVERIFY(shootPreferences(QStringLiteral("shortcut-pressed")));
     QVERIFY(Hands::press(QStringLiteral("Escape")));
