@@ -8,7 +8,26 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QTest>
+#include <cerrno>
 #include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+QByteArrayList flushed; // the paths, in order
+qsizetype failsAt = -1; // the number of the flush that fails
+} // namespace
+
+// In place of the system's, for the whole program.
+extern "C" int fsync(int descriptor)
+{
+    char target[4096];
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
+    const ssize_t length = ::readlink(link.constData(), target, sizeof target);
+    flushed.append(QByteArray(target, qMax<ssize_t>(length, 0)));
+    errno = EIO;
+    return flushed.size() - 1 == failsAt ? -1 : 0;
+}
 
 class KeptCopyTest : public QObject
 {
@@ -22,7 +41,44 @@ private Q_SLOTS:
     void cannotBeCopied_data();
     void cannotBeCopied();
     void directoryThatTakesNoFile();
+    void isOnTheDisk();
+    void cannotBeFlushed_data();
+    void cannotBeFlushed();
 };
+
+void KeptCopyTest::isOnTheDisk()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    flushed.clear();
+    const QString copy = keepCopyOfFile(home.path("file"));
+    QVERIFY(flushed.size() >= 2);
+    QCOMPARE(flushed.mid(flushed.size() - 2),
+             QByteArrayList({QFile::encodeName(copy), QFile::encodeName(home.path())}));
+}
+
+void KeptCopyTest::cannotBeFlushed_data()
+{
+    QTest::addColumn<int>("fromTheLast");
+    QTest::newRow("file") << 2;
+    QTest::newRow("folder") << 1;
+}
+
+void KeptCopyTest::cannotBeFlushed()
+{
+    QFETCH(int, fromTheLast);
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    flushed.clear();
+    QVERIFY(!keepCopyOfFile(home.path("file")).isNull());
+    failsAt = 2 * flushed.size() - fromTheLast;
+    const QString copy = keepCopyOfFile(home.path("file"));
+    failsAt = -1;
+    QVERIFY(copy.isNull());
+    QVERIFY(messages.contain("Input/output error"));
+}
 
 void KeptCopyTest::copiesBesideTheFile()
 {
