@@ -18,7 +18,7 @@ QVariant PlainPropertyList::read()
 QVariant PlainPropertyList::readValue(Tag tag, int depth)
 {
     if (depth > PlainXml::greatestDepth)
-        return giveUp();
+        return {};
     switch (tag) {
     case Tag::String:
     case Tag::EmptyString:
@@ -41,7 +41,7 @@ QVariant PlainPropertyList::readValue(Tag tag, int depth)
     case Tag::Data:
         return _xml.readScalar(tag);
     default:
-        return giveUp();
+        return {};
     }
 }
 
@@ -50,12 +50,12 @@ QVariant PlainPropertyList::readDictionary(int depth)
     QVariantMap dictionary;
     for (Tag tag = _xml.readTag(); tag != Tag::EndDictionary; tag = _xml.readTag()) {
         if (tag != Tag::Key && tag != Tag::EmptyKey)
-            return giveUp();
+            return {};
         const QString key = readString(tag);
         const QVariant value = readValue(_xml.readTag(), depth + 1);
         // A key that is there twice is for the general way to judge.
         if (!value.isValid() || dictionary.contains(key))
-            return giveUp();
+            return {};
         dictionary.insert(key, value);
     }
     return dictionary;
@@ -71,12 +71,6 @@ QVariant PlainPropertyList::readArray(int depth)
         array.append(std::move(value));
     }
     return array;
-}
-
-QVariant PlainPropertyList::giveUp()
-{
-    _xml.fail();
-    return {};
 }
 
 // Empty but never null; what follows fails when this did.

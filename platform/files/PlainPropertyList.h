@@ -19,7 +19,6 @@ private:
     QVariant readValue(PlainXml::Tag tag, int depth);
     QVariant readDictionary(int depth);
     QVariant readArray(int depth);
-    QVariant giveUp();
     QString readString(PlainXml::Tag tag);
 
     PlainXml _xml;

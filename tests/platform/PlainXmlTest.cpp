@@ -399,7 +399,13 @@ void PlainXmlTest::values_data()
     row("<key>a</key>", false);
     row("<set/>", false);
     row("", false);
-    row(QByteArray("<array>").repeated(60) + QByteArray("</array>").repeated(60), true);
+    for (const bool isTaken : {true, false}) {
+        const int depth = PlainXml::greatestDepth + (isTaken ? 1 : 2); // the outermost is not deep at all
+        row(QByteArray("<array>").repeated(depth) + QByteArray("</array>").repeated(depth), isTaken);
+        row(QByteArray("<dict><key>a</key>").repeated(depth - 1) + "<true/>" +
+                QByteArray("</dict>").repeated(depth - 1),
+            isTaken);
+    }
     row(QByteArray("<array>").repeated(5000) + QByteArray("</array>").repeated(5000), false);
     row(QByteArray("<array>").repeated(200000), false);
 }

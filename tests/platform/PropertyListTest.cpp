@@ -255,6 +255,8 @@ private Q_SLOTS:
     void keysThatXmlCannotHold();
     void cannotBeWritten_data();
     void cannotBeWritten();
+    void otherTypesAreWritten_data();
+    void otherTypesAreWritten();
     void nullStringIsWrittenAsEmpty();
     void xmlForm();
     void otherReadersAgree();
@@ -433,6 +435,7 @@ void PropertyListTest::cannotBeWritten_data()
     QTest::newRow("invalid") << QVariant();
     QTest::newRow("foreign type") << QVariant(QSize(1, 2));
     QTest::newRow("invalid date") << QVariant(QDateTime());
+    QTest::newRow("date before all others") << QVariant(QDateTime(QDate(-1, 1, 1), QTime(0, 0), Qt::UTC));
     QTest::newRow("date far off") << QVariant(QDateTime(QDate(10000, 1, 1), QTime(0, 0), Qt::UTC));
     QTest::newRow("inside an array") << QVariant(QVariantList{"a", QVariant()});
     QTest::newRow("inside a dictionary") << QVariant(QVariantMap{{"a", QVariant()}});
@@ -442,6 +445,35 @@ void PropertyListTest::cannotBeWritten()
 {
     QFETCH(QVariant, value);
     QVERIFY(PropertyList::toXml(value).isEmpty());
+}
+
+void PropertyListTest::otherTypesAreWritten_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QVariant>("read");
+    const auto row = [](const char *name, const QVariant &value, const QVariant &read) {
+        QTest::newRow(name) << value << read;
+    };
+    row("short", QVariant::fromValue(short(-3)), qlonglong(-3));
+    row("int", -3, qlonglong(-3));
+    row("long", QVariant::fromValue(-3L), qlonglong(-3));
+    row("short without a sign", QVariant::fromValue(quint16(65535)), qlonglong(65535));
+    row("int without a sign", 4294967295U, qlonglong(4294967295));
+    row("long without a sign", QVariant::fromValue(std::numeric_limits<unsigned long>::max()),
+        std::numeric_limits<quint64>::max());
+    row("short real", QVariant::fromValue(0.5F), 0.5);
+    row("list of texts", QStringList{"a", "b"}, QVariantList{"a", "b"});
+    row("date of the user's own zone", QDateTime(QDate(2004, 2, 29), QTime(12, 0), QTimeZone("Asia/Tokyo")),
+        QDateTime(QDate(2004, 2, 29), QTime(3, 0), Qt::UTC));
+    row("last date", QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), Qt::UTC),
+        QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), Qt::UTC));
+}
+
+void PropertyListTest::otherTypesAreWritten()
+{
+    QFETCH(QVariant, value);
+    QFETCH(QVariant, read);
+    compare(PropertyList::fromData(PropertyList::toXml(value)), read);
 }
 
 void PropertyListTest::nullStringIsWrittenAsEmpty()
@@ -723,6 +755,8 @@ void PropertyListTest::encodings()
     const bool isDamaged = value.toString().contains(QChar(QChar::ReplacementCharacter));
     QCOMPARE(isWhole, value.isValid() && !isDamaged);
     QCOMPARE(messages.texts().size(), isWhole ? 0 : 1);
+    const bool isWide = data.left(4).contains('\0') || data.startsWith("\xfe\xff") || data.startsWith("\xff\xfe");
+    QCOMPARE(messages.contain(" - not in UTF-8"), isWide);
 }
 
 void PropertyListTest::wholeOrNot_data()
@@ -825,7 +859,9 @@ void PropertyListTest::whatCannotBeHeldIsLeftOut_data()
     binaryRow("binary, set", QByteArray("\xc1\0\0\0\1", 5));
     binaryRow("binary, integer too large", char(0x14) + QByteArray(16, '\x7f'));
     binaryRow("binary, date that is no number", char(0x33) + BinaryList::number(~quint64(0)));
-    binaryRow("binary, date too far off", char(0x33) + BinaryList::number(std::bit_cast<quint64>(1e20)));
+    for (const double date : {1e20, 252460800000.001, -252460800000.001})
+        binaryRow(qPrintable(QStringLiteral("binary, date too far off: %1").arg(date)),
+                  char(0x33) + BinaryList::number(std::bit_cast<quint64>(date)));
 }
 
 void PropertyListTest::whatCannotBeHeldIsLeftOut()
@@ -993,6 +1029,7 @@ void PropertyListTest::binaryScalars_data()
     row("distant past", date(-63113904000), QDateTime(QDate(1, 1, 1), QTime(0, 0), Qt::UTC));
     row("two days before that", date(-63114076800), QDateTime(QDate(1, 1, 1), QTime(0, 0), Qt::UTC).addDays(-2));
     row("distant future", date(63113904000), QDateTime(QDate(4001, 1, 1), QTime(0, 0), Qt::UTC));
+    row("the furthest", date(252460800000), QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).addSecs(252460800000));
     row("empty data", BinaryList::sized(0x4, 0), QByteArray(""));
     row("data", BinaryList::sized(0x4, 3) + QByteArray("\0\1\xff", 3), QByteArray("\0\1\xff", 3));
     row("empty text", BinaryList::sized(0x5, 0), "");
