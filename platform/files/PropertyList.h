@@ -19,9 +19,9 @@ class QFile;
 //
 // Less than the whole is read where a dictionary has a key twice (the later value counts), where a value is none of the
 // above (an archive's identifier, a date of the year 0; it is left out, and its key with it), where text is damaged
-// (bytes that are not UTF-8 are read as U+FFFD), and where text in the binary form holds a NUL, at which it ends.
-// `isWhole` tells: true when everything was read, and can be written again just so. Who is going to write over a file
-// that was not read whole keeps a copy of it first. The log says so too.
+// (bytes that are not UTF-8, and characters that XML cannot hold, are read as U+FFFD), and where text in the binary
+// form holds a NUL, at which it ends. `isWhole` tells: true when everything was read, and can be written again just so.
+// Who is going to write over a file that was not read whole keeps a copy of it first. The log says so too.
 namespace PropertyList
 {
 // How the reading of a file went.

@@ -1,7 +1,10 @@
 #include "platform/files/XmlPropertyListReader.h"
 
 #include "platform/files/PropertyList.h"
+#include "platform/files/XmlPropertyListWriter.h"
 #include "platform/files/XmlScalars.h"
+
+#include <algorithm>
 
 XmlPropertyListReader::XmlPropertyListReader(QIODevice *device)
     : _xml(device)
@@ -21,12 +24,15 @@ QVariant XmlPropertyListReader::read()
     QVariant value = readDocument();
     if (value.isValid())
         return value;
-    // A few damaged bytes do not take the rest away.
+    // A few damaged bytes, or characters that other programs let in, do not take the rest away.
     const QByteArray data = isInUtf8() && _device->seek(_beginning) ? _device->readAll() : QByteArray();
-    if (data.isValidUtf8())
+    QString text = QString::fromUtf8(data);
+    const auto isMisplaced = [](QChar c) { return !c.isNull() && XmlPropertyListWriter::isUnwritable(c); };
+    if (data.isValidUtf8() && std::none_of(text.cbegin(), text.cend(), isMisplaced))
         return {};
+    std::replace_if(text.begin(), text.end(), isMisplaced, QChar(QChar::ReplacementCharacter));
     _isWhole = false;
-    return XmlPropertyListReader(QString::fromUtf8(data)).readDocument();
+    return XmlPropertyListReader(text).readDocument();
 }
 
 // Whether the document says so, or says nothing.

@@ -20,7 +20,7 @@ public:
     QVariant read();
     QString errorString() const;
     // False when a value was left out, for another one that stands under the same key or because it is none of ours, or
-    // when bytes that are not UTF-8 were read as U+FFFD.
+    // when bytes that are not UTF-8, or characters that XML cannot hold, were read as U+FFFD.
     bool isWhole() const { return _isWhole; }
 
 private:

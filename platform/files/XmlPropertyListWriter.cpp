@@ -20,13 +20,6 @@ bool isPlain(QChar character)
     return c >= 0x20 && c != '&' && c != '<' && c != '>' && !character.isSurrogate() && c < 0xfffe;
 }
 
-// Whether XML has no place for it, not even as a reference.
-bool isUnwritable(QChar character)
-{
-    const char16_t c = character.unicode();
-    return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c >= 0xfffe;
-}
-
 // What stands in the file for a character that is not plain and not half of a pair. Of control characters nobody sees
 // more than the line that some of them begin.
 QString escaped(QChar character)
@@ -87,6 +80,12 @@ QByteArray XmlPropertyListWriter::write(const QVariant &value)
     if (!writer.writeValue(value, 0))
         return {};
     return writer._xml + "</plist>\n";
+}
+
+bool XmlPropertyListWriter::isUnwritable(QChar character)
+{
+    const char16_t c = character.unicode();
+    return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c >= 0xfffe;
 }
 
 bool XmlPropertyListWriter::canHold(const QString &text)

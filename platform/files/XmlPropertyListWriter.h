@@ -10,6 +10,8 @@ class XmlPropertyListWriter
 public:
     // Empty when the value holds something that a property list cannot, or is nested too deep.
     static QByteArray write(const QVariant &value);
+    // Whether XML has no place for the character, not even as a reference.
+    static bool isUnwritable(QChar character);
     // Whether the text can be read again just as it is.
     static bool canHold(const QString &text);
 

@@ -686,7 +686,8 @@ void PropertyListTest::xmlIsRefused_data()
     row("date of an hour too many", xml("<date>2003-02-28T24:00:00Z</date>"), "a date");
     row("date without a zone", xml("<date>2003-02-28T12:00:00</date>"), "a date");
     row("data not in base 64", xml("<data>A*EC</data>"), "base 64");
-    row("control character", xml("<string>a\1b</string>"), "line 2");
+    row("control character in a tag", xml("<str\1ing>a</string>"), "line 2");
+    row("control character and a NUL", xml(QByteArray("<string>a\1\0b</string>", 21)), "line 2");
     row("reference to a control character", xml("<string>&#1;</string>"), "line 2");
     row("reference to NUL", xml("<string>&#0;</string>"), "line 2");
     row("unknown entity", xml("<string>&foo;</string>"), "line 2");
@@ -736,6 +737,12 @@ void PropertyListTest::encodings_data()
         << QByteArray("\xef\xbb\xbf<plist><string>\xe9</string></plist>") << QVariant(QStringLiteral("\ufffd"));
     QTest::newRow("damaged far behind") << "<plist><string>" + QByteArray(100000, 'a') + "\xe9</string></plist>"
                                         << QVariant(QString(100000, u'a') + QChar(QChar::ReplacementCharacter));
+    for (const char *character : {"\x01", "\x08", "\x0b", "\x0c", "\x1b", "\x1f", "\xef\xbf\xbe", "\xef\xbf\xbf"})
+        QTest::addRow("with %s, which XML cannot hold", QByteArray(character).toHex().constData())
+            << "<plist><string>caf" + QByteArray(character) + "</string></plist>"
+            << QVariant(QStringLiteral("caf\ufffd"));
+    QTest::newRow("with several of them, and damaged") << QByteArray("<plist><string>\x1b\t\xe9\n\x0b</string></plist>")
+                                                       << QVariant(QStringLiteral("\ufffd\t\ufffd\n\ufffd"));
     QTest::newRow("damaged inside of a tag") << QByteArray("<plist><str\xe9ing>a</string></plist>") << QVariant();
     QTest::newRow("damaged and cut short") << QByteArray("<plist><string>caf\xe9</string>") << QVariant();
     QTest::newRow("unknown encoding") << "<?xml version=\"1.0\" encoding=\"x-foo\"?>" + body << QVariant();

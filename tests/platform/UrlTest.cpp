@@ -311,6 +311,8 @@ void UrlTest::plainAddresses_data()
     QTest::addColumn<bool>("plain");
     QTest::newRow("page") << QByteArray("https://news.example.com/a%20b/?c=d#e") << true;
     QTest::newRow("port") << QByteArray("http://localhost:8080") << true;
+    QTest::newRow("every kind of character in the scheme") << QByteArray("x-a+b.1://h/") << true;
+    QTest::newRow("scheme that begins with a digit") << QByteArray("1x://h/") << false;
     QTest::newRow("user") << QByteArray("http://ann@example.com/") << false;
     QTest::newRow("no host") << QByteArray("file:///home/ann") << false;
     QTest::newRow("mail") << QByteArray("mailto:ann@example.com") << false;

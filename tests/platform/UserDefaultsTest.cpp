@@ -33,6 +33,7 @@ private Q_SLOTS:
     void unreadableFileThatCannotBeKeptIsNotWrittenOver();
     void unreadableFileIsKeptBeforeItIsRemoved();
     void failedWriteStaysPending();
+    void changeAfterAFailedWriteIsWrittenByItself();
     void homeIsReadWhenAskedFor();
     void resetForgets();
     void nothingIsWrittenWithoutAChange();
@@ -242,6 +243,18 @@ void UserDefaultsTest::failedWriteStaysPending()
     QVERIFY(QFile::remove(_home->path("Library")));
     QVERIFY(_defaults->synchronize());
     QCOMPARE(PropertyList::readDictionaryFile(_home->path(file())).value("a"), 1);
+}
+
+void UserDefaultsTest::changeAfterAFailedWriteIsWrittenByItself()
+{
+    const LoggedMessages messages;
+    _home->write("Library", "a file where the folder belongs");
+    _defaults->setPersistentDomainForName({{"a", 1}}, _name);
+    QVERIFY(!_defaults->synchronize());
+    QVERIFY(QFile::remove(_home->path("Library")));
+    _defaults->setPersistentDomainForName({{"b", 2}}, _name);
+    QTRY_VERIFY(QFile::exists(_home->path(file())));
+    QCOMPARE(PropertyList::readDictionaryFile(_home->path(file())), QVariantMap({{"b", 2}}));
 }
 
 void UserDefaultsTest::homeIsReadWhenAskedFor()
