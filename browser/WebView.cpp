@@ -122,8 +122,11 @@ void WebView::goTo(const QUrl &url)
 {
     if (!url.isValid())
         return;
-    _askedFor = url;
-    _askedForHasStarted = false;
+    // A script runs in the page that is there, and the page stays.
+    if (url.scheme() != QLatin1String("javascript")) {
+        _askedFor = url;
+        _askedForHasStarted = false;
+    }
     load(url);
     Q_EMIT changed();
 }

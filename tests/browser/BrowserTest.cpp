@@ -209,6 +209,8 @@ private Q_SLOTS:
     void drawing();
     void tabSwitchIsDrawn();
     void loadRequest();
+    void scriptRunsInThePageInFront();
+    void scriptSparesThePageThatComesNext();
     void newTabs();
     void withoutTabs();
     void closingTabs();
@@ -418,6 +420,39 @@ void BrowserTest::loadRequest()
     TRY_VERIFY(hasLoaded(window->currentWebView(), _pages->url("c")));
     host->windowShouldGoToURL(Url());
     QCOMPARE(window->tabCount(), 1);
+}
+
+// A link that holds a script, opened from a list.
+void BrowserTest::scriptRunsInThePageInFront()
+{
+    BrowserWindow *window = open("a");
+    const auto frame = window->hostWindow()->currentWebView()->mainFrame();
+    const int visits = _browser->services().history->count();
+    frame->loadRequest(Url::URLWithString("javascript:void(document.title='a,%20run')"));
+    TRY_COMPARE(window->windowTitle(), QString("a, run"));
+    TRY_VERIFY(hasLoaded(window->currentWebView(), _pages->url("a")));
+    QCOMPARE(frame->dataSource()->requestUrl.absoluteString(), _pages->url("a").toString());
+    QVERIFY(!frame->provisionalDataSource());
+    QCOMPARE(window->currentWebView()->shownAddress(), _pages->url("a"));
+    window->goTo(_pages->url("b"));
+    TRY_VERIFY(hasLoaded(window->currentWebView(), _pages->url("b")));
+    TRY_COMPARE(window->windowTitle(), QString("b"));
+    TRY_COMPARE(_browser->services().history->count(), visits + 1);
+}
+
+void BrowserTest::scriptSparesThePageThatComesNext()
+{
+    BrowserWindow *window = open("a");
+    WebView *view = window->currentWebView();
+    const auto frame = window->hostWindow()->currentWebView()->mainFrame();
+    window->goTo(_pages->url("slow/b"));
+    TRY_VERIFY(frame->provisionalDataSource());
+    frame->loadRequest(Url::URLWithString("javascript:void(document.title='a,%20run')"));
+    TRY_COMPARE(view->title(), QString("a, run"));
+    _pages->release();
+    TRY_VERIFY(hasLoaded(view, _pages->url("slow/b")));
+    TRY_COMPARE(view->title(), QString("slow/b"));
+    QCOMPARE(view->shownAddress(), _pages->url("slow/b"));
 }
 
 void BrowserTest::newTabs()
