@@ -40,6 +40,8 @@ private Q_SLOTS:
     void bookmarksFollowTheFile();
     void bookmarkOfTheBrowserAppears();
     void smartFoldersOfASite();
+    void contextMenuOfTheBookmarks();
+    void contextMenuOfTheHistory();
 
 private:
     QTreeView *list(const char *name) const
@@ -219,6 +221,31 @@ void BrowserListsTest::smartFoldersOfASite()
     QVERIFY(expand(Play::scratchList(_window), today()));
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("The garden")));
     QVERIFY(!Play::scratchRows(_window).contains(QLatin1String("The harbour")));
+}
+
+void BrowserListsTest::contextMenuOfTheBookmarks()
+{
+    QVERIFY(writeBookmarks(QStringLiteral("A gate")));
+    QVERIFY(_play.showDrawerTab(QStringLiteral("Bookmarks")));
+    EVENTUALLY(Eyes::rowTexts(bookmarks()).contains(QLatin1String("Places")));
+    QVERIFY(expand(bookmarks(), QStringLiteral("Places")));
+    QVERIFY(Play::chooseFromContextMenu(bookmarks(), QStringLiteral("The harbour"), QStringLiteral("Open Item")));
+    EVENTUALLY(Play::isShown(_window, harbour));
+    NOW(_window->tabCount() == 1);
+}
+
+void BrowserListsTest::contextMenuOfTheHistory()
+{
+    QVERIFY(_play.visit(harbour));
+    QVERIFY(_play.visit(garden));
+    QVERIFY(_play.showDrawerTab(QStringLiteral("History")));
+    QVERIFY(Hands::clickOn(field("historySearchField")));
+    QVERIFY(Hands::type(QStringLiteral("harbour")));
+    EVENTUALLY(Eyes::rowTexts(history()) == QStringList{QStringLiteral("The harbour")});
+    QVERIFY(
+        Play::chooseFromContextMenu(history(), QStringLiteral("The harbour"), QStringLiteral("Open Item in New Tab")));
+    EVENTUALLY(_window->tabCount() == 2 && _window->currentTab() == 1);
+    EVENTUALLY(Play::isShown(_window, harbour));
 }
 
 int main(int argc, char **argv)

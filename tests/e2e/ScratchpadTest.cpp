@@ -35,6 +35,7 @@ private Q_SLOTS:
     void opensBySpace();
     void deletesAfterConfirmation();
     void deletesByKey();
+    void contextMenu();
     void switchesBack();
     void choosesASite();
 
@@ -245,6 +246,19 @@ void ScratchpadTest::deletesByKey()
     EVENTUALLY(Eyes::dialog());
     QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
+    EVENTUALLY(savedTitles().isEmpty());
+}
+
+void ScratchpadTest::contextMenu()
+{
+    QVERIFY(save());
+    QVERIFY(_play.visit(QStringLiteral("http://www.%1/two").arg(_host)));
+    QTreeView *list = Play::scratchList(_window);
+    QVERIFY(Play::chooseFromContextMenu(list, QStringLiteral("Front page"), QStringLiteral("Open Item")));
+    EVENTUALLY(Play::isShown(_window, QStringLiteral("http://www.%1/").arg(_host)));
+    QVERIFY(Play::chooseFromContextMenu(list, QStringLiteral("Front page"), QStringLiteral("Delete Item...")));
+    EVENTUALLY(Eyes::dialog());
+    QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(savedTitles().isEmpty());
 }
 

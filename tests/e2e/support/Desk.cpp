@@ -72,6 +72,12 @@ bool Desk::resize(WId window, const QSize &size)
                    {QString::number(size.width()), QString::number(size.height())});
 }
 
+bool Desk::moveTo(WId window, const QPoint &position)
+{
+    return command(QStringLiteral("windowmove"), window,
+                   {QString::number(position.x()), QString::number(position.y())});
+}
+
 bool Desk::sendToWorkspace(WId window, int workspace)
 {
     return command(QStringLiteral("set_desktop_for_window"), window, {QString::number(workspace)});

@@ -22,6 +22,7 @@ bool minimise(WId window);
 bool activate(WId window);
 // Gives a window that size, without decorations, as a tiling command would.
 bool resize(WId window, const QSize &size);
+bool moveTo(WId window, const QPoint &position);
 // Takes a window to another workspace; they are counted from 0.
 bool sendToWorkspace(WId window, int workspace);
 bool changeToWorkspace(int workspace);

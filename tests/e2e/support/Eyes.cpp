@@ -68,16 +68,23 @@ QStringList Eyes::rowTexts(QTreeView *list)
     });
 }
 
-std::optional<QPoint> Eyes::rowWithText(QTreeView *list, const QString &text)
+std::optional<QRect> Eyes::rectOfRow(QTreeView *list, const QString &text)
 {
     return Stage::onMain([&] {
-        std::optional<QPoint> middle;
+        std::optional<QRect> rect;
         lookAtRows(list, [&](const QModelIndex &row) {
             if (row.data().toString() != text)
                 return false;
-            middle = list->viewport()->mapToGlobal(list->visualRect(row).center());
+            const QRect place = list->visualRect(row);
+            rect = QRect(list->viewport()->mapToGlobal(place.topLeft()), place.size());
             return true;
         });
-        return middle;
+        return rect;
     });
+}
+
+std::optional<QPoint> Eyes::rowWithText(QTreeView *list, const QString &text)
+{
+    const std::optional<QRect> row = rectOfRow(list, text);
+    return row ? std::optional(row->center()) : std::nullopt;
 }

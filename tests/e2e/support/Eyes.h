@@ -56,6 +56,8 @@ QString dialogText();
 
 // The texts of the rows that can be seen, from the top to the bottom.
 QStringList rowTexts(QTreeView *list);
-// The middle of the first such row's text in global coordinates.
+// The first row with that text, in global coordinates.
+std::optional<QRect> rectOfRow(QTreeView *list, const QString &text);
+// Its middle.
 std::optional<QPoint> rowWithText(QTreeView *list, const QString &text);
 } // namespace Eyes

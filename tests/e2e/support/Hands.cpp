@@ -15,9 +15,14 @@ bool xdotool(const QStringList &arguments)
     return Tool::run(QStringLiteral("xdotool"), arguments).has_value();
 }
 
+QPoint pointer; // where it was moved to last
+
+const QStringList shortPause{QStringLiteral("sleep"), QStringLiteral("0.03")};
+
 // The display counts pixels, of which there may be several to the point.
 QStringList move(const QPoint &position)
 {
+    pointer = position;
     const QPoint pixel = position * qGuiApp->devicePixelRatio();
     return {QStringLiteral("mousemove"), QString::number(pixel.x()), QString::number(pixel.y())};
 }
@@ -108,14 +113,37 @@ bool Hands::doubleClickOnRow(QTreeView *list, const QString &text)
     return list && pointAt(list->viewport(), [&] { return Eyes::rowWithText(list, text); }) && doubleClick();
 }
 
+bool Hands::clickOnAnotherRow(QTreeView *list, const QString &text)
+{
+    const QStringList control{QStringLiteral("ctrl")};
+    return list && pointAt(list->viewport(), [&] { return Eyes::rowWithText(list, text); }) &&
+           xdotool(QStringList{QStringLiteral("keydown")} + control + clicks(1, 1) +
+                   QStringList{QStringLiteral("keyup")} + control);
+}
+
 bool Hands::drag(const QPoint &from, const QPoint &to)
 {
-    const QStringList pause{QStringLiteral("sleep"), QStringLiteral("0.03")};
-    QStringList arguments = move(from) + pause + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")};
+    return moveTo(from) && lift() && carryTo(to) && drop();
+}
+
+bool Hands::lift()
+{
+    return xdotool(shortPause + QStringList{QStringLiteral("mousedown"), QStringLiteral("1")});
+}
+
+bool Hands::carryTo(const QPoint &position)
+{
+    const QPoint from = pointer;
+    QStringList arguments;
     const int steps = 12;
     for (int step = 1; step <= steps; ++step)
-        arguments += pause + move(from + (to - from) * step / steps);
-    return xdotool(arguments + pause + QStringList{QStringLiteral("mouseup"), QStringLiteral("1")});
+        arguments += shortPause + move(from + (position - from) * step / steps);
+    return xdotool(arguments + shortPause);
+}
+
+bool Hands::drop()
+{
+    return xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
 }
 
 bool Hands::press(const QString &keys)

@@ -32,8 +32,14 @@ bool clickInto(QWidget *field);
 // The same for the first row of a list with that text.
 bool clickOnRow(QTreeView *list, const QString &text);
 bool doubleClickOnRow(QTreeView *list, const QString &text);
+// The same for a row that is to be selected or deselected beside others.
+bool clickOnAnotherRow(QTreeView *list, const QString &text);
 // Presses the left button, moves the pointer in small steps and lets go.
 bool drag(const QPoint &from, const QPoint &to);
+// The same one by one, for what comes about on the way. Each begins where the pointer is.
+bool lift();
+bool carryTo(const QPoint &position);
+bool drop();
 // A key with its modifiers: "ctrl+q", "Return", "space"; or by its place, a key code of the display: "ctrl+21". Several
 // with blanks between them, one after the other.
 bool press(const QString &keys);

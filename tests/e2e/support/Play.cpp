@@ -212,16 +212,28 @@ bool Play::choose(const QStringList &titles)
     if (!Hands::pointAt(bar, [&] { return entryOf(bar, titles.first()); }) || !Hands::click())
         return false;
     for (const QString &title : titles.mid(1)) {
-        QMenu *menu = nullptr;
-        const auto isInMenu = [&] {
-            menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            return entryOf(menu, title).has_value();
-        };
-        if (!Stage::eventually(isInMenu) || !Hands::pointAt(menu, [&] { return entryOf(menu, title); }) ||
-            !Hands::click())
+        if (!chooseEntry(title))
             return false;
     }
     return Stage::eventually([] { return !QApplication::activePopupWidget(); });
+}
+
+bool Play::chooseEntry(const QString &title)
+{
+    QMenu *menu = nullptr;
+    const auto isInMenu = [&] {
+        menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        return entryOf(menu, title).has_value();
+    };
+    return Stage::eventually(isInMenu) && Hands::pointAt(menu, [&] { return entryOf(menu, title); }) && Hands::click();
+}
+
+bool Play::chooseFromContextMenu(QTreeView *list, const QString &row, const QString &title)
+{
+    constexpr int rightButton = 3;
+    return list && Hands::pointAt(list->viewport(), [&] { return Eyes::rowWithText(list, row); }) &&
+           Hands::click(rightButton) && chooseEntry(title) &&
+           Stage::eventually([] { return !QApplication::activePopupWidget(); });
 }
 
 bool Play::openDrawer()

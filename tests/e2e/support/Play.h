@@ -88,6 +88,10 @@ public:
     bool clickLinkAt(const QPoint &position, int button = 1);
     // Clicks through the menu bar, as in {"Wayfold", "New Note..."}.
     bool choose(const QStringList &titles);
+    // Clicks an entry of the menu that is open, or about to be.
+    static bool chooseEntry(const QString &title);
+    // Right-clicks a row of a list, and clicks through the menu that comes.
+    static bool chooseFromContextMenu(QTreeView *list, const QString &row, const QString &title);
     // Ctrl+0, the drawer's command, for the window in front.
     bool openDrawer();
     bool closeDrawer();
