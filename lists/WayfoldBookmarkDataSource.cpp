@@ -73,7 +73,8 @@ void WayfoldBookmarkDataSource::reloadList()
     if (!_bookmarkOutlineView)
         return;
     _bookmarkOutlineView->setPlaceholderText(WayfoldToolkit::localizedString(
-        _listIsFiltered ? QStringLiteral("No Matches") : QStringLiteral("No Bookmarks")));
+        _listIsFiltered ? QStringLiteral("No Matches")
+                        : QStringLiteral("There are no bookmarks.\n\nThose that you add in the browser appear here.")));
     _bookmarkOutlineView->reloadData();
 }
 

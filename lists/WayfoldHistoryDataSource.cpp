@@ -133,8 +133,9 @@ void WayfoldHistoryDataSource::reloadList()
 {
     if (!_historyOutlineView)
         return;
-    _historyOutlineView->setPlaceholderText(
-        WayfoldToolkit::localizedString(_listIsFiltered ? QStringLiteral("No Matches") : QStringLiteral("No History")));
+    _historyOutlineView->setPlaceholderText(WayfoldToolkit::localizedString(
+        _listIsFiltered ? QStringLiteral("No Matches")
+                        : QStringLiteral("The history is empty.\n\nThe pages that you visit appear here.")));
     _historyOutlineView->reloadData();
 }
 

@@ -163,13 +163,23 @@ void WayfoldOutlineView::setPlaceholderText(const QString &text)
 void WayfoldOutlineView::paintEvent(QPaintEvent *event)
 {
     OutlineView::paintEvent(event);
-    if (_placeholderText.isEmpty() || numberOfRows() > 0)
+    QRect room = viewport()->rect();
+    room.setTop(std::max(0, rectOfRow(numberOfRows() - 1).bottom() + 1));
+    room = room.marginsRemoved(placeholderMargins);
+    const QString text = room.isEmpty() ? QString() : emptyListText();
+    if (text.isEmpty())
         return;
     QPainter painter(viewport());
     painter.setFont(currentListViewFont());
     painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(viewport()->rect().marginsRemoved(placeholderMargins), Qt::AlignHCenter | Qt::TextWordWrap,
-                     _placeholderText);
+    constexpr int flags = Qt::AlignCenter | Qt::TextWordWrap;
+    if (room.contains(painter.boundingRect(room, flags, text)))
+        painter.drawText(room, flags, text);
+}
+
+QString WayfoldOutlineView::emptyListText() const
+{
+    return numberOfRows() == 0 ? _placeholderText : QString();
 }
 
 void WayfoldOutlineView::showEvent(QShowEvent *event)

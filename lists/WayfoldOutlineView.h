@@ -37,9 +37,11 @@ public:
     virtual void awakeFromNib();
     void handleChangeOfFontNotify(const Notification &notification);
     QFont currentListViewFont() const;
-    // What stands in the list, quietly, while it has no rows; null for nothing.
+    // What a list without rows says; null for nothing.
     void setPlaceholderText(const QString &text);
     QString placeholderText() const { return _placeholderText; }
+    // What the list says now, quietly, in the room below its rows; null while it has something to show.
+    virtual QString emptyListText() const;
     // The menu of every list.
     static QMenu *defaultMenu();
     // Selects the row under the pointer, unless it is part of the selection already. The menu key selects nothing.

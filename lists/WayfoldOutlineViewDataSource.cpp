@@ -2,6 +2,7 @@
 
 #include "core/KDRDrawerBundle.h"
 #include "core/SiteDrawer.h"
+#include "lists/ItemDescription.h"
 #include "lists/ItemMimeData.h"
 #include "lists/NoteViewer.h"
 #include "lists/PasteboardTypes.h"
@@ -250,6 +251,11 @@ QString WayfoldOutlineViewDataSource::outlineViewObjectValueByItem(OutlineView &
         list->ensureToolTipPresentForItem(shown);
     shown->ensureUpToDate();
     return shown->title();
+}
+
+QString WayfoldOutlineViewDataSource::outlineViewDescriptionOfItem(OutlineView & /*view*/, const OutlineItemPtr &item)
+{
+    return ItemDescription::ofItem(*bookmark(item));
 }
 
 void WayfoldOutlineViewDataSource::outlineViewWillDisplayCell(OutlineView &view, TextFieldCell &cell,

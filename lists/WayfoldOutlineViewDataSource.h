@@ -44,6 +44,8 @@ public:
     std::vector<std::pair<int, OutlineItemPtr>> outlineViewMadeChildrenOfItem(OutlineView &view,
                                                                               const OutlineItemPtr &item) override;
     QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) override;
+    // The item's kind, and a link's address.
+    QString outlineViewDescriptionOfItem(OutlineView &view, const OutlineItemPtr &item) override;
     void outlineViewWillDisplayCell(OutlineView &view, TextFieldCell &cell, const OutlineItemPtr &item) override;
     // Never: titles are changed in the dialogs.
     bool outlineViewShouldEdit(OutlineView &view, const OutlineItemPtr &item) override;

@@ -17,6 +17,7 @@
 #include <QHash>
 #include <QKeyEvent>
 #include <QSet>
+#include <algorithm>
 
 namespace
 {
@@ -61,6 +62,28 @@ QString filledIn(QString format, const QStringList &values)
         }
     }
     return format;
+}
+
+bool holdsNothingOfTheUsers(const WayfoldBookmarkFolder &folder)
+{
+    const std::vector<KDRBookmarkPtr> &children = folder.children();
+    return std::none_of(children.cbegin(), children.cend(),
+                        [](const KDRBookmarkPtr &child) { return child->canBePersistent(); });
+}
+
+// How a command is given: its shortcut as it is set, else where it stands in the menu bar. Null when there is no menu.
+QString wayToCommand(const QString &action)
+{
+    const QMenu *menu = KDRDrawerBundle::sharedInstance().wayfoldMenu();
+    const QList<QAction *> items = menu ? menu->actions() : QList<QAction *>();
+    for (const QAction *item : items) {
+        if (MenuItem::action(item) != action)
+            continue;
+        const QString keys = item->shortcut().toString(QKeySequence::NativeText);
+        return keys.isEmpty() ? MenuItem::title(menu->menuAction()) + QStringLiteral(" > ") + MenuItem::title(item)
+                              : keys;
+    }
+    return {};
 }
 
 // A site folder that is only shown becomes part of the tree with what is put into it, whichever site is shown by then.
@@ -167,6 +190,21 @@ void WayfoldScratchOutlineView::setSitePopupTitle(const QString &label)
 QString WayfoldScratchOutlineView::currentSitePopupTitle() const
 {
     return _sitePopupMenu ? _sitePopupMenu->title() : QString();
+}
+
+QString WayfoldScratchOutlineView::emptyListText() const
+{
+    const WayfoldBookmarkFolderPtr root = delegate() ? delegate()->localRootFolder() : nullptr;
+    if (!root || !holdsNothingOfTheUsers(*root))
+        return {};
+    if (root == KDRDrawerBundle::sharedInstance().bookmarkRoot())
+        return filledIn(localized("Nothing is kept yet.\n\nLinks, notes and files stand here, each site's in a folder "
+                                  "of its own.\n\nTo begin, visit a site and go to its list with %@."),
+                        {wayToCommand(QStringLiteral("handleFocusOnCurrentSiteRequest:"))});
+    return filledIn(
+        localized("Nothing is kept for this site yet.\n\nKeep the page with %@, write a note with the button "
+                  "below, or drop links, texts and files here."),
+        {wayToCommand(QStringLiteral("handleSaveCurrentURLRequest:"))});
 }
 
 // --- Commands -------------------------------------------------------------------------------------------------------

@@ -21,6 +21,8 @@ public:
     void setSitePopupMenu(WayfoldSitePopupButton *popup);
     void awakeFromNib() override;
     bool allowIncomingDrops() const override { return true; }
+    // How to begin, as long as nothing but smart folders stands here.
+    QString emptyListText() const override;
 
     // The first entry, the top-level folders of the user's tree, then the provisional site folders.
     void refreshSitePopup();

@@ -30,6 +30,17 @@ std::shared_ptr<Image> siteIconForAddress(const QString &address)
     picture.setDevicePixelRatio(density);
     return ItemImages::neverCached(Image::imageWithPicture(picture));
 }
+
+// The host's, or our own where the host has none.
+std::shared_ptr<Image> imageOfAllLinks()
+{
+    std::shared_ptr<Image> &image = ItemImages::shared().webLink;
+    if (!image)
+        image = ItemImages::neverCached(WayfoldToolkit::loadAppImageNamed(QStringLiteral("BookmarkPreferences")));
+    if (!image)
+        image = ItemImages::neverCached(WayfoldToolkit::loadImageNamed(QStringLiteral("WayfoldBookmarkImageLink")));
+    return image;
+}
 } // namespace
 
 WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitle(const QString &title)
@@ -124,12 +135,10 @@ std::shared_ptr<Image> WayfoldBookmarkURL::imageForCellSize(const QSizeF &size)
     const WayfoldDefaults &defaults = WayfoldDefaults::sharedInstance();
     if (!defaults.showBookmarkIcons())
         return nullptr;
-    if (defaults.showFavicons())
-        return siteIconForAddress(_url.absoluteString());
-    std::shared_ptr<Image> &image = ItemImages::shared().webLink;
-    if (!image)
-        image = ItemImages::neverCached(WayfoldToolkit::loadAppImageNamed(QStringLiteral("BookmarkPreferences")));
-    return image;
+    // Every link has an image, or its title would stand left of the others.
+    const std::shared_ptr<Image> siteIcon =
+        defaults.showFavicons() ? siteIconForAddress(_url.absoluteString()) : nullptr;
+    return siteIcon ? siteIcon : imageOfAllLinks();
 }
 
 bool WayfoldBookmarkURL::editViaDialog()

@@ -663,10 +663,14 @@ bool OutlineModel::isExpandable(const QModelIndex &index) const
 
 QVariant OutlineModel::data(const QModelIndex &index, int role) const
 {
-    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
+    const bool isDescription = role == Qt::AccessibleDescriptionRole;
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole && !isDescription)
         return {};
     const OutlineItemPtr item = itemOfIndex(index);
-    return item ? _source->outlineViewObjectValueByItem(_view, item) : QString();
+    if (!item)
+        return QString();
+    return isDescription ? _source->outlineViewDescriptionOfItem(_view, item)
+                         : _source->outlineViewObjectValueByItem(_view, item);
 }
 
 Qt::ItemFlags OutlineModel::flags(const QModelIndex &index) const

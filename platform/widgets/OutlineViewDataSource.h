@@ -46,6 +46,8 @@ public:
     }
     // The row's text.
     virtual QString outlineViewObjectValueByItem(OutlineView &view, const OutlineItemPtr &item) = 0;
+    // What the row is, for those who cannot see it; null for nothing more than its text. Asked for only by them.
+    virtual QString outlineViewDescriptionOfItem(OutlineView & /*view*/, const OutlineItemPtr & /*item*/) { return {}; }
     // The cell, which has the row's text already, is about to be drawn for the item.
     virtual void outlineViewWillDisplayCell(OutlineView &view, TextFieldCell &cell, const OutlineItemPtr &item) = 0;
     virtual bool outlineViewShouldEdit(OutlineView &view, const OutlineItemPtr &item) = 0;

@@ -396,12 +396,20 @@
         <translation>E-Mail-Link ohne Titel</translation>
     </message>
     <message>
-        <source>No Bookmarks</source>
-        <translation>Keine Lesezeichen</translation>
+        <source>There are no bookmarks.
+
+Those that you add in the browser appear here.</source>
+        <translation>Es gibt keine Lesezeichen.
+
+Hier erscheinen die, die Sie im Browser anlegen.</translation>
     </message>
     <message>
-        <source>No History</source>
-        <translation>Kein Verlauf</translation>
+        <source>The history is empty.
+
+The pages that you visit appear here.</source>
+        <translation>Der Verlauf ist leer.
+
+Hier erscheinen die Seiten, die Sie besuchen.</translation>
     </message>
     <message>
         <source>No Matches</source>
@@ -814,6 +822,62 @@ Doppelklicken Sie dazu auf die Zeile des Befehls.</translation>
     <message>
         <source>"%@" has this shortcut already.</source>
         <translation>„%@“ hat dieses Tastenkürzel schon.</translation>
+    </message>
+    <message>
+        <source>Nothing is kept yet.
+
+Links, notes and files stand here, each site's in a folder of its own.
+
+To begin, visit a site and go to its list with %@.</source>
+        <translation>Noch ist nichts gesichert.
+
+Hier stehen Links, Notizen und Dateien, für jede Website ein Ordner.
+
+Besuchen Sie eine Website und gehen Sie mit %@ zu ihrer Liste.</translation>
+    </message>
+    <message>
+        <source>Nothing is kept for this site yet.
+
+Keep the page with %@, write a note with the button below, or drop links, texts and files here.</source>
+        <translation>Zu dieser Website ist noch nichts gesichert.
+
+Sichern Sie die Seite mit %@, schreiben Sie mit dem Knopf unten eine Notiz, oder ziehen Sie Links, Texte und Dateien hierher.</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Smart Folder</source>
+        <translation>Intelligenter Ordner</translation>
+    </message>
+    <message>
+        <source>Link</source>
+        <translation>Link</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Email Link</source>
+        <translation>E-Mail-Link</translation>
+    </message>
+    <message>
+        <source>Visited Page</source>
+        <translation>Besuchte Seite</translation>
+    </message>
+    <message>
+        <source>Person</source>
+        <translation>Person</translation>
+    </message>
+    <message>
+        <source>Organization</source>
+        <translation>Organisation</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Gruppe</translation>
     </message>
 </context>
 </TS>

@@ -5,8 +5,11 @@
 #include "drawer/KDREditNoteController.h"
 #include "drawer/KDRShowNoteView.h"
 #include "lists/NoteViewer.h"
+#include "lists/WayfoldHistoryDataSource.h"
+#include "lists/WayfoldHistoryOutlineView.h"
 #include "platform/widgets/DrawerGrip.h"
 #include "tests/drawer/DrawerStage.h"
+#include "tests/support/BrowserFiles.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -62,6 +65,8 @@ private Q_SLOTS:
     void everyControlIsReachedByTab_data();
     void everyControlIsReachedByTab();
     void rowsAreRead();
+    void rowsTellWhatTheyAre();
+    void onlyRowsThatAreReadAreMade();
     void tabsAreRead();
 
 private:
@@ -184,6 +189,44 @@ void DrawerAccessibilityTest::rowsAreRead()
     QVERIFY(accessible && accessible->tableInterface());
     QCOMPARE(accessible->tableInterface()->rowCount(), 1);
     QCOMPARE(accessible->tableInterface()->cellAt(0, 0)->text(QAccessible::Name), QStringLiteral("Opening hours"));
+}
+
+void DrawerAccessibilityTest::rowsTellWhatTheyAre()
+{
+    QWidget *drawer = open(QStringLiteral("drawer"));
+    const WayfoldBookmarkFolderPtr tree = DrawerStage::store().bookmarkRoot();
+    tree->addChild(DrawerStage::note(QStringLiteral("Opening hours")));
+    tree->addChild(DrawerStage::link(QStringLiteral("Timetable"), QStringLiteral("http://a.org/times")));
+    tree->addChild(WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral("a.org")));
+    DrawerStage::store().updateAllDrawerContentsExceptFor(nullptr);
+    QAccessibleTableInterface *rows =
+        QAccessible::queryAccessibleInterface(drawer->findChild<WayfoldScratchOutlineView *>())->tableInterface();
+    const QStringList descriptions = {QStringLiteral("Note"), QStringLiteral("Link: http://a.org/times"),
+                                      QStringLiteral("Folder")};
+    for (int row = 0; row < 3; ++row)
+        QCOMPARE(rows->cellAt(row, 0)->text(QAccessible::Description), descriptions[row]);
+}
+
+void DrawerAccessibilityTest::onlyRowsThatAreReadAreMade()
+{
+    QVariantList visits;
+    for (int i = 0; i < 1000; ++i)
+        visits.append(BrowserFiles::visit(QString::number(i), QStringLiteral("http://a.org/%1").arg(i), QString()));
+    BrowserFiles(_stage->home).writeHistory(visits);
+    DrawerStage::settings().setHistoryGroupingStyle(QStringLiteral("0"));
+    const auto browser = _stage->openWindow(QRectF(100, 100, 800, 600), true);
+    KDRDrawerController *controller = DrawerStage::controller(*browser);
+    controller->showHistoryTabView();
+    DrawerStage::drawer(*browser)->open();
+    const WayfoldBookmarkFolderPtr root = controller->historyDataSource()->localRootFolder();
+    QCOMPARE(root->childCount(), 1000U);
+    QAccessibleInterface *row =
+        QAccessible::queryAccessibleInterface(controller->historyOutlineView())->tableInterface()->cellAt(700, 0);
+    controller->historyOutlineView()->grab();
+    const std::size_t seen = root->madeChildren().size();
+    QVERIFY(seen < 100);
+    QCOMPARE(row->text(QAccessible::Description), QStringLiteral("Visited Page: http://a.org/700"));
+    QCOMPARE(root->madeChildren().size(), seen + 1);
 }
 
 void DrawerAccessibilityTest::tabsAreRead()

@@ -57,7 +57,7 @@ QStringList textsOf(const QWidget &widget)
             texts += {box->itemText(i), box->itemData(i, Qt::ToolTipRole).toString()};
     }
     if (const auto *list = qobject_cast<const WayfoldOutlineView *>(&widget))
-        texts += list->placeholderText();
+        texts += {list->placeholderText(), list->emptyListText()};
     texts.removeAll(QString());
     return texts;
 }
@@ -198,6 +198,8 @@ void DrawerTranslationTest::menusAreGerman()
 void DrawerTranslationTest::smartFoldersAreGerman()
 {
     controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("example.com"), nullptr);
+    QVERIFY(!controller()->scratchOutlineView()->emptyListText().isEmpty());
+    verifyGerman(controller()->scratchOutlineView()->emptyListText(), QStringLiteral("empty list of a site"));
     const QStringList rows = DrawerStage::rows(*controller()->scratchOutlineView());
     QCOMPARE(rows.size(), 2);
     for (const QString &row : rows)

@@ -64,6 +64,8 @@ private Q_SLOTS:
     void drawsOnWholePointsInAnUnevenRow();
     void editorOpensRightOfTheIcon();
     void listsLoseTheirIconsAtOnce();
+    void titlesStandBelowEachOther_data();
+    void titlesStandBelowEachOther();
 
 private:
     static WayfoldDefaults &settings() { return WayfoldDefaults::sharedInstance(); }
@@ -394,6 +396,48 @@ void WayfoldBookmarkTextCellTest::listsLoseTheirIconsAtOnce()
         }
         list->setOutlineDataSource(nullptr);
     }
+}
+
+void WayfoldBookmarkTextCellTest::titlesStandBelowEachOther_data()
+{
+    QTest::addColumn<bool>("icons");
+    QTest::addColumn<bool>("siteIcons");
+    QTest::newRow("with site icons") << true << true;
+    QTest::newRow("without site icons") << true << false;
+    QTest::newRow("without icons") << false << true;
+}
+
+// A link too whose site has no icon, in a host that has none for all links either.
+void WayfoldBookmarkTextCellTest::titlesStandBelowEachOther()
+{
+    QFETCH(bool, icons);
+    QFETCH(bool, siteIcons);
+    settings().setShowBookmarkIcons(icons);
+    settings().setShowFavicons(siteIcons);
+    const std::shared_ptr<FakeHostWindow> window = _stage->openWindow(QRectF(100, 100, 800, 600), true);
+    struct Cell : WayfoldBookmarkTextCell
+    {
+        QList<qreal> &lefts;
+        explicit Cell(QList<qreal> &list) : lefts(list) {}
+        void drawWithFrameInView(const QRectF &frame, QPainter &painter,
+                                 const QStyleOptionViewItem &view) const override
+        {
+            WayfoldBookmarkTextCell::drawWithFrameInView(frame, painter, view);
+            lefts.append(computeTextFrame(frame).left());
+        }
+    };
+    QList<qreal> lefts;
+    WayfoldScratchOutlineView *list = DrawerStage::controller(*window)->scratchOutlineView();
+    list->setDataCell(std::make_unique<Cell>(lefts));
+    const WayfoldBookmarkFolderPtr tree = DrawerStage::store().bookmarkRoot();
+    tree->addChild(WayfoldBookmarkFolder::bookmarkWithTitle(QStringLiteral("Folder")));
+    tree->addChild(DrawerStage::note(QStringLiteral("Note")));
+    tree->addChild(DrawerStage::link(QStringLiteral("Link")));
+    list->reloadData();
+    lefts.clear();
+    list->grab();
+    QCOMPARE(lefts.size(), 3);
+    QCOMPARE(lefts, QList<qreal>(3, lefts.constFirst()));
 }
 
 QTEST_MAIN(WayfoldBookmarkTextCellTest)

@@ -278,7 +278,8 @@ void WayfoldBookmarkDataSourceTest::noMatchesGiveAnEmptyList()
     QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
     tab.search("");
     QCOMPARE(tab.view.numberOfRows(), 3);
-    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+    QCOMPARE(tab.view.placeholderText(),
+             QString("There are no bookmarks.\n\nThose that you add in the browser appear here."));
 }
 
 void WayfoldBookmarkDataSourceTest::refiningKeepsTheFolderOfMatches()
@@ -423,13 +424,15 @@ void WayfoldBookmarkDataSourceTest::searchBeforeTheBrowserHasWritten()
     QVERIFY(!ListStage::store().safariBookmarkRoot());
     BookmarksTab tab;
     tab.source->ensureDataLoaded();
-    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+    QCOMPARE(tab.view.placeholderText(),
+             QString("There are no bookmarks.\n\nThose that you add in the browser appear here."));
     tab.search("x");
     QCOMPARE(tab.view.numberOfRows(), 0);
     QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
     tab.search("");
     QCOMPARE(tab.view.numberOfRows(), 0);
-    QCOMPARE(tab.view.placeholderText(), QString("No Bookmarks"));
+    QCOMPARE(tab.view.placeholderText(),
+             QString("There are no bookmarks.\n\nThose that you add in the browser appear here."));
     tab.search("kettle");
     change(someBookmarks());
     QCOMPARE(tab.rows(), QStringList{"Kettle works"});

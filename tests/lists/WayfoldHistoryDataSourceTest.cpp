@@ -378,7 +378,7 @@ void WayfoldHistoryDataSourceTest::emptyHistoryGivesAnEmptyList()
     HistoryTab tab;
     tab.source->ensureDataLoaded();
     QCOMPARE(tab.view.numberOfRows(), 0);
-    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+    QCOMPARE(tab.view.placeholderText(), QString("The history is empty.\n\nThe pages that you visit appear here."));
 }
 
 void WayfoldHistoryDataSourceTest::everyDrawerHasFoldersOfItsOwn()
@@ -806,13 +806,13 @@ void WayfoldHistoryDataSourceTest::searchBeforeTheBrowserHasWritten()
     QVERIFY(!ListStage::store().historyBookmarkRoot());
     HistoryTab tab;
     tab.source->ensureDataLoaded();
-    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+    QCOMPARE(tab.view.placeholderText(), QString("The history is empty.\n\nThe pages that you visit appear here."));
     tab.search("x");
     QCOMPARE(tab.view.numberOfRows(), 0);
     QCOMPARE(tab.view.placeholderText(), QString("No Matches"));
     tab.search("");
     QCOMPARE(tab.view.numberOfRows(), 0);
-    QCOMPARE(tab.view.placeholderText(), QString("No History"));
+    QCOMPARE(tab.view.placeholderText(), QString("The history is empty.\n\nThe pages that you visit appear here."));
     tab.search("today");
     change(someVisits());
     QCOMPARE(tab.rows(), QStringList({"b today", "a today"}));

@@ -54,6 +54,22 @@ public:
     WayfoldOutlineView *myOutlineView() const override { return view; }
 };
 
+// Where a list shows anything, in points.
+QRect inkIn(WayfoldOutlineView &view)
+{
+    const QImage shot = view.viewport()->grab().toImage();
+    const QColor ground = view.palette().color(QPalette::Base);
+    QRect ink;
+    for (int y = 0; y < shot.height(); ++y) {
+        for (int x = 0; x < shot.width(); ++x) {
+            if (shot.pixelColor(x, y) != ground)
+                ink |= QRect(x, y, 1, 1);
+        }
+    }
+    const int scale = int(shot.devicePixelRatio());
+    return {ink.topLeft() / scale, ink.size() / scale};
+}
+
 // The row that is seen first, and where it stands.
 std::pair<QString, int> topOf(const WayfoldOutlineView &view)
 {
@@ -81,6 +97,8 @@ private Q_SLOTS:
     void fontAndRowHeight();
     void fontChangesInEveryList();
     void unknownFontChangesNothing();
+    void emptyListSaysSoInItsMiddle();
+    void emptyListSaysNothingWithoutRoom();
     void incomingDropsAndDragOperations();
 
     void reloadRestoresByIdentifier();
@@ -170,6 +188,47 @@ void WayfoldOutlineViewTest::unknownFontChangesNothing()
     changeFont();
     QCOMPARE(_pad->view.currentListViewFont(), before);
     QCOMPARE(_pad->view.rowHeight(), heightFor(before));
+}
+
+void WayfoldOutlineViewTest::emptyListSaysSoInItsMiddle()
+{
+    FolderSource source;
+    WayfoldOutlineView view;
+    view.setDelegate(&source);
+    view.awakeFromNib();
+    view.setOutlineDataSource(&source);
+    view.resize(250, 300);
+    view.setFrameStyle(QFrame::NoFrame);
+    view.show();
+    QVERIFY(inkIn(view).isEmpty());
+    view.setPlaceholderText(
+        QStringLiteral("There is nothing in this list, nothing at all, and so it says so.\n\nHow."));
+    const QRect ink = inkIn(view);
+    QVERIFY(ink.height() > 3 * view.fontMetrics().height()); // wrapped
+    const QRect room = view.viewport()->rect();
+    QVERIFY(ink.left() >= 16 && ink.right() <= room.right() - 16);
+    QVERIFY(qAbs(ink.center().x() - room.center().x()) <= 8);
+    QVERIFY(qAbs(ink.center().y() - room.center().y()) <= 8);
+
+    source.root = ListStage::folder("Root", {ListStage::note(QString())});
+    view.reloadData();
+    QVERIFY(view.emptyListText().isNull());
+    QVERIFY(inkIn(view).isEmpty());
+    view.setOutlineDataSource(nullptr);
+}
+
+void WayfoldOutlineViewTest::emptyListSaysNothingWithoutRoom()
+{
+    WayfoldOutlineView view;
+    view.setPlaceholderText(QStringLiteral("There is nothing in this list, nothing at all, and so it says so."));
+    view.setFrameStyle(QFrame::NoFrame);
+    view.resize(250, 200);
+    view.show();
+    QVERIFY(!inkIn(view).isEmpty());
+    view.resize(250, 60);
+    QVERIFY(inkIn(view).isEmpty());
+    view.resize(20, 200);
+    QVERIFY(inkIn(view).isEmpty());
 }
 
 void WayfoldOutlineViewTest::incomingDropsAndDragOperations()

@@ -48,6 +48,10 @@ private Q_SLOTS:
     void pickingASiteByItsLetters();
     void dragOverThePopupShowsTheWholeTree();
 
+    void emptySiteSaysHowToBegin();
+    void emptyTreeSaysHowToBegin();
+    void emptySiteSaysSoBelowItsSmartFolders();
+
     void keysEdit_data();
     void keysEdit();
     void keysDelete_data();
@@ -199,6 +203,77 @@ void WayfoldScratchOutlineViewTest::dragOverThePopupShowsTheWholeTree()
 }
 
 // --- Keys -----------------------------------------------------------------------------------------------------------
+
+namespace
+{
+QAction *mainMenuItem(const char *action)
+{
+    for (QAction *item : ListStage::store().wayfoldMenu()->actions()) {
+        if (MenuItem::action(item) == QLatin1String(action))
+            return item;
+    }
+    return nullptr;
+}
+} // namespace
+
+// With the shortcut as it is set now.
+void WayfoldScratchOutlineViewTest::emptySiteSaysHowToBegin()
+{
+    const auto text = [](const char *way) {
+        return QStringLiteral(
+                   "Nothing is kept for this site yet.\n\nKeep the page with %1, write a note with the button "
+                   "below, or drop links, texts and files here.")
+            .arg(QString::fromLatin1(way));
+    };
+    QAction *item = mainMenuItem("handleSaveCurrentURLRequest:");
+    QVERIFY(item);
+    item->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+K")));
+    _pad->show(QStringLiteral("new.org"));
+    QCOMPARE(_pad->view.emptyListText(), text("Ctrl+Alt+K"));
+    item->setShortcut(QKeySequence());
+    QCOMPARE(_pad->view.emptyListText(), text("Wayfold > Save Current Page"));
+
+    _pad->source->localRootFolder()->addChild(ListStage::note("Kept"));
+    _pad->view.reloadData();
+    QVERIFY(_pad->view.emptyListText().isNull());
+    _pad->source->localRootFolder()->removeAllChildren();
+    _pad->view.reloadData();
+    QVERIFY(!_pad->view.emptyListText().isNull());
+    _pad->view.setDelegate(nullptr);
+    QVERIFY(_pad->view.emptyListText().isNull());
+}
+
+void WayfoldScratchOutlineViewTest::emptyTreeSaysHowToBegin()
+{
+    QAction *item = mainMenuItem("handleFocusOnCurrentSiteRequest:");
+    QVERIFY(item);
+    item->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+K")));
+    QCOMPARE(_pad->view.emptyListText(),
+             QStringLiteral("Nothing is kept yet.\n\nLinks, notes and files stand here, each site's in a folder of its "
+                            "own.\n\nTo begin, visit a site and go to its list with Ctrl+Alt+K."));
+    store().bookmarkRoot()->addChild(ListStage::folder("a.org"));
+    QVERIFY(_pad->view.emptyListText().isNull());
+}
+
+void WayfoldScratchOutlineViewTest::emptySiteSaysSoBelowItsSmartFolders()
+{
+    _pad->show(QStringLiteral("new.org"));
+    QCOMPARE(_pad->view.numberOfRows(), 2);
+    _pad->view.resize(250, 400);
+    const int bottom = _pad->view.rectOfRow(1).bottom() + 1;
+    const QRect below(0, bottom, _pad->view.viewport()->width(), _pad->view.viewport()->height() - bottom);
+    const auto isBlank = [&] {
+        const QImage shot = _pad->view.viewport()->grab(below).toImage();
+        QImage blank(shot.size(), shot.format());
+        blank.fill(_pad->view.palette().color(QPalette::Base));
+        blank.setDevicePixelRatio(shot.devicePixelRatio());
+        return shot == blank;
+    };
+    QVERIFY(!isBlank());
+    _pad->source->localRootFolder()->addChildAtIndex(ListStage::note(QString()), 0);
+    _pad->view.reloadItem(nullptr, true);
+    QVERIFY(_pad->view.emptyListText().isNull());
+}
 
 void WayfoldScratchOutlineViewTest::keysEdit_data()
 {

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void siteIcon();
     void siteIconWithoutHost();
     void sharedImage();
+    void sharedImageOfOurOwn();
     void noImageWhileIconsAreOff();
     void editViaDialog();
 };
@@ -321,20 +322,23 @@ void WayfoldBookmarkURLTest::siteIcon()
     QCOMPARE(image->size(), QSizeF(16, 16));
     QCOMPARE(host.sizes, QList<QSize>{pixels});
     QCOMPARE(host.addresses, QStringList{"http://a.example/"});
-    QVERIFY(!makeLink("T", "http://unseen.example/")->imageForCellSize(QSizeF(16, 16)));
+    const auto neutral = makeLink("T", "http://unseen.example/")->imageForCellSize(QSizeF(16, 16));
+    QVERIFY(neutral); // as every link has without site icons
+    WayfoldDefaults::sharedInstance().setShowFavicons(false);
+    QCOMPARE(makeLink("T")->imageForCellSize(QSizeF(16, 16)), neutral);
+    WayfoldDefaults::sharedInstance().setShowFavicons(true);
     QVERIFY(WayfoldHistoryURL::bookmarkWithTitleAndURL("T", Url::URLWithString("http://a.example/"))
                 ->imageForCellSize(QSizeF(16, 16)));
 }
 
 void WayfoldBookmarkURLTest::siteIconWithoutHost()
 {
-    QVERIFY(!makeLink("T")->imageForCellSize(QSizeF(16, 16)));
+    QVERIFY(makeLink("T")->imageForCellSize(QSizeF(16, 16)));
 }
 
 void WayfoldBookmarkURLTest::sharedImage()
 {
     WayfoldDefaults::sharedInstance().setShowFavicons(false);
-    QVERIFY(!makeLink("T")->imageForCellSize(QSizeF(16, 16)));
     FakeHostApplication host;
     QImage picture(32, 32, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::blue);
@@ -344,6 +348,18 @@ void WayfoldBookmarkURLTest::sharedImage()
     QCOMPARE(image->cacheMode(), Image::NSImageCacheNever);
     QCOMPARE(makeLink("Other", "http://b.example/")->imageForCellSize(QSizeF(64, 64)), image);
     QCOMPARE(WayfoldHistoryURL::bookmarkWithTitle("H")->imageForCellSize(QSizeF(16, 16)), image);
+}
+
+// A host may have none for all links.
+void WayfoldBookmarkURLTest::sharedImageOfOurOwn()
+{
+    WayfoldDefaults::sharedInstance().setShowFavicons(false);
+    const FakeHostApplication host;
+    const auto image = makeLink("T")->imageForCellSize(QSizeF(16, 16));
+    QVERIFY(image);
+    QCOMPARE(image->cacheMode(), Image::NSImageCacheNever);
+    QCOMPARE(image->size(), QSizeF(16, 16));
+    QCOMPARE(makeLink("Other", "http://b.example/")->imageForCellSize(QSizeF(64, 64)), image);
 }
 
 void WayfoldBookmarkURLTest::noImageWhileIconsAreOff()

@@ -231,6 +231,7 @@ private Q_SLOTS:
     void cellsHaveTheFontOfTheView();
     void elidesLongTitles();
     void rowsHaveAccessibleNames();
+    void rowsAreDescribedWhenAsked();
     void rowsThatAreShownAreFoundWithoutASearch();
 
     void keepsQtsRules_data();
@@ -1464,6 +1465,20 @@ void OutlineViewTest::rowsHaveAccessibleNames()
         names.append(list->child(i)->text(QAccessible::Name));
     for (const char *title : {"fruit", "apple", "pear", "herb"})
         QVERIFY2(names.contains(QLatin1String(title)), qPrintable(names.join(',')));
+}
+
+void OutlineViewTest::rowsAreDescribedWhenAsked()
+{
+    _tree->describe = [](const QString &title) { return title + QStringLiteral(", a plant"); };
+    showList(*_view);
+    _view->grab();
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(_view.get());
+    QAccessibleInterface *row = list->tableInterface()->cellAt(1, 0);
+    QCOMPARE(row->text(QAccessible::Name), QStringLiteral("herb"));
+    QCOMPARE(_tree->descriptions, 0);
+    QCOMPARE(row->text(QAccessible::Description), QStringLiteral("herb, a plant"));
+    QCOMPARE(_tree->descriptions, 1);
+    QCOMPARE(_view->model()->index(99, 0).data(Qt::AccessibleDescriptionRole), QVariant());
 }
 
 // A repaint of a long list must not take longer the longer the list is.

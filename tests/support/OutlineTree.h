@@ -26,6 +26,8 @@ public:
 
     Node root = std::make_shared<OutlineTreeItem>();
     std::function<void(TextFieldCell &)> decorate; // a cell before it is drawn
+    std::function<QString(const QString &title)> describe;
+    int descriptions = 0;
     int countCalls = 0;
     int childCalls = 0;
     int selectionChanges = 0;
@@ -69,6 +71,11 @@ public:
     QString outlineViewObjectValueByItem(OutlineView & /*view*/, const OutlineItemPtr &item) override
     {
         return nodeOf(item).title;
+    }
+    QString outlineViewDescriptionOfItem(OutlineView & /*view*/, const OutlineItemPtr &item) override
+    {
+        ++descriptions;
+        return describe ? describe(nodeOf(item).title) : QString();
     }
     void outlineViewWillDisplayCell(OutlineView & /*view*/, TextFieldCell &cell,
                                     const OutlineItemPtr & /*item*/) override
