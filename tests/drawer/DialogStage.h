@@ -29,6 +29,9 @@ public:
             QTest::keyClick(field, Qt::Key_Delete);
         else
             QTest::keyClicks(field, typed);
+        const auto *line = qobject_cast<QLineEdit *>(field);
+        const auto *text = qobject_cast<QTextEdit *>(field);
+        QCOMPARE(line ? line->text() : text->toPlainText(), typed); // or what follows would tell nothing
     }
     void pressOK() const { QTest::mouseClick(button(QDialogButtonBox::Ok), Qt::LeftButton); }
     void pressCancel() const { QTest::mouseClick(button(QDialogButtonBox::Cancel), Qt::LeftButton); }

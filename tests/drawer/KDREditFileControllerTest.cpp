@@ -27,6 +27,7 @@ private Q_SLOTS:
     void tildeIsTheHomeFolder_data();
     void tildeIsTheHomeFolder();
     void emptyFields();
+    void cancelLeavesAll();
     void chooserOpensWhereThePathPoints();
     void chosenFile();
     void chosenFolder();
@@ -130,6 +131,17 @@ void KDREditFileControllerTest::emptyFields()
         dialog.pressOK();
     }));
     QCOMPARE(_link->title(), QStringLiteral("Untitled File"));
+    QCOMPARE(_link->url().path(), QStringLiteral("/tmp/a b.txt"));
+}
+
+void KDREditFileControllerTest::cancelLeavesAll()
+{
+    QVERIFY(!edit([](const DialogStage &dialog) {
+        dialog.type(dialog.line("titleField"), QStringLiteral("Other"));
+        dialog.type(dialog.line("valueField"), QStringLiteral("/no/such file"));
+        dialog.pressCancel();
+    }));
+    QCOMPARE(_link->title(), QStringLiteral("File"));
     QCOMPARE(_link->url().path(), QStringLiteral("/tmp/a b.txt"));
 }
 

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void emptyTitle();
     void untouchedTextStaysAsItIs();
     void blanksThatDoNotBreakStay();
+    void cancelLeavesAll_data();
     void cancelLeavesAll();
     void controlAndReturnAccept();
     void returnBeginsALine();
@@ -114,12 +115,25 @@ void KDREditNoteControllerTest::blanksThatDoNotBreakStay()
     QCOMPARE(_note->valueAsString(), QString::fromUtf8("10\xc2\xa0km!"));
 }
 
+void KDREditNoteControllerTest::cancelLeavesAll_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("button") << false;
+    QTest::newRow("Escape") << true;
+}
+
 void KDREditNoteControllerTest::cancelLeavesAll()
 {
-    QVERIFY(!edit([](const DialogStage &dialog) {
+    QFETCH(bool, byKey);
+    QVERIFY(!edit([byKey](const DialogStage &dialog) {
+        dialog.type(dialog.line("titleField"), QStringLiteral("Other"));
         dialog.type(dialog.text("valueField"), QStringLiteral("closed"));
-        QTest::keyClick(dialog.text("valueField"), Qt::Key_Escape);
+        if (byKey)
+            QTest::keyClick(dialog.text("valueField"), Qt::Key_Escape);
+        else
+            dialog.pressCancel();
     }));
+    QCOMPARE(_note->title(), QStringLiteral("Hours"));
     QCOMPARE(_note->valueAsString(), QStringLiteral("Mon-Fri\n9 to 5"));
 }
 

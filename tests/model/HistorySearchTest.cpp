@@ -106,10 +106,18 @@ void HistorySearchTest::whatIsFoundHoldsNothingElse()
     records->append("Old news", "http://c.example.com/", "3");
     const std::weak_ptr<const HistoryRecords> reading = records;
     auto history = std::make_shared<HistoryItems>(std::move(records));
+    std::vector<std::weak_ptr<KDRBookmark>> items;
+    for (unsigned i = 0; i < history->count(); ++i)
+        items.push_back(history->item(i));
     const std::shared_ptr<HistoryItems> found = search.copiesOfMatches(*history);
+    QCOMPARE(found->count(), 2U);
+    QVERIFY(found->item(0) != history->item(1)); // a copy
+    QVERIFY(!reading.expired());
     history.reset();
 
     QVERIFY(reading.expired());
+    for (const std::weak_ptr<KDRBookmark> &item : items)
+        QVERIFY(item.expired());
     QCOMPARE(titles(found), QStringList({"News", "Old news"}));
     QCOMPARE(found->item(1)->uuid(), QStringLiteral("http://c.example.com/"));
     QCOMPARE(titles(search.copiesOfMatches(*found)), QStringList({"News", "Old news"}));

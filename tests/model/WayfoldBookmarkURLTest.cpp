@@ -385,8 +385,14 @@ void WayfoldBookmarkURLTest::editViaDialog()
     QCOMPARE(dialogs.item, made);
     dialogs.accepts = false;
     QVERIFY(!made->editViaDialog());
-    QVERIFY(!WayfoldHistoryURL::bookmarkWithTitle("H")->editViaDialog());
-    QCOMPARE(dialogs.opened.last(), "editURL");
+
+    // A history entry has the link's.
+    const auto entry = WayfoldHistoryURL::bookmarkWithTitleAndURL("H", Url::URLWithString("http://a.example/"));
+    dialogs.opened.clear();
+    dialogs.accepts = true;
+    QVERIFY(entry->editViaDialog());
+    QCOMPARE(dialogs.opened, QStringList{"editURL"});
+    QCOMPARE(dialogs.item, entry);
 }
 
 QTEST_MAIN(WayfoldBookmarkURLTest)
