@@ -1,6 +1,7 @@
 #include "core/KDRDrawerBundle.h"
 
 #include "core/Notifications.h"
+#include "core/settings/WayfoldToolkit.h"
 #include "platform/base/PlatformNotifications.h"
 #include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
@@ -177,6 +178,8 @@ private Q_SLOTS:
     void decision_data();
     void decision();
     void provisionalSiteIsKnownWhenItHoldsSomething();
+    void requestsWaitForAnIdleMoment_data();
+    void requestsWaitForAnIdleMoment();
     void requestsAreCoalesced();
 
 private:
@@ -1215,6 +1218,32 @@ void KDRDrawerBundleTest::provisionalSiteIsKnownWhenItHoldsSomething()
     NotificationLog::deliverPending();
     QCOMPARE(log.names(), (QStringList{Notifications::DrawerShouldCloseForLocationChange,
                                        Notifications::DrawerShouldOpenForLocationChange}));
+}
+
+void KDRDrawerBundleTest::requestsWaitForAnIdleMoment_data()
+{
+    QTest::addColumn<bool>("known");
+    QTest::newRow("open") << true;
+    QTest::newRow("close") << false;
+}
+
+void KDRDrawerBundleTest::requestsWaitForAnIdleMoment()
+{
+    QFETCH(bool, known);
+    const auto window = _fresh->openWindow();
+    _fresh->settings().setOpenDrawerForKnownSite(true);
+    _fresh->settings().setCloseDrawerForUnknownSite(true);
+    if (known)
+        StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
+    NotificationLog::deliverPending();
+    const QString sooner = QStringLiteral("AtTheEndOfThisPass");
+    NotificationLog log(drawerRequests + QStringList{sooner});
+    store().updateDrawerForFrame(window->addTab(QStringLiteral("http://www.example.com/"))->frame);
+    WayfoldToolkit::postNotificationNameObject(sooner, this);
+    NotificationLog::deliverPending();
+    const QString request =
+        known ? Notifications::DrawerShouldOpenForLocationChange : Notifications::DrawerShouldCloseForLocationChange;
+    QCOMPARE(log.names(), QStringList({sooner, request})); // though it was posted first
 }
 
 void KDRDrawerBundleTest::requestsAreCoalesced()

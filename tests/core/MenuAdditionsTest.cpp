@@ -114,6 +114,7 @@ private Q_SLOTS:
     void saveItem();
     void switchbackItem_data();
     void switchbackItem();
+    void titlesAreInTheUsersLanguage();
     void ampersandInTitleIsShown();
     void releaseItem();
     void preferencesItem();
@@ -519,6 +520,36 @@ void MenuAdditionsTest::switchbackItem()
     _fresh->host.key.reset();
     QVERIFY(!validate(action));
     QCOMPARE(this->title(action), QStringLiteral("Show Previous Site List"));
+}
+
+void MenuAdditionsTest::titlesAreInTheUsersLanguage()
+{
+    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    const auto titleNow = [this](const QString &action) {
+        validate(action);
+        return title(action);
+    };
+    QCOMPARE(titleNow("handleNewNoteRequest:"), QStringLiteral("Neue Notiz..."));
+    QCOMPARE(titleNow("handleSwitchbackRequest:"), QStringLiteral("Vorherige Liste zeigen"));
+    const auto window = _fresh->openWindow();
+    QCOMPARE(titleNow("handleToggleKDRDrawer:"), QStringLiteral("Schublade \u00f6ffnen"));
+    QCOMPARE(titleNow("handleShowScratchpadTabView:"), QStringLiteral("Scratchpad zeigen"));
+    QCOMPARE(titleNow("handleShowBookmarkTabView:"), QStringLiteral("Bookmarks zeigen"));
+    QCOMPARE(titleNow("handleShowHistoryTabView:"), QStringLiteral("History zeigen"));
+    QCOMPARE(titleNow("handleFocusOnCurrentSiteRequest:"), QStringLiteral("Aktuelle Website zeigen"));
+    controller().drawer.open();
+    controller().frame = window->addTab(QStringLiteral("http://news.example.com/"))->frame;
+    controller().previousLabel = QStringLiteral("example.com");
+    QCOMPARE(titleNow("handleToggleKDRDrawer:"), QStringLiteral("Schublade schlie\u00dfen"));
+    QCOMPARE(titleNow("handleFocusOnCurrentSiteRequest:"), QStringLiteral("news.example.com zeigen"));
+    controller().currentTab = QStringLiteral("Bookmarks");
+    QCOMPARE(titleNow("handleShowBookmarkTabView:"), QStringLiteral("Bookmarks schlie\u00dfen"));
+    controller().currentTab = QStringLiteral("History");
+    QCOMPARE(titleNow("handleShowHistoryTabView:"), QStringLiteral("History schlie\u00dfen"));
+    controller().currentTab = QStringLiteral("Scratchpad");
+    QCOMPARE(titleNow("handleShowScratchpadTabView:"), QStringLiteral("Scratchpad schlie\u00dfen"));
+    // In English, whatever the language.
+    QCOMPARE(titleNow("handleSwitchbackRequest:"), QStringLiteral("Show Site List for example.com"));
 }
 
 void MenuAdditionsTest::ampersandInTitleIsShown()

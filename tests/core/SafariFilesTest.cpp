@@ -180,6 +180,7 @@ private Q_SLOTS:
     void writeBackIsNoticedAsAChange();
     void writeBackIsInTheItemsForm();
     void writeBackWaitsForAReading();
+    void checkDoesNotWait();
 
 private:
     KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
@@ -815,6 +816,37 @@ void SafariFilesTest::writeBackWaitsForAReading()
     QCOMPARE(meanwhile, before);
     QVERIFY(isWritten);
     QVERIFY(_fresh->home.read(bookmarkFile).contains("Written"));
+}
+
+// It leaves the files to the next one.
+void SafariFilesTest::checkDoesNotWait()
+{
+    writeFile(bookmarkFile, "One");
+    store();
+    writeFile(bookmarkFile, "Another");
+    WaitingHost host;
+    const std::unique_ptr<QThread> reader(QThread::create([this] { store().tagSafariFiles(); }));
+    host.kept = reader.get();
+    reader->start();
+    host.hasAsked.acquire();
+
+    std::atomic<pid_t> checkerID = 0;
+    const std::unique_ptr<QThread> checker(QThread::create([&] {
+        checkerID = pid_t(::syscall(SYS_gettid));
+        store().tagSafariFiles();
+    }));
+    checker->start();
+    QTRY_VERIFY(checker->isFinished() || (checkerID && isAsleep(checkerID)));
+    const bool hasWaited = !checker->isFinished();
+    const QStringList meanwhile = bookmarkTitles();
+    host.isAnswered.release();
+    QVERIFY(reader->wait());
+    QVERIFY(checker->wait());
+    setCurrentHost(&_fresh->host);
+
+    QVERIFY(!hasWaited);
+    QCOMPARE(meanwhile, QStringList{"One"});
+    QCOMPARE(bookmarkTitles(), QStringList{"Another"});
 }
 
 QTEST_MAIN(SafariFilesTest)

@@ -88,6 +88,8 @@ private Q_SLOTS:
     void nothingIsHeardBeforeItIsLoaded();
 
     void newTreeIsTaken();
+    void nothingIsKeptOfTheOldTree_data();
+    void nothingIsKeptOfTheOldTree();
     void openFoldersStayOpen();
     void missingFileKeepsTheTree();
     void listOutOfSightFollowsWhenItIsSeen_data();
@@ -96,6 +98,7 @@ private Q_SLOTS:
     void matches_data();
     void matches();
     void matchesAreCopies();
+    void foundFolderIsAWholeCopy();
     void noMatchesGiveAnEmptyList();
     void refiningKeepsTheFolderOfMatches();
     void clearingShowsTheTreeAgain();
@@ -270,6 +273,41 @@ void WayfoldBookmarkDataSourceTest::matchesAreCopies()
     QCOMPARE(original->parent(), ListStage::store().safariBookmarkRoot()->findByUUID("KITCHEN"));
 }
 
+void WayfoldBookmarkDataSourceTest::foundFolderIsAWholeCopy()
+{
+    const WayfoldBookmarkFolderPtr tree = ListStage::store().safariBookmarkRoot();
+    const WayfoldBookmarkFolderPtr original = WayfoldBookmarkFolder::fromItem(tree->findByUUID("BAR"));
+    original->setFilterString("rails");
+    original->setTimestampInMilliseconds(1234567000);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("bookmarks bar");
+    QCOMPARE(tab.rows(), QStringList{"Bookmarks Bar"});
+
+    const auto copy = WayfoldBookmarkFolder::fromItem(tab.source->localRootFolder()->childAtIndex(0));
+    QVERIFY(copy && copy != original);
+    QCOMPARE(copy->uuid(), QString("BAR"));
+    QCOMPARE(copy->filterString(), QString("rails"));
+    QCOMPARE(copy->timestampInMilliseconds(), 1234567000);
+    QCOMPARE(copy->parent(), tab.source->localRootFolder());
+    QCOMPARE(original->parent(), tree);
+
+    // And so on below.
+    QCOMPARE(copy->childCount(), 2U);
+    for (unsigned i = 0; i < 2; ++i) {
+        QVERIFY(copy->childAtIndex(i) != original->childAtIndex(i));
+        QVERIFY(copy->childAtIndex(i)->isEqual(*original->childAtIndex(i)));
+        QCOMPARE(copy->childAtIndex(i)->parent(), copy);
+        QCOMPARE(original->childAtIndex(i)->parent(), original);
+    }
+    const auto inner = WayfoldBookmarkFolder::fromItem(copy->childAtIndex(1));
+    QVERIFY(inner);
+    QCOMPARE(inner->childCount(), 1U);
+    QCOMPARE(inner->childAtIndex(0)->title(), QString("Timetable"));
+    QCOMPARE(inner->childAtIndex(0)->parent(), inner);
+    QVERIFY(inner->childAtIndex(0) != tree->findByUUID("TIMES"));
+}
+
 void WayfoldBookmarkDataSourceTest::noMatchesGiveAnEmptyList()
 {
     BookmarksTab tab;
@@ -334,6 +372,35 @@ void WayfoldBookmarkDataSourceTest::clearingWhatIsNotFilteredChangesNothing()
     tab.search("");
     QCOMPARE(tab.source->localRootFolder(), ListStage::store().safariBookmarkRoot());
     QCOMPARE(tab.rows(), QStringList({"Bookmarks Bar", "-Marsh Line", "-Trains", "Kitchen", "Observatory"}));
+}
+
+void WayfoldBookmarkDataSourceTest::nothingIsKeptOfTheOldTree_data()
+{
+    QTest::addColumn<QString>("search");
+    QTest::newRow("unfiltered") << "";
+    QTest::newRow("filtered") << "kettle";
+    QTest::newRow("a folder found") << "kitchen";
+}
+
+void WayfoldBookmarkDataSourceTest::nothingIsKeptOfTheOldTree()
+{
+    QFETCH(QString, search);
+    BookmarksTab tab;
+    tab.source->ensureDataLoaded();
+    if (!search.isEmpty())
+        tab.search(search);
+    // Looked at, opened and selected.
+    tab.view.selectRow(0);
+    for (int row = 0; row < tab.view.numberOfRows(); ++row)
+        tab.view.expandItem(tab.view.itemAtRow(row));
+    const std::weak_ptr<WayfoldBookmarkFolder> root = ListStage::store().safariBookmarkRoot();
+    const std::weak_ptr<KDRBookmark> folder = root.lock()->findByUUID("KITCHEN");
+    const std::weak_ptr<KDRBookmark> link = root.lock()->findByUUID("KETTLE");
+    change(someBookmarks());
+    QVERIFY(tab.view.numberOfRows() > 0);
+    QVERIFY(root.expired());
+    QVERIFY(folder.expired());
+    QVERIFY(link.expired());
 }
 
 void WayfoldBookmarkDataSourceTest::newTreeIsFilteredToo()

@@ -180,6 +180,7 @@ private Q_SLOTS:
     void matchesBeginAtTheTop();
     void clearingWhatIsNotFilteredChangesNothing();
     void newHistoryIsFilteredToo();
+    void nothingIsKeptOfTheOldHistory();
     void styleChangeWaitsForTheFilter();
     void searchDeselects();
     void selectedMatchStaysSelected();
@@ -707,6 +708,24 @@ void WayfoldHistoryDataSourceTest::clearingWhatIsNotFilteredChangesNothing()
     tab.search("");
     QCOMPARE(tab.source->localRootFolder(), grouped);
     QCOMPARE(tab.rows(), QStringList({"a.org", "-03.01.01", "-02.01.01", "b.org"}));
+}
+
+void WayfoldHistoryDataSourceTest::nothingIsKeptOfTheOldHistory()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    // Looked at, opened and selected.
+    tab.view.selectRow(0);
+    for (int row = 0; row < tab.view.numberOfRows(); ++row)
+        tab.view.expandItem(tab.view.itemAtRow(row));
+    const std::weak_ptr<WayfoldBookmarkFolder> root = ListStage::store().historyBookmarkRoot();
+    const std::weak_ptr<KDRBookmark> visit = root.lock()->childAtIndex(0);
+    QVariantList visits = someVisits();
+    visits.prepend(BrowserFiles::visit("c today", "http://www.c.org/", BrowserFiles::noonOf(3)));
+    change(visits);
+    QVERIFY(tab.view.numberOfRows() > 0);
+    QVERIFY(root.expired());
+    QVERIFY(visit.expired());
 }
 
 void WayfoldHistoryDataSourceTest::newHistoryIsFilteredToo()

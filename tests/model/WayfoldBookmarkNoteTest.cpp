@@ -190,6 +190,13 @@ void WayfoldBookmarkNoteTest::readsDictionary()
     QCOMPARE(made->title(), "Title");
     QCOMPARE(made->valueAsString(), "Text");
     QCOMPARE(made->uuid(), "ID");
+    // An empty identifier is none.
+    QVariantMap withoutIdentifier = dictionary;
+    withoutIdentifier["WebBookmarkUUID"] = "";
+    QCOMPARE(WayfoldBookmarkNote::bookmarkFromDictionary(withoutIdentifier)->uuid().size(), 36);
+    made->loadFromDictionary(withoutIdentifier);
+    QCOMPARE(made->uuid().size(), 36);
+
     made->initFromDictionary({});
     QVERIFY(made->title().isNull());
     QVERIFY(made->valueAsString().isNull());
