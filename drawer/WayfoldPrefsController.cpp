@@ -470,8 +470,6 @@ void WayfoldPrefsController::prefsWindowWillClose()
 {
     _prefsWindow->removeEventFilter(this);
     qGuiApp->disconnect(this);
-    if (_shortcutPanel->isVisible())
-        _shortcutPanel->reject();
     if (_fontPanel)
         _fontPanel->close();
     store().setPrefsWindowShown(false);

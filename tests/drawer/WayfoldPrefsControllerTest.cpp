@@ -98,6 +98,7 @@ private Q_SLOTS:
     void groupingIsStored_data();
     void groupingIsStored();
     void groupingThatIsWrittenOtherwiseIsReplaced();
+    void groupingIsWrittenInEveryCase();
     void firstTabIsShown_data();
     void firstTabIsShown();
     void firstTabIsStored_data();
@@ -196,6 +197,8 @@ private:
     QString tableText(int row, int column) const { return tableIndex(row, column).data().toString(); }
     static int rowOf(const QAction *item) { return int(store().wayfoldMenu()->actions().indexOf(item)); }
     void doubleClick(int row) const;
+    // Presses it in the row that the keyboard is made to stand in.
+    void pressInRow(const QModelIndex &row, Qt::Key key) const;
     WayfoldShortcutPanel *sheet() const { return _window->findChild<WayfoldShortcutPanel *>(); }
     FontPanel *openFontPanel() const;
     // Chooses the entry of one of the panel's lists.
@@ -280,6 +283,15 @@ void WayfoldPrefsControllerTest::doubleClick(int row) const
     const QPoint place = table()->visualRect(tableIndex(row, 0)).center();
     QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, place);
     QTest::mouseDClick(table()->viewport(), Qt::LeftButton, {}, place);
+}
+
+void WayfoldPrefsControllerTest::pressInRow(const QModelIndex &row, Qt::Key key) const
+{
+    QTRY_VERIFY(_window->isActiveWindow());
+    show(table());
+    table()->setFocus();
+    table()->selectionModel()->setCurrentIndex(row, QItemSelectionModel::NoUpdate);
+    QTest::keyClick(table(), key);
 }
 
 FontPanel *WayfoldPrefsControllerTest::openFontPanel() const
@@ -429,13 +441,25 @@ void WayfoldPrefsControllerTest::groupingIsStored()
     settings().setHistoryGroupingStyle(QString::number(before));
     _window = open();
     const Arrivals arrivals(Notifications::SafariHistoryFileModNotification);
-    const Arrivals fonts(Notifications::ListViewFontChangeNotification);
     click(cell(grouping, tag));
     QCOMPARE(settings().historyGroupingStyle(), QString::number(tag));
-    QVERIFY(arrivals.objects.isEmpty()); // told later
-    // What is told now comes after what is told when there is nothing else to do.
-    WayfoldToolkit::postDelayedNotificationNameObject(Notifications::ListViewFontChangeNotification, this);
-    QTRY_COMPARE(fonts.objects.size(), 1);
+    // Told when there is nothing else to do: after what is told as soon as possible, before what comes to wait later.
+    const QString marker = Notifications::ListViewFontChangeNotification;
+    const Arrivals markers(marker);
+    qsizetype early = -1;
+    NotificationCenter::defaultCenter().addObserver(
+        &early,
+        [&](const Notification &) {
+            if (early < 0)
+                early = arrivals.objects.size();
+        },
+        marker);
+    WayfoldToolkit::postNotificationNameObject(marker, this);
+    QTRY_COMPARE(markers.objects.size(), 1);
+    NotificationCenter::defaultCenter().removeObserver(&early);
+    QCOMPARE(early, 0);
+    WayfoldToolkit::postDelayedNotificationNameObject(marker, this);
+    QTRY_COMPARE(markers.objects.size(), 2);
     QCOMPARE(arrivals.objects.size(), tag == before ? 0 : 1);
     if (tag != before)
         QVERIFY(arrivals.objects.constFirst() && arrivals.objects.constFirst() != &store());
@@ -449,6 +473,16 @@ void WayfoldPrefsControllerTest::groupingThatIsWrittenOtherwiseIsReplaced()
     click(cell(grouping, 3)); // shown already
     QCOMPARE(settings().historyGroupingStyle(), QStringLiteral("3"));
     QTRY_COMPARE(arrivals.objects.size(), 1);
+}
+
+void WayfoldPrefsControllerTest::groupingIsWrittenInEveryCase()
+{
+    settings().setHistoryGroupingStyle(QStringLiteral("3"));
+    _window = open();
+    settings().setShortcutKeyForItem(QStringLiteral("Y"), 3); // waits for the next writing
+    click(cell(grouping, 3));
+    settings().loadDefaults();
+    QCOMPARE(settings().shortcutKeyForItem(3), QStringLiteral("Y"));
 }
 
 void WayfoldPrefsControllerTest::firstTabIsShown_data()
@@ -913,12 +947,10 @@ void WayfoldPrefsControllerTest::itemThatHasGoneIsAnEmptyRow()
     store().wayfoldMenu()->addAction(item);
     const int row = rowOf(item);
     _window = open();
-    show(table());
-    table()->setCurrentIndex(tableIndex(row, 0));
     delete item;
     QCOMPARE(tableText(row, 0), QString());
     QCOMPARE(tableText(row, 1), QString());
-    QTest::keyClick(table(), Qt::Key_Return);
+    pressInRow(tableIndex(row, 0), Qt::Key_Return);
     QVERIFY(!sheet()->isVisible());
 }
 
@@ -964,18 +996,17 @@ void WayfoldPrefsControllerTest::separatorIsNotEdited()
     QCOMPARE(tableText(separator, 0), QStringLiteral("----------"));
     doubleClick(separator);
     QVERIFY(!sheet()->isVisible());
-    table()->selectionModel()->setCurrentIndex(tableIndex(separator, 0), QItemSelectionModel::NoUpdate);
-    QTest::keyClick(table(), Qt::Key_Return);
+    pressInRow(tableIndex(separator, 0), Qt::Key_Return);
     QVERIFY(!sheet()->isVisible());
 }
 
 void WayfoldPrefsControllerTest::noRowIsNotEdited()
 {
     _window = open();
-    show(table());
-    table()->setCurrentIndex({});
-    QTest::keyClick(table(), Qt::Key_Return);
+    pressInRow({}, Qt::Key_Return);
     QVERIFY(!sheet()->isVisible());
+    pressInRow(tableIndex(0, 0), Qt::Key_Return);
+    QVERIFY(sheet()->isVisible());
 }
 
 void WayfoldPrefsControllerTest::acceptedShortcutIsShown()
