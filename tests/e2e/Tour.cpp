@@ -210,7 +210,7 @@ void FirstSession::visitASite()
 {
     QVERIFY(_play.visit(news));
     QVERIFY(focus());
-    QVERIFY(shoot(QStringLiteral("site-visited")));
+    QVERIFY(shoot(QStringLiteral("empty-list-of-a-site")));
 }
 
 void FirstSession::saveAPage()
@@ -449,7 +449,28 @@ void FollowingSession::followsToAnotherSite()
     QVERIFY(shoot(QStringLiteral("following-to-another-site")));
 }
 
-// The same in a dark palette.
+// With the settings of a user who wants no icons in the lists.
+class IconlessSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void seeTitlesAlone();
+    void leave() { QVERIFY(quit()); }
+};
+
+void IconlessSession::seeTitlesAlone()
+{
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::isDrawerOpen(_window));
+    EVENTUALLY(Play::scratchRows(_window).contains(story));
+    QVERIFY(shoot(QStringLiteral("icons-switched-off")));
+}
+
+// The drawer beside a page in a dark palette.
 class DarkSession : public TourSession
 {
     Q_OBJECT
@@ -640,10 +661,13 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<ReleaseSession>(argc, argv);
     if (name.startsWith(preferences))
         return playPreferences(name, argc, argv);
-    Play::storeSettings(
-        {{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1}, {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1}});
+    Play::storeSettings({{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1},
+                         {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1},
+                         {QStringLiteral("WayfoldShowBookmarkIcons"), name == QLatin1String("iconless") ? 0 : 1}});
     if (name == QLatin1String("following"))
         return Play::performAtHome<FollowingSession>(argc, argv);
+    if (name == QLatin1String("iconless"))
+        return Play::performAtHome<IconlessSession>(argc, argv);
     const QPalette dark = darkPalette();
     return Play::performAtHome<DarkSession>(argc, argv, &dark);
 }
@@ -704,9 +728,10 @@ int main(int argc, char **argv)
     const QDir directory(QDir(QString::fromUtf8(argv[1])).absolutePath());
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
-    for (const QString &name : {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"),
-                                QStringLiteral("following"), QStringLiteral("dark"), QStringLiteral("release"),
-                                preferences, preferencesInTheDark, preferencesInGerman, preferencesAtTwice}) {
+    for (const QString &name :
+         {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"), QStringLiteral("following"),
+          QStringLiteral("iconless"), QStringLiteral("dark"), QStringLiteral("release"), preferences,
+          preferencesInTheDark, preferencesInGerman, preferencesAtTwice}) {
         if (!runSession(name, directory))
             return 1;
     }
