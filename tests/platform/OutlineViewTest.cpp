@@ -223,6 +223,7 @@ private Q_SLOTS:
     void scrollsUnderADrag();
     void marksWhereADropGoes_data();
     void marksWhereADropGoes();
+    void marksADropBehindAnEmptyFolder();
     void drawsTheDropIndicator();
     void dropIndicatorScrollsWithTheRows();
     void dragsAPictureOfTheRows();
@@ -1307,6 +1308,24 @@ void OutlineViewTest::marksWhereADropGoes()
     } else {
         QCOMPARE(mark, height < 0 ? QRect() : _view->viewport()->rect());
     }
+}
+
+void OutlineViewTest::marksADropBehindAnEmptyFolder()
+{
+    showList(*_view);
+    _view->expandItem(_tools);
+    _tools->children.clear();
+    _view->reloadItem(_tools, true);
+    QVERIFY(_view->isItemExpanded(_tools));
+    _tree->retarget = [](OutlineDropTarget &target) { target = {nullptr, 3}; };
+    QMimeData data;
+    dragTo(*_view, 10, data);
+    QCOMPARE(_view->dropIndicatorRect().top(), 59);
+    // Nor is there anything to be first in.
+    _tree->retarget = nullptr;
+    QCOMPARE(dropAt(*_view, 59, data), Qt::CopyAction);
+    QVERIFY(!_tree->accepted.back().item);
+    QCOMPARE(_tree->accepted.back().childIndex, 3);
 }
 
 void OutlineViewTest::drawsTheDropIndicator()
