@@ -119,8 +119,6 @@ QString Bundle::pathForImageResource(const QString &name)
 
 QString Bundle::localizedString(const QString &key)
 {
-    if (key.isEmpty())
-        return key;
     const QString text = currentCatalogue().text(key.toUtf8().constData());
     return text.isEmpty() ? key : text;
 }

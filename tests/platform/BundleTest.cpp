@@ -147,6 +147,7 @@ void BundleTest::localizedString_data()
     row("not translated", "de_DE", "Not a text of ours", QStringLiteral("Not a text of ours"));
     row("key beyond ASCII", "de_DE", "\xe6\x97\xa5\xe6\x9c\xac", QStringLiteral("\u65e5\u672c"));
     row("empty", "de_DE", "", QStringLiteral(""));
+    QTest::newRow("none") << "de_DE" << QString() << QString();
     row("without catalogue", "fr_FR", "Untitled Note", QStringLiteral("Untitled Note"));
     row("English", "en_GB", "Untitled Note", QStringLiteral("Untitled Note"));
     row("no language", "C", "Untitled Note", QStringLiteral("Untitled Note"));
@@ -159,7 +160,9 @@ void BundleTest::localizedString()
     QFETCH(QString, text);
     qputenv("WAYFOLD_BUNDLE", _installed);
     QLocale::setDefault(QLocale(locale));
-    QCOMPARE(Bundle::localizedString(key), text);
+    const QString answer = Bundle::localizedString(key);
+    QCOMPARE(answer, text);
+    QCOMPARE(answer.isNull(), text.isNull());
 }
 
 void BundleTest::localizedStringOfAnotherBundle()
