@@ -28,6 +28,30 @@ void when(const std::function<bool()> &condition, const std::function<void()> &a
     });
     timer->start();
 }
+
+// Does something when the reply that somebody waits for goes: just after the wait.
+class AfterTheReply : public QObject
+{
+public:
+    explicit AfterTheReply(std::function<void()> action) : _action(std::move(action))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent * /*event*/) override
+    {
+        if (!_isFound && watched->inherits("QNetworkReply")) {
+            _isFound = true;
+            connect(watched, &QObject::destroyed, this, _action);
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> _action;
+    bool _isFound = false;
+};
 } // namespace
 
 class WebFetchTest : public QObject
@@ -59,6 +83,7 @@ private Q_SLOTS:
     void cookiesAreNotKept();
     void cursorShowsTheWait();
     void inputIsThrownAway();
+    void inputOfTheLastMomentIsThrownAwayToo();
     void windowsCanBeClosed();
     void dialogOfAPageCanBeAnswered();
     void notificationsWait();
@@ -382,6 +407,25 @@ void WebFetchTest::inputIsThrownAway()
     work(); // now it does something
     QCOMPARE(field.text(), QStringLiteral("droppedhelloahello"));
     QCOMPARE(done, 3);
+}
+
+// What was done before the answer came may have been waiting when it did.
+void WebFetchTest::inputOfTheLastMomentIsThrownAwayToo()
+{
+    QLineEdit field;
+    field.show();
+    QVERIFY(QTest::qWaitForWindowActive(&field));
+    bool isTyped = false;
+    const AfterTheReply typing([&] {
+        QCoreApplication::postEvent(&field, new QKeyEvent(QEvent::KeyPress, Qt::Key_A, {}, QStringLiteral("a")));
+        isTyped = true;
+    });
+    LoopbackServer server;
+    server.setAnswer(QStringLiteral("/"), LoopbackServer::response("hello"));
+    QVERIFY(WebFetch::contentsOfURL(server.address(QStringLiteral("/"))));
+    QVERIFY(isTyped);
+    QCoreApplication::processEvents();
+    QCOMPARE(field.text(), QString());
 }
 
 // Or the desktop could not end the application.
