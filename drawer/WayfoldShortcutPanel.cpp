@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace
@@ -105,6 +106,11 @@ QString nameOfKey(const QString &key, unsigned modifierMask)
     return name.isNull() ? key.toUpper() : name;
 }
 
+QString hasItAlready(const QAction *command)
+{
+    return localized("\"%@\" has this shortcut already.").replace(QStringLiteral("%@"), MenuItem::title(command));
+}
+
 // The keys with which a dialog is worked.
 bool worksButtons(const QKeyEvent &event)
 {
@@ -186,6 +192,7 @@ bool WayfoldShortcutPanel::performActionWithMenuItemForWindow(QAction *item, QWi
     _savedModifier = MenuItem::keyEquivalentModifierMask(item);
     displayMenuItem();
     showMessage(QString());
+    watchOtherCommands();
     if (parentWidget() != window)
         setParent(window, windowFlags());
     setFocus();
@@ -211,13 +218,13 @@ bool WayfoldShortcutPanel::performKeyEquivalent(const QKeyEvent &event)
     if (pressed.key.isEmpty() || !_menuItem)
         return true;
     const QString refusal = refusalOf(pressed);
-    if (refusal.isNull()) {
-        MenuItem::setKeyEquivalent(_menuItem, pressed.key, pressed.modifierMask);
-        displayMenuItem();
-    } else {
-        beep();
+    if (!refusal.isNull()) {
+        refuse(refusal);
+        return true;
     }
-    showMessage(refusal);
+    MenuItem::setKeyEquivalent(_menuItem, pressed.key, pressed.modifierMask);
+    displayMenuItem();
+    showMessage(QString());
     return true;
 }
 
@@ -226,7 +233,7 @@ QString WayfoldShortcutPanel::refusalOf(const KeyEquivalent &pressed) const
     if (pressed.modifierMask == 0)
         return localized("Press the key together with Ctrl, Alt or Shift.");
     if (const QAction *other = MenuItem::otherCommandWithShortcut(_menuItem, pressed.shortcuts()))
-        return localized("\"%@\" has this shortcut already.").replace(QStringLiteral("%@"), MenuItem::title(other));
+        return hasItAlready(other);
     if (isTakenShortcutWithCharAndModifier(pressed.key.front().unicode(), pressed.modifierMask))
         return localized("The browser has this shortcut already.");
     return {};
@@ -290,6 +297,28 @@ void WayfoldShortcutPanel::restoreShortcut()
         MenuItem::setKeyEquivalent(_menuItem, _savedKey, _savedModifier);
 }
 
+void WayfoldShortcutPanel::refuse(const QString &reason)
+{
+    beep();
+    showMessage(reason);
+}
+
+// With Shift, the key of "-" types "_", yet it is the one of a command that has Ctrl+Shift+-. Only Qt knows which signs
+// share a key, so it is given the other commands' shortcuts to find.
+void WayfoldShortcutPanel::watchOtherCommands()
+{
+    qDeleteAll(findChildren<QShortcut *>(Qt::FindDirectChildrenOnly));
+    for (const QAction *command : MenuItem::otherCommands(_menuItem)) {
+        for (const QKeySequence &keys : command->shortcuts()) {
+            auto *shortcut = new QShortcut(keys, this);
+            shortcut->setAutoRepeat(false);
+            const auto refuseIt = [this, reason = hasItAlready(command)] { refuse(reason); };
+            connect(shortcut, &QShortcut::activated, this, refuseIt);
+            connect(shortcut, &QShortcut::activatedAmbiguously, this, refuseIt);
+        }
+    }
+}
+
 void WayfoldShortcutPanel::showMessage(const QString &message)
 {
     if (_messageField)
@@ -329,7 +358,9 @@ bool WayfoldShortcutPanel::takeKeyEvent(QEvent *event)
         return false;
     auto *keyEvent = static_cast<QKeyEvent *>(event);
     if (event->type() == QEvent::ShortcutOverride) {
-        event->accept();
+        const KeyEquivalent pressed = KeyEquivalent::ofKeyPress(*keyEvent);
+        const bool isItsOwn = pressed == KeyEquivalent{_savedKey, _savedModifier};
+        event->setAccepted(!pressed.isSignWithShift() || isItsOwn);
         return true;
     }
     if (worksButtons(*keyEvent))

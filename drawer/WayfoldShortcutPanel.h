@@ -55,6 +55,8 @@ private:
     bool takeKeyEvent(QEvent *event);
     // Why the item cannot have that key; null when it can.
     QString refusalOf(const KeyEquivalent &pressed) const;
+    void refuse(const QString &reason);
+    void watchOtherCommands();
     void showMessage(const QString &message);
     void storeShortcut();
     void restoreShortcut();

@@ -143,7 +143,7 @@ QList<QAction *> MenuItem::commandsOfWindow(const QWidget *window)
     return commands;
 }
 
-QAction *MenuItem::otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts)
+QList<QAction *> MenuItem::otherCommands(const QAction *item)
 {
     QList<QAction *> commands;
     for (const QObject *holder : item->associatedObjects()) {
@@ -155,8 +155,14 @@ QAction *MenuItem::otherCommandWithShortcut(const QAction *item, const QList<QKe
         if (ofWindow.contains(item))
             commands += ofWindow;
     }
-    for (QAction *command : commands) {
-        if (command != item && hasAnyShortcut(command, shortcuts))
+    commands.removeAll(item);
+    return commands;
+}
+
+QAction *MenuItem::otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts)
+{
+    for (QAction *command : otherCommands(item)) {
+        if (hasAnyShortcut(command, shortcuts))
             return command;
     }
     return nullptr;

@@ -48,8 +48,10 @@ QAction *itemWithTag(const QMenu *menu, int tag);
 QAction *itemWithKeyEquivalent(const QMenu *menu, const KeyEquivalent &key);
 // What a window's menu bar shows, submenus and all, and what else the window was given; some may come twice.
 QList<QAction *> commandsOfWindow(const QWidget *window);
-// Another command, of the item's menu or of a window that has the item, that one of these shortcuts would reach; null
-// when there is none. The letter that opens a menu of a menu bar counts as the menu's shortcut.
+// The other commands of the item's menu and of the windows that have the item; some may come twice.
+QList<QAction *> otherCommands(const QAction *item);
+// The first of them that one of these shortcuts would reach; null when there is none. The letter that opens a menu of a
+// menu bar counts as the menu's shortcut.
 QAction *otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts);
 // Makes the menu ask its items' targets each time it is about to show, and enables the items again when it goes, so
 // that key equivalents are never left disabled; those ask before they act.

@@ -8,6 +8,7 @@
 #include "tests/e2e/support/Play.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
@@ -32,6 +33,9 @@ private Q_SLOTS:
     void zoomOfTheBrowser_data();
     void zoomOfTheBrowser();
     void letterOpensTheMenu();
+    void keysOfAnotherCommandAreRefused_data();
+    void keysOfAnotherCommandAreRefused();
+    void ownKeysMayBePressedAgain();
 
     void whatWasPressedWorks_data();
     void whatWasPressedWorks();
@@ -42,6 +46,10 @@ private Q_SLOTS:
     void waitsForADialog();
 
 private:
+    // The sheet for the command of a row of the preferences' table; null when it did not come.
+    QWidget *openPanel(const QString &keysToRow);
+    bool closePanel();
+
     Play &_play;
     BrowserWindow *_window = nullptr;
 };
@@ -242,6 +250,83 @@ void ShortcutKeysTest::letterOpensTheMenu()
     NOW(shown()->menuAction() == _window->menuBar()->actions().last());
     QVERIFY(Hands::press(QStringLiteral("Escape Escape")));
     EVENTUALLY(!shown());
+}
+
+QWidget *ShortcutKeysTest::openPanel(const QString &keysToRow)
+{
+    const auto preferencesAreInFront = [] {
+        return QApplication::activeWindow() && QApplication::activeWindow()->objectName() == u"prefsWindow";
+    };
+    const auto sheetIsInFront = [] {
+        return QApplication::activeWindow() && QApplication::activeWindow()->inherits("WayfoldShortcutPanel");
+    };
+    const bool isOpen = Stage::eventually([&] { return _play.window() == _window; }) &&
+                        _play.choose({QStringLiteral("Wayfold"), QStringLiteral("Preferences...")}) &&
+                        Stage::eventually(preferencesAreInFront) &&
+                        Hands::press(QStringLiteral("alt+t alt+m %1Return").arg(keysToRow)) && // the page, its table
+                        Stage::eventually(sheetIsInFront);
+    return isOpen ? Stage::onMain([] { return QApplication::activeWindow(); }) : nullptr;
+}
+
+bool ShortcutKeysTest::closePanel()
+{
+    const auto sheetHasGone = [] {
+        return QApplication::activeWindow() && !QApplication::activeWindow()->inherits("WayfoldShortcutPanel");
+    };
+    return Hands::press(QStringLiteral("Escape")) && Stage::eventually(sheetHasGone) &&
+           Hands::press(QStringLiteral("Escape")) && Stage::eventually([&] { return _play.window() == _window; });
+}
+
+void ShortcutKeysTest::keysOfAnotherCommandAreRefused_data()
+{
+    QTest::addColumn<QString>("layout");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("name");
+    const QString bookmarks = QStringLiteral("Show Bookmark View");
+    const QString scratchpad = QStringLiteral("Show Scratchpad View");
+    const QString history = QStringLiteral("Show History View");
+    QTest::newRow("us, what the key types without Shift") << us << "ctrl+shift+20" << bookmarks;
+    QTest::newRow("us, what it types with Shift") << us << "ctrl+shift+17" << scratchpad;
+    QTest::newRow("de, without") << german << "ctrl+shift+61" << bookmarks;
+    QTest::newRow("fr, without") << french << "ctrl+shift+51" << scratchpad;
+    QTest::newRow("fr, with") << french << "ctrl+shift+21" << history;
+}
+
+void ShortcutKeysTest::keysOfAnotherCommandAreRefused()
+{
+    QFETCH(QString, layout);
+    QFETCH(QString, keys);
+    QFETCH(QString, name);
+    QWidget *panel = openPanel(QString());
+    QVERIFY(panel);
+    const auto text = [&](const char *field) { return panel->findChild<QLabel *>(QLatin1String(field))->text(); };
+    const QString title = Stage::onMain([&] { return text("menuItemTitleField"); });
+
+    QVERIFY(Hands::takeKeyboard(layout));
+    QVERIFY(Hands::press(keys));
+    EVENTUALLY(text("messageField") == QStringLiteral("\"%1\" has this shortcut already.").arg(name));
+    NOW(text("menuItemTitleField") == title);
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+18"))); // nobody's; the message goes
+    EVENTUALLY(text("messageField").isEmpty());
+    NOW(text("menuItemTitleField") != title);
+
+    QVERIFY(closePanel());
+}
+
+// Though the same key without Shift is that of another command.
+void ShortcutKeysTest::ownKeysMayBePressedAgain()
+{
+    QVERIFY(Hands::takeKeyboard(QString::fromLatin1(german)));
+    QWidget *panel = openPanel(QStringLiteral("Down "));
+    QVERIFY(panel);
+    const auto text = [&](const char *field) { return panel->findChild<QLabel *>(QLatin1String(field))->text(); };
+    NOW(text("menuItemTitleField").startsWith(u"Show Scratchpad View"));
+    QVERIFY(Hands::press(QStringLiteral("ctrl+c")));
+    EVENTUALLY(!text("messageField").isEmpty());
+    QVERIFY(Hands::press(QStringLiteral("ctrl+shift+35")));
+    EVENTUALLY(text("messageField").isEmpty());
+    NOW(text("menuItemTitleField").endsWith(u'*'));
+    QVERIFY(closePanel());
 }
 
 void ShortcutKeysTest::whatWasPressedWorks_data()
