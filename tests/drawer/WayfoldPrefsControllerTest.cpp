@@ -15,9 +15,13 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListView>
 #include <QMenu>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTabBar>
+#include <QTextDocument>
 #include <QToolTip>
 #include <QTreeView>
 
