@@ -19,16 +19,17 @@ public:
     void performMenuItem(QAction *item) override { performed.append(item); }
 };
 
-// Wants every key for itself, as a text field does.
+// Wants every key for itself, as a text field does, or takes what is left over.
 class Field : public QWidget
 {
 public:
     using QWidget::QWidget;
+    bool isGreedy = true;
     QList<int> keys;
 
     bool event(QEvent *event) override
     {
-        if (event->type() == QEvent::ShortcutOverride)
+        if (event->type() == QEvent::ShortcutOverride && isGreedy)
             event->accept();
         else if (event->type() == QEvent::KeyPress)
             keys.append(static_cast<QKeyEvent *>(event)->key());
@@ -132,8 +133,14 @@ void MenuKeyFilterTest::keyThatAFieldWantsIsLeftToIt()
 void MenuKeyFilterTest::disabledItemIsNotPerformed()
 {
     addItem(QStringLiteral("*"), command | shift)->setEnabled(false);
+    Field field(_window.get());
+    field.isGreedy = false;
+    field.setFocusPolicy(Qt::StrongFocus);
+    field.show();
+    field.setFocus();
     press(_window.get(), Qt::Key_Asterisk, ctrlShift);
     QVERIFY(_target.performed.isEmpty());
+    QVERIFY(field.keys.contains(Qt::Key_Asterisk)); // and not lost
 }
 
 void MenuKeyFilterTest::otherWindowHasNoSuchCommand()
