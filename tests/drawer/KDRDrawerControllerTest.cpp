@@ -76,6 +76,9 @@ private Q_SLOTS:
     void commandsMakeNewItems();
     void buttonsMakeNewItems_data();
     void buttonsMakeNewItems();
+    void buttonEdits();
+    void buttonDeletes();
+    void buttonAndPopupShowAnotherSite();
     void keyboardGoesToTheList();
     void contentFitsIntoTheDrawer();
     void closeCommandOfTheDrawer();
@@ -94,6 +97,11 @@ private:
         NotificationCenter::defaultCenter().postNotificationName(name, static_cast<const Drawer *>(drawer()));
     }
 
+    // As a user does: only a button that is enabled.
+    void press(const char *button)
+    {
+        QTest::mouseClick(drawer()->findChild<QAbstractButton *>(QLatin1String(button)), Qt::LeftButton);
+    }
     // Types a title into the dialog that opens next, and accepts it.
     void acceptNextDialog()
     {
@@ -744,9 +752,53 @@ void KDRDrawerControllerTest::buttonsMakeNewItems()
     openWindow();
     drawer()->open();
     acceptNextDialog();
-    drawer()->findChild<QAbstractButton *>(QString::fromLatin1(button))->click();
+    press(button.constData());
     QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("Typed")});
     QCOMPARE(int(DrawerStage::store().bookmarkRoot()->children().at(0)->type()), type);
+}
+
+void KDRDrawerControllerTest::buttonEdits()
+{
+    openWindow();
+    DrawerStage::store().bookmarkRoot()->addChild(DrawerStage::note("a"));
+    DrawerStage::store().updateAllDrawerContentsExceptFor(nullptr);
+    drawer()->open();
+    press("editItemButton"); // nothing is selected
+    list().selectRow(0);
+    acceptNextDialog();
+    press("editItemButton");
+    QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("Typed")});
+}
+
+void KDRDrawerControllerTest::buttonDeletes()
+{
+    DrawerStage::settings().setConfirmItemDelete(false);
+    openWindow();
+    for (const char *title : {"a", "b"})
+        DrawerStage::store().bookmarkRoot()->addChild(DrawerStage::note(title));
+    DrawerStage::store().updateAllDrawerContentsExceptFor(nullptr);
+    drawer()->open();
+    press("deleteItemButton"); // nothing is selected
+    QCOMPARE(list().numberOfRows(), 2);
+    list().selectRow(0);
+    press("deleteItemButton");
+    QCOMPARE(DrawerStage::rows(list()), QStringList{QStringLiteral("b")});
+}
+
+void KDRDrawerControllerTest::buttonAndPopupShowAnotherSite()
+{
+    openWindow();
+    drawer()->open();
+    press("switchbackButton"); // there is no other site yet
+    QCOMPARE(controller()->currentScratchDrawerLabel(), QStringLiteral("Sites"));
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), nullptr);
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("b.org"), nullptr);
+    press("switchbackButton");
+    QCOMPARE(controller()->currentScratchDrawerLabel(), QStringLiteral("a.org"));
+    auto *popup = drawer()->findChild<WayfoldSitePopupButton *>();
+    popup->setCurrentIndex(0);
+    Q_EMIT popup->activated(0);
+    QVERIFY(controller()->isScratchDrawerShowingGlobalRoot());
 }
 
 void KDRDrawerControllerTest::keyboardGoesToTheList()
