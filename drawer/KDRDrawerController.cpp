@@ -213,7 +213,6 @@ void KDRDrawerController::sizeDrawer()
     const qreal stored = WayfoldDefaults::sharedInstance().defaultDrawerContentWidth();
     const qreal width = stored > 0 ? std::max(stored, smallest) : smallest;
     _drawer->setContentView(_drawerView);
-    _drawer->setPreferredEdge(Drawer::NSMaxXEdge);
     _drawer->setMinContentSize(QSizeF(smallest, size.height()));
     _drawer->setContentSize(QSizeF(width, size.height()));
 }
