@@ -99,6 +99,7 @@ private Q_SLOTS:
     void everyTextOfTheDrawerIsGerman_data();
     void everyTextOfTheDrawerIsGerman();
     void menusAreGerman();
+    void deleteItemHasNoEnglishPlural();
     void smartFoldersAreGerman();
 
 private:
@@ -193,6 +194,25 @@ void DrawerTranslationTest::menusAreGerman()
                 return;
         }
     }
+}
+
+void DrawerTranslationTest::deleteItemHasNoEnglishPlural()
+{
+    const WayfoldBookmarkFolderPtr root = DrawerStage::store().bookmarkRoot();
+    root->addChild(DrawerStage::link(QStringLiteral("A")));
+    root->addChild(DrawerStage::link(QStringLiteral("B")));
+    DrawerStage::store().updateAllDrawerContentsExceptFor(nullptr);
+    WayfoldScratchOutlineView *list = controller()->scratchOutlineView();
+    list->selectRow(0);
+    list->selectRow(1);
+    QAction item;
+    MenuItem::setAction(&item, QStringLiteral("handleDeleteItemRequest:"));
+    DrawerStage::settings().setConfirmItemDelete(true);
+    QVERIFY(list->validateMenuItem(&item));
+    QCOMPARE(item.text(), QStringLiteral("L\u00f6schen..."));
+    DrawerStage::settings().setConfirmItemDelete(false);
+    QVERIFY(list->validateMenuItem(&item));
+    QCOMPARE(item.text(), QStringLiteral("L\u00f6schen"));
 }
 
 void DrawerTranslationTest::smartFoldersAreGerman()
