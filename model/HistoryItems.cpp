@@ -28,9 +28,9 @@ std::shared_ptr<HistoryItems> HistoryItems::copiesOfMatches(const TextSearch &se
 
 std::shared_ptr<HistoryItems> HistoryItems::copiesOf(const std::vector<unsigned> &indexes) const
 {
-    auto records = std::make_shared<HistoryRecords>(*_records, indexes.size());
+    auto records = std::make_shared<HistoryRecords>();
     for (const unsigned index : indexes)
-        records->appendFrom(*_records, recordNumber(index), recordNumber(index) + 1);
+        records->appendCopy(*_records, recordNumber(index));
     return std::make_shared<HistoryItems>(std::move(records));
 }
 

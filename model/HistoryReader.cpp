@@ -9,10 +9,11 @@
 #include <QHashFunctions>
 #include <QRandomGenerator>
 #include <optional>
+#include <utility>
 
 namespace
 {
-// Beyond this share of texts that belong to nothing any more, everything is read anew.
+// Beyond this share of texts that belong to nothing any more, the others are put together anew.
 constexpr double mostWaste = 0.5;
 // A visited page moves to the front of the list, and old ones are dropped: so many in a row may be gone.
 constexpr std::size_t mostGone = 16;
@@ -61,20 +62,20 @@ std::shared_ptr<const HistoryRecords> HistoryReader::read(const QString &path, b
     }
     if (isPassing)
         *isPassing = reading.isPassing;
+    if (records && records->wasted() > mostWaste)
+        records = records->withoutWaste();
     _former = records;
     _formerElements = std::move(_elements);
     return _former;
 }
 
-std::shared_ptr<HistoryRecords> HistoryReader::startRecords()
+std::shared_ptr<HistoryRecords> HistoryReader::startRecords(Form form)
 {
     _elements.clear();
     _next = 0;
     _nextRecord = 0;
-    if (_former && _former->wasted() > mostWaste) {
-        _former = nullptr;
+    if (std::exchange(_form, form) != form)
         _formerElements.clear();
-    }
     if (!_former)
         return std::make_shared<HistoryRecords>();
     return std::make_shared<HistoryRecords>(*_former, _former->count() + mostGone);
@@ -82,7 +83,7 @@ std::shared_ptr<HistoryRecords> HistoryReader::startRecords()
 
 std::shared_ptr<HistoryRecords> HistoryReader::recordsFrom(const QVariantMap &file)
 {
-    std::shared_ptr<HistoryRecords> records = startRecords();
+    std::shared_ptr<HistoryRecords> records = startRecords(Form::General);
     const QVariantList entries = file.value(QLatin1String(listKey)).toList();
     for (const QVariant &value : entries) {
         const QVariantMap entry = value.toMap();
@@ -92,11 +93,12 @@ std::shared_ptr<HistoryRecords> HistoryReader::recordsFrom(const QVariantMap &fi
     return records;
 }
 
-// Takes the entry over if it is one of the next former ones.
+// Takes the entry over if it is one of the next former ones and its element is not known.
 void HistoryReader::append(HistoryRecords &records, QByteArrayView title, QByteArrayView address,
                            QByteArrayView seconds)
 {
-    const unsigned last = _former ? std::min(_former->count(), _nextRecord + unsigned(mostGone)) : 0;
+    const unsigned last =
+        _former && _formerElements.empty() ? std::min(_former->count(), _nextRecord + unsigned(mostGone)) : 0;
     for (unsigned number = _nextRecord; number < last; ++number) {
         if (records.appendIfSame(*_former, number, title, address, seconds)) {
             _nextRecord = number + 1;
@@ -106,34 +108,60 @@ void HistoryReader::append(HistoryRecords &records, QByteArrayView title, QByteA
     records.append(title, address, seconds);
 }
 
-// --- The binary form
-// ----------------------------------------------------------------------------------------------------
+// --- The binary form -----------------------------------------------------------------------------------------------
 
 // Null when the general way has to have a look at it.
 std::shared_ptr<HistoryRecords> HistoryReader::readBinary(QIODevice &device)
 {
     const QByteArray data = device.readAll();
     BinaryPropertyListCheck list(data);
-    if (!list.reasonToRefuse().isNull() || !list.isDictionary(list.topObject()))
+    if (!list.hasTable() || !list.isDictionary(list.topObject()))
         return nullptr;
-    std::shared_ptr<HistoryRecords> records = startRecords();
-    std::optional<quint64> entries;
-    QByteArray key;
-    for (quint64 i = 0; i < list.count(list.topObject()); ++i) {
-        const bool isText = list.readText(list.key(list.topObject(), i), &key);
-        if (!isText || (key == listKey && entries))
-            return nullptr;
-        if (key == listKey)
-            entries = list.value(list.topObject(), i);
-    }
-    if (!entries || !list.isArray(*entries))
+    std::shared_ptr<HistoryRecords> records = startRecords(Form::Binary);
+    if (readBinaryTopLevel(list, *records))
         return records;
+    _elements.clear();
+    return nullptr;
+}
+
+bool HistoryReader::readBinaryTopLevel(BinaryPropertyListCheck &list, HistoryRecords &records)
+{
+    std::optional<quint64> entries;
+    QByteArray text;
+    for (quint64 i = 0; i < list.count(list.topObject()); ++i) {
+        const quint64 key = list.key(list.topObject(), i);
+        const quint64 value = list.value(list.topObject(), i);
+        if (!list.isKey(key) || !list.readText(key, &text) || (text == listKey && entries))
+            return false;
+        if (text == listKey)
+            entries = value;
+        else if (!list.hashOf(value))
+            return false;
+    }
+    if (!entries)
+        return true;
+    if (!list.isArray(*entries))
+        return list.hashOf(*entries).has_value();
     const quint64 count = list.count(*entries);
     for (quint64 i = 0; i < count; ++i) {
-        if (!readBinaryEntry(list, list.value(*entries, i), *records))
-            return nullptr;
+        if (!readBinaryElement(list, list.value(*entries, i), records))
+            return false;
     }
-    return records;
+    return true;
+}
+
+bool HistoryReader::readBinaryElement(BinaryPropertyListCheck &list, quint64 element, HistoryRecords &records)
+{
+    const std::optional<quint64> hash = list.hashOf(element);
+    if (!hash)
+        return false;
+    if (takeOver(*hash, records))
+        return true;
+    const unsigned before = records.count();
+    if (!readBinaryEntry(list, element, records))
+        return false;
+    _elements.push_back({*hash, 0, records.count() - before});
+    return true;
 }
 
 bool HistoryReader::readBinaryEntry(BinaryPropertyListCheck &list, quint64 entry, HistoryRecords &records)
@@ -154,12 +182,11 @@ bool HistoryReader::readBinaryEntry(BinaryPropertyListCheck &list, quint64 entry
     return true;
 }
 
-// --- The plain form
-// ---------------------------------------------------------------------------------------------------
+// --- The plain form ------------------------------------------------------------------------------------------------
 
 std::shared_ptr<HistoryRecords> HistoryReader::readPlain(QIODevice &device)
 {
-    std::shared_ptr<HistoryRecords> records = startRecords();
+    std::shared_ptr<HistoryRecords> records = startRecords(Form::Plain);
     _elements.reserve(_formerElements.size() + mostGone);
     PlainXml xml(device);
     if (readTopLevel(xml, *records))
@@ -233,8 +260,7 @@ bool HistoryReader::readElement(PlainXml &xml, HistoryRecords &records)
     return true;
 }
 
-// --- What has not changed
-// -----------------------------------------------------------------------------------------------
+// --- What has not changed ------------------------------------------------------------------------------------------
 
 // Passes over all elements that are next in the file as they were in the former one, but for a few that are gone; false
 // when there are none.
@@ -259,6 +285,25 @@ bool HistoryReader::takeOver(PlainXml &xml, HistoryRecords &records)
     records.appendFrom(*_former, firstRecord, record);
     _next = at;
     _nextRecord = record;
+    return true;
+}
+
+// The same for one element of the binary form.
+bool HistoryReader::takeOver(quint64 hash, HistoryRecords &records)
+{
+    std::size_t at = _next;
+    unsigned record = _nextRecord;
+    const std::size_t last = std::min(_formerElements.size(), _next + mostGone);
+    while (at < last && _formerElements[at].hash != hash)
+        record += _formerElements[at++].isEntry;
+    if (at == last)
+        return false;
+
+    const Element &element = _formerElements[at];
+    _elements.push_back(element);
+    records.appendFrom(*_former, record, record + element.isEntry);
+    _next = at + 1;
+    _nextRecord = record + element.isEntry;
     return true;
 }
 

@@ -18,8 +18,9 @@ public:
     std::shared_ptr<const HistoryRecords> read(const QString &path, bool *isPassing = nullptr);
 
 private:
-    // An element of the file's list, whether or not it became an entry: where it ends behind the one before, and what
-    // its bytes are.
+    enum class Form { General, Plain, Binary };
+    // An element of the file's list, whether or not it became an entry: in the plain form where it ends behind the one
+    // before, and what it holds.
     struct Element
     {
         quint64 hash = 0;
@@ -34,12 +35,16 @@ private:
     bool takeOver(PlainXml &xml, HistoryRecords &records);
     static bool isAhead(PlainXml &xml, const Element &element);
     std::shared_ptr<HistoryRecords> readBinary(QIODevice &device);
+    bool readBinaryTopLevel(BinaryPropertyListCheck &list, HistoryRecords &records);
+    bool readBinaryElement(BinaryPropertyListCheck &list, quint64 element, HistoryRecords &records);
     bool readBinaryEntry(BinaryPropertyListCheck &list, quint64 entry, HistoryRecords &records);
     std::shared_ptr<HistoryRecords> recordsFrom(const QVariantMap &file);
-    std::shared_ptr<HistoryRecords> startRecords();
+    bool takeOver(quint64 hash, HistoryRecords &records);
+    std::shared_ptr<HistoryRecords> startRecords(Form form);
     void append(HistoryRecords &records, QByteArrayView title, QByteArrayView address, QByteArrayView seconds);
 
     std::shared_ptr<const HistoryRecords> _former;
+    Form _form = Form::General; // of the reading that the former elements are from, then of the present one
     std::vector<Element> _formerElements;
     std::vector<Element> _elements; // of the present reading
     std::size_t _next = 0;          // the first former element that may still follow

@@ -15,7 +15,9 @@ namespace
 // Between title and address in the search form; no text in UTF-8 holds it.
 constexpr char separator = '\xff';
 
-constexpr std::size_t blockSize = std::size_t(1) << 20;
+// As large as all that there is already, so that few texts take little room and many few blocks.
+constexpr std::size_t smallestBlock = std::size_t(4) << 10;
+constexpr std::size_t largestBlock = std::size_t(1) << 20;
 
 // 1 January 2001, 00:00:00 GMT, in seconds of the system's clock.
 constexpr double referenceDate = 978307200.0;
@@ -101,6 +103,26 @@ void HistoryRecords::appendFrom(const HistoryRecords &former, unsigned first, un
         _textSize += record->titleLength + record->addressLength + record->formLength;
 }
 
+void HistoryRecords::appendCopy(const HistoryRecords &other, unsigned number)
+{
+    Record record = other._records[number];
+    const qsizetype size = qsizetype(record.titleLength) + record.addressLength + record.formLength;
+    record.text = _texts->add({record.text, size});
+    record.site = _texts->siteNumberOfName(other.siteName(record.site));
+    record.serialNumber = _texts->nextSerialNumber++;
+    _records.push_back(record);
+    _textSize += std::size_t(size);
+}
+
+std::shared_ptr<HistoryRecords> HistoryRecords::withoutWaste() const
+{
+    auto copy = std::make_shared<HistoryRecords>();
+    copy->_records.reserve(_records.size());
+    for (unsigned number = 0; number < count(); ++number)
+        copy->appendCopy(*this, number);
+    return copy;
+}
+
 QString HistoryRecords::title(unsigned index) const
 {
     const Record &record = _records[index];
@@ -135,7 +157,7 @@ const char *HistoryRecords::Texts::add(QByteArrayView text)
 {
     const std::size_t length = std::size_t(text.size());
     if (used + length > size) {
-        size = std::max(blockSize, length);
+        size = std::max(std::clamp(total, smallestBlock, largestBlock), length);
         used = 0;
         blocks.push_back(std::make_unique_for_overwrite<char[]>(size));
     }
@@ -157,13 +179,20 @@ unsigned HistoryRecords::Texts::siteNumber(QByteArrayView host)
     if (known != siteNumbers.constEnd())
         return lastNumber = *known;
     // Several hosts may be one site.
-    const QString name = WayfoldToolkit::hostNameToTrackFromHostName(QString::fromUtf8(host));
-    const auto same = siteNumbersByName.constFind(name);
-    lastNumber = same != siteNumbersByName.constEnd() ? *same : unsigned(siteNames.size());
-    if (lastNumber == siteNames.size()) {
-        siteNames.push_back(name);
-        siteNumbersByName.insert(name, lastNumber);
-    }
+    lastNumber = siteNumberOfName(WayfoldToolkit::hostNameToTrackFromHostName(QString::fromUtf8(host)));
     siteNumbers.insert(lastHost, lastNumber);
     return lastNumber;
+}
+
+unsigned HistoryRecords::Texts::siteNumberOfName(const QString &name)
+{
+    if (name.isNull())
+        return noSite;
+    const auto known = siteNumbersByName.constFind(name);
+    if (known != siteNumbersByName.constEnd())
+        return *known;
+    const auto number = unsigned(siteNames.size());
+    siteNames.push_back(name);
+    siteNumbersByName.insert(name, number);
+    return number;
 }

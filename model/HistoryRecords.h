@@ -40,6 +40,11 @@ public:
     // Appends the entries from `first` to before `last` of the records that these were made from.
     void appendFrom(const HistoryRecords &former, unsigned first, unsigned last);
 
+    // Appends an entry of any other records with a text of its own, so that nothing is shared with them.
+    void appendCopy(const HistoryRecords &other, unsigned number);
+    // The same entries, sharing nothing with these or any other records.
+    std::shared_ptr<HistoryRecords> withoutWaste() const;
+
     unsigned count() const { return unsigned(_records.size()); }
     QString title(unsigned index) const;
     QString address(unsigned index) const;
@@ -82,6 +87,7 @@ private:
     {
         const char *add(QByteArrayView text);
         unsigned siteNumber(QByteArrayView host);
+        unsigned siteNumberOfName(const QString &name);
 
         std::vector<std::unique_ptr<char[]>> blocks;
         std::size_t used = 0; // of the last block

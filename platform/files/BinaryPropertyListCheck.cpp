@@ -4,10 +4,13 @@
 #include "platform/files/PropertyList.h"
 #include "platform/files/XmlPropertyListWriter.h"
 
+#include <QHashFunctions>
+#include <QRandomGenerator>
 #include <QtEndian>
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -18,6 +21,12 @@ constexpr qsizetype trailerSize = 32;
 // What occurs often is written once and referred to, which a file may do a good deal without bad intentions.
 constexpr quint64 maximumSharedValues = 100000;
 constexpr quint64 maximumSharedBytes = quint64(256) << 20;
+constexpr int greatestHashedDepth = 16;
+
+std::size_t hashOfBytes(QByteArrayView bytes, std::size_t before)
+{
+    return qHashBits(bytes.data(), std::size_t(bytes.size()), before);
+}
 } // namespace
 
 BinaryPropertyListCheck::BinaryPropertyListCheck(const QByteArray &data) : _data(data) {}
@@ -39,8 +48,7 @@ QString BinaryPropertyListCheck::reasonToRefuse()
 BinaryPropertyListCheck::Object BinaryPropertyListCheck::objectAt(quint64 number)
 {
     Object object;
-    readObject(number, &object);
-    return object;
+    return readObject(number, &object) ? object : Object();
 }
 
 quint64 BinaryPropertyListCheck::markerOf(quint64 number) const
@@ -137,6 +145,8 @@ bool BinaryPropertyListCheck::readTrailer()
 
 bool BinaryPropertyListCheck::readObject(quint64 number, Object *object)
 {
+    if (number >= _objectCount)
+        return refuse("a reference to nothing");
     quint64 position = markerOf(number);
     if (position < headerSize || position >= _end)
         return refuse("an object outside of the file");
@@ -339,6 +349,77 @@ bool BinaryPropertyListCheck::checkKey(quint64 number)
             return refuse("a key that holds a NUL");
     }
     return true;
+}
+
+// --- Hashes --------------------------------------------------------------------------------------------------------
+
+std::optional<quint64> BinaryPropertyListCheck::hashOf(quint64 number)
+{
+    // Not to be foreseen by whoever writes the file.
+    static const std::size_t seed = QRandomGenerator::global()->generate64();
+    _hash = seed;
+    return addToHash(number, 0) ? std::optional<quint64>(_hash) : std::nullopt;
+}
+
+bool BinaryPropertyListCheck::addToHash(quint64 number, int depth)
+{
+    Object object;
+    if (depth > greatestHashedDepth || !readObject(number, &object) || !countHashed(1, object.bytes))
+        return false;
+    _hash = hashOfBytes(bytesOf(number, object), _hash);
+    const bool isDictionary = object.kind == Object::Dictionary;
+    if (isDictionary && !addKeysToHash(object))
+        return false;
+    for (quint64 i = isDictionary ? object.references / 2 : 0; i < object.references; ++i) {
+        if (!addToHash(integerAt(object.position + i * _referenceSize, _referenceSize), depth + 1))
+            return false;
+    }
+    return true;
+}
+
+bool BinaryPropertyListCheck::addKeysToHash(const Object &dictionary)
+{
+    const quint64 count = dictionary.references / 2;
+    const QByteArrayView keys(_data.constData() + dictionary.position, qsizetype(count * _referenceSize));
+    if (keys != _lastKeys) {
+        const std::size_t before = std::exchange(_hash, 0);
+        const quint64 bytesBefore = _hashedBytes;
+        for (quint64 i = 0; i < count; ++i) {
+            const quint64 key = integerAt(dictionary.position + i * _referenceSize, _referenceSize);
+            if (!checkKey(key) || !addToHash(key, 0))
+                return false;
+        }
+        _lastKeys = keys;
+        _hashOfLastKeys = std::exchange(_hash, before);
+        _bytesOfLastKeys = _hashedBytes - bytesBefore;
+    } else if (!countHashed(count, _bytesOfLastKeys)) {
+        return false;
+    }
+    _hash = qHashMulti(_hash, _hashOfLastKeys);
+    return true;
+}
+
+bool BinaryPropertyListCheck::countHashed(quint64 values, quint64 bytes)
+{
+    _hashedValues += values;
+    _hashedBytes += bytes;
+    return _hashedValues <= _data.size() + maximumSharedValues && _hashedBytes <= _data.size() + maximumSharedBytes;
+}
+
+// From its marker on; of a container without the references, and of what is none of our values the marker alone.
+QByteArrayView BinaryPropertyListCheck::bytesOf(quint64 number, const Object &object) const
+{
+    const quint64 start = markerOf(number);
+    const quint8 marker = _data[start];
+    const int kind = marker >> 4;
+    quint64 end = start + 1;
+    if (object.kind == Object::Array || object.kind == Object::Dictionary)
+        end = object.position;
+    else if (object.position > 0)
+        end = object.position + object.length;
+    else if (object.kind == Object::Scalar && kind != 0)
+        end += quint64(1) << (marker & 0xf);
+    return {_data.constData() + start, qsizetype(end - start)};
 }
 
 bool BinaryPropertyListCheck::refuse(const char *reason)

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
 #include <vector>
 
 // Looks through the object table of a binary property list before it is unfolded: objects refer to each other by
@@ -25,8 +26,17 @@ public:
     // rest. An empty text in UTF-16 is one in ASCII there, and a value that is none of ours an archive's identifier.
     QByteArray forLibrary() const;
 
-    // For a list that is not refused: its objects, named by their numbers, for readers that want but a few of them. A
-    // dictionary has a key and a value of each index, an array a value.
+    // For who reads a file again and again, in place of reasonToRefuse(). First of all: whether the file has an object
+    // table and a top object.
+    bool hasTable() { return readTrailer(); }
+    // A hash of all that the object unfolds to, whatever numbers its parts have. Each object on the way is looked at as
+    // reasonToRefuse() does; none when one of them would be refused, or when it is nested deeper than most are.
+    std::optional<quint64> hashOf(quint64 number);
+    // Whether the object may be a dictionary's key.
+    bool isKey(quint64 number) { return checkKey(number); }
+
+    // For a list that is not refused, and for objects that have a hash: its objects, named by their numbers, for
+    // readers that want but a few of them. A dictionary has a key and a value of each index, an array a value.
     quint64 topObject() const { return _top; }
     bool isDictionary(quint64 number) { return objectAt(number).kind == Object::Dictionary; }
     bool isArray(quint64 number) { return objectAt(number).kind == Object::Array; }
@@ -76,6 +86,10 @@ private:
     bool follow(Visit &visit);
     bool add(const Visit &visit, quint64 child);
     bool checkKey(quint64 number);
+    bool addToHash(quint64 number, int depth);
+    bool addKeysToHash(const Object &dictionary);
+    bool countHashed(quint64 values, quint64 bytes);
+    QByteArrayView bytesOf(quint64 number, const Object &object) const;
     bool refuse(const char *reason);
 
     const QByteArray &_data;
@@ -90,4 +104,11 @@ private:
     std::vector<quint64> _emptyWideTexts;
     std::vector<quint64> _unknownValues;
     QString _reason;
+
+    std::size_t _hash = 0;
+    quint64 _hashedValues = 0; // of all that hashes were made of
+    quint64 _hashedBytes = 0;
+    QByteArrayView _lastKeys; // the references to them, which are the same in one dictionary after another
+    std::size_t _hashOfLastKeys = 0;
+    quint64 _bytesOfLastKeys = 0;
 };

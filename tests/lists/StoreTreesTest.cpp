@@ -1,6 +1,8 @@
 #include "lists/StoreTrees.h"
 
 #include "core/settings/WayfoldToolkit.h"
+#include "model/HistoryItems.h"
+#include "model/HistoryRecords.h"
 #include "model/WayfoldHistoryAutoFolder.h"
 #include "tests/lists/ListStage.h"
 #include "tests/support/BrowserFiles.h"
@@ -19,6 +21,7 @@ private Q_SLOTS:
     void unchangedBookmarksAreCollectedAgain();
     void images();
     void copyOfRelatedHistory();
+    void relatedHistoryHoldsOnlyWhatItShows();
     void withoutFiles();
 
 private:
@@ -123,6 +126,25 @@ void StoreTreesTest::images()
         QCOMPARE(imageName(known->childAtIndex(i)), "full");
         QCOMPARE(imageName(unknown->childAtIndex(i)), "empty");
     }
+}
+
+void StoreTreesTest::relatedHistoryHoldsOnlyWhatItShows()
+{
+    ListStage::store();
+    const WayfoldBookmarkFolderPtr folder = site("a.example");
+    const KDRBookmarkPtr related = folder->childAtIndex(1);
+    const auto textsOf = [] {
+        return HistoryItems::ofFolder(*ListStage::store().historyBookmarkRoot())->records().sharedTexts();
+    };
+    const std::weak_ptr<const void> former = textsOf();
+    QVERIFY(!former.expired());
+    const BrowserFiles files(_stage->home);
+    files.writeHistory({});
+    ListStage::store().tagSafariFiles();
+    QVERIFY(former.expired());
+    QCOMPARE(outline(related), (QStringList{"3 Jan 2001(Third)", "2 Jan 2001(On a.example, Second)"}));
+    related->refresh();
+    QCOMPARE(outline(related), QStringList());
 }
 
 void StoreTreesTest::copyOfRelatedHistory()

@@ -1,6 +1,7 @@
 #include "model/UUIDSearch.h"
 #include "tests/model/HistoryReading.h"
 #include "tests/model/ModelTestSupport.h"
+#include "tests/support/AllocationCount.h"
 #include "tests/support/BinaryPropertyList.h"
 #include "tests/support/LoggedMessages.h"
 
@@ -261,8 +262,11 @@ private Q_SLOTS:
     void readAgainInAnotherForm();
     void readAgainAfterDamage();
     void readAgainFromNothing();
+    void readingAgainMakesLittle_data();
+    void readingAgainMakesLittle();
     void manyReadings();
     void formerRecordsStayAsTheyWere();
+    void clearedHistoryIsForgotten();
 };
 
 void HistoryReaderTest::entriesInFileOrder()
@@ -678,6 +682,43 @@ void HistoryReaderTest::readAgainFromNothing()
 }
 
 // What belongs to nothing any more is let go at some time, and nothing is lost by it.
+void HistoryReaderTest::readingAgainMakesLittle_data()
+{
+    QTest::addColumn<std::function<QByteArray(const QByteArray &)>>("form");
+    using Form = std::function<QByteArray(const QByteArray &)>;
+    QTest::newRow("plain") << Form([](const QByteArray &xml) { return xml; });
+    QTest::newRow("line ends of two characters")
+        << Form([](const QByteArray &xml) { return QByteArray(xml).replace("\n", "\r\n"); });
+    QTest::newRow("binary") << Form(
+        [](const QByteArray &xml) { return binaryPropertyList(PropertyList::fromData(xml)); });
+}
+
+// One visit more, and one that moves to the front: what the reader makes anew is these two.
+void HistoryReaderTest::readingAgainMakesLittle()
+{
+    QFETCH(std::function<QByteArray(const QByteArray &)>, form);
+    constexpr int entries = 2000;
+    QList<QByteArray> elements;
+    for (int i = 0; i < entries; ++i)
+        elements.append(element("Title " + QByteArray::number(i), "http://a.example/" + QByteArray::number(i)));
+    HistoryReader reader;
+    write(form(fileWith(elements)));
+    const auto former = reader.read(path());
+    elements.move(1000, 0);
+    elements.prepend(element("New", "http://b.example/"));
+    write(form(fileWith(elements)));
+    const std::size_t before = allocationCount;
+    const auto present = reader.read(path());
+    QVERIFY2(allocationCount - before < entries / 4, qPrintable(QString::number(allocationCount - before)));
+    QCOMPARE(present->count(), unsigned(entries) + 1);
+    QCOMPARE(present->title(1), QString("Title 1000"));
+    for (unsigned i = 0; i < entries; ++i) {
+        if (i != 1000)
+            QCOMPARE(present->serialNumber(i < 1000 ? i + 2 : i + 1), former->serialNumber(i));
+    }
+    checkBothWays(reader, form(fileWith(elements)));
+}
+
 void HistoryReaderTest::manyReadings()
 {
     HistoryReader reader;
@@ -709,6 +750,30 @@ void HistoryReaderTest::formerRecordsStayAsTheyWere()
     QCOMPARE(present->title(0), QString("C"));
     QCOMPARE(present->title(1), QString("B"));
     QCOMPARE(present->site(1), former->site(1));
+}
+
+// Its texts go with the last who shows them.
+void HistoryReaderTest::clearedHistoryIsForgotten()
+{
+    HistoryReader reader;
+    write(fileWith(element("A", "http://www.a.example/") + element("B", "http://www.b.example/")));
+    auto former = reader.read(path());
+    const std::weak_ptr<const void> texts = former->sharedTexts();
+    write(fileWith(""));
+    QCOMPARE(reader.read(path())->count(), 0U);
+    QVERIFY(!texts.expired());
+    former.reset();
+    QVERIFY(texts.expired());
+    // What is left of many is as good as before.
+    write(fileWith(element("C", "http://www.c.example/") + element("D", "http://d.example/") +
+                   element("E", "http://e.example/")));
+    former = reader.read(path());
+    write(fileWith(element("D", "http://d.example/", "7")));
+    const auto left = reader.read(path());
+    QCOMPARE(left->wasted(), 0.0);
+    QCOMPARE(left->title(0), QString("D"));
+    QCOMPARE(left->siteName(left->site(0)), QString("d.example"));
+    checkBothWays(reader, fileWith(element("F", "http://f.example/") + element("D", "http://d.example/", "7")));
 }
 
 QTEST_MAIN(HistoryReaderTest)
