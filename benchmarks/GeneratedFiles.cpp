@@ -3,7 +3,18 @@
 #include "benchmarks/LifelikeBrowser.h"
 #include "platform/files/PropertyList.h"
 
-#include <QProcess>
+#include <QFile>
+#include <cstdlib>
+#include <plist/plist.h>
+
+namespace
+{
+bool writeFile(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+} // namespace
 
 GeneratedFiles::GeneratedFiles(const QString &folder, int entries) : _folder(folder), _entries(entries) {}
 
@@ -16,27 +27,50 @@ bool GeneratedFiles::write()
 {
     LifelikeBrowser browser;
     _history = browser.history(_entries);
-    return PropertyList::writeFile(_history, history()) &&
-           PropertyList::writeFile(browser.bookmarks(_entries / 5), bookmarks()) && writeBinaryForm();
+    _bookmarks = browser.bookmarks(_entries / 5);
+    return writeHistory(history()) && writeHistory(binaryHistory()) && writeHistory(crlfHistory()) &&
+           PropertyList::writeFile(_bookmarks, bookmarks());
+}
+
+bool GeneratedFiles::writeHistory(const QString &file) const
+{
+    if (file == binaryHistory())
+        return writeBinaryHistory();
+    if (file == crlfHistory())
+        return writeFile(file, PropertyList::toXml(_history).replace("\n", "\r\n"));
+    return PropertyList::writeFile(_history, file);
 }
 
 // By a library of others: ours writes XML alone.
-bool GeneratedFiles::writeBinaryForm() const
+bool GeneratedFiles::writeBinaryHistory() const
 {
-    static const char script[] =
-        "import plistlib, sys\n"
-        "plistlib.dump(plistlib.load(open(sys.argv[1], 'rb')), open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)\n";
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-c"), QString::fromLatin1(script), history(), binaryHistory()});
-    return python.waitForFinished(600'000) && python.exitCode() == 0;
+    const QByteArray xml = PropertyList::toXml(_history);
+    plist_t list = nullptr;
+    plist_from_xml(xml.constData(), uint32_t(xml.size()), &list);
+    char *binary = nullptr;
+    uint32_t size = 0;
+    if (list)
+        plist_to_bin(list, &binary, &size);
+    const bool isWritten = binary && writeFile(binaryHistory(), QByteArray::fromRawData(binary, size));
+    std::free(binary);
+    plist_free(list);
+    return isWritten;
 }
 
-bool GeneratedFiles::addVisit()
+bool GeneratedFiles::addVisitTo(const QString &file)
 {
     const QString key = QStringLiteral("WebHistoryDates");
     QVariantList entries = _history.take(key).toList();
     entries.prepend(LifelikeBrowser::visitNow(++_added));
     _history.insert(key, entries);
-    return PropertyList::writeFile(_history, history());
+    return writeHistory(file);
+}
+
+bool GeneratedFiles::addBookmark()
+{
+    const QString key = QStringLiteral("Children");
+    QVariantList children = _bookmarks.take(key).toList();
+    children.append(LifelikeBrowser::bookmarkNow(++_added));
+    _bookmarks.insert(key, children);
+    return PropertyList::writeFile(_bookmarks, bookmarks());
 }

@@ -28,9 +28,12 @@ bool showSiteWithSmartFolders(const DrawerOnFiles &drawer)
            drawer.controller()->scratchDataSource()->localRootFolder() == site;
 }
 
-// Everything that the main thread does when the browser has written one visit more.
-bool measureReread(Figures &figures, const QString &name, GeneratedFiles &files, const DrawerOnFiles &drawer)
+// Everything that the main thread does when the browser has written one visit more. The first time, when the form of
+// the file is another one than before, does not count.
+bool measureReread(Figures &figures, const char *name, GeneratedFiles &files, const QString &file,
+                   DrawerOnFiles &drawer)
 {
+    drawer.stage.host.historyPath = file;
     KDRDrawerBundle &store = DrawerStage::store();
     const unsigned before = store.historyBookmarkRoot()->childCount();
     bool written = true;
@@ -40,21 +43,26 @@ bool measureReread(Figures &figures, const QString &name, GeneratedFiles &files,
             QCoreApplication::processEvents(); // the notifications
             DrawerOnFiles::layOut(drawer.history());
         },
-        7, [&] { written = files.addVisit() && written; });
-    figures.add(name, milliseconds, QStringLiteral("ms"));
+        7, [&] { written = files.addVisitTo(file) && written; });
+    figures.add(QLatin1String(name), milliseconds, QStringLiteral("ms"));
     return written && store.historyBookmarkRoot()->childCount() == before + 8;
 }
 
 // Also with the drawer closed, in which the list is to follow when it is seen again.
-bool measureRereads(Figures &figures, GeneratedFiles &files, const DrawerOnFiles &drawer)
+bool measureRereads(Figures &figures, GeneratedFiles &files, DrawerOnFiles &drawer)
 {
     const auto isNewestShown = [&] {
         const WayfoldBookmarkFolderPtr shown = drawer.controller()->historyDataSource()->localRootFolder();
         return shown->findByUUID(DrawerStage::store().historyBookmarkRoot()->childAtIndex(0)->uuid()) != nullptr;
     };
-    bool complete = measureReread(figures, QStringLiteral("history_reread_ms"), files, drawer) && isNewestShown();
+    const auto isRead = [&](const char *name, const QString &file) {
+        return measureReread(figures, name, files, file, drawer) && isNewestShown();
+    };
+    bool complete = isRead("history_reread_crlf_ms", files.crlfHistory());
+    complete = isRead("history_reread_binary_ms", files.binaryHistory()) && complete;
+    complete = isRead("history_reread_ms", files.history()) && complete;
     drawer.controller()->drawer()->close();
-    complete = measureReread(figures, QStringLiteral("closed_drawer_reread_ms"), files, drawer) && complete;
+    complete = measureReread(figures, "closed_drawer_reread_ms", files, files.history(), drawer) && complete;
     drawer.controller()->drawer()->open();
     if (complete && isNewestShown())
         return true;
@@ -87,7 +95,7 @@ void measureIdleCheck(Figures &figures)
 
 bool measureHistoryTab(Figures &figures, GeneratedFiles &files, bool /*peers*/)
 {
-    const DrawerOnFiles drawer(files);
+    DrawerOnFiles drawer(files);
     if (!showSiteWithSmartFolders(drawer)) {
         std::fprintf(stderr, "the Scratchpad does not show the site with its smart folders\n");
         return false;

@@ -166,6 +166,18 @@ QVariantMap LifelikeBrowser::visitNow(int number)
     };
 }
 
+QVariantMap LifelikeBrowser::bookmarkNow(int number)
+{
+    const QString address = QStringLiteral("https://www.example.com/kept/now/%1").arg(number);
+    return {
+        {QStringLiteral("WebBookmarkType"), QStringLiteral("WebBookmarkTypeLeaf")},
+        {QStringLiteral("WebBookmarkUUID"), QStringLiteral("KEPT-NOW-%1").arg(number)},
+        {QStringLiteral("URLString"), address},
+        {QStringLiteral("URIDictionary"),
+         QVariantMap{{QStringLiteral(""), address}, {QStringLiteral("title"), QStringLiteral("Kept just now")}}},
+    };
+}
+
 QVariantMap LifelikeBrowser::link(int number)
 {
     const Site &site = popularSite();

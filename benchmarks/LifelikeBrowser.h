@@ -17,6 +17,7 @@ public:
     // The contents of a bookmark file: `count` links in nested folders below the bookmarks bar and the menu.
     QVariantMap bookmarks(int count);
     // One more visit, newer than all others.
+    static QVariantMap bookmarkNow(int number);
     static QVariantMap visitNow(int number);
 
 private:

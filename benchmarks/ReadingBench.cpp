@@ -48,6 +48,12 @@ bool measureReading(Figures &figures, GeneratedFiles &files, bool peers)
         figures.add(QStringLiteral("libplist_read_ms"), PlistPeers::libplistReadMilliseconds(files.history()), unit);
     }
     figures.add(QStringLiteral("history_read_binary_ms"), binary, unit);
-    figures.add(QStringLiteral("bookmarks_read_ms"), bookmarks, unit);
+    figures.add(QStringLiteral("bookmarks_read_ms"), bookmarks, unit, QStringLiteral("plistlib_bookmarks_read_ms"));
+    if (peers) {
+        figures.add(QStringLiteral("plistlib_bookmarks_read_ms"),
+                    PlistPeers::plistlibReadMilliseconds(files.bookmarks()), unit);
+        figures.add(QStringLiteral("libplist_bookmarks_read_ms"),
+                    PlistPeers::libplistReadMilliseconds(files.bookmarks()), unit);
+    }
     return xml > 0 && binary > 0 && bookmarks > 0;
 }

@@ -26,15 +26,21 @@ bool reported(bool complete, const char *name)
 bool measureOwnFile(Figures &figures)
 {
     const bool pageLoad = reported(measurePageLoad(figures), "page load");
-    return reported(measureItemFile(figures), "item file") && pageLoad;
+    const bool mail = reported(measureMail(figures), "mail address");
+    return reported(measureItemFile(figures), "item file") && pageLoad && mail;
 }
 
 // `only`: the name of the one to measure; empty: all.
 bool measureBrowserFiles(Figures &figures, int entries, bool peers, const QString &only)
 {
     const std::pair<const char *, bool (*)(Figures &, GeneratedFiles &, bool)> benches[] = {
-        {"reading", measureReading},        {"grouping", measureGrouping}, {"filtering", measureFiltering},
-        {"history tab", measureHistoryTab}, {"memory", measureMemory},     {"start", measureStart},
+        {"reading", measureReading},
+        {"grouping", measureGrouping},
+        {"filtering", measureFiltering},
+        {"history tab", measureHistoryTab},
+        {"bookmark tab", measureBookmarkTab},
+        {"memory", measureMemory},
+        {"start", measureStart},
     };
     const QTemporaryDir folder;
     GeneratedFiles files(folder.path(), entries);
@@ -60,10 +66,11 @@ int main(int argc, char **argv)
                                      QStringLiteral("Only what depends on the browser's files, with N visits in them."),
                                      QStringLiteral("N"), QStringLiteral("100000"));
     const QCommandLineOption noPeers(QStringLiteral("no-peers"), QStringLiteral("Leave others out."));
-    const QCommandLineOption only(QStringLiteral("only"),
-                                  QStringLiteral("Only one of: reading, grouping, filtering, history tab, memory, "
-                                                 "start."),
-                                  QStringLiteral("NAME"));
+    const QCommandLineOption only(
+        QStringLiteral("only"),
+        QStringLiteral("Only one of: reading, grouping, filtering, history tab, bookmark tab, memory, "
+                       "start."),
+        QStringLiteral("NAME"));
     const QCommandLineOption scale(QStringLiteral("scale"),
                                    QStringLiteral("Only how each cost grows with the browser's files."));
     QCommandLineOption child(QStringLiteral("child"), QString(), QStringLiteral("NAME"));

@@ -2,6 +2,7 @@
 
 #include "core/ItemFileStore.h"
 #include "core/Retries.h"
+#include "model/BookmarkReader.h"
 #include "model/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/FileStamp.h"
@@ -178,6 +179,7 @@ private:
     std::optional<FileStamp> _safariBookmarkFileModDate;
     Retries _safariBookmarkRetries;
     FolderPtr _safariBookmarkRoot;
+    BookmarkReader _bookmarkReader;
     std::optional<FileStamp> _safariHistoryFileModDate;
     Retries _safariHistoryRetries;
     FolderPtr _safariHistoryRoot;

@@ -3,6 +3,7 @@
 
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
+#include "model/BookmarkItems.h"
 #include "model/HistoryItems.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/Paths.h"
@@ -80,15 +81,14 @@ void KDRDrawerBundle::tagSafariFiles()
 
 bool KDRDrawerBundle::loadSafariBookmarkFile()
 {
-    PropertyList::Reading reading;
-    const QVariantMap file = PropertyList::readDictionaryFile(safariBookmarkFilePath(), &reading);
-    noteFailure(reading.isPassing, _safariBookmarkRetries);
-    if (reading.isPassing)
+    bool isPassing = false;
+    const std::shared_ptr<const BookmarkRecords> records = _bookmarkReader.read(safariBookmarkFilePath(), &isPassing);
+    noteFailure(isPassing, _safariBookmarkRetries);
+    if (isPassing)
         return false;
-    _safariBookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
-    if (!reading.ok)
+    _safariBookmarkRoot = records ? BookmarkItems::treeOf(records) : std::make_shared<WayfoldBookmarkFolder>();
+    if (!records)
         return false;
-    _safariBookmarkRoot->loadFromDictionary(file);
     _safariBookmarkRoot->setTitle(QStringLiteral("Bookmarks"));
     return true;
 }

@@ -6,8 +6,6 @@
 #include "platform/files/PropertyList.h"
 
 #include <QFile>
-#include <QHashFunctions>
-#include <QRandomGenerator>
 #include <optional>
 #include <utility>
 
@@ -15,17 +13,7 @@ namespace
 {
 // Beyond this share of texts that belong to nothing any more, the others are put together anew.
 constexpr double mostWaste = 0.5;
-// A visited page moves to the front of the list, and old ones are dropped: so many in a row may be gone.
-constexpr std::size_t mostGone = 16;
-
 constexpr char listKey[] = "WebHistoryDates";
-
-quint64 hashOf(QByteArrayView bytes)
-{
-    // Not to be foreseen by whoever writes the file.
-    static const std::size_t seed = QRandomGenerator::global()->generate64() | 1;
-    return qHashBits(bytes.data(), std::size_t(bytes.size()), seed);
-}
 
 // What is read of an entry; of keys that are there twice, the last counts.
 struct EntryTexts
@@ -65,20 +53,18 @@ std::shared_ptr<const HistoryRecords> HistoryReader::read(const QString &path, b
     if (records && records->wasted() > mostWaste)
         records = records->withoutWaste();
     _former = records;
-    _formerElements = std::move(_elements);
     return _former;
 }
 
 std::shared_ptr<HistoryRecords> HistoryReader::startRecords(Form form)
 {
-    _elements.clear();
-    _next = 0;
+    _elements.start();
     _nextRecord = 0;
-    if (std::exchange(_form, form) != form)
-        _formerElements.clear();
+    if (std::exchange(_form, form) != form || !_former)
+        _elements.forgetKnown();
     if (!_former)
         return std::make_shared<HistoryRecords>();
-    return std::make_shared<HistoryRecords>(*_former, _former->count() + mostGone);
+    return std::make_shared<HistoryRecords>(*_former, _former->count() + KnownElements::mostGone);
 }
 
 std::shared_ptr<HistoryRecords> HistoryReader::recordsFrom(const QVariantMap &file)
@@ -97,8 +83,8 @@ std::shared_ptr<HistoryRecords> HistoryReader::recordsFrom(const QVariantMap &fi
 void HistoryReader::append(HistoryRecords &records, QByteArrayView title, QByteArrayView address,
                            QByteArrayView seconds)
 {
-    const unsigned last =
-        _former && _formerElements.empty() ? std::min(_former->count(), _nextRecord + unsigned(mostGone)) : 0;
+    constexpr unsigned mostGone = KnownElements::mostGone;
+    const unsigned last = _former && !_elements.knowsAny() ? std::min(_former->count(), _nextRecord + mostGone) : 0;
     for (unsigned number = _nextRecord; number < last; ++number) {
         if (records.appendIfSame(*_former, number, title, address, seconds)) {
             _nextRecord = number + 1;
@@ -120,7 +106,7 @@ std::shared_ptr<HistoryRecords> HistoryReader::readBinary(QIODevice &device)
     std::shared_ptr<HistoryRecords> records = startRecords(Form::Binary);
     if (readBinaryTopLevel(list, *records))
         return records;
-    _elements.clear();
+    _elements.forgetNoted();
     return nullptr;
 }
 
@@ -155,12 +141,12 @@ bool HistoryReader::readBinaryElement(BinaryPropertyListCheck &list, quint64 ele
     const std::optional<quint64> hash = list.hashOf(element);
     if (!hash)
         return false;
-    if (takeOver(*hash, records))
+    if (takeOver(_elements.withHash(*hash), records))
         return true;
     const unsigned before = records.count();
     if (!readBinaryEntry(list, element, records))
         return false;
-    _elements.push_back({*hash, 0, records.count() - before});
+    _elements.note({*hash, 0, recordSince(before, records)});
     return true;
 }
 
@@ -187,12 +173,11 @@ bool HistoryReader::readBinaryEntry(BinaryPropertyListCheck &list, quint64 entry
 std::shared_ptr<HistoryRecords> HistoryReader::readPlain(QIODevice &device)
 {
     std::shared_ptr<HistoryRecords> records = startRecords(Form::Plain);
-    _elements.reserve(_formerElements.size() + mostGone);
     PlainXml xml(device);
     if (readTopLevel(xml, *records))
         return records;
     // What was noted is not of the whole file.
-    _elements.clear();
+    _elements.forgetNoted();
     return nullptr;
 }
 
@@ -222,7 +207,7 @@ bool HistoryReader::readTopLevel(PlainXml &xml, HistoryRecords &records)
 bool HistoryReader::readList(PlainXml &xml, HistoryRecords &records)
 {
     while (true) {
-        if (takeOver(xml, records))
+        if (takeOver(_elements.passOver(xml), records))
             continue;
         xml.mark();
         const PlainXml::Tag tag = xml.readTag();
@@ -234,8 +219,7 @@ bool HistoryReader::readList(PlainXml &xml, HistoryRecords &records)
         const bool isRead = tag == PlainXml::Tag::Dictionary ? readElement(xml, records) : xml.skipValue(tag);
         if (!isRead || xml.failed())
             return false;
-        const QByteArrayView bytes = xml.markedBytes();
-        _elements.push_back({hashOf(bytes), quint32(bytes.size()), records.count() - before});
+        _elements.note(xml.markedBytes(), recordSince(before, records));
         xml.unmark();
     }
 }
@@ -262,54 +246,20 @@ bool HistoryReader::readElement(PlainXml &xml, HistoryRecords &records)
 
 // --- What has not changed ------------------------------------------------------------------------------------------
 
-// Passes over all elements that are next in the file as they were in the former one, but for a few that are gone; false
-// when there are none.
-bool HistoryReader::takeOver(PlainXml &xml, HistoryRecords &records)
+// False for none.
+bool HistoryReader::takeOver(const KnownElements::Element *element, HistoryRecords &records)
 {
-    std::size_t at = _next;
-    unsigned record = _nextRecord;
-    const std::size_t last = std::min(_formerElements.size(), _next + mostGone);
-    while (at < last && !isAhead(xml, _formerElements[at]))
-        record += _formerElements[at++].isEntry;
-    if (at == last)
+    if (!element)
         return false;
-
-    const std::size_t first = at;
-    const unsigned firstRecord = record;
-    do {
-        xml.pass(_formerElements[at].length);
-        record += _formerElements[at++].isEntry;
-    } while (at < _formerElements.size() && isAhead(xml, _formerElements[at]));
-    _elements.insert(_elements.end(), _formerElements.begin() + qptrdiff(first),
-                     _formerElements.begin() + qptrdiff(at));
-    records.appendFrom(*_former, firstRecord, record);
-    _next = at;
-    _nextRecord = record;
+    const bool isEntry = element->record != KnownElements::noRecord;
+    _elements.note({element->hash, element->length, isEntry ? records.count() : KnownElements::noRecord});
+    if (isEntry)
+        records.appendFrom(*_former, element->record, element->record + 1);
     return true;
 }
 
-// The same for one element of the binary form.
-bool HistoryReader::takeOver(quint64 hash, HistoryRecords &records)
+// The number of the record that has come since; none when it is not an entry.
+quint32 HistoryReader::recordSince(unsigned before, const HistoryRecords &records)
 {
-    std::size_t at = _next;
-    unsigned record = _nextRecord;
-    const std::size_t last = std::min(_formerElements.size(), _next + mostGone);
-    while (at < last && _formerElements[at].hash != hash)
-        record += _formerElements[at++].isEntry;
-    if (at == last)
-        return false;
-
-    const Element &element = _formerElements[at];
-    _elements.push_back(element);
-    records.appendFrom(*_former, record, record + element.isEntry);
-    _next = at + 1;
-    _nextRecord = record + element.isEntry;
-    return true;
-}
-
-bool HistoryReader::isAhead(PlainXml &xml, const Element &element)
-{
-    const QByteArrayView bytes = xml.peek(element.length);
-    // The end tells most of those that are not, at no cost.
-    return bytes.size() == qsizetype(element.length) && bytes.back() == '>' && hashOf(bytes) == element.hash;
+    return records.count() > before ? before : KnownElements::noRecord;
 }

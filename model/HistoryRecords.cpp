@@ -6,18 +6,12 @@
 #include "platform/base/StringRules.h"
 #include "platform/base/Url.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace
 {
 // Between title and address in the search form; no text in UTF-8 holds it.
 constexpr char separator = '\xff';
-
-// As large as all that there is already, so that few texts take little room and many few blocks.
-constexpr std::size_t smallestBlock = std::size_t(4) << 10;
-constexpr std::size_t largestBlock = std::size_t(1) << 20;
 
 // 1 January 2001, 00:00:00 GMT, in seconds of the system's clock.
 constexpr double referenceDate = 978307200.0;
@@ -70,7 +64,7 @@ bool HistoryRecords::append(QByteArrayView title, QByteArrayView address, QByteA
         StringRules::appendSearchForm(address, _scratch);
 
     Record record;
-    record.text = _texts->add(_scratch);
+    record.text = _texts->blocks.add(_scratch);
     record.visited = timestampFromSeconds(StringRules::doubleValue(secondsText));
     record.titleLength = quint32(title.size());
     record.addressLength = quint32(address.size());
@@ -107,7 +101,7 @@ void HistoryRecords::appendCopy(const HistoryRecords &other, unsigned number)
 {
     Record record = other._records[number];
     const qsizetype size = qsizetype(record.titleLength) + record.addressLength + record.formLength;
-    record.text = _texts->add({record.text, size});
+    record.text = _texts->blocks.add({record.text, size});
     record.site = _texts->siteNumberOfName(other.siteName(record.site));
     record.serialNumber = _texts->nextSerialNumber++;
     _records.push_back(record);
@@ -150,22 +144,7 @@ bool HistoryRecords::isWanted(unsigned index, const UUIDSearch &search) const
 
 double HistoryRecords::wasted() const
 {
-    return _texts->total ? 1.0 - double(_textSize) / double(_texts->total) : 0.0;
-}
-
-const char *HistoryRecords::Texts::add(QByteArrayView text)
-{
-    const std::size_t length = std::size_t(text.size());
-    if (used + length > size) {
-        size = std::max(std::clamp(total, smallestBlock, largestBlock), length);
-        used = 0;
-        blocks.push_back(std::make_unique_for_overwrite<char[]>(size));
-    }
-    char *place = blocks.back().get() + used;
-    std::memcpy(place, text.data(), length);
-    used += length;
-    total += length;
-    return place;
+    return _texts->blocks.total() ? 1.0 - double(_textSize) / double(_texts->blocks.total()) : 0.0;
 }
 
 unsigned HistoryRecords::Texts::siteNumber(QByteArrayView host)

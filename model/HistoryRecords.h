@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/KDRBookmark.h"
+#include "model/TextBlocks.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -85,14 +86,10 @@ private:
 
     struct Texts
     {
-        const char *add(QByteArrayView text);
         unsigned siteNumber(QByteArrayView host);
         unsigned siteNumberOfName(const QString &name);
 
-        std::vector<std::unique_ptr<char[]>> blocks;
-        std::size_t used = 0; // of the last block
-        std::size_t size = 0; // of the last block
-        std::size_t total = 0;
+        TextBlocks blocks;
         unsigned nextSerialNumber = 0;
         std::vector<QString> siteNames = {QString()};
         QHash<QString, unsigned> siteNumbersByName;

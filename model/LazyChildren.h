@@ -25,7 +25,7 @@ public:
     virtual unsigned count() = 0;
     // Whether count() is 0, where that is easier to tell.
     virtual bool isEmpty() { return count() == 0; }
-    // Never none; it has a parent. A folder among the children is not empty.
+    // Never none; it has a parent. Empty folders among them go with removeEmptySubfolders() only once they are made.
     virtual KDRBookmarkPtr makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder) = 0;
     virtual bool isFolder(unsigned index) = 0;
     // Whether there may be folders among them; false is of use to whoever would ask for each.

@@ -1,3 +1,5 @@
+#include "model/BookmarkItems.h"
+#include "model/BookmarkReader.h"
 #include "tests/fuzz/TreeChecks.h"
 
 // The browser's bookmark file, read as the store does, and written back with the keys that it keeps.
@@ -9,6 +11,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     file.write({data, qsizetype(size)});
     const auto root = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(file.path());
     require(root != nullptr, "there always is a tree");
+    BookmarkReader reader;
+    for (int reading = 0; reading < 2; ++reading) { // the second takes over what it can
+        const auto records = reader.read(file.path());
+        const WayfoldBookmarkFolderPtr tree = records ? BookmarkItems::treeOf(records) : nullptr;
+        require((tree ? tree->deepChildCount() : 0) == root->deepChildCount(), "the store reads what item files hold");
+    }
     root->setTitle(QStringLiteral("Bookmarks"));
     TreeChecks::checkParents(root);
     TreeChecks::checkCopy(root);
