@@ -1,6 +1,7 @@
 #include "model/BookmarkReader.h"
 
 #include "model/ItemDictionary.h"
+#include "platform/files/BinaryPropertyListCheck.h"
 #include "platform/files/PlainXml.h"
 #include "platform/files/PropertyList.h"
 
@@ -72,8 +73,10 @@ std::shared_ptr<const BookmarkRecords> BookmarkReader::read(const QString &path,
 {
     QFile file;
     std::shared_ptr<BookmarkRecords> records;
-    if (PropertyList::openFile(path, &file) && file.peek(1) == "<")
-        records = readPlain(file);
+    if (PropertyList::openFile(path, &file)) {
+        const QByteArray start = file.peek(6);
+        records = start == "bplist" ? readBinary(file) : start.startsWith('<') ? readPlain(file) : nullptr;
+    }
     PropertyList::Reading reading;
     if (!records) {
         _elements.forgetNoted();
@@ -228,6 +231,76 @@ bool BookmarkReader::takeOver(const KnownElements::Element *element, BookmarkRec
     _elements.note({element->hash, element->length, isKept ? records.count() : KnownElements::noRecord});
     if (isKept)
         records.appendFrom(*_former, element->record);
+    return true;
+}
+
+// --- The binary form -----------------------------------------------------------------------------------------------
+
+// Null when the general way has to have a look at it.
+std::shared_ptr<BookmarkRecords> BookmarkReader::readBinary(QIODevice &device)
+{
+    _elements.forgetNoted();
+    const QByteArray data = device.readAll();
+    BinaryPropertyListCheck list(data);
+    if (!list.reasonToRefuse().isNull() || !list.isDictionary(list.topObject()))
+        return nullptr;
+    auto records = std::make_shared<BookmarkRecords>();
+    const unsigned root = records->begin();
+    Entry entry;
+    if (!readBinaryEntry(list, list.topObject(), *records, entry))
+        return nullptr;
+    records->end(root, BookmarkRecords::Kind::Folder, {entry.folderTitle, entry.searchString, entry.uuid});
+    return records;
+}
+
+bool BookmarkReader::readBinaryEntry(BinaryPropertyListCheck &list, quint64 dictionary, BookmarkRecords &records,
+                                     Entry &entry)
+{
+    QByteArray key;
+    for (quint64 i = 0; i < list.count(dictionary); ++i) {
+        if (!list.readText(list.key(dictionary, i), &key))
+            return false;
+        const quint64 value = list.value(dictionary, i);
+        const Entry::Text *const text = Entry::ofKey(key);
+        const bool isChildren = key == childrenKey;
+        const bool isTitle = key == uriDictionaryKey;
+        if ((text && !entry.see(text->mark)) || (isChildren && !entry.see(Entry::childrenMark)) ||
+            (isTitle && !entry.see(Entry::titleMark)))
+            return false;
+        if ((text && !list.readText(value, &(entry.*text->text))) ||
+            (isChildren && list.isArray(value) && !readBinaryList(list, value, records)) ||
+            (isTitle && list.isDictionary(value) && !readBinaryLinkTitle(list, value, entry)))
+            return false;
+    }
+    return true;
+}
+
+bool BookmarkReader::readBinaryList(BinaryPropertyListCheck &list, quint64 array, BookmarkRecords &records)
+{
+    for (quint64 i = 0; i < list.count(array); ++i) {
+        const quint64 element = list.value(array, i);
+        if (!list.isDictionary(element))
+            continue;
+        const unsigned number = records.begin();
+        Entry entry;
+        if (!readBinaryEntry(list, element, records, entry))
+            return false;
+        end(number, entry, records);
+    }
+    return true;
+}
+
+bool BookmarkReader::readBinaryLinkTitle(BinaryPropertyListCheck &list, quint64 dictionary, Entry &entry)
+{
+    bool isSeen = false;
+    QByteArray key;
+    for (quint64 i = 0; i < list.count(dictionary); ++i) {
+        if (!list.readText(list.key(dictionary, i), &key))
+            return false;
+        const bool isTitle = key == "title";
+        if (isTitle && (std::exchange(isSeen, true) || !list.readText(list.value(dictionary, i), &entry.title)))
+            return false;
+    }
     return true;
 }
 

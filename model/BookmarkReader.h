@@ -5,11 +5,13 @@
 
 #include <QVariantMap>
 
+class BinaryPropertyListCheck;
 class PlainXml;
 class QIODevice;
 
-// Reads the browser's bookmark file, again and again: links and notes that have not changed since the last time are
-// taken over. Whatever the form, the entries are those that WayfoldBookmarkFolder reads from an item file.
+// Reads the browser's bookmark file, again and again: in the plain XML form, links and notes that have not changed
+// since the last time are taken over. Whatever the form, the entries are those that WayfoldBookmarkFolder reads from an
+// item file.
 class BookmarkReader
 {
 public:
@@ -29,6 +31,11 @@ private:
     bool takeOver(const KnownElements::Element *element, BookmarkRecords &records);
     static bool end(unsigned number, const Entry &entry, BookmarkRecords &records);
 
+    std::shared_ptr<BookmarkRecords> readBinary(QIODevice &device);
+    static bool readBinaryEntry(BinaryPropertyListCheck &list, quint64 dictionary, BookmarkRecords &records,
+                                Entry &entry);
+    static bool readBinaryList(BinaryPropertyListCheck &list, quint64 array, BookmarkRecords &records);
+    static bool readBinaryLinkTitle(BinaryPropertyListCheck &list, quint64 dictionary, Entry &entry);
     static std::shared_ptr<BookmarkRecords> recordsFrom(const QVariantMap &file);
     static void appendList(const QVariantMap &folder, BookmarkRecords &records);
 
