@@ -11,6 +11,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QProcess>
 #include <QTabBar>
 #include <QTextEdit>
@@ -592,6 +593,8 @@ bool PreferencesSession::showPage(int page)
 void PreferencesSession::openThem()
 {
     const bool isGerman = QLocale().language() == QLocale::German;
+    const auto *menuBar = Eyes::firstOf<QMenuBar>(_window);
+    NOW(menuBar->actions().constFirst()->text() == (isGerman ? QLatin1String("&Datei") : QLatin1String("&File")));
     QVERIFY(_play.choose(
         {QStringLiteral("Wayfold"), isGerman ? QStringLiteral("Einstellungen...") : QStringLiteral("Preferences...")}));
     EVENTUALLY(_preferences = windowNamed(QStringLiteral("prefsWindow")));

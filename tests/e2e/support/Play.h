@@ -1,5 +1,6 @@
 #pragma once
 
+#include "browser/Language.h"
 #include "tests/e2e/support/PageServer.h"
 #include "tests/e2e/support/Stage.h"
 #include "tests/support/TemporaryHome.h"
@@ -44,6 +45,7 @@ public:
     {
         prepareProcess();
         const QApplication application(argc, argv);
+        const Language language;
         if (palette)
             QApplication::setPalette(*palette);
         Play play;
