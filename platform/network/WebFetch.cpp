@@ -7,8 +7,11 @@
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QPointer>
 #include <QTimer>
 #include <QUrl>
+#include <QWidget>
+#include <QWindow>
 #include <memory>
 
 namespace
@@ -29,6 +32,16 @@ bool isFromTheUser(const QEvent &event)
     }
 }
 
+// What is neither a window nor in one, as a command is not, hears of keys alone.
+const QWindow *windowOf(const QObject *receiver)
+{
+    if (receiver->isWindowType())
+        return static_cast<const QWindow *>(receiver);
+    if (receiver->isWidgetType())
+        return static_cast<const QWidget *>(receiver)->window()->windowHandle();
+    return QGuiApplication::focusWindow();
+}
+
 // Throws away what the user does for as long as it lives. A dialog that comes up meanwhile, as a page may ask for one,
 // can be answered all the same: it would keep whoever waits here waiting for ever.
 class InputBarrier : public QObject
@@ -37,13 +50,24 @@ public:
     InputBarrier() { QCoreApplication::instance()->installEventFilter(this); }
 
 protected:
-    bool eventFilter(QObject * /*watched*/, QEvent *event) override
+    bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (!isFromTheUser(*event) || QGuiApplication::modalWindow())
+        if (!isFromTheUser(*event) || isForANewDialog(watched))
             return false;
         event->ignore();
         return true;
     }
+
+private:
+    bool isForANewDialog(const QObject *receiver) const
+    {
+        const QWindow *dialog = QGuiApplication::modalWindow();
+        const QWindow *window = windowOf(receiver);
+        const bool isNew = dialog && dialog != _dialogBefore;
+        return isNew && window && (window == dialog || dialog->isAncestorOf(window));
+    }
+
+    const QPointer<QWindow> _dialogBefore = QGuiApplication::modalWindow();
 };
 
 class WaitCursor

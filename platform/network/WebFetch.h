@@ -19,7 +19,7 @@ struct Limits
 // redirection leads from https to http or to another scheme, and when a limit is exceeded.
 //
 // The user sees a wait cursor. Windows are still drawn and can be closed, but what he types, clicks and drops into them
-// reaches nothing, now or later, and notifications wait. The request says nothing about him or his system, and no
-// cookies are kept.
+// reaches nothing, now or later, and notifications wait; only a modal dialog that comes up meanwhile can be answered.
+// The request says nothing about him or his system, and no cookies are kept.
 std::optional<QByteArray> contentsOfURL(const Url &url, const Limits &limits = {});
 } // namespace WebFetch

@@ -5,6 +5,9 @@
 #include "tests/support/web/LoopbackServer.h"
 #include "tests/support/web/TestCertificate.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -86,6 +89,8 @@ private Q_SLOTS:
     void inputOfTheLastMomentIsThrownAwayToo();
     void windowsCanBeClosed();
     void dialogOfAPageCanBeAnswered();
+    void besidesADialogOfAPageNothingIsReached();
+    void sheetThatWasThereBeforeWaits();
     void notificationsWait();
     void endOfTheApplicationEndsTheWait();
 };
@@ -460,6 +465,70 @@ void WebFetchTest::dialogOfAPageCanBeAnswered()
     when([&] { return button->isVisible(); }, [&] { QTest::mouseClick(button, Qt::LeftButton); });
     QVERIFY(WebFetch::contentsOfURL(server.address(QStringLiteral("/"))));
     QVERIFY(isAnswered);
+}
+
+// One that belongs to its window leaves the others to the user; the fetch does not.
+void WebFetchTest::besidesADialogOfAPageNothingIsReached()
+{
+    QLineEdit other;
+    QWidget page;
+    QDialog dialog(&page);
+    auto *field = new QLineEdit(&dialog);
+    auto *choice = new QComboBox(&dialog);
+    choice->move(0, 50);
+    choice->addItems({QStringLiteral("first"), QStringLiteral("second")});
+    for (QWidget *window : std::initializer_list<QWidget *>{&other, &page})
+        window->show();
+    QVERIFY(QTest::qWaitForWindowActive(&page));
+    const auto workInTheDialog = [&] {
+        QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, field->geometry().center());
+        QTest::keyClicks(field, QStringLiteral("hello"));
+        choice->showPopup();
+        QTest::keyClick(choice->view(), Qt::Key_Down);
+        QTest::keyClick(choice->view(), Qt::Key_Return);
+    };
+    LoopbackServer server;
+    when([&] { return !server.requests().isEmpty(); },
+         [&] {
+             dialog.setWindowModality(Qt::WindowModal);
+             dialog.show();
+             QVERIFY(QTest::qWaitForWindowActive(&dialog));
+             workInTheDialog();
+             other.activateWindow();
+             QVERIFY(QTest::qWaitForWindowActive(&other));
+             QTest::keyClick(other.windowHandle(), Qt::Key_A);
+             server.answerLate(QStringLiteral("/"), LoopbackServer::response("hello"));
+         });
+    QVERIFY(WebFetch::contentsOfURL(server.address(QStringLiteral("/"))));
+    QCOMPARE(field->text(), QStringLiteral("hello"));
+    QCOMPARE(choice->currentText(), QStringLiteral("second"));
+    QCOMPARE(other.text(), QString());
+}
+
+void WebFetchTest::sheetThatWasThereBeforeWaits()
+{
+    QLineEdit other;
+    QWidget page;
+    QDialog sheet(&page);
+    auto *field = new QLineEdit(&sheet);
+    for (QWidget *window : std::initializer_list<QWidget *>{&other, &page})
+        window->show();
+    sheet.open();
+    QVERIFY(QTest::qWaitForWindowActive(&sheet));
+    const auto work = [&] {
+        QTest::keyClicks(field, QStringLiteral("hello"));
+        QTest::keyClicks(&other, QStringLiteral("hello"));
+    };
+    LoopbackServer server;
+    when([&] { return !server.requests().isEmpty(); },
+         [&] {
+             work();
+             server.answerLate(QStringLiteral("/"), LoopbackServer::response("hello"));
+         });
+    QVERIFY(WebFetch::contentsOfURL(server.address(QStringLiteral("/"))));
+    QCOMPARE(field->text() + other.text(), QString());
+    work();
+    QCOMPARE(field->text() + other.text(), QStringLiteral("hellohello"));
 }
 
 void WebFetchTest::notificationsWait()
