@@ -9,6 +9,7 @@
 #include "platform/widgets/Workspace.h"
 
 #include <QApplication>
+#include <QRegularExpression>
 #include <QScopedValueRollback>
 
 namespace
@@ -90,9 +91,11 @@ Verdict verdictOn(const Release &release, const QString &localVersion)
 QString shown(const QString &version)
 {
     constexpr qsizetype longest = 40;
+    static const QRegularExpression lineEnd(QStringLiteral("\\R"));
     if (version.isNull())
         return QStringLiteral("(null)");
-    return version.size() <= longest ? version : version.left(longest) + QChar(0x2026);
+    const QString beginning = StringRules::beginning(version, longest).section(lineEnd, 0, 0);
+    return beginning == version ? version : beginning + QChar(0x2026);
 }
 
 // In English in every language.

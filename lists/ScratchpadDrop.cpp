@@ -7,6 +7,7 @@
 #include "model/WayfoldAutoFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
+#include "platform/base/StringRules.h"
 #include "platform/files/Paths.h"
 
 #include <algorithm>
@@ -16,13 +17,11 @@ namespace
 constexpr qsizetype longestWholeTitle = 29;
 constexpr qsizetype shortenedTitle = 30;
 
-// Half a letter that takes two units stays out.
 QString noteTitle(const QString &text)
 {
     if (text.size() <= longestWholeTitle)
         return text;
-    const bool cutsALetter = text.size() > shortenedTitle && text.at(shortenedTitle - 1).isHighSurrogate();
-    return text.left(cutsALetter ? shortenedTitle - 1 : shortenedTitle) + QStringLiteral("...");
+    return StringRules::beginning(text, shortenedTitle) + QStringLiteral("...");
 }
 
 // An item without a title would not be read back from the item file: it gets one, or is none when it holds nothing.

@@ -5,19 +5,12 @@
 #include "model/ItemDialogs.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
+#include "platform/base/StringRules.h"
 
 namespace
 {
 constexpr qsizetype maximumLength = 32768;
 constexpr qsizetype maximumTooltipLength = 2048;
-
-// The first `length` UTF-16 units, one less where the cut would leave half a character.
-QString beginningOfText(const QString &text, qsizetype length)
-{
-    if (text.size() <= length)
-        return text;
-    return text.left(text.at(length - 1).isHighSurrogate() && text.at(length).isLowSurrogate() ? length - 1 : length);
-}
 } // namespace
 
 WayfoldBookmarkNotePtr WayfoldBookmarkNote::bookmarkWithTitle(const QString &title)
@@ -70,12 +63,12 @@ void WayfoldBookmarkNote::initFromDictionary(const QVariantMap &dictionary)
 void WayfoldBookmarkNote::setValue(const QVariant &value)
 {
     if (!value.isValid() || value.typeId() == QMetaType::QString)
-        _noteText = beginningOfText(value.toString(), maximumLength);
+        _noteText = StringRules::beginning(value.toString(), maximumLength);
 }
 
 QString WayfoldBookmarkNote::tooltipText() const
 {
-    return beginningOfText(_noteText, maximumTooltipLength);
+    return StringRules::beginning(_noteText, maximumTooltipLength);
 }
 
 void WayfoldBookmarkNote::loadFromDictionary(const QVariantMap &dictionary)

@@ -341,6 +341,14 @@ QString StringRules::trimmed(const QString &text)
     return text.isNull() ? QString() : QStringView(text).trimmed().toString();
 }
 
+QString StringRules::beginning(const QString &text, qsizetype length)
+{
+    if (text.size() <= length)
+        return text;
+    const bool cutsACharacter = length > 0 && text.at(length - 1).isHighSurrogate() && text.at(length).isLowSurrogate();
+    return text.left(cutsACharacter ? length - 1 : length);
+}
+
 int StringRules::integerValue(const QString &text)
 {
     static const QRegularExpression leadingInteger(QStringLiteral("^\\s*([+-]?[0-9]+)"));

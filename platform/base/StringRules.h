@@ -38,6 +38,8 @@ QString fromUtf8(QByteArrayView bytes);
 QString escapedValue(const QString &text);
 // The text without the white space and line ends around it.
 QString trimmed(const QString &text);
+// The first `length` UTF-16 units, one less where the cut would leave half a character.
+QString beginning(const QString &text, qsizetype length);
 // The leading decimal integer after blanks, 0 when there is none, clamped to int's range.
 int integerValue(const QString &text);
 // The leading decimal number after blanks, 0 when there is none.

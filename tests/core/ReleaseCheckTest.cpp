@@ -91,6 +91,8 @@ private Q_SLOTS:
     void alertBelongsToTheWindowInFront();
     void alertsAreInEnglish();
     void versionsAreShownAsTheyAre();
+    void whatIsNoVersionIsCut_data();
+    void whatIsNoVersionIsCut();
     void oneCheckAtATime();
     void nothingIsAskedUnlessTheUserDoes();
     void addressesOfTheBuild();
@@ -435,11 +437,6 @@ void ReleaseCheckTest::alertsAreInEnglish()
 
 void ReleaseCheckTest::versionsAreShownAsTheyAre()
 {
-    // What is as long as this is no version, and would leave no room for the buttons.
-    const QString longVersion(100000, u'1');
-    prepare(QStringLiteral("1.2.3"),
-            PropertyList::toXml(QVariantMap{{"CurrentVersion", longVersion}, {"CurrentVersionNumber", 10300}}));
-    QCOMPARE(check(), newVersionOnPage(QString(40, u'1') + QChar(0x2026)));
     prepare(QStringLiteral("1.2.3"),
             PropertyList::toXml(QVariantMap{{"CurrentVersion", "<b>1.3</b>"}, {"CurrentVersionNumber", 10300}}));
     Qt::TextFormat format = Qt::AutoText;
@@ -448,6 +445,36 @@ void ReleaseCheckTest::versionsAreShownAsTheyAre()
         box.reject();
     });
     QCOMPARE(format, Qt::PlainText);
+}
+
+// It would leave no room for the buttons.
+void ReleaseCheckTest::whatIsNoVersionIsCut_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QString>("shown");
+    const QString dots = QChar(0x2026);
+    const QString letter = QStringLiteral("\U0001F680"); // of two units
+    const QString longest(40, u'1');
+    const QString shorter(39, u'1');
+    QTest::newRow("just short enough") << longest << longest;
+    QTest::newRow("too long") << longest + u'1' << longest + dots;
+    QTest::newRow("much too long") << QString(100000, u'1') << longest + dots;
+    QTest::newRow("cut within a letter") << shorter + letter << shorter + dots;
+    QTest::newRow("cut before a letter") << longest + letter << longest + dots;
+    for (const char16_t lineEnd : {u'\n', u'\r', u'\u2028', u'\u2029'}) {
+        const QString name = QStringLiteral("line end %1").arg(int(lineEnd), 0, 16);
+        QTest::newRow(qPrintable(name)) << QStringLiteral("1.3.0") + QChar(lineEnd) + QStringLiteral("and more")
+                                        << QStringLiteral("1.3.0") + dots;
+    }
+}
+
+void ReleaseCheckTest::whatIsNoVersionIsCut()
+{
+    QFETCH(QString, version);
+    QFETCH(QString, shown);
+    prepare(QStringLiteral("1.2.3"),
+            PropertyList::toXml(QVariantMap{{"CurrentVersion", version}, {"CurrentVersionNumber", 10300}}));
+    QCOMPARE(check(), newVersionOnPage(shown));
 }
 
 // Another one may be asked for without pointer and keyboard, as by an aid for people who cannot use them.

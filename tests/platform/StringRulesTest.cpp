@@ -27,6 +27,8 @@ private Q_SLOTS:
     void addingPercentEscapesToEveryAsciiCharacter();
     void trimmed_data();
     void trimmed();
+    void beginning_data();
+    void beginning();
     void integerValue_data();
     void integerValue();
     void doubleValue_data();
@@ -353,6 +355,31 @@ void StringRulesTest::trimmed()
     QFETCH(QString, text);
     QFETCH(QString, answer);
     compare(StringRules::trimmed(text), answer);
+}
+
+void StringRulesTest::beginning_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QString>("answer");
+    const QString rocket = QStringLiteral("\U0001F680");
+    QTest::newRow("null") << QString() << 3 << QString();
+    QTest::newRow("shorter") << "ab" << 3 << "ab";
+    QTest::newRow("as long") << "abc" << 3 << "abc";
+    QTest::newRow("longer") << "abcd" << 3 << "abc";
+    QTest::newRow("nothing") << rocket << 0 << "";
+    QTest::newRow("within a character") << "ab" + rocket << 3 << "ab";
+    QTest::newRow("behind a character") << "ab" + rocket + "c" << 4 << "ab" + rocket;
+    QTest::newRow("before a character") << "abc" + rocket << 3 << "abc";
+    QTest::newRow("behind half a character") << "ab" + rocket.left(1) + "c" << 3 << "ab" + rocket.left(1);
+}
+
+void StringRulesTest::beginning()
+{
+    QFETCH(QString, text);
+    QFETCH(int, length);
+    QFETCH(QString, answer);
+    compare(StringRules::beginning(text, length), answer);
 }
 
 void StringRulesTest::integerValue_data()
