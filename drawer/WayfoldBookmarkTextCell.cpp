@@ -7,6 +7,7 @@
 
 #include <QPainter>
 #include <QStyleOptionViewItem>
+#include <QWidget>
 #include <algorithm>
 #include <cmath>
 
@@ -112,13 +113,14 @@ void WayfoldBookmarkTextCell::editWithFrameInViewEditorDelegateEvent(const QRect
                                                                      QLineEdit &editor, QObject *delegate,
                                                                      const QEvent *event) const
 {
-    TextFieldCell::editWithFrameInViewEditorDelegateEvent(computeTextFrame(frame), view, editor, delegate, event);
+    TextFieldCell::editWithFrameInViewEditorDelegateEvent(
+        visualRect(view.layoutDirection(), frame, computeTextFrame(frame)), view, editor, delegate, event);
 }
 
 void WayfoldBookmarkTextCell::selectWithFrameInViewEditorDelegateStartLength(const QRectF &frame, QWidget &view,
                                                                              QLineEdit &editor, QObject *delegate,
                                                                              int start, int length) const
 {
-    TextFieldCell::selectWithFrameInViewEditorDelegateStartLength(computeTextFrame(frame), view, editor, delegate,
-                                                                  start, length);
+    TextFieldCell::selectWithFrameInViewEditorDelegateStartLength(
+        visualRect(view.layoutDirection(), frame, computeTextFrame(frame)), view, editor, delegate, start, length);
 }

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void drawsADisabledIconPale();
     void drawsOnWholePointsInAnUnevenRow();
     void editorOpensRightOfTheIcon();
+    void editorOpensLeftOfTheIconFromRightToLeft();
     void listsLoseTheirIconsAtOnce();
     void titlesStandBelowEachOther_data();
     void titlesStandBelowEachOther();
@@ -358,6 +359,23 @@ void WayfoldBookmarkTextCellTest::editorOpensRightOfTheIcon()
     QCOMPARE(select(), QRect(19, 32, 131, 16));
     QCOMPARE(editor->text(), QStringLiteral("HHHH"));
     QCOMPARE(editor->selectedText(), QStringLiteral("HH"));
+}
+
+// Where the icon and the text are drawn.
+void WayfoldBookmarkTextCellTest::editorOpensLeftOfTheIconFromRightToLeft()
+{
+    QWidget list;
+    list.setLayoutDirection(Qt::RightToLeft);
+    list.show();
+    auto *editor = new QLineEdit;
+    _cell->setImage(_red);
+    _red->setSize(QSizeF(16, 16));
+    const QRectF cell(10, 32, 150, 16);
+    _cell->editWithFrameInViewEditorDelegateEvent(cell, list, *editor, nullptr, nullptr);
+    QCOMPARE(editor->geometry(), QRect(10, 32, 131, 16));
+    editor->setGeometry(0, 0, 1, 1);
+    _cell->selectWithFrameInViewEditorDelegateStartLength(cell, list, *editor, nullptr, 1, 2);
+    QCOMPARE(editor->geometry(), QRect(10, 32, 131, 16));
 }
 
 // Of every kind: links, which have none then anyway, and what keeps its icon once it is loaded.
