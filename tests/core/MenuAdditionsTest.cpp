@@ -206,7 +206,7 @@ void MenuAdditionsTest::itemsAreComplete()
         QCOMPARE(MenuItem::keyEquivalent(found).toLower(), QString::fromLatin1(expected.key));
         QCOMPARE(MenuItem::keyEquivalentModifierMask(found), expected.modifierMask);
         QCOMPARE(MenuItem::target(found), &store());
-        // The interface file's shortcuts are those of the settings.
+        // It is what the settings say.
         QCOMPARE(_fresh->settings().shortcutKeyForItem(unsigned(expected.tag)).toLower(),
                  QString::fromLatin1(expected.key));
         QCOMPARE(_fresh->settings().shortcutModifierMaskForItem(unsigned(expected.tag)), expected.modifierMask);
