@@ -62,9 +62,9 @@ constexpr ModifierPair modifierPairs[] = {
     {KeyEquivalent::NSCommandKeyMask, Qt::ControlModifier},
 };
 
-unsigned maskForModifiers(Qt::KeyboardModifiers modifiers)
+unsigned maskOf(const QString &key, Qt::KeyboardModifiers modifiers)
 {
-    unsigned mask = 0;
+    unsigned mask = isFunctionKey(key) ? KeyEquivalent::NSFunctionKeyMask : 0U;
     for (const ModifierPair &pair : modifierPairs) {
         if (modifiers.testFlag(pair.modifier))
             mask |= pair.mask;
@@ -75,27 +75,22 @@ unsigned maskForModifiers(Qt::KeyboardModifiers modifiers)
 
 KeyEquivalent KeyEquivalent::ofKeyPress(const QKeyEvent &event)
 {
-    const auto key = Qt::Key(event.key());
-    if (key == Qt::Key_Insert || key == Qt::Key_Delete)
-        return {};
-    KeyEquivalent pressed{characterForKey(key), maskForModifiers(event.modifiers())};
-    if (!(pressed.modifierMask & NSShiftKeyMask))
-        pressed.key = pressed.key.toLower();
-    if (isFunctionKey(pressed.key))
-        pressed.modifierMask |= NSFunctionKeyMask;
-    return pressed;
+    const QString key = characterForKey(Qt::Key(event.key()));
+    const bool isWithShift = event.modifiers().testFlag(Qt::ShiftModifier);
+    return {isWithShift ? key : key.toLower(), maskOf(key, event.modifiers())};
 }
 
 KeyEquivalent KeyEquivalent::ofShortcut(const QKeySequence &shortcut)
 {
     if (shortcut.isEmpty())
         return {QString::fromLatin1(""), 0};
-    return {characterForKey(shortcut[0].key()).toLower(), maskForModifiers(shortcut[0].keyboardModifiers())};
+    const QString key = characterForKey(shortcut[0].key());
+    return {key.toLower(), maskOf(key, shortcut[0].keyboardModifiers())};
 }
 
 QKeySequence KeyEquivalent::shortcut() const
 {
-    if (key.isEmpty())
+    if (key.size() != 1)
         return {};
     Qt::KeyboardModifiers modifiers;
     for (const ModifierPair &pair : modifierPairs) {

@@ -15,7 +15,7 @@ struct KeyEquivalent
         NSControlKeyMask = 1U << 18,
         NSAlternateKeyMask = 1U << 19,
         NSCommandKeyMask = 1U << 20,
-        NSFunctionKeyMask = 1U << 23, // of function keys, arrows, Home, End, Page Up and Page Down
+        NSFunctionKeyMask = 1U << 23, // of function keys, arrows and the six keys above them
     };
 
     QString key;
@@ -24,11 +24,11 @@ struct KeyEquivalent
     bool operator==(const KeyEquivalent &other) const = default;
 
     // Which key was pressed, as if no modifier but Shift were held, and which modifiers were. The key above Return is
-    // Delete. Without a key where the one that was pressed has no character: a modifier, a dead key, Insert.
+    // Delete. Without a key where the one that was pressed has no character: a modifier, a dead key.
     static KeyEquivalent ofKeyPress(const QKeyEvent &event);
     // What a shortcut of Qt's stands for; letters are in lower case.
     static KeyEquivalent ofShortcut(const QKeySequence &shortcut);
-    // Empty without a key.
+    // Empty when the key is not one character.
     QKeySequence shortcut() const;
     // Whether the key types with Shift what is no capital: Shift is then one modifier more than the sign needs.
     bool isSignWithShift() const;

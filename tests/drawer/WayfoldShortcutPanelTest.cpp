@@ -322,6 +322,8 @@ void WayfoldShortcutPanelTest::captures_data()
     row("F6 alone", Qt::Key_F6, Qt::NoModifier, u'\uF709', function);
     row("up", Qt::Key_Up, Qt::ControlModifier, u'\uF700', command | function);
     row("left with Option", Qt::Key_Left, Qt::AltModifier, u'\uF702', option | function);
+    row("Delete forwards", Qt::Key_Delete, Qt::ControlModifier, u'\uF728', command | function);
+    row("Insert with Shift", Qt::Key_Insert, Qt::ShiftModifier, u'\uF727', shift | function);
     row("Page Down alone", Qt::Key_PageDown, Qt::NoModifier, u'\uF72D', function);
     row("sign with Shift", Qt::Key_Percent, Qt::ControlModifier | Qt::ShiftModifier, u'%', command | shift);
 }

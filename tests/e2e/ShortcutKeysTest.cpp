@@ -59,6 +59,8 @@ namespace
 constexpr auto us = "us";
 constexpr auto german = "de";
 constexpr auto french = "fr";
+constexpr auto russian = "ru";
+constexpr auto greek = "gr";
 
 class Target : public MenuItemTarget
 {
@@ -141,7 +143,7 @@ constexpr unsigned command = MenuItem::NSCommandKeyMask;
 // The keys of the main block, the keys above and beside it, and those of the number pad.
 QList<int> keyCodes()
 {
-    QList<int> codes = {9, 22, 23, 36, 65, 94, 95, 96, 104, 106, 110, 111, 112, 113, 114, 115, 116, 117};
+    QList<int> codes = {9, 22, 23, 36, 65, 94, 95, 96, 104, 106, 110, 111, 112, 113, 114, 115, 116, 117, 118, 119};
     for (const auto &[first, last] : {std::pair(10, 21), {24, 35}, {38, 49}, {51, 61}, {67, 76}, {79, 91}}) {
         for (int code = first; code <= last; ++code)
             codes.append(code);
@@ -342,6 +344,9 @@ void ShortcutKeysTest::whatWasPressedWorks_data()
     row(german, "ctrl+shift");
     row(french, "ctrl");
     row(french, "ctrl+shift");
+    row(russian, "ctrl");
+    row(russian, "alt+shift");
+    row(greek, "alt");
 }
 
 // Whatever is captured is found again by the same keys.

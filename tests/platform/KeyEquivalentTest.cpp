@@ -85,6 +85,8 @@ void KeyEquivalentTest::ofKeyPress_data()
     row("End", Qt::Key_End, Qt::AltModifier, u'\uF72B', option | function);
     row("Page Up", Qt::Key_PageUp, none, u'\uF72C', function);
     row("Page Down", Qt::Key_PageDown, none, u'\uF72D', function);
+    row("Insert", Qt::Key_Insert, Qt::ShiftModifier, u'\uF727', shift | function);
+    row("Delete forwards", Qt::Key_Delete, Qt::ControlModifier, u'\uF728', command | function);
 }
 
 void KeyEquivalentTest::ofKeyPress()
@@ -111,10 +113,9 @@ void KeyEquivalentTest::everyFunctionKey()
 void KeyEquivalentTest::keyWithoutCharacter_data()
 {
     QTest::addColumn<int>("pressed");
-    for (int pressed :
-         {int(Qt::Key_Shift), int(Qt::Key_Control), int(Qt::Key_Alt), int(Qt::Key_Meta), int(Qt::Key_AltGr),
-          int(Qt::Key_CapsLock), int(Qt::Key_NumLock), int(Qt::Key_Dead_Acute), int(Qt::Key_Insert),
-          int(Qt::Key_Delete), int(Qt::Key_Print), int(Qt::Key_VolumeDown), int(Qt::Key_unknown), 0, 0x1F600})
+    for (int pressed : {int(Qt::Key_Shift), int(Qt::Key_Control), int(Qt::Key_Alt), int(Qt::Key_Meta),
+                        int(Qt::Key_AltGr), int(Qt::Key_CapsLock), int(Qt::Key_NumLock), int(Qt::Key_Dead_Acute),
+                        int(Qt::Key_Print), int(Qt::Key_VolumeDown), int(Qt::Key_unknown), 0, 0x1F600})
         QTest::addRow("0x%x", pressed) << pressed;
 }
 
@@ -138,7 +139,8 @@ void KeyEquivalentTest::ofShortcut_data()
                              << "b" << control;
     QTest::newRow("sign") << "Alt++"
                           << "+" << option;
-    QTest::newRow("function key") << "Alt+F5" << character(0xF708) << option;
+    QTest::newRow("function key") << "Alt+F5" << character(0xF708) << (option | function);
+    QTest::newRow("arrow") << "Ctrl+Up" << character(0xF700) << (command | function);
     QTest::newRow("Escape") << "Alt+Esc"
                             << "\x1B" << option;
     QTest::newRow("Delete") << "Ctrl+Backspace"
@@ -175,6 +177,7 @@ void KeyEquivalentTest::noKeyHasNoShortcut()
 {
     QVERIFY((KeyEquivalent{QString(), command}.shortcut().isEmpty()));
     QVERIFY((KeyEquivalent{QStringLiteral(""), command}.shortcut().isEmpty()));
+    QVERIFY((KeyEquivalent{QStringLiteral("Copy"), command}.shortcut().isEmpty())); // not Ctrl+C
 }
 
 void KeyEquivalentTest::signWithShift_data()

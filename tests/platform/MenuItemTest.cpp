@@ -293,8 +293,8 @@ void MenuItemTest::keyEquivalentOfAShortcut_data()
                            << "2" << (command | option);
     QTest::newRow("control") << "Meta+B"
                              << "b" << control;
-    QTest::newRow("F5") << "F5" << QString(QChar(0xF708)) << 0U;
-    QTest::newRow("up") << "Ctrl+Up" << QString(QChar(0xF700)) << command;
+    QTest::newRow("F5") << "F5" << QString(QChar(0xF708)) << unsigned(MenuItem::NSFunctionKeyMask);
+    QTest::newRow("up") << "Ctrl+Up" << QString(QChar(0xF700)) << (command | MenuItem::NSFunctionKeyMask);
 }
 
 void MenuItemTest::keyEquivalentOfAShortcut()
