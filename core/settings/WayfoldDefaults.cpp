@@ -156,6 +156,7 @@ QString styleOfFont(const QFont &font)
     }
     return shortest;
 }
+
 // Many desktops name no small font of their own, and Qt's stand-in for it may be larger than the normal one.
 QFont smallSystemFont()
 {
