@@ -232,7 +232,8 @@ QString WayfoldShortcutPanel::refusalOf(const KeyEquivalent &pressed) const
 {
     if (pressed.modifierMask == 0)
         return localized("Press the key together with Ctrl, Alt or Shift.");
-    if (const QAction *other = MenuItem::otherCommandWithShortcut(_menuItem, pressed.shortcuts()))
+    const QList<QAction *> others = MenuItem::otherCommands(_menuItem);
+    if (const QAction *other = MenuItem::commandWithShortcut(others, pressed.shortcuts()))
         return hasItAlready(other);
     if (isTakenShortcutWithCharAndModifier(pressed.key.front().unicode(), pressed.modifierMask))
         return localized("The browser has this shortcut already.");

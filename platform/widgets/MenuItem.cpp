@@ -159,9 +159,9 @@ QList<QAction *> MenuItem::otherCommands(const QAction *item)
     return commands;
 }
 
-QAction *MenuItem::otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts)
+QAction *MenuItem::commandWithShortcut(const QList<QAction *> &commands, const QList<QKeySequence> &shortcuts)
 {
-    for (QAction *command : otherCommands(item)) {
+    for (QAction *command : commands) {
         if (hasAnyShortcut(command, shortcuts))
             return command;
     }

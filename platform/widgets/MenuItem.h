@@ -4,7 +4,6 @@
 
 #include <QAction>
 #include <QString>
-#include <functional>
 
 class QMenu;
 class QWidget;
@@ -50,9 +49,9 @@ QAction *itemWithKeyEquivalent(const QMenu *menu, const KeyEquivalent &key);
 QList<QAction *> commandsOfWindow(const QWidget *window);
 // The other commands of the item's menu and of the windows that have the item; some may come twice.
 QList<QAction *> otherCommands(const QAction *item);
-// The first of them that one of these shortcuts would reach; null when there is none. The letter that opens a menu of a
-// menu bar counts as the menu's shortcut.
-QAction *otherCommandWithShortcut(const QAction *item, const QList<QKeySequence> &shortcuts);
+// The first of the commands that one of these shortcuts would reach; null when there is none. The letter that opens a
+// menu of a menu bar counts as the menu's shortcut.
+QAction *commandWithShortcut(const QList<QAction *> &commands, const QList<QKeySequence> &shortcuts);
 // Makes the menu ask its items' targets each time it is about to show, and enables the items again when it goes, so
 // that key equivalents are never left disabled; those ask before they act.
 void validateOnShow(QMenu *menu);

@@ -16,17 +16,6 @@ const QWidget *windowOfCommands(const QWidget *window)
         window = window->parentWidget()->window();
     return window;
 }
-
-bool hasShortcut(const QList<QAction *> &commands, const QList<QKeySequence> &shortcuts)
-{
-    for (const QAction *command : commands) {
-        for (const QKeySequence &shortcut : command->shortcuts()) {
-            if (shortcuts.contains(shortcut))
-                return true;
-        }
-    }
-    return false;
-}
 } // namespace
 
 MenuKeyFilter::MenuKeyFilter(QMenu *menu) : QObject(menu), _menu(menu)
@@ -65,5 +54,5 @@ QAction *MenuKeyFilter::itemForKeyPress(const QKeyEvent &event, const QWidget *w
         return nullptr;
     for (const QAction *own : _menu->actions())
         commands.removeAll(own);
-    return hasShortcut(commands, pressed.shortcuts()) ? nullptr : item;
+    return MenuItem::commandWithShortcut(commands, pressed.shortcuts()) ? nullptr : item;
 }
