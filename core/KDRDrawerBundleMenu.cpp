@@ -14,6 +14,8 @@
 #include "platform/widgets/InterfaceFile.h"
 #include "platform/widgets/MenuKeyFilter.h"
 
+#include <QApplication>
+#include <QFontMetrics>
 #include <QHash>
 #include <QMenu>
 
@@ -57,9 +59,13 @@ void setTitle(QAction *item, const QString &title)
     item->setText(QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
 }
 
+// A long name would make the menu as wide as the screen, and behind a tab a menu shows a key.
 void setTitle(QAction *item, const QString &format, const QString &name)
 {
-    setTitle(item, QString(format).replace(QStringLiteral("%@"), name));
+    constexpr int widestName = 400; // pixels
+    const QFontMetrics metrics(QApplication::font("QMenu"));
+    const QString shown = metrics.elidedText(name.simplified(), Qt::ElideMiddle, widestName);
+    setTitle(item, QString(format).replace(QStringLiteral("%@"), shown));
 }
 
 // The menu item and the command of one of the drawer's tabs.

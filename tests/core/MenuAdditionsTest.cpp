@@ -116,6 +116,9 @@ private Q_SLOTS:
     void switchbackItem();
     void titlesAreInTheUsersLanguage();
     void ampersandInTitleIsShown();
+    void namesFitIntoTheMenu_data();
+    void namesFitIntoTheMenu();
+    void longHostNameFitsIntoTheMenu();
     void releaseItem();
     void preferencesItem();
     void aboutItem();
@@ -559,6 +562,42 @@ void MenuAdditionsTest::ampersandInTitleIsShown()
     QVERIFY(validate(QStringLiteral("handleSwitchbackRequest:")));
     QCOMPARE(title(QStringLiteral("handleSwitchbackRequest:")),
              QStringLiteral("Show Site List for Bed && Breakfast %@"));
+}
+
+void MenuAdditionsTest::namesFitIntoTheMenu_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("shown"); // a pattern
+    QTest::newRow("plain") << "A site"
+                           << "A site";
+    QTest::newRow("tab") << "A\tsite"
+                         << "A site"; // a key would stand behind it
+    QTest::newRow("line end") << "A\nsite"
+                              << "A site";
+    QTest::newRow("long") << "begin" + QString(10000, u'-') + "end"
+                          << "begin-{3,200}\u2026-{3,200}end";
+}
+
+void MenuAdditionsTest::namesFitIntoTheMenu()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, shown);
+    _fresh->openWindow();
+    controller().previousLabel = name;
+    QVERIFY(validate(QStringLiteral("handleSwitchbackRequest:")));
+    const QString text = title(QStringLiteral("handleSwitchbackRequest:"));
+    const QRegularExpression pattern(QRegularExpression::anchoredPattern("Show Site List for " + shown));
+    QVERIFY2(pattern.match(text).hasMatch(), qPrintable(text.left(300)));
+}
+
+void MenuAdditionsTest::longHostNameFitsIntoTheMenu()
+{
+    const auto window = _fresh->openWindow();
+    controller().frame = window->addTab("http://begin" + QString(5000, u'-') + ".end/")->frame;
+    QVERIFY(validate(QStringLiteral("handleFocusOnCurrentSiteRequest:")));
+    const QString text = title(QStringLiteral("handleFocusOnCurrentSiteRequest:"));
+    const QRegularExpression pattern(QStringLiteral("^Focus on begin-{3,200}\u2026-{3,200}\\.end$"));
+    QVERIFY2(pattern.match(text).hasMatch(), qPrintable(text.left(300)));
 }
 
 void MenuAdditionsTest::releaseItem()
