@@ -7,6 +7,8 @@ namespace
 {
 // A longer word is given places where it may be broken, since it would be as wide as it is long.
 constexpr qsizetype longestWord = 60;
+// A text without longer lines is not wrapped: a label would make a narrow column of it.
+constexpr qsizetype longestLine = 60;
 constexpr QChar ellipsis(0x2026);
 constexpr QChar breakingPlace(0x200b);
 
@@ -37,6 +39,12 @@ QStringView beginningOf(QStringView text, bool *isAll)
     return text.first(end);
 }
 
+bool hasShortLines(QStringView text)
+{
+    const QList<QStringView> lines = text.split(u'\n');
+    return std::all_of(lines.cbegin(), lines.cend(), [](QStringView line) { return line.size() <= longestLine; });
+}
+
 QString withBreakingPlaces(QStringView text)
 {
     QString result;
@@ -64,5 +72,7 @@ QString ToolTipText::shown(const QString &text)
     QString beginning = withBreakingPlaces(beginningOf(text, &isAll));
     if (!isAll)
         beginning += ellipsis;
-    return Qt::convertFromPlainText(beginning, Qt::WhiteSpaceNormal);
+    const QString wrapping = hasShortLines(beginning) ? QStringLiteral("nowrap") : QStringLiteral("normal");
+    return QStringLiteral("<div style=\"white-space: %1\">%2</div>")
+        .arg(wrapping, Qt::convertFromPlainText(beginning, Qt::WhiteSpaceNormal));
 }

@@ -21,6 +21,8 @@ private Q_SLOTS:
     void longTextsAreCut_data();
     void longTextsAreCut();
     void longWordsAreBroken();
+    void shortLinesAreNotWrapped_data();
+    void shortLinesAreNotWrapped();
     void sizeOnTheScreen_data();
     void sizeOnTheScreen();
 };
@@ -84,11 +86,34 @@ void ToolTipTextTest::longWordsAreBroken()
     QVERIFY(!ToolTipText::shown(QString(60, 'a') + " " + QString(60, 'b')).contains(place));
 }
 
+// A label would make a column of a text that is not much wider than it is high.
+void ToolTipTextTest::shortLinesAreNotWrapped_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("lines");
+    QTest::newRow("address") << "http://news.example.com:8099/a-page.html" << 1;
+    QTest::newRow("words") << "some words that are not too many for one line" << 1;
+    QTest::newRow("longest line") << QStringLiteral("word ").repeated(12).chopped(1) + "." << 1;
+    QTest::newRow("two lines") << "the first line of what is shown\nand the second line of it" << 2;
+}
+
+void ToolTipTextTest::shortLinesAreNotWrapped()
+{
+    QFETCH(QString, text);
+    QFETCH(int, lines);
+    QLabel label(ToolTipText::shown(text));
+    label.setWordWrap(true);
+    const QLabel letters(ToolTipText::shown(QStringLiteral("a\n").repeated(lines).chopped(1)));
+    QCOMPARE(label.sizeHint().height(), letters.sizeHint().height());
+    QCOMPARE(read(text), text);
+}
+
 // It fits on the smallest screen.
 void ToolTipTextTest::sizeOnTheScreen_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("word") << QString(400000, 'W');
+    QTest::newRow("wide line") << QString(60, 'W');
     QTest::newRow("address") << "http://www.example.com/" + QStringLiteral("path/to-some?thing&").repeated(20000);
     QTest::newRow("words") << QStringLiteral("some words ").repeated(40000);
     QTest::newRow("lines") << QStringLiteral("a\n").repeated(100000);
