@@ -287,6 +287,7 @@ void WayfoldPrefsController::showTable()
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
         auto *shortcut = new QShortcut(key, _menuItemTableView);
         shortcut->setContext(Qt::WidgetShortcut);
+        shortcut->setAutoRepeat(false); // it may have closed the sheet before
         connect(shortcut, &QShortcut::activated, this, edit);
     }
 }

@@ -364,7 +364,8 @@ bool WayfoldShortcutPanel::takeKeyEvent(QEvent *event)
         event->setAccepted(!pressed.isSignWithShift() || isItsOwn);
         return true;
     }
-    if (worksButtons(*keyEvent))
+    // The key that opened the sheet may still be held down.
+    if (!keyEvent->isAutoRepeat() && worksButtons(*keyEvent))
         return false;
     event->accept();
     return keyEvent->isAutoRepeat() || performKeyEquivalent(*keyEvent);

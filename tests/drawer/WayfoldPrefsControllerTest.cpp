@@ -987,6 +987,8 @@ void WayfoldPrefsControllerTest::keysEdit()
     table()->setFocus();
     QTest::keyClick(table(), Qt::Key_Down); // over the separator
     QCOMPARE(table()->currentIndex().row(), rowOf(commandItem(QStringLiteral("handleShowScratchpadTabView:"))));
+    QTest::simulateEvent(table(), true, key, Qt::NoModifier, QString(), true); // still held down from the sheet before
+    QVERIFY(!sheet()->isVisible());
     QTest::keyClick(table(), Qt::Key(key));
     QTRY_VERIFY(sheet()->isVisible());
 }

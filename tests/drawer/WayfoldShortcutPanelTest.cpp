@@ -62,6 +62,8 @@ private Q_SLOTS:
     void whatHasNoCharacterIsIgnored();
     void everyKeyIsUsedUp();
     void keyHeldDownCountsOnce();
+    void keyThatOpenedItMayBeHeldDown_data();
+    void keyThatOpenedItMayBeHeldDown();
     void noShortcutElsewhereHearsTheKey();
     void otherCommandIsNamed_data();
     void otherCommandIsNamed();
@@ -426,6 +428,28 @@ void WayfoldShortcutPanelTest::keyHeldDownCountsOnce()
         QVERIFY(event.isAccepted());
     }
     QCOMPARE(_panel->beeps, 1);
+}
+
+void WayfoldShortcutPanelTest::keyThatOpenedItMayBeHeldDown_data()
+{
+    QTest::addColumn<int>("held");
+    QTest::newRow("Return") << int(Qt::Key_Return);
+    QTest::newRow("Enter") << int(Qt::Key_Enter);
+    QTest::newRow("Space") << int(Qt::Key_Space);
+}
+
+void WayfoldShortcutPanelTest::keyThatOpenedItMayBeHeldDown()
+{
+    QFETCH(int, held);
+    edit(_item);
+    QPushButton *cancel = button(QDialogButtonBox::Cancel);
+    cancel->setFocus();
+    for (QWidget *receiver : {static_cast<QWidget *>(_panel.get()), static_cast<QWidget *>(cancel)}) {
+        QTest::simulateEvent(receiver, true, held, Qt::NoModifier, QString(), true);
+        QTest::simulateEvent(receiver, false, held, Qt::NoModifier, QString(), true);
+        QVERIFY(_panel->isVisible());
+    }
+    QCOMPARE(_panel->beeps, 0);
 }
 
 void WayfoldShortcutPanelTest::noShortcutElsewhereHearsTheKey()
