@@ -22,8 +22,10 @@ QRectF visibleScreenFrame()
 void SideWindow::prepare(QWidget *window)
 {
     window->setAttribute(Qt::WA_QuitOnClose, false);
-    for (auto *close : {new QShortcut(Qt::Key_Escape, window), new QShortcut(QKeySequence::Close, window)})
+    for (auto *close : {new QShortcut(Qt::Key_Escape, window), new QShortcut(QKeySequence::Close, window)}) {
+        close->setAutoRepeat(false);
         QObject::connect(close, &QShortcut::activated, window, &QWidget::close);
+    }
 }
 
 void SideWindow::center(QWidget *window)
