@@ -329,14 +329,15 @@ void WayfoldPrefsControllerTest::checkBoxShowsItsSetting()
 {
     QFETCH(int, which);
     QFETCH(bool, on);
+    const CheckBox &chosen = checkBoxes[which];
     // All others the other way round.
     for (const CheckBox &box : checkBoxes)
         (settings().*box.setValue)(!on);
-    (settings().*checkBoxes[which].setValue)(on);
+    (settings().*chosen.setValue)(on);
     _window = open();
-    QCOMPARE(button(checkBoxes[which].name)->isChecked(), on);
+    QCOMPARE(button(chosen.name)->isChecked(), on);
     for (const CheckBox &box : checkBoxes)
-        QCOMPARE((settings().*box.value)(), on == (box.name == checkBoxes[which].name)); // opening changes nothing
+        QCOMPARE((settings().*box.value)(), on == (box.name == chosen.name)); // opening changes nothing
 }
 
 void WayfoldPrefsControllerTest::checkBoxStoresItsSetting_data()
