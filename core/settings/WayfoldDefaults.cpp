@@ -31,8 +31,8 @@ const QString CreateAutoFolders = QStringLiteral("WayfoldCreateAutoFolders");
 const QString ShowFavIcons = QStringLiteral("WayfoldShowFavIcons");
 
 // The forms in which settings are stored, the same that a property list gives back.
-const QVariant off = qlonglong(0);
-const QVariant on = qlonglong(1);
+const QVariant storedOff = qlonglong(0);
+const QVariant storedOn = qlonglong(1);
 
 constexpr qreal smallFontRatio = 0.85; // of the small font to the normal one, where the desktop names none
 
@@ -183,15 +183,15 @@ void WayfoldDefaults::loadDefaults()
     _prefs = UserDefaults::standardUserDefaults().persistentDomainForName(domainName);
 
     setDefaultForKey(250.0, DefaultDrawerContentWidth);
-    setDefaultForKey(off, AutoFocusOnSiteChange);
-    setDefaultForKey(on, ShowBookmarkIcons);
-    setDefaultForKey(off, OpenDrawerForKnownSite);
-    setDefaultForKey(off, OpenDrawerOnNewWindow);
-    setDefaultForKey(off, CloseDrawerForUnknownSite);
+    setDefaultForKey(storedOff, AutoFocusOnSiteChange);
+    setDefaultForKey(storedOn, ShowBookmarkIcons);
+    setDefaultForKey(storedOff, OpenDrawerForKnownSite);
+    setDefaultForKey(storedOff, OpenDrawerOnNewWindow);
+    setDefaultForKey(storedOff, CloseDrawerForUnknownSite);
     setDefaultForKey(QStringLiteral("4"), HistoryGroupingKey);
     setDefaultForKey(QStringLiteral("LucidaGrande"), ListViewFontName);
     setDefaultForKey(12.0, ListViewFontSize);
-    setDefaultForKey(on, ConfirmItemDelete);
+    setDefaultForKey(storedOn, ConfirmItemDelete);
     setDefaultForKey(defaultMenuItemShortcuts(), MenuItemShortcuts);
 
     // A table of a foreign type holds no shortcuts, so all of them get their defaults.
@@ -200,7 +200,7 @@ void WayfoldDefaults::loadDefaults()
     _prefs.insert(MenuItemShortcuts, shortcuts);
 
     setDefaultForKey(QStringLiteral("0"), DefaultFirstTab);
-    setDefaultForKey(on, CreateAutoFolders);
+    setDefaultForKey(storedOn, CreateAutoFolders);
     setDefaultForKey(_prefs.value(ShowBookmarkIcons), ShowFavIcons);
     writeDefaults();
 }
@@ -456,9 +456,9 @@ void WayfoldDefaults::setValueForKey(const QVariant &value, const QString &key)
     writeDefaults();
 }
 
-void WayfoldDefaults::setBoolForKey(bool isOn, const QString &key)
+void WayfoldDefaults::setBoolForKey(bool on, const QString &key)
 {
-    setValueForKey(isOn ? on : off, key);
+    setValueForKey(on ? storedOn : storedOff, key);
 }
 
 void WayfoldDefaults::setStringForKey(const QString &text, const QString &key)
