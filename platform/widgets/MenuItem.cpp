@@ -93,7 +93,7 @@ void MenuItem::setTarget(QAction *item, MenuItemTarget *target)
 
 void MenuItem::setKeyEquivalent(QAction *item, const QString &key, unsigned modifierMask)
 {
-    item->setProperty(keyProperty, key.isNull() ? QString::fromLatin1("") : key);
+    item->setProperty(keyProperty, key.size() == 1 ? key : QString::fromLatin1(""));
     item->setProperty(maskProperty, modifierMask);
     item->setShortcut(KeyEquivalent{key, modifierMask}.shortcut());
 }

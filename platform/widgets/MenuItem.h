@@ -35,8 +35,8 @@ void setAction(QAction *item, const QString &action);
 void setTarget(QAction *item, MenuItemTarget *target);
 MenuItemTarget *target(const QAction *item);
 
-// An empty key removes the shortcut. An item that was never given one answers what its shortcut stands for, letters in
-// lower case.
+// A key that is not one character removes the shortcut. An item that was never given a key answers what its shortcut
+// stands for, letters in lower case.
 void setKeyEquivalent(QAction *item, const QString &key, unsigned modifierMask);
 QString keyEquivalent(const QAction *item);
 unsigned keyEquivalentModifierMask(const QAction *item);
