@@ -16,7 +16,8 @@ struct Limits
 };
 
 // What lies at an http or https address. None for any other kind of address, when there is no good answer, when a
-// redirection leads from https to http or to another scheme, and when a limit is exceeded.
+// redirection leads from https to http or to another scheme, after more than five of them, and when a limit is
+// exceeded.
 //
 // The user sees a wait cursor. Windows are still drawn and can be closed, but what he types, clicks and drops into them
 // reaches nothing, now or later, and notifications wait; only a modal dialog that comes up meanwhile can be answered.
