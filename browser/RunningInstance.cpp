@@ -18,12 +18,12 @@ namespace
 {
 constexpr char readyLine[] = "ready\n";
 constexpr char takenLine[] = "taken\n";
-constexpr qint64 longestMessage = 16 * 1024 * 1024; // bytes
-constexpr unsigned long rest = 50;                  // milliseconds between two attempts
+constexpr qint64 longestMessage = qint64(16) * 1024 * 1024; // bytes
+constexpr unsigned long rest = 50;                          // milliseconds between two attempts
 
 QString makeDataFolder()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     QDir().mkpath(folder);
     return folder;
 }
