@@ -1,6 +1,7 @@
 #include "drawer/KDREditController.h"
 
 #include "core/settings/WayfoldToolkit.h"
+#include "platform/widgets/ModalDialog.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -96,7 +97,7 @@ bool KDREditController::doEdit()
     if (!_editWindow)
         return false;
     attachToActiveWindow(_editWindow);
-    return _editWindow->exec() == QDialog::Accepted;
+    return ModalDialog::run(_editWindow) == QDialog::Accepted;
 }
 
 void KDREditController::saveEdit(QObject * /*sender*/)

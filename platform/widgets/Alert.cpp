@@ -1,6 +1,7 @@
 #include "platform/widgets/Alert.h"
 
 #include "platform/files/Bundle.h"
+#include "platform/widgets/ModalDialog.h"
 
 #include <QCloseEvent>
 #include <QLabel>
@@ -75,7 +76,7 @@ int Alert::runModal(QWidget *parent) const
         otherButton.isNull() ? nullptr : box->addButton(otherButton, QMessageBox::DestructiveRole);
     box->setDefaultButton(first);
 
-    box->exec();
+    ModalDialog::run(box);
     if (!box)
         return NSAlertAlternateReturn;
     const QAbstractButton *clicked = box->clickedButton();

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void opensBySpace();
     void deletesAfterConfirmation();
     void deletesByKey();
+    void listHasTheKeyboardBehindADialog();
     void contextMenu();
     void switchesBack();
     void choosesASite();
@@ -247,6 +248,19 @@ void ScratchpadTest::deletesByKey()
     QVERIFY(Hands::clickOn(Eyes::dialogButton(QStringLiteral("OK"))));
     EVENTUALLY(!Play::scratchRows(_window).contains(QLatin1String("Front page")));
     EVENTUALLY(savedTitles().isEmpty());
+}
+
+void ScratchpadTest::listHasTheKeyboardBehindADialog()
+{
+    QVERIFY(save());
+    QVERIFY(_play.chooseRow(QStringLiteral("Front page")));
+    for (const QString &key : {QStringLiteral("Return"), QStringLiteral("Delete"), QStringLiteral("Return")}) {
+        QVERIFY(Hands::press(key));
+        EVENTUALLY(Eyes::dialog());
+        QVERIFY(Hands::press(QStringLiteral("Escape")));
+        EVENTUALLY(!Eyes::dialog());
+        EVENTUALLY(Play::drawer(_window)->isActiveWindow() && Play::scratchList(_window)->hasFocus());
+    }
 }
 
 void ScratchpadTest::contextMenu()
