@@ -1559,9 +1559,10 @@ void OutlineViewTest::keepsQtsRules()
     std::vector<QModelIndex> seen;
     const std::function<void(const QModelIndex &)> walk = [&](const QModelIndex &parent) {
         for (int i = 0; i < view.model()->rowCount(parent); ++i) {
-            seen.push_back(view.model()->index(i, 0, parent));
-            if (view.isExpanded(seen.back()))
-                walk(seen.back());
+            const QModelIndex index = view.model()->index(i, 0, parent);
+            seen.push_back(index);
+            if (view.isExpanded(index))
+                walk(index);
         }
     };
     for (int step = 0; step < 150; ++step) {
