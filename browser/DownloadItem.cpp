@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QProgressBar>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QUrl>
 #include <QWebEngineDownloadRequest>
@@ -32,7 +33,7 @@ DownloadItem::DownloadItem(QWebEngineDownloadRequest *download, QWidget *parent)
     _name->setObjectName(QStringLiteral("downloadName"));
     _name->setText(fontMetrics().elidedText(_fileName, Qt::ElideMiddle, widestName).replace('&', QLatin1String("&&")));
     _name->setAccessibleName(_fileName);
-    _name->setToolTip(tr("Open %1").arg(_path.toHtmlEscaped()));
+    _name->setToolTip(Qt::convertFromPlainText(tr("Open %1").arg(_path)));
     _name->setAutoRaise(true);
     _progress->setObjectName(QStringLiteral("downloadProgress"));
     _progress->setAccessibleName(tr("Progress of %1").arg(_fileName));
@@ -85,8 +86,9 @@ void DownloadItem::update()
     const bool hasEnded = _download->isFinished();
     _progress->setVisible(!hasEnded);
     _name->setEnabled(_download->state() == QWebEngineDownloadRequest::DownloadCompleted);
-    _button->setToolTip(hasEnded ? tr("Remove %1 from this list").arg(_fileName) : tr("Cancel %1").arg(_fileName));
-    _button->setAccessibleName(_button->toolTip());
+    const QString command = (hasEnded ? tr("Remove %1 from this list") : tr("Cancel %1")).arg(_fileName);
+    _button->setToolTip(Qt::convertFromPlainText(command));
+    _button->setAccessibleName(command);
 }
 
 void DownloadItem::openFile()

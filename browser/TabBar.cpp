@@ -6,6 +6,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QStyle>
+#include <QTextDocument>
 
 namespace
 {
@@ -38,7 +39,7 @@ void TabBar::setTab(int index, const QString &title, const QIcon &icon)
     const QString text = withoutMnemonic(title.simplified());
     if (tabText(index) != text) {
         setTabText(index, text);
-        setTabToolTip(index, title.toHtmlEscaped());
+        setTabToolTip(index, Qt::convertFromPlainText(title));
     }
     setTabIcon(index, icon);
 }

@@ -5,6 +5,7 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocumentFragment>
 
 class TabBarTest : public QObject
 {
@@ -71,7 +72,10 @@ void TabBarTest::titles()
 {
     _bar->setTab(0, "Tom & Jerry\n<b>", QIcon());
     QCOMPARE(_bar->tabText(0), QString("Tom && Jerry <b>"));
-    QCOMPARE(_bar->tabToolTip(0), QString("Tom &amp; Jerry\n&lt;b&gt;"));
+    // The tip is as Qt shows it: as markup when it looks like some.
+    const QString tip = _bar->tabToolTip(0);
+    QVERIFY(Qt::mightBeRichText(tip));
+    QCOMPARE(QTextDocumentFragment::fromHtml(tip).toPlainText(), QString("Tom & Jerry\n<b>"));
 }
 
 void TabBarTest::closeButtonHasAName()
