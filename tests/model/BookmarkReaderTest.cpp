@@ -196,10 +196,14 @@ void BookmarkReaderTest::forms_data()
                      .replace("<key>URLString", "<key>WebBookmarkUUID</key><string>x</string><key>URLString")));
     row("letters of all kinds",
         fileWith(linkEntry("Caf\xc3\xa9 \xf0\x9f\x98\x80 &lt;b&gt;", "1", "http://a.example/?a=b&amp;c")));
-    QByteArray deep = linkEntry("deep", "1");
-    for (int depth = 0; depth < 100; ++depth)
-        deep = folder("F", deep, QByteArray::number(depth));
-    row("deep", fileWith(deep + linkEntry("b", "2")));
+    const auto nested = [](int folders) {
+        QByteArray deep = linkEntry("deep", "1");
+        for (int depth = 0; depth < folders; ++depth)
+            deep = folder("F", deep, QByteArray::number(depth));
+        return deep;
+    };
+    row("deep", fileWith(nested(100) + linkEntry("b", "2")));
+    row("too deep", fileWith(nested(PropertyList::maximumDepth) + linkEntry("b", "2")));
     row("cut off", usual.left(usual.size() / 2));
     row("something behind", usual + "x");
     row("not a list at all", "hello");
