@@ -171,6 +171,7 @@ private Q_SLOTS:
     void matches_data();
     void matches();
     void matchesAreCopies();
+    void searchMakesNoEntries();
     void noMatchesGiveAnEmptyList();
     void refiningKeepsTheFolderOfMatches();
     void clearingGroupsAgain_data();
@@ -587,6 +588,17 @@ void WayfoldHistoryDataSourceTest::matchesAreCopies()
     QVERIFY(match->isEqual(*original));
     QCOMPARE(outline(*grouped), QString(bySiteAndDay));
     QCOMPARE(original->parent()->title(), QString("01.01.01"));
+}
+
+void WayfoldHistoryDataSourceTest::searchMakesNoEntries()
+{
+    HistoryTab tab;
+    tab.source->ensureDataLoaded();
+    tab.search("today");
+    QCOMPARE(tab.view.numberOfRows(), 2);
+    const WayfoldBookmarkFolderPtr history = ListStage::store().historyBookmarkRoot();
+    QVERIFY(history->childCount() > 2);
+    QVERIFY(history->madeChildren().empty());
 }
 
 void WayfoldHistoryDataSourceTest::noMatchesGiveAnEmptyList()

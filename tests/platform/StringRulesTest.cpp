@@ -418,6 +418,8 @@ void StringRulesTest::doubleValue_data()
     QTest::newRow("fraction") << " 12.5 points" << 12.5;
     QTest::newRow("point first") << ".5" << 0.5;
     QTest::newRow("point last") << "5." << 5.0;
+    QTest::newRow("nought first") << "0.5" << 0.5;
+    QTest::newRow("nine first") << "9.5" << 9.5;
     QTest::newRow("exponent") << "-1.5e3x" << -1500.0;
     QTest::newRow("broken exponent") << "2e" << 2.0;
     QTest::newRow("comma") << "1,5" << 1.0;
