@@ -8,6 +8,7 @@
 #include "tests/model/ModelTestSupport.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/BinaryPropertyList.h"
+#include "tests/support/BytesRead.h"
 #include "tests/support/LoggedMessages.h"
 
 #include <QRandomGenerator>
@@ -129,6 +130,8 @@ private Q_SLOTS:
 
     void forms_data();
     void forms();
+    void usualFilesAreReadOnce_data();
+    void usualFilesAreReadOnce();
     void readAgain();
     void whatHasGoneWithItsFolderComesBack();
     void generatedFiles();
@@ -218,6 +221,31 @@ void BookmarkReaderTest::forms()
     check(reader, contents);
     check(reader, fileWith(linkEntry("other", "9") + contents.mid(contents.indexOf("<array>") + 7, 0)));
     check(reader, contents);
+}
+
+void BookmarkReaderTest::usualFilesAreReadOnce_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QByteArray links;
+    for (int number = 0; number < 2000; ++number)
+        links += linkEntry("Link", QByteArray::number(number));
+    const QByteArray plain = fileWith(links + note("N", "Text") + folder("F", linkEntry("in", "IN")));
+    QTest::newRow("plain") << plain;
+    QTest::newRow("line ends of two characters") << QByteArray(plain).replace("\n", "\r\n");
+    QTest::newRow("binary") << binaryPropertyList(PropertyList::fromData(plain));
+}
+
+// The general way would read it a second time.
+void BookmarkReaderTest::usualFilesAreReadOnce()
+{
+    QFETCH(QByteArray, contents);
+    if (bytesRead() == 0)
+        QSKIP("The system does not count what is read.");
+    write(contents);
+    BookmarkReader reader;
+    const qint64 before = bytesRead();
+    QVERIFY(reader.read(path()));
+    QCOMPARE((bytesRead() - before + contents.size() / 2) / contents.size(), 1);
 }
 
 void BookmarkReaderTest::readAgain()

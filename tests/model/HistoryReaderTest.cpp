@@ -3,6 +3,7 @@
 #include "tests/model/ModelTestSupport.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/BinaryPropertyList.h"
+#include "tests/support/BytesRead.h"
 #include "tests/support/LoggedMessages.h"
 
 #include <QDir>
@@ -441,10 +442,6 @@ void HistoryReaderTest::timesTheFileIsRead()
 {
     QFETCH(QByteArray, element);
     QFETCH(int, times);
-    const auto bytesRead = [] {
-        QFile counters(QStringLiteral("/proc/self/io")); // "rchar: 1234", then others
-        return counters.open(QIODevice::ReadOnly) ? counters.readLine().mid(6).trimmed().toLongLong() : 0;
-    };
     if (bytesRead() == 0)
         QSKIP("The system does not count what is read.");
     const QByteArray contents = fileWith(::element("A", "http://a.example/").repeated(5000) + element);
