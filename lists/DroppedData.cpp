@@ -135,7 +135,7 @@ QString DroppedData::titleBeside(const QString &address) const
 {
     for (const QString &named : {textForType(PasteboardTypes::netscapeUrl).section(u'\n', 1, 1),
                                  wideTextForType(PasteboardTypes::mozillaUrlTitle)}) {
-        if (const QString title = named.simplified(); !title.isEmpty())
+        if (QString title = named.simplified(); !title.isEmpty())
             return title;
     }
     const QString text = textForType(PasteboardTypes::plainText).simplified();
