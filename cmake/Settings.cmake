@@ -36,6 +36,7 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(URIPARSER REQUIRED IMPORTED_TARGET liburiparser)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
+pkg_check_modules(EBOOK REQUIRED IMPORTED_TARGET libebook-1.2 libebook-contacts-1.2)
 
 add_compile_options(-Wall -Wextra -Werror)
 add_compile_definitions(QT_NO_FOREACH QT_NO_KEYWORDS QT_DEPRECATED_WARNINGS)

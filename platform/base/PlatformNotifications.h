@@ -16,4 +16,8 @@ inline const QString NSDrawerDidOpenNotification = QStringLiteral("NSDrawerDidOp
 inline const QString NSDrawerWillCloseNotification = QStringLiteral("NSDrawerWillCloseNotification");
 inline const QString NSDrawerDidCloseNotification = QStringLiteral("NSDrawerDidCloseNotification");
 inline const QString NSPopUpButtonWillPopUpNotification = QStringLiteral("NSPopUpButtonWillPopUpNotification");
+// The contacts have changed, by this program or by anything else; object: the ContactStore.
+inline const QString kABDatabaseChangedNotification = QStringLiteral("kABDatabaseChangedNotification");
+inline const QString kABDatabaseChangedExternallyNotification =
+    QStringLiteral("kABDatabaseChangedExternallyNotification");
 } // namespace PlatformNotifications
