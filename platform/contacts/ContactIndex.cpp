@@ -63,6 +63,16 @@ std::vector<ContactRecordPtr> ContactIndex::people() const
     return found;
 }
 
+std::vector<ContactRecordPtr> ContactIndex::groups() const
+{
+    std::vector<ContactRecordPtr> found;
+    for (const Entry &entry : _entries) {
+        if (entry.record && entry.record->isGroup)
+            found.push_back(entry.record);
+    }
+    return found;
+}
+
 std::vector<ContactRecordPtr> ContactIndex::peopleContaining(const QString &text) const
 {
     std::vector<ContactRecordPtr> found;

@@ -20,7 +20,8 @@ public:
     ContactRecordPtr record(const QString &uniqueId) const;
     // Those that are no groups, in the order in which they came first.
     std::vector<ContactRecordPtr> people() const;
-    // Of these, those that contain the text in one of the five fields that are searched.
+    std::vector<ContactRecordPtr> groups() const;
+    // Of the people, those that contain the text in one of the five fields that are searched.
     std::vector<ContactRecordPtr> peopleContaining(const QString &text) const;
     static bool contains(const ContactRecord &record, const QString &text);
 

@@ -83,6 +83,11 @@ std::vector<ContactRecordPtr> ContactStore::people() const
     return _index.people();
 }
 
+std::vector<ContactRecordPtr> ContactStore::groups() const
+{
+    return _index.groups();
+}
+
 std::vector<ContactRecordPtr> ContactStore::membersOfGroup(const ContactRecord &group) const
 {
     std::vector<ContactRecordPtr> found;

@@ -53,6 +53,7 @@ public:
     bool recordContainsSubstring(const ContactRecord &record, const QString &text) const;
     // All people and organizations, in the store's order.
     std::vector<ContactRecordPtr> people() const;
+    std::vector<ContactRecordPtr> groups() const;
     // A group's people, in the card's order, and the groups in it. Members without a card are left out.
     std::vector<ContactRecordPtr> membersOfGroup(const ContactRecord &group) const;
     std::vector<ContactRecordPtr> subgroupsOfGroup(const ContactRecord &group) const;

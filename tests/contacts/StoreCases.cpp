@@ -238,6 +238,7 @@ void StoreCases::group()
     QCOMPARE(namesOf(store().membersOfGroup(*friends)), QStringList({"Bob", "Ada"}));
     QVERIFY(store().subgroupsOfGroup(*friends).empty());
     QCOMPARE(identifiersOf(store().people()).size(), 2); // the group is none of them
+    QCOMPARE(namesOf(store().groups()), QStringList({"Friends"}));
     QVERIFY(store().recordsContainingSubstring("Friends").empty());
     QVERIFY(!store().recordContainsSubstring(*friends, "Friends"));
 }
