@@ -1,11 +1,13 @@
 #include "platform/widgets/Workspace.h"
 
+#include "platform/files/Paths.h"
 #include "platform/widgets/Image.h"
 
 #include <QDesktopServices>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QMimeDatabase>
+#include <QProcess>
 #include <QUrl>
 
 namespace
@@ -15,6 +17,12 @@ constexpr QSizeF fileIconSize(32, 32);
 std::function<bool(const Url &)> &urlHandler()
 {
     static std::function<bool(const Url &)> handler;
+    return handler;
+}
+
+std::function<bool(const QStringList &)> &programHandler()
+{
+    static std::function<bool(const QStringList &)> handler;
     return handler;
 }
 
@@ -39,6 +47,21 @@ bool Workspace::openURL(const Url &url)
     return QDesktopServices::openUrl(QUrl::fromEncoded(url.absoluteString().toLatin1()));
 }
 
+bool Workspace::startProgram(const QStringList &command)
+{
+    if (command.isEmpty())
+        return false;
+    if (programHandler())
+        return programHandler()(command);
+    QProcess program;
+    program.setProgram(command.first());
+    program.setArguments(command.mid(1));
+    program.setWorkingDirectory(Paths::homeDirectory());
+    program.setStandardOutputFile(QProcess::nullDevice());
+    program.setStandardErrorFile(QProcess::nullDevice());
+    return program.startDetached();
+}
+
 std::shared_ptr<Image> Workspace::iconForFile(const QString &path)
 {
     if (path.isEmpty())
@@ -53,4 +76,9 @@ std::shared_ptr<Image> Workspace::iconForFile(const QString &path)
 void Workspace::setURLHandler(std::function<bool(const Url &)> handler)
 {
     urlHandler() = std::move(handler);
+}
+
+void Workspace::setProgramHandler(std::function<bool(const QStringList &)> handler)
+{
+    programHandler() = std::move(handler);
 }

@@ -25,12 +25,19 @@ class WorkspaceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup() { Workspace::setURLHandler({}); }
+    void cleanup()
+    {
+        Workspace::setURLHandler({});
+        Workspace::setProgramHandler({});
+    }
 
     void opensThroughTheDesktop_data();
     void opensThroughTheDesktop();
     void handsAddressesToTheTestsHandler();
     void doesNotOpenNone();
+    void startsPrograms();
+    void tellsOfProgramsThatCannotBeStarted();
+    void handsProgramsToTheTestsHandler();
     void hasAnIconForEveryFile_data();
     void hasAnIconForEveryFile();
     void hasNoIconWithoutAPath();
@@ -77,6 +84,39 @@ void WorkspaceTest::doesNotOpenNone()
     Workspace::setURLHandler([&](const Url &) { return ++opened > 0; });
     QVERIFY(!Workspace::openURL(Url()));
     QCOMPARE(opened, 0);
+}
+
+// Where it runs, with which arguments, and where it prints, is told by what it writes there.
+void WorkspaceTest::startsPrograms()
+{
+    const QString script = QStringLiteral("set -- \"$@\" $(readlink /proc/$$/fd/1 /proc/$$/fd/2);"
+                                          "printf '%s|' \"$@\" >told; mv told done");
+    QVERIFY(Workspace::startProgram({"sh", "-c", script, "sh", "a b", "", "$HOME"}));
+    QTRY_VERIFY(QFile::exists(_home.path("done")));
+    QCOMPARE(_home.read("done"), QByteArray("a b||$HOME|/dev/null|/dev/null|"));
+}
+
+void WorkspaceTest::tellsOfProgramsThatCannotBeStarted()
+{
+    QVERIFY(!Workspace::startProgram({}));
+    QVERIFY(!Workspace::startProgram({"wayfold-no-such-program", "argument"}));
+    QVERIFY(!Workspace::startProgram({_home.path("missing")}));
+}
+
+void WorkspaceTest::handsProgramsToTheTestsHandler()
+{
+    std::vector<QStringList> started;
+    bool answer = true;
+    Workspace::setProgramHandler([&](const QStringList &command) {
+        started.push_back(command);
+        return answer;
+    });
+    QVERIFY(Workspace::startProgram({"contacts", "--show", "a b"}));
+    answer = false;
+    QVERIFY(!Workspace::startProgram({"other"}));
+    QVERIFY(!Workspace::startProgram({}));
+    const std::vector<QStringList> expected = {{"contacts", "--show", "a b"}, {"other"}};
+    QCOMPARE(started, expected);
 }
 
 void WorkspaceTest::hasAnIconForEveryFile_data()
