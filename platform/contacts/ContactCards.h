@@ -14,6 +14,17 @@ struct Card
     QByteArray text;      // the card by itself, in UTF-8
 };
 
+// A card that says more is read up to here. Texts in UTF-16 units: longer names are cut; longer addresses, numbers and
+// identifiers left out, since their beginnings mean something else.
+constexpr int maximumText = 1000;
+// Telephone numbers, and e-mail addresses; a group's members.
+constexpr int maximumValues = 100;
+constexpr int maximumMembers = 10000;
+// Semicolons in a line; one with more is left out.
+constexpr int maximumParts = 50;
+// Bytes of a picture; a larger one is none.
+constexpr qsizetype maximumPicture = 5 * 1024 * 1024;
+
 // Every card in the text, in order. What is damaged is left out; what is endless is cut.
 std::vector<Card> read(const QByteArray &text);
 // The picture that the card holds (PNG, JPEG, ...); empty when it has none, or one that only lies elsewhere.
