@@ -50,8 +50,8 @@ ContactStore::~ContactStore()
 
 ContactStore &ContactStore::sharedAddressBook()
 {
-    static ContactStore none;
-    return sharedStore ? *sharedStore : none;
+    static auto *const none = new ContactStore; // never released: it must not outlive the notification queue
+    return sharedStore ? *sharedStore : *none;
 }
 
 void ContactStore::setSharedAddressBook(ContactStore *store)
@@ -175,7 +175,8 @@ void ContactStore::clear()
 
 void ContactStore::tellChange(bool here)
 {
-    ++_generation;
+    static quint64 changes = 0; // of all stores
+    _generation = ++changes;
     const QString &name = here ? PlatformNotifications::kABDatabaseChangedNotification
                                : PlatformNotifications::kABDatabaseChangedExternallyNotification;
     NotificationQueue::defaultQueue().enqueueNotification({name, this}, NotificationQueue::NSPostASAP);

@@ -42,7 +42,8 @@ public:
     static void setSharedAddressBook(ContactStore *store);
 
     virtual State state() const { return Absent; }
-    // Grows with every change; what was found in the store holds as long as it stays.
+    // Grows with every change; what was found in the store holds as long as it stays. No two stores have had the same
+    // one after a change.
     quint64 generation() const { return _generation; }
 
     // None: there is no such card.
