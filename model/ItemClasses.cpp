@@ -1,5 +1,8 @@
 #include "model/ItemClasses.h"
 
+#include "model/WayfoldABEntry.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "model/WayfoldBookmarkEmail.h"
 #include "model/WayfoldBookmarkFile.h"
@@ -28,4 +31,7 @@ void registerItemClasses()
     registerItemClass<WayfoldAutoFolder>();
     registerItemClass<WayfoldBookmarkAutoFolder>();
     registerItemClass<WayfoldHistoryAutoFolder>();
+    registerItemClass<WayfoldABEntry>();
+    registerItemClass<WayfoldBookmarkABPerson>();
+    registerItemClass<WayfoldBookmarkABGroup>();
 }

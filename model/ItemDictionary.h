@@ -16,10 +16,13 @@ inline const QString uriTitleKey = QStringLiteral("title");
 inline const QString uriAddressKey = QStringLiteral("");
 inline const QString urlStringKey = QStringLiteral("URLString");
 inline const QString noteKey = QStringLiteral("Note");
+inline const QString addressBookIDKey = QStringLiteral("AddressBookID");
 
 inline const QString listType = QStringLiteral("WebBookmarkTypeList");
 inline const QString leafType = QStringLiteral("WebBookmarkTypeLeaf");
 inline const QString noteType = QStringLiteral("WebBookmarkTypeNote");
+inline const QString personType = QStringLiteral("ABPerson");
+inline const QString groupType = QStringLiteral("ABGroup");
 
 // Null when missing or not a string.
 QString string(const QVariantMap &dictionary, const QString &key);

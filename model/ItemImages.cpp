@@ -1,5 +1,7 @@
 #include "model/ItemImages.h"
 
+#include "core/settings/WayfoldToolkit.h"
+
 ItemImages &ItemImages::shared()
 {
     // Never released: images must not outlive the application, and static objects do.
@@ -16,5 +18,12 @@ std::shared_ptr<Image> ItemImages::neverCached(std::shared_ptr<Image> image)
 {
     if (image)
         image->setCacheMode(Image::NSImageCacheNever);
+    return image;
+}
+
+std::shared_ptr<Image> ItemImages::loadedOnce(std::shared_ptr<Image> &image, const QString &name)
+{
+    if (!image)
+        image = neverCached(WayfoldToolkit::loadImageNamed(name));
     return image;
 }

@@ -14,6 +14,10 @@ struct ItemImages
     std::shared_ptr<Image> webLink;
     std::shared_ptr<Image> mail;
     std::shared_ptr<Image> note;
+    std::shared_ptr<Image> person;
+    std::shared_ptr<Image> company;
+    std::shared_ptr<Image> group;
+    std::shared_ptr<Image> ownCard;
     FileIcons files;
 
     static ItemImages &shared();
@@ -21,4 +25,6 @@ struct ItemImages
     static void reset();
     // The image, set to be rendered afresh at every drawing.
     static std::shared_ptr<Image> neverCached(std::shared_ptr<Image> image);
+    // One of the images above, loaded when there is none yet.
+    static std::shared_ptr<Image> loadedOnce(std::shared_ptr<Image> &image, const QString &name);
 };

@@ -14,9 +14,3 @@ void SmartFolderSources::setCurrent(SmartFolderSources *sources)
 {
     currentSources = sources;
 }
-
-std::vector<KDRBookmarkPtr> SmartFolderSources::relatedContacts(const QString &substring) const
-{
-    Q_UNUSED(substring)
-    return {};
-}

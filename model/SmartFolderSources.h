@@ -8,7 +8,7 @@ class SmartFolderSources
 public:
     virtual ~SmartFolderSources() = default;
 
-    // Null (until set): smart folders stay empty.
+    // Null (until set): smart folders find nothing but contacts.
     static SmartFolderSources *current();
     // Not owned.
     static void setCurrent(SmartFolderSources *sources);
@@ -22,6 +22,4 @@ public:
     virtual void regroupBookmarksFromFolderIntoFolderWithGroupingStyle(const WayfoldBookmarkFolderPtr &from,
                                                                        const WayfoldBookmarkFolderPtr &into,
                                                                        const QString &style) const = 0;
-    // New items for the contacts that contain the text, in the order found; none where there is no address book.
-    virtual std::vector<KDRBookmarkPtr> relatedContacts(const QString &substring) const;
 };

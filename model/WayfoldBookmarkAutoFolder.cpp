@@ -1,6 +1,8 @@
 #include "model/WayfoldBookmarkAutoFolder.h"
 
 #include "model/SmartFolderSources.h"
+#include "model/WayfoldBookmarkABPerson.h"
+#include "platform/contacts/ContactStore.h"
 
 WayfoldBookmarkAutoFolderPtr WayfoldBookmarkAutoFolder::bookmarkWithTitle(const QString &title)
 {
@@ -28,11 +30,11 @@ void WayfoldBookmarkAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFol
     const SmartFolderSources *const sources = SmartFolderSources::current();
     if (!sources || sources->bookmarksMayChange() || !isSearched(root))
         search(root);
-    const std::vector<KDRBookmarkPtr> contacts =
-        sources ? sources->relatedContacts(filterString()) : std::vector<KDRBookmarkPtr>();
+    searchContacts();
     removeAllChildren();
     appendCopiesOfLeaves(found(), *this);
-    appendCopiesOfLeaves(contacts, *this);
+    for (const WayfoldABEntryPtr &entry : _foundContacts)
+        addChild(WayfoldBookmarkABPerson::bookmarkWithRecord(entry));
     sortChildrenByTitle();
 }
 
@@ -48,6 +50,20 @@ void WayfoldBookmarkAutoFolder::search(const WayfoldBookmarkFolderPtr &root)
     _found.assign(matches.begin(), matches.end());
     _searchedRoot = root;
     _searchedText = filterString();
+}
+
+// People and organizations alone: groups would be folders, which are not shown here.
+void WayfoldBookmarkAutoFolder::searchContacts()
+{
+    const quint64 generation = ContactStore::sharedAddressBook().generation();
+    if (generation == _searchedGeneration && filterString() == _searchedContactsText)
+        return;
+    _foundContacts = WayfoldABEntry::recordsContainingSubstring(filterString());
+    std::erase_if(_foundContacts, [](const WayfoldABEntryPtr &entry) {
+        return entry->entryType() != WayfoldABEntry::Person && entry->entryType() != WayfoldABEntry::Organization;
+    });
+    _searchedGeneration = generation;
+    _searchedContactsText = filterString();
 }
 
 std::vector<KDRBookmarkPtr> WayfoldBookmarkAutoFolder::found() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/WayfoldABEntry.h"
 #include "model/WayfoldAutoFolder.h"
 
 class WayfoldBookmarkAutoFolder;
@@ -26,10 +27,15 @@ private:
     bool isSearched(const WayfoldBookmarkFolderPtr &root) const;
     void search(const WayfoldBookmarkFolderPtr &root);
     std::vector<KDRBookmarkPtr> found() const;
+    void searchContacts();
 
     // What was found last, and where. History changes with every page, and bookmarks hardly ever. The
     // folder of a site that is not shown holds nothing of a tree that was replaced.
     std::vector<std::weak_ptr<KDRBookmark>> _found;
     std::weak_ptr<WayfoldBookmarkFolder> _searchedRoot;
     QString _searchedText;
+    // The same of the contacts, and of which of their generations.
+    std::vector<WayfoldABEntryPtr> _foundContacts;
+    quint64 _searchedGeneration = 0;
+    QString _searchedContactsText;
 };

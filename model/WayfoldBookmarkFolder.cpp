@@ -8,6 +8,8 @@
 #include "model/LazyCopies.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
@@ -436,6 +438,10 @@ void WayfoldBookmarkFolder::parseBookmarkDictionaryInsert(const QVariantMap &dic
         addChild(unlessUntitled(WayfoldBookmarkURL::bookmarkFromDictionary(dictionary)));
     } else if (type == ItemDictionary::noteType) {
         addChild(unlessUntitled(WayfoldBookmarkNote::bookmarkFromDictionary(dictionary)));
+    } else if (type == ItemDictionary::personType) {
+        addChild(WayfoldBookmarkABPerson::bookmarkFromDictionary(dictionary)); // is never untitled
+    } else if (type == ItemDictionary::groupType) {
+        addChild(WayfoldBookmarkABGroup::bookmarkFromDictionary(dictionary));
     }
 }
 
@@ -462,7 +468,7 @@ bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const
         std::vector<const WayfoldBookmarkFolder *> nextLevel;
         for (const WayfoldBookmarkFolder *folder : level) {
             for (const KDRBookmarkPtr &item : folder->children()) {
-                if (item->isFolder() && item->canBePersistent())
+                if (item->type() == FolderType && item->canBePersistent()) // groups are saved without what they hold
                     nextLevel.push_back(static_cast<const WayfoldBookmarkFolder *>(item.get()));
             }
         }

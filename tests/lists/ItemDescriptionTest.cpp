@@ -3,17 +3,6 @@
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "tests/lists/ListStage.h"
 
-namespace
-{
-// An organization, as the contacts have it.
-class Organization : public OtherItem
-{
-public:
-    Organization() : OtherItem(PersonType, QStringLiteral("Kettle works")) {}
-    QString typeDescription() const override { return QStringLiteral("Organization"); }
-};
-} // namespace
-
 class ItemDescriptionTest : public QObject
 {
     Q_OBJECT
@@ -44,7 +33,7 @@ void ItemDescriptionTest::tellsKindAndDestination_data()
         "Email Link: ann@a.org, bob, cy, di");
     row("mail to nobody", ListStage::mail("A", "mailto:"), "Email Link");
     row("person", ListStage::person("A"), "Person");
-    row("organization", std::make_shared<Organization>(), "Organization");
+    row("organization", ListStage::organization("Kettle works"), "Organization");
     row("group", ListStage::group("A"), "Group");
     row("of no kind", KDRBookmark::bookmarkWithTitle("A"), "");
 }

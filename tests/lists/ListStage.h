@@ -8,6 +8,8 @@
 #include "model/ItemDialogs.h"
 #include "model/ItemImages.h"
 #include "model/WayfoldAutoFolder.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkEmail.h"
 #include "model/WayfoldBookmarkFile.h"
 #include "model/WayfoldBookmarkNote.h"
@@ -16,21 +18,11 @@
 #include "platform/widgets/Workspace.h"
 #include "tests/core/FakeSiteDrawer.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/MemoryContacts.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QToolButton>
 #include <QtTest>
-
-// An item of a kind that has no class of its own here: a contact or a group of contacts.
-class OtherItem : public KDRBookmark
-{
-public:
-    explicit OtherItem(Type type, const QString &title) : _type(type) { initWithTitle(title); }
-    Type type() const override { return _type; }
-
-private:
-    Type _type;
-};
 
 // Dialogs that are answered at once: `answer` stands for the user. None: cancelled.
 class AnsweredDialogs : public ItemDialogs
@@ -68,6 +60,7 @@ public:
         UserDefaults::standardUserDefaults().reset();
         settings().loadDefaults();
         ItemImages::reset();
+        ContactStore::setSharedAddressBook(&contacts());
         Workspace::setURLHandler([this](const Url &url) {
             openedURLs.append(url.absoluteString());
             return true;
@@ -119,13 +112,34 @@ public:
         return WayfoldHistoryURL::bookmarkWithTitleAndURL(
             title, Url::URLWithString(QStringLiteral("http://www.example.com/visited")));
     }
-    static KDRBookmarkPtr person(const QString &title)
+    // The contacts of all stages: rows of a test's table are made before its stage is.
+    static MemoryContacts &contacts()
     {
-        return std::make_shared<OtherItem>(KDRBookmark::PersonType, title);
+        static auto *const contacts = new MemoryContacts;
+        return *contacts;
     }
-    static KDRBookmarkPtr group(const QString &title)
+    // With a card of their own, which has that name.
+    static WayfoldBookmarkABPersonPtr person(const QString &title, const QStringList &emails = {})
     {
-        return std::make_shared<OtherItem>(KDRBookmark::GroupType, title);
+        const QString id = newContactID();
+        contacts().set(MemoryContacts::person(id, title, QString(), emails));
+        return WayfoldBookmarkABPerson::bookmarkWithID(id);
+    }
+    static WayfoldBookmarkABPersonPtr organization(const QString &title)
+    {
+        const QString id = newContactID();
+        contacts().set(MemoryContacts::company(id, title));
+        return WayfoldBookmarkABPerson::bookmarkWithID(id);
+    }
+    static WayfoldBookmarkABGroupPtr group(const QString &title,
+                                           const std::vector<WayfoldBookmarkABPersonPtr> &members = {})
+    {
+        QStringList ids;
+        for (const WayfoldBookmarkABPersonPtr &member : members)
+            ids.append(member->addressBookEntry()->addressBookID());
+        const QString id = newContactID();
+        contacts().set(MemoryContacts::group(id, title, ids));
+        return WayfoldBookmarkABGroup::bookmarkWithID(id);
     }
     static QStringList titles(const std::vector<KDRBookmarkPtr> &items)
     {
@@ -143,6 +157,13 @@ public:
             rows.append(QString(view.levelForRow(row), u'-') +
                         std::static_pointer_cast<KDRBookmark>(view.itemAtRow(row))->title());
         return rows;
+    }
+
+private:
+    static QString newContactID()
+    {
+        static int made = 0;
+        return QStringLiteral("contact-%1").arg(++made);
     }
 };
 

@@ -728,12 +728,11 @@ public:
 };
 
 // Looks itself up again at each refresh, as contacts do.
-class RefreshedItem : public OtherItem
+class RefreshedPerson : public WayfoldBookmarkABPerson
 {
 public:
     int refreshed = 0;
 
-    RefreshedItem() : OtherItem(PersonType, QStringLiteral("Person")) {}
     bool refresh() override { return ++refreshed; }
 };
 } // namespace
@@ -745,7 +744,8 @@ void WayfoldScratchDataSourceTest::outsideChanges()
     smart->initWithTitle(QStringLiteral("Smart"));
     smart->found = ListStage::link("Found");
     const auto note = ListStage::note("Note");
-    const auto person = std::make_shared<RefreshedItem>();
+    const auto person = std::make_shared<RefreshedPerson>();
+    person->initWithRecord(ListStage::person("Person")->addressBookEntry());
     _pad->showItems({note, smart, person});
     _pad->view.grab();
     _pad->view.expandItem(smart);

@@ -77,15 +77,13 @@ private:
     }
 };
 
-// Trees and contacts that a test sets. Grouping puts all entries into one folder titled with the style, and keeps what
+// Trees that a test sets. Grouping puts all entries into one folder titled with the style, and keeps what
 // folders there are, as the history list does.
 class FakeSmartFolderSources : public SmartFolderSources
 {
 public:
     WayfoldBookmarkFolderPtr bookmarks = WayfoldBookmarkFolder::bookmarkWithTitle("Bookmarks");
     WayfoldBookmarkFolderPtr history = WayfoldBookmarkFolder::bookmarkWithTitle("History");
-    std::vector<KDRBookmarkPtr> contacts;
-    mutable QStringList contactSearches;
     mutable int regroupings = 0;
     mutable QString regroupedTitle; // of the folder that the entries came in
 
@@ -109,11 +107,6 @@ public:
         for (const KDRBookmarkPtr &entry : from->children())
             group->addChild(entry);
         into->removeEmptySubfolders();
-    }
-    std::vector<KDRBookmarkPtr> relatedContacts(const QString &substring) const override
-    {
-        contactSearches.append(substring);
-        return contacts;
     }
 };
 

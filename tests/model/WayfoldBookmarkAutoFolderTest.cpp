@@ -1,7 +1,9 @@
 #include "tests/model/ModelTestSupport.h"
 
 #include "core/settings/WayfoldToolkit.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
+#include "tests/support/MemoryContacts.h"
 
 #include <QtTest>
 
@@ -34,7 +36,11 @@ private Q_SLOTS:
     void treeThatHasGoneIsNotShown();
     void replacedTreeIsNotHeld();
     void otherTextIsSearched();
-    void contactsAreFoundAnew();
+
+    // ---- Of contacts, of which is known when they change.
+    void changedContactsAreSearched();
+    void otherContactsAreSearched();
+    void unchangedContactsAreKept();
 };
 
 void WayfoldBookmarkAutoFolderTest::init()
@@ -59,7 +65,6 @@ void WayfoldBookmarkAutoFolderTest::collectsForASite()
     QCOMPARE(smart->childCount(), 0u);
     smart->ensureUpToDate();
     QCOMPARE(childTitles(*smart), (QStringList{"Ant", "Zebra at EXAMPLE.com"}));
-    QCOMPARE(sources.contactSearches, QStringList{"example.com"});
     QCOMPARE(smart->childAtIndex(1)->uuid(), sources.bookmarks->childAtIndex(0)->uuid());
     QVERIFY(smart->childAtIndex(1) != sources.bookmarks->childAtIndex(0));
     QVERIFY(!smart->childAtIndex(0)->acceptsDroppedItems());
@@ -78,23 +83,35 @@ void WayfoldBookmarkAutoFolderTest::foldersAreNotShownButTheirContents()
 void WayfoldBookmarkAutoFolderTest::contacts()
 {
     FakeSmartFolderSources sources;
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("z", "Zoe", QString(), {"zoe@NEWS.example"}));
+    contacts.set(MemoryContacts::person("a", "Ann", QString(), {"ann@news.example"}));
+    contacts.set(MemoryContacts::company("k", "Kettle News"));
+    contacts.set(MemoryContacts::person("o", "Other", QString()));
     sources.bookmarks->addChild(makeLink("m news"));
-    const auto person = KDRBookmark::bookmarkWithTitle("Ann");
-    sources.contacts = {KDRBookmark::bookmarkWithTitle("Zoe"), person};
     const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
     smart->refresh();
-    QCOMPARE(childTitles(*smart), (QStringList{"Ann", "m news", "Zoe"}));
-    QVERIFY(smart->childAtIndex(0) != person); // a copy, as all of them
-    QCOMPARE(smart->childAtIndex(0)->uuid(), person->uuid());
+    QCOMPARE(childTitles(*smart), (QStringList{"Ann", "Kettle News", "m news", "Zoe"}));
+    const KDRBookmarkPtr ann = smart->childAtIndex(0);
+    QCOMPARE(ann->type(), KDRBookmark::PersonType);
+    QCOMPARE(ann->uuid(), QStringLiteral("a"));
+    QCOMPARE(ann->parent(), smart);
+    QVERIFY(!ann->canBePersistent());
+    QCOMPARE(smart->childAtIndex(1)->typeDescription(), QStringLiteral("Organization"));
 }
 
 void WayfoldBookmarkAutoFolderTest::groupsOfContactsAreLeftOut()
 {
     FakeSmartFolderSources sources;
-    sources.contacts = {makeFolder("Group", {makeLink("Member")}), KDRBookmark::bookmarkWithTitle("Person")};
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("p", "Newsboy", QString()));
+    contacts.set(MemoryContacts::group("g", "News", {"p"}));
+    ContactRecord unknown = MemoryContacts::person("u", "News of no kind", QString());
+    unknown.flags = 2;
+    contacts.set(unknown);
     const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
     smart->refresh();
-    QCOMPARE(childTitles(*smart), QStringList{"Person"});
+    QCOMPARE(childTitles(*smart), QStringList{"Newsboy"});
 }
 
 void WayfoldBookmarkAutoFolderTest::sortedByTitle()
@@ -271,18 +288,56 @@ void WayfoldBookmarkAutoFolderTest::otherTextIsSearched()
     }
 }
 
-void WayfoldBookmarkAutoFolderTest::contactsAreFoundAnew()
+void WayfoldBookmarkAutoFolderTest::changedContactsAreSearched()
 {
     FixedBookmarks sources;
     sources.bookmarks->addChild(makeLink("m news"));
-    sources.contacts = {KDRBookmark::bookmarkWithTitle("Ann")};
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("a", "Ann", "News"));
     const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
     smart->refresh();
-    QCOMPARE(childTitles(*smart), (QStringList{"Ann", "m news"}));
-    sources.contacts = {KDRBookmark::bookmarkWithTitle("Zoe")};
+    QCOMPARE(childTitles(*smart), (QStringList{"Ann News", "m news"}));
+    contacts.set(MemoryContacts::person("z", "Zoe", "News"));
+    contacts.set(MemoryContacts::person("a", "Anna", "News"));
     smart->refresh();
-    QCOMPARE(childTitles(*smart), (QStringList{"m news", "Zoe"}));
-    QCOMPARE(sources.contactSearches, (QStringList{"news", "news"}));
+    QCOMPARE(childTitles(*smart), (QStringList{"Anna News", "m news", "Zoe News"}));
+    contacts.take("a");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), (QStringList{"m news", "Zoe News"}));
+    smart->setFilterString("zoe");
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"Zoe News"});
+}
+
+void WayfoldBookmarkAutoFolderTest::otherContactsAreSearched()
+{
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    auto former = std::make_unique<MemoryContacts>();
+    former->set(MemoryContacts::person("a", "Ann", "News"));
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"Ann News"});
+    former.reset();
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList());
+    MemoryContacts others; // with as many changes
+    others.set(MemoryContacts::person("b", "Bob", "News"));
+    smart->refresh();
+    QCOMPARE(childTitles(*smart), QStringList{"Bob News"});
+}
+
+void WayfoldBookmarkAutoFolderTest::unchangedContactsAreKept()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("a", "Ann", "News"));
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    const auto annsEntry = [&smart] {
+        smart->refresh();
+        return std::static_pointer_cast<WayfoldBookmarkABPerson>(smart->childAtIndex(0))->addressBookEntry();
+    };
+    const WayfoldABEntryPtr entry = annsEntry();
+    QVERIFY(annsEntry() == entry); // found at the first search, and shown again
+    contacts.set(MemoryContacts::person("b", "Bob", QString()));
+    QVERIFY(annsEntry() != entry);
 }
 
 QTEST_MAIN(WayfoldBookmarkAutoFolderTest)

@@ -1,0 +1,201 @@
+#include "model/WayfoldBookmarkABGroup.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "model/ItemDictionary.h"
+#include "model/ItemImages.h"
+#include "model/WayfoldBookmarkABPerson.h"
+
+namespace
+{
+const QString entryCoderKey = QStringLiteral("_addressBookEntry");
+// Groups that list each other unfold to more than anybody could hold. What is beyond these is filled when it is looked
+// into.
+constexpr int maximumGroupsAtOnce = 1000;
+} // namespace
+
+WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkWithID(const QString &addressBookID)
+{
+    auto group = std::make_shared<WayfoldBookmarkABGroup>(Blank());
+    group->initWithID(addressBookID);
+    return group;
+}
+
+WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkWithRecord(const WayfoldABEntryPtr &entry)
+{
+    auto group = std::make_shared<WayfoldBookmarkABGroup>(Blank());
+    group->initWithRecord(entry);
+    return group;
+}
+
+WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkFromDictionary(const QVariantMap &dictionary)
+{
+    auto group = std::make_shared<WayfoldBookmarkABGroup>(Blank());
+    group->loadFromDictionary(dictionary);
+    return group;
+}
+
+void WayfoldBookmarkABGroup::init()
+{
+    WayfoldAutoFolder::init();
+    _addressBookEntry.reset();
+    _groupsAround.clear();
+}
+
+void WayfoldBookmarkABGroup::initWithID(const QString &addressBookID)
+{
+    init();
+    setValueFromID(addressBookID);
+    setUUID(addressBookID);
+}
+
+void WayfoldBookmarkABGroup::initWithRecord(const WayfoldABEntryPtr &entry)
+{
+    init();
+    _addressBookEntry = entry;
+    setUUID(entry ? entry->addressBookID() : QString());
+}
+
+QString WayfoldBookmarkABGroup::title() const
+{
+    return _addressBookEntry ? _addressBookEntry->shortDescription() : QString();
+}
+
+void WayfoldBookmarkABGroup::setValue(const QVariant &value)
+{
+    if (!value.isValid() || value.metaType() == QMetaType::fromType<WayfoldABEntryPtr>())
+        _addressBookEntry = value.value<WayfoldABEntryPtr>();
+}
+
+void WayfoldBookmarkABGroup::setValueFromID(const QString &addressBookID)
+{
+    _addressBookEntry = WayfoldABEntry::AddressBookEntryFromPersonID(addressBookID);
+}
+
+// The subgroups were filled with the rest, so they are not refreshed once more: twice at each level would double the
+// time with each.
+bool WayfoldBookmarkABGroup::refresh()
+{
+    int groupsLeft = maximumGroupsAtOnce;
+    fill(groupsLeft);
+    return true;
+}
+
+void WayfoldBookmarkABGroup::fill(int &groupsLeft)
+{
+    const std::scoped_lock lock(_updateLock);
+    removeAllChildren();
+    if (!_addressBookEntry)
+        return;
+    _addressBookEntry->refresh();
+    if (isWithinItself())
+        return;
+    for (const ContactRecordPtr &record : _addressBookEntry->groupMembers()) {
+        if (const KDRBookmarkPtr member = memberFor(record, groupsLeft))
+            appendWithoutParent(member);
+    }
+    sortChildrenByTitle();
+}
+
+KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record, int &groupsLeft) const
+{
+    switch (WayfoldABEntry::EntryTypeFromAddressRecord(record)) {
+    case WayfoldABEntry::Person:
+    case WayfoldABEntry::Organization:
+        return WayfoldBookmarkABPerson::bookmarkWithID(record->uniqueId);
+    case WayfoldABEntry::Group: {
+        const WayfoldBookmarkABGroupPtr group = bookmarkWithID(record->uniqueId);
+        group->_groupsAround = _groupsAround + QStringList(_addressBookEntry->addressBookID());
+        if (groupsLeft-- > 0)
+            group->fill(groupsLeft);
+        return group;
+    }
+    case WayfoldABEntry::Unknown:
+        break;
+    }
+    return nullptr;
+}
+
+bool WayfoldBookmarkABGroup::isWithinItself() const
+{
+    return _groupsAround.contains(_addressBookEntry->addressBookID());
+}
+
+void WayfoldBookmarkABGroup::loadFromDictionary(const QVariantMap &dictionary)
+{
+    using namespace ItemDictionary;
+    initWithID(string(dictionary, addressBookIDKey));
+    const QString storedUUID = string(dictionary, uuidKey);
+    if (!storedUUID.isEmpty())
+        setUUID(storedUUID);
+}
+
+void WayfoldBookmarkABGroup::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
+{
+    Q_UNUSED(forSaving)
+    using namespace ItemDictionary;
+    dictionary.insert(typeKey, groupType);
+    dictionary.insert(addressBookIDKey,
+                      textOrEmpty(_addressBookEntry ? _addressBookEntry->addressBookID() : QString()));
+    dictionary.insert(uuidKey, textOrEmpty(uuid()));
+}
+
+bool WayfoldBookmarkABGroup::isEqual(const KDRBookmark &other) const
+{
+    return isSameKindAs(other) &&
+           _addressBookEntry == static_cast<const WayfoldBookmarkABGroup &>(other)._addressBookEntry &&
+           WayfoldAutoFolder::isEqual(other);
+}
+
+std::shared_ptr<Image> WayfoldBookmarkABGroup::imageForCellSize(const QSizeF &size)
+{
+    Q_UNUSED(size)
+    std::shared_ptr<Image> &image = ItemImages::shared().group;
+    return WayfoldDefaults::sharedInstance().showBookmarkIcons()
+               ? ItemImages::loadedOnce(image, QStringLiteral("WayfoldBookmarkImageGroup"))
+               : image;
+}
+
+QStringList WayfoldBookmarkABGroup::primaryEmailAddressList() const
+{
+    QStringList addresses;
+    QSet<QString> known;
+    appendEmailAddresses(addresses, known);
+    return addresses;
+}
+
+void WayfoldBookmarkABGroup::appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const
+{
+    for (const KDRBookmarkPtr &member : children()) {
+        if (const auto *group = dynamic_cast<const WayfoldBookmarkABGroup *>(member.get())) {
+            group->appendEmailAddresses(addresses, known);
+        } else if (const auto *person = dynamic_cast<const WayfoldBookmarkABPerson *>(member.get())) {
+            const QString address = person->primaryEmailAddress();
+            if (address.isEmpty() || known.contains(address))
+                continue;
+            known.insert(address);
+            addresses.append(address);
+        }
+    }
+}
+
+void WayfoldBookmarkABGroup::encodeWithCoder(KeyedArchiver &coder) const
+{
+    WayfoldAutoFolder::encodeWithCoder(coder);
+    coder.encodeObjectForKey(_addressBookEntry, entryCoderKey);
+}
+
+void WayfoldBookmarkABGroup::initWithCoder(const KeyedUnarchiver &coder)
+{
+    WayfoldAutoFolder::initWithCoder(coder);
+    _addressBookEntry = std::dynamic_pointer_cast<WayfoldABEntry>(coder.decodeObjectForKey(entryCoderKey));
+}
+
+KDRBookmarkPtr WayfoldBookmarkABGroup::makeNew() const
+{
+    return std::make_shared<WayfoldBookmarkABGroup>(Blank());
+}
+
+bool WayfoldBookmarkABGroup::isSameKindAs(const KDRBookmark &other) const
+{
+    return dynamic_cast<const WayfoldBookmarkABGroup *>(&other);
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "model/WayfoldABEntry.h"
+#include "model/WayfoldAutoFolder.h"
+
+#include <QSet>
+#include <QStringList>
+#include <mutex>
+
+class WayfoldBookmarkABGroup;
+using WayfoldBookmarkABGroupPtr = std::shared_ptr<WayfoldBookmarkABGroup>;
+
+// A group of the user's contacts, whose children are its members: people, organizations and groups, which are filled
+// too. Its value is its entry, a WayfoldABEntryPtr. It is saved, its members are not: they are looked up anew.
+//
+// Members do not know their group as their parent. A group that is listed somewhere within itself stays empty there.
+class WayfoldBookmarkABGroup : public WayfoldAutoFolder
+{
+public:
+    using WayfoldAutoFolder::WayfoldAutoFolder;
+
+    static WayfoldBookmarkABGroupPtr bookmarkWithID(const QString &addressBookID);
+    static WayfoldBookmarkABGroupPtr bookmarkWithRecord(const WayfoldABEntryPtr &entry);
+    static WayfoldBookmarkABGroupPtr bookmarkFromDictionary(const QVariantMap &dictionary);
+
+    void init() override;
+    void initWithID(const QString &addressBookID);
+    // Takes the card's identifier for its own.
+    void initWithRecord(const WayfoldABEntryPtr &entry);
+
+    // As the card has it now; null without an entry, as copies are.
+    QString title() const override;
+    Type type() const override { return GroupType; }
+    QString typeDescription() const override { return QStringLiteral("Group"); }
+    QVariant value() const override { return QVariant::fromValue(_addressBookEntry); }
+    QString valueAsString() const override { return title(); }
+    void setValue(const QVariant &value) override;
+    void setValueFromID(const QString &addressBookID);
+    bool canBePersistent() const override { return true; }
+    // Looks the members up anew, sorted by title.
+    bool refresh() override;
+    void loadFromDictionary(const QVariantMap &dictionary) override;
+    void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
+    bool isEqual(const KDRBookmark &other) const override;
+    using KDRBookmark::isEqual;
+    std::shared_ptr<Image> imageForCellSize(const QSizeF &size) override;
+
+    const WayfoldABEntryPtr &addressBookEntry() const { return _addressBookEntry; }
+    // Of the members, those of groups among them too, in order and each once.
+    QStringList primaryEmailAddressList() const;
+
+    QString classNameForCoder() const override { return QStringLiteral("WayfoldBookmarkABGroup"); }
+    void encodeWithCoder(KeyedArchiver &coder) const override;
+    void initWithCoder(const KeyedUnarchiver &coder) override;
+
+protected:
+    KDRBookmarkPtr makeNew() const override;
+    bool isSameKindAs(const KDRBookmark &other) const override;
+
+private:
+    void fill(int &groupsLeft);
+    KDRBookmarkPtr memberFor(const ContactRecordPtr &record, int &groupsLeft) const;
+    bool isWithinItself() const;
+    void appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const;
+
+    WayfoldABEntryPtr _addressBookEntry;
+    QStringList _groupsAround; // identifiers, of the groups in which this one is a member
+    std::mutex _updateLock;
+};
