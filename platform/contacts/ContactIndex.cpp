@@ -6,30 +6,71 @@
 
 namespace
 {
-// A text that is searched for has no line end, so none is found across two fields.
-QString searchedText(const ContactRecord &record)
+constexpr char fieldEnd = '\n';
+
+QStringList searchedFields(const ContactRecord &record)
 {
-    QStringList texts = {record.firstName, record.lastName, record.organization, record.homePage};
+    QStringList fields = {record.firstName, record.lastName, record.organization, record.homePage};
     for (const ContactValue &email : record.emails)
-        texts.append(email.value);
-    return texts.join(u'\n');
+        fields.append(email.value);
+    return fields;
+}
+
+// The search forms of the fields, each with its end.
+QByteArray searchFormOf(const ContactRecord &record)
+{
+    QByteArray form;
+    for (const QString &field : searchedFields(record)) {
+        form += StringRules::searchForm(field);
+        form += fieldEnd;
+    }
+    form.squeeze();
+    return form;
+}
+
+bool hasFieldWith(const ContactRecord &record, QByteArrayView part)
+{
+    const QStringList fields = searchedFields(record);
+    return std::any_of(fields.cbegin(), fields.cend(), [part](const QString &field) {
+        return StringRules::searchFormContains(StringRules::searchForm(field), part);
+    });
+}
+
+bool haveSameName(const ContactRecord &a, const ContactRecord &b)
+{
+    return a.firstName == b.firstName && a.lastName == b.lastName && a.organization == b.organization;
+}
+
+bool hasAddress(const ContactRecord &record, const QString &address)
+{
+    return std::any_of(record.emails.cbegin(), record.emails.cend(), [&address](const ContactValue &email) {
+        return StringRules::compareIgnoringCase(email.value, address) == 0;
+    });
+}
+
+std::size_t hashOf(const ContactRecord &record, const QString &address)
+{
+    return qHashMulti(0, record.firstName, record.lastName, record.organization, StringRules::comparisonForm(address));
 }
 } // namespace
 
 void ContactIndex::put(const ContactRecordPtr &record)
 {
-    const QByteArray form = record->isGroup ? QByteArray() : StringRules::searchForm(searchedText(*record));
+    if (record->uniqueId.isEmpty())
+        return;
     const auto known = _places.constFind(record->uniqueId);
-    if (known != _places.cend()) {
-        _entries[*known] = {record, form};
-    } else if (!_free.empty()) {
-        _places.insert(record->uniqueId, _free.back());
-        _entries[_free.back()] = {record, form};
-        _free.pop_back();
+    const std::size_t place = known == _places.cend() ? _entries.size() : *known;
+    if (known == _places.cend()) {
+        _places.insert(record->uniqueId, place);
+        _entries.emplace_back();
     } else {
-        _places.insert(record->uniqueId, _entries.size());
-        _entries.push_back({record, form});
+        strikeOut(place);
     }
+    _entries[place].record = record;
+    if (record->isGroup)
+        return;
+    _entries[place].searchForm = searchFormOf(*record);
+    enterAddresses(*record, place);
 }
 
 void ContactIndex::remove(const QString &uniqueId)
@@ -37,9 +78,10 @@ void ContactIndex::remove(const QString &uniqueId)
     const auto known = _places.constFind(uniqueId);
     if (known == _places.cend())
         return;
-    _entries[*known] = {};
-    _free.push_back(*known);
+    strikeOut(*known);
     _places.erase(known);
+    if (_entries.size() > 2 * size())
+        closeGaps();
 }
 
 void ContactIndex::clear()
@@ -56,6 +98,7 @@ ContactRecordPtr ContactIndex::record(const QString &uniqueId) const
 std::vector<ContactRecordPtr> ContactIndex::people() const
 {
     std::vector<ContactRecordPtr> found;
+    found.reserve(size());
     for (const Entry &entry : _entries) {
         if (entry.record && !entry.record->isGroup)
             found.push_back(entry.record);
@@ -77,10 +120,10 @@ std::vector<ContactRecordPtr> ContactIndex::peopleContaining(const QString &text
 {
     std::vector<ContactRecordPtr> found;
     const QByteArray part = StringRules::searchForm(text);
-    if (part.isEmpty())
-        return found;
-    for (const Entry &entry : _entries) {
-        if (entry.record && !entry.record->isGroup && StringRules::searchFormContains(entry.searchForm, part))
+    const bool mayReachIntoTheNextField = part.contains(fieldEnd);
+    for (const Entry &entry : _entries) { // gaps and groups have no form, and the empty text is in none
+        if (StringRules::searchFormContains(entry.searchForm, part) &&
+            (!mayReachIntoTheNextField || hasFieldWith(*entry.record, part)))
             found.push_back(entry.record);
     }
     return found;
@@ -88,9 +131,48 @@ std::vector<ContactRecordPtr> ContactIndex::peopleContaining(const QString &text
 
 bool ContactIndex::contains(const ContactRecord &record, const QString &text)
 {
-    const auto has = [&text](const QString &field) { return StringRules::containsIgnoringCase(field, text); };
-    return !record.isGroup &&
-           (has(record.firstName) || has(record.lastName) || has(record.organization) || has(record.homePage) ||
-            std::any_of(record.emails.cbegin(), record.emails.cend(),
-                        [&has](const ContactValue &email) { return has(email.value); }));
+    return !record.isGroup && hasFieldWith(record, StringRules::searchForm(text));
+}
+
+ContactRecordPtr ContactIndex::personLike(const ContactRecord &card) const
+{
+    std::size_t first = _entries.size();
+    for (const ContactValue &email : card.emails) {
+        const std::size_t hash = hashOf(card, email.value);
+        for (auto at = _addresses.lower_bound({hash, 0}); at != _addresses.end() && at->first == hash; ++at) {
+            const ContactRecord &record = *_entries[at->second].record;
+            if (!haveSameName(record, card) || !hasAddress(record, email.value))
+                continue;
+            first = std::min(first, at->second);
+            break;
+        }
+    }
+    return first == _entries.size() ? nullptr : _entries[first].record;
+}
+
+void ContactIndex::enterAddresses(const ContactRecord &record, std::size_t place)
+{
+    for (const ContactValue &email : record.emails)
+        _addresses.emplace(hashOf(record, email.value), place);
+}
+
+// Leaves a gap.
+void ContactIndex::strikeOut(std::size_t place)
+{
+    Entry &entry = _entries[place];
+    for (const ContactValue &email : entry.record->emails)
+        _addresses.erase({hashOf(*entry.record, email.value), place});
+    entry = {};
+}
+
+void ContactIndex::closeGaps()
+{
+    std::erase_if(_entries, [](const Entry &entry) { return !entry.record; });
+    _addresses.clear();
+    for (std::size_t place = 0; place < _entries.size(); ++place) {
+        const ContactRecord &record = *_entries[place].record;
+        _places[record.uniqueId] = place;
+        if (!record.isGroup)
+            enterAddresses(record, place);
+    }
 }

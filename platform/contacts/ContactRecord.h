@@ -11,6 +11,8 @@ struct ContactValue
     // What it is for: one of the words of ContactLabels ("home", "work", "mobile", ...), the user's own word, or empty.
     QString label;
     QString value;
+
+    friend bool operator==(const ContactValue &, const ContactValue &) = default;
 };
 
 // What a card says, as far as the lists need it. Made once by whoever reads cards, and never changed: a card that
@@ -45,6 +47,8 @@ struct ContactRecord
     // begins with "mailto:" is an address without a card.
     QString groupName;
     QStringList members;
+
+    friend bool operator==(const ContactRecord &, const ContactRecord &) = default;
 };
 
 using ContactRecordPtr = std::shared_ptr<const ContactRecord>;

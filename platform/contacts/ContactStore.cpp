@@ -2,13 +2,22 @@
 
 #include "platform/base/NotificationQueue.h"
 #include "platform/base/PlatformNotifications.h"
+#include "platform/contacts/KnownContacts.h"
 
 #include <QLocale>
-#include <algorithm>
+#include <QSet>
 
 namespace
 {
+constexpr int noticeInterval = 250; // milliseconds
+
 ContactStore *sharedStore = nullptr;
+
+quint64 nextGeneration()
+{
+    static quint64 changes = 0; // of all stores
+    return ++changes;
+}
 
 QString mailAddressOf(const QString &uniqueId)
 {
@@ -25,21 +34,14 @@ ContactRecordPtr recordForAddress(const QString &uniqueId, const QString &addres
     record->emails = {{QString(), address}};
     return record;
 }
-
-bool haveSameName(const ContactRecord &a, const ContactRecord &b)
-{
-    return a.firstName == b.firstName && a.lastName == b.lastName && a.organization == b.organization;
-}
-
-bool shareAnAddress(const ContactRecord &a, const ContactRecord &b)
-{
-    return std::any_of(a.emails.cbegin(), a.emails.cend(), [&b](const ContactValue &one) {
-        return std::any_of(b.emails.cbegin(), b.emails.cend(), [&one](const ContactValue &other) {
-            return one.value.compare(other.value, Qt::CaseInsensitive) == 0;
-        });
-    });
-}
 } // namespace
+
+ContactStore::ContactStore()
+{
+    _notice.setSingleShot(true);
+    _notice.setInterval(noticeInterval);
+    QObject::connect(&_notice, &QTimer::timeout, &_notice, [this] { postChange(false); });
+}
 
 ContactStore::~ContactStore()
 {
@@ -57,15 +59,26 @@ ContactStore &ContactStore::sharedAddressBook()
 void ContactStore::setSharedAddressBook(ContactStore *store)
 {
     sharedStore = store;
-    sharedAddressBook().tellChange(false);
+    ContactStore &shown = sharedAddressBook();
+    shown._generation = nextGeneration();
+    shown.postChange(false);
+}
+
+void ContactStore::rememberIn(const QString &path)
+{
+    _known = std::make_unique<KnownContacts>(path);
 }
 
 ContactRecordPtr ContactStore::recordForUniqueId(const QString &uniqueId) const
 {
-    if (ContactRecordPtr record = _index.record(uniqueId))
+    const ContactRecordPtr record = _index.record(uniqueId);
+    if (record && _known)
+        _known->note(record);
+    if (record || state() == Absent)
         return record;
-    const QString address = mailAddressOf(uniqueId);
-    return address.isEmpty() || state() == Absent ? nullptr : recordForAddress(uniqueId, address);
+    if (const QString address = mailAddressOf(uniqueId); !address.isEmpty())
+        return recordForAddress(uniqueId, address);
+    return _known && state() == Loading ? _known->record(uniqueId) : nullptr;
 }
 
 std::vector<ContactRecordPtr> ContactStore::recordsContainingSubstring(const QString &text) const
@@ -90,33 +103,32 @@ std::vector<ContactRecordPtr> ContactStore::groups() const
 
 std::vector<ContactRecordPtr> ContactStore::membersOfGroup(const ContactRecord &group) const
 {
-    std::vector<ContactRecordPtr> found;
-    for (const QString &id : group.members) {
-        if (ContactRecordPtr record = recordForUniqueId(id); record && !record->isGroup)
-            found.push_back(std::move(record));
-    }
-    return found;
+    return membersThatAreGroups(group, false);
 }
 
 std::vector<ContactRecordPtr> ContactStore::subgroupsOfGroup(const ContactRecord &group) const
 {
+    return membersThatAreGroups(group, true);
+}
+
+std::vector<ContactRecordPtr> ContactStore::membersThatAreGroups(const ContactRecord &group, bool areGroups) const
+{
     std::vector<ContactRecordPtr> found;
+    QSet<QString> taken;
     for (const QString &id : group.members) {
-        if (ContactRecordPtr record = recordForUniqueId(id); record && record->isGroup)
-            found.push_back(std::move(record));
+        ContactRecordPtr record = recordForUniqueId(id);
+        if (!record || record->isGroup != areGroups || taken.contains(id))
+            continue;
+        taken.insert(id);
+        found.push_back(std::move(record));
     }
     return found;
 }
 
 ContactRecordPtr ContactStore::recordMeantBy(const ContactRecord &card) const
 {
-    if (ContactRecordPtr same = _index.record(card.uniqueId))
-        return same;
-    const std::vector<ContactRecordPtr> known = people();
-    const auto found = std::find_if(known.cbegin(), known.cend(), [&card](const ContactRecordPtr &record) {
-        return haveSameName(*record, card) && shareAnAddress(*record, card);
-    });
-    return found == known.cend() ? nullptr : *found;
+    const ContactRecordPtr same = _index.record(card.uniqueId);
+    return same ? same : _index.personLike(card);
 }
 
 int ContactStore::defaultNameOrdering() const
@@ -173,10 +185,22 @@ void ContactStore::clear()
     tellChange(false);
 }
 
+// Every list is loaded anew with each notice, and cards come by the thousand.
 void ContactStore::tellChange(bool here)
 {
-    static quint64 changes = 0; // of all stores
-    _generation = ++changes;
+    _generation = nextGeneration();
+    if (_known && state() == Ready)
+        _known->refresh([this](const QString &uniqueId) { return _index.record(uniqueId); });
+    if (here || !isReading())
+        postChange(here);
+    else if (!_notice.isActive())
+        _notice.start();
+}
+
+void ContactStore::postChange(bool here)
+{
+    if (!here)
+        _notice.stop();
     const QString &name = here ? PlatformNotifications::kABDatabaseChangedNotification
                                : PlatformNotifications::kABDatabaseChangedExternallyNotification;
     NotificationQueue::defaultQueue().enqueueNotification({name, this}, NotificationQueue::NSPostASAP);

@@ -4,15 +4,19 @@
 #include "platform/contacts/ContactRecord.h"
 
 #include <QByteArray>
+#include <QTimer>
 #include <functional>
+#include <memory>
+
+class KnownContacts;
 
 // The user's contacts. Where they lie is known by the classes derived from this one: they read the cards as these come
 // and keep the index, from which every question is answered at once. Nothing here waits, and nothing fails: a card that
 // is not there (yet) is none.
 //
 // What changes is told through the default notification queue, coalesced, with the store as object:
-// "kABDatabaseChanged- Notification" for what was changed through this class,
-// "kABDatabaseChangedExternallyNotification" for all else.
+// "kABDatabaseChangedNotification" for what was changed through this class,
+// "kABDatabaseChangedExternallyNotification" for all else, a few times a second at most while the cards are being read.
 class ContactStore
 {
 public:
@@ -31,7 +35,7 @@ public:
     };
     enum Purpose { Show, Edit };
 
-    ContactStore() = default;
+    ContactStore();
     ContactStore(const ContactStore &) = delete;
     ContactStore &operator=(const ContactStore &) = delete;
     virtual ~ContactStore();
@@ -41,12 +45,16 @@ public:
     // Not owned; null for the empty one. Told as a change from outside.
     static void setSharedAddressBook(ContactStore *store);
 
+    // Keeps the cards that are asked for in this file, and answers from it while the store is loading: what is not
+    // there yet is shown as it was last known. See KnownContacts.
+    void rememberIn(const QString &path);
+
     virtual State state() const { return Absent; }
     // Grows with every change; what was found in the store holds as long as it stays. No two stores have had the same
     // one after a change.
     quint64 generation() const { return _generation; }
 
-    // None: there is no such card.
+    // None: there is no such card. While the store is loading, the card may be the one that was there the last time.
     ContactRecordPtr recordForUniqueId(const QString &uniqueId) const;
     // The people and organizations of whom first name, last name, organization, home page or an e-mail address contains
     // the text, as StringRules::containsIgnoringCase has it, in the store's order.
@@ -55,7 +63,7 @@ public:
     // All people and organizations, in the store's order.
     std::vector<ContactRecordPtr> people() const;
     std::vector<ContactRecordPtr> groups() const;
-    // A group's people, in the card's order, and the groups in it. Members without a card are left out.
+    // A group's people, in the card's order, and the groups in it, each once. Members without a card are left out.
     std::vector<ContactRecordPtr> membersOfGroup(const ContactRecord &group) const;
     std::vector<ContactRecordPtr> subgroupsOfGroup(const ContactRecord &group) const;
     // The one that a foreign card means: of the same identifier, or else with one of its e-mail addresses and its name.
@@ -83,10 +91,18 @@ protected:
     void put(const std::vector<ContactRecordPtr> &records, bool here = false);
     void remove(const QStringList &uniqueIds, bool here = false);
     void clear();
+    // Also when the state has become another one, and when `isReading` has.
     void tellChange(bool here);
+    // Whether many changes may be on their way, one soon after the other.
+    virtual bool isReading() const { return state() == Loading; }
     const ContactIndex &index() const { return _index; }
 
 private:
+    std::vector<ContactRecordPtr> membersThatAreGroups(const ContactRecord &group, bool areGroups) const;
+    void postChange(bool here);
+
     ContactIndex _index;
+    std::unique_ptr<KnownContacts> _known; // none: nothing is kept
     quint64 _generation = 0;
+    QTimer _notice;
 };
