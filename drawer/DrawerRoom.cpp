@@ -9,6 +9,7 @@
 #include "drawer/KDRShowNoteView.h"
 #include "drawer/WayfoldPrefsController.h"
 #include "drawer/WayfoldTabView.h"
+#include "lists/CardFiles.h"
 #include "lists/NoteViewer.h"
 #include "lists/StoreTrees.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
@@ -28,6 +29,7 @@ void registerClass(const char *name)
 
 void installDrawerRoom()
 {
+    CardFiles::removeOld();
     registerClass<KDRDrawer>("KDRDrawer");
     registerClass<WayfoldTabView>("WayfoldTabView");
     registerClass<WayfoldSitePopupButton>("WayfoldSitePopupButton");

@@ -1,11 +1,15 @@
 #include "drawer/ItemEditors.h"
 
 #include "core/KDRDrawerBundle.h"
+#include "core/settings/WayfoldToolkit.h"
 #include "drawer/KDREditFileController.h"
 #include "drawer/KDREditFolderController.h"
 #include "drawer/KDREditItemController.h"
 #include "drawer/KDREditMailController.h"
 #include "drawer/KDREditNoteController.h"
+#include "platform/widgets/Alert.h"
+
+#include <QApplication>
 
 namespace
 {
@@ -72,4 +76,15 @@ bool ItemEditors::newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder
     KDREditFolderController controller;
     controller.initForNew(folder);
     return controller.doEdit();
+}
+
+void ItemEditors::tellCardIsNotShown(const QString &name)
+{
+    Alert alert;
+    alert.messageText = WayfoldToolkit::localizedString(QStringLiteral("Not Shown"));
+    alert.informativeText =
+        WayfoldToolkit::localizedString(QStringLiteral("No program could be started to show \"%@\". The card may have "
+                                                       "been deleted, or there is no program for contacts."))
+            .replace(QStringLiteral("%@"), name);
+    alert.runModal(QApplication::activeWindow());
 }

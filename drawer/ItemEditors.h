@@ -15,4 +15,5 @@ public:
     bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) override;
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override;
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override;
+    void tellCardIsNotShown(const QString &name) override;
 };

@@ -6,6 +6,7 @@
 
 #include <QMimeData>
 #include <QStringDecoder>
+#include <QSysInfo>
 #include <QUrl>
 #include <algorithm>
 #include <vector>
@@ -79,6 +80,42 @@ KDRBookmarkPtr DroppedData::draggedItem(std::size_t place) const
 {
     const auto *own = qobject_cast<const ItemMimeData *>(&_data);
     return own && place < own->items().size() ? own->items()[place].lock() : nullptr;
+}
+
+// Null when there is none. Some applications write a character set behind the type.
+QString DroppedData::cardFormat() const
+{
+    if (!isForeign())
+        return {};
+    const QStringList formats = _data.formats();
+    for (const QString &type : {PasteboardTypes::vCard, PasteboardTypes::oldVCard, PasteboardTypes::directory}) {
+        const auto found = std::find_if(formats.cbegin(), formats.cend(), [&type](const QString &format) {
+            return format.section(u';', 0, 0).trimmed().compare(type, Qt::CaseInsensitive) == 0;
+        });
+        if (found != formats.cend())
+            return *found;
+    }
+    return {};
+}
+
+bool DroppedData::offersCards() const
+{
+    return !cardFormat().isNull();
+}
+
+QByteArray DroppedData::cards() const
+{
+    const QString format = cardFormat();
+    return format.isNull() ? QByteArray() : _data.data(format);
+}
+
+bool DroppedData::isForeignFileHere(qsizetype place) const
+{
+    if (!isForeign() || !areAllFiles())
+        return false;
+    const QString host = Url::URLWithString(foreignLinks().addresses.value(place)).host();
+    return host.isNull() || host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0 ||
+           host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
 }
 
 QVariantList DroppedData::links() const

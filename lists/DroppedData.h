@@ -3,6 +3,7 @@
 #include "model/KDRBookmark.h"
 #include "platform/base/Url.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -31,6 +32,12 @@ public:
     QVariantList itemDictionaries() const;
     // The item of that place in a drag of this very process; null when there is none, or none any more.
     KDRBookmarkPtr draggedItem(std::size_t place) const;
+    // Whether another application brings something as people's cards, and what it brings; empty when it does not. That
+    // may be anything.
+    bool offersCards() const;
+    QByteArray cards() const;
+    // Whether the file name of that place comes from another application, and names a file of this machine.
+    bool isForeignFileHere(qsizetype place) const;
     // The addresses that the data has in the desktop's types, and the titles of these, in two lists; a title is empty
     // when there is none.
     QVariantList links() const;
@@ -51,6 +58,7 @@ private:
     const Links &foreignLinks() const;
     bool areAllFiles() const;
     bool isForeign() const;
+    QString cardFormat() const;
     bool foreignDataOffers(const QString &type) const;
     QVariantList foreignPropertyList(const QString &type) const;
 

@@ -1,6 +1,8 @@
 #include "lists/ItemMimeData.h"
 
+#include "lists/CardFiles.h"
 #include "lists/PasteboardTypes.h"
+#include "platform/base/Url.h"
 #include "platform/files/PropertyList.h"
 
 #include <utility>
@@ -26,14 +28,14 @@ ItemMimeData::ItemMimeData(const QStringList &types, Provider provider, const st
 QStringList ItemMimeData::formats() const
 {
     QStringList formats = _types;
-    if (declares(PasteboardTypes::NSStringPboardType))
+    if (declares(PasteboardTypes::NSStringPboardType) || hasNames())
         formats.append(PasteboardTypes::plainText);
     if (hasAddresses()) {
         formats.append(PasteboardTypes::uriList);
         formats.append(PasteboardTypes::mozillaUrl);
     }
-    if (declares(PasteboardTypes::NSVCardPboardType))
-        formats.append(PasteboardTypes::vCard);
+    if (!cards().isEmpty())
+        formats << PasteboardTypes::vCard << PasteboardTypes::oldVCard << PasteboardTypes::uriList;
     return formats;
 }
 
@@ -45,13 +47,13 @@ bool ItemMimeData::hasFormat(const QString &mimeType) const
 QVariant ItemMimeData::retrieveData(const QString &mimeType, QMetaType /*type*/) const
 {
     if (mimeType == PasteboardTypes::plainText && hasFormat(mimeType))
-        return _provider(PasteboardTypes::NSStringPboardType);
+        return hasNames() ? names().join(u'\n') : _provider(PasteboardTypes::NSStringPboardType);
     if (mimeType == PasteboardTypes::uriList && hasFormat(mimeType))
-        return uriListData(addresses());
+        return cards().isEmpty() ? uriListData(addresses()) : cardFileData();
     if (mimeType == PasteboardTypes::mozillaUrl && hasFormat(mimeType))
         return mozillaUrlData();
-    if (mimeType == PasteboardTypes::vCard && hasFormat(mimeType))
-        return _provider(PasteboardTypes::NSVCardPboardType).toString().toUtf8();
+    if ((mimeType == PasteboardTypes::vCard || mimeType == PasteboardTypes::oldVCard) && hasFormat(mimeType))
+        return cards();
     if (!declares(mimeType))
         return {};
     const QVariant value = _provider(mimeType);
@@ -75,6 +77,32 @@ QStringList ItemMimeData::addresses() const
 QStringList ItemMimeData::titles() const
 {
     return strings(_provider(PasteboardTypes::mozillaUrl).toList().value(1));
+}
+
+bool ItemMimeData::hasNames() const
+{
+    return declares(PasteboardTypes::ABPeopleUIDs) || declares(PasteboardTypes::ABGroupsUIDs);
+}
+
+QStringList ItemMimeData::names() const
+{
+    return strings(_provider(PasteboardTypes::plainText));
+}
+
+const QByteArray &ItemMimeData::cards() const
+{
+    if (!_cards)
+        _cards = declares(PasteboardTypes::NSVCardPboardType)
+                     ? _provider(PasteboardTypes::NSVCardPboardType).toString().toUtf8()
+                     : QByteArray();
+    return *_cards;
+}
+
+// The address of a file with all the cards; nothing when it cannot be written.
+QByteArray ItemMimeData::cardFileData() const
+{
+    const QString file = CardFiles::write(CardFiles::nameForPeople(names()), cards());
+    return file.isNull() ? QByteArray() : uriListData({Url::fileURLWithPath(file).absoluteString()});
 }
 
 QByteArray ItemMimeData::uriListData(const QStringList &addresses)

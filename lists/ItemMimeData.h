@@ -17,7 +17,7 @@ class ItemMimeData : public QMimeData
 public:
     // Answers the value of one declared type (a QString or a QVariantList), invalid for none; and for
     // PasteboardTypes::mozillaUrl the addresses of all dragged items that have one and the titles of these, in two
-    // lists.
+    // lists; for PasteboardTypes::plainText the titles of all dragged people and groups.
     using Provider = std::function<QVariant(const QString &type)>;
 
     // `types` are the lists' own; the desktop's are added to them.
@@ -44,10 +44,15 @@ private:
     QStringList addresses() const;
     QStringList titles() const;
     QByteArray mozillaUrlData() const;
+    bool hasNames() const;
+    QStringList names() const;
+    const QByteArray &cards() const;
+    QByteArray cardFileData() const;
 
     QStringList _types;
     Provider _provider;
     std::vector<std::weak_ptr<KDRBookmark>> _items;
     // Whether there are addresses is asked at every move of a drag.
     mutable std::optional<bool> _hasAddresses;
+    mutable std::optional<QByteArray> _cards; // and so are these
 };

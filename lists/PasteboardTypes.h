@@ -32,6 +32,8 @@ inline const QString mozillaTab = QStringLiteral("text/x-moz-text-internal");
 inline const QString netscapeUrl = QStringLiteral("_NETSCAPE_URL");
 inline const QString plainText = QStringLiteral("text/plain");
 inline const QString vCard = QStringLiteral("text/vcard");
+inline const QString oldVCard = QStringLiteral("text/x-vcard");
+inline const QString directory = QStringLiteral("text/directory");
 
 // What a list takes as a drop, in this order.
 const QStringList &acceptableDragTypes();

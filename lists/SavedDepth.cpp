@@ -10,9 +10,10 @@ constexpr int levelsOfAnItem = 2;
 
 using Folders = std::vector<const WayfoldBookmarkFolder *>;
 
+// The members of a group are looked up anew.
 void appendSavedFolder(const KDRBookmark &item, Folders &folders)
 {
-    if (item.isFolder() && item.canBePersistent())
+    if (item.type() == KDRBookmark::FolderType && item.canBePersistent())
         folders.push_back(static_cast<const WayfoldBookmarkFolder *>(&item));
 }
 

@@ -5,9 +5,12 @@
 #include "lists/PasteboardTypes.h"
 #include "lists/SavedDepth.h"
 #include "model/WayfoldAutoFolder.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
 #include "platform/base/StringRules.h"
+#include "platform/contacts/ContactStore.h"
 #include "platform/files/Paths.h"
 
 #include <algorithm>
@@ -67,11 +70,28 @@ KDRBookmarkPtr withVisitsAsLinks(const KDRBookmarkPtr &item)
         own->addChild(withVisitsAsLinks(child));
     return own;
 }
+
+// Contacts that are not all there yet may still know it.
+bool mayBeKnown(const QString &id)
+{
+    const ContactStore &contacts = ContactStore::sharedAddressBook();
+    return !id.isEmpty() && (contacts.state() == ContactStore::Loading || contacts.recordForUniqueId(id));
+}
+
+// What a group lists belongs to no folder, and stays where it is: another item for it goes into the folder.
+KDRBookmarkPtr anotherItemFor(const KDRBookmarkPtr &member)
+{
+    if (member->type() == KDRBookmark::GroupType)
+        return WayfoldBookmarkABGroup::bookmarkWithID(member->uuid());
+    return member->type() == KDRBookmark::PersonType ? WayfoldBookmarkABPerson::bookmarkWithID(member->uuid()) : member;
+}
 } // namespace
 
 bool ScratchpadDrop::accept(const DroppedData &data)
 {
     namespace Types = PasteboardTypes;
+    if (data.offersCards() && addCards(CardFiles::fromData(data.cards(), _mostOfCards)))
+        return true;
     if (data.offers(Types::KDRBookmark))
         return moveItem(data);
     if (data.offers(Types::KDRBookmarkList))
@@ -114,12 +134,15 @@ bool ScratchpadDrop::insert(const KDRBookmarkPtr &item)
 
 void ScratchpadDrop::move(const KDRBookmarkPtr &item)
 {
-    const KDRBookmarkPtr moved = item->canBePersistent() ? item : withVisitsAsLinks(item);
-    if (const WayfoldBookmarkFolderPtr parent = item->parent()) {
-        parent->removeChild(item);
-        if (std::find(_oldParents.cbegin(), _oldParents.cend(), parent) == _oldParents.cend())
-            _oldParents.push_back(parent);
+    const WayfoldBookmarkFolderPtr parent = item->parent();
+    if (!parent) {
+        insert(anotherItemFor(item));
+        return;
     }
+    const KDRBookmarkPtr moved = item->canBePersistent() ? item : withVisitsAsLinks(item);
+    parent->removeChild(item);
+    if (std::find(_oldParents.cbegin(), _oldParents.cend(), parent) == _oldParents.cend())
+        _oldParents.push_back(parent);
     insert(moved);
 }
 
@@ -128,7 +151,10 @@ void ScratchpadDrop::move(const KDRBookmarkPtr &item)
 KDRBookmarkPtr ScratchpadDrop::draggedItem(const DroppedData &data, std::size_t place, const QString &uuid) const
 {
     const KDRBookmarkPtr item = data.draggedItem(place);
-    return item && item->uuid() == uuid && item->isChildOf(_root) ? item : nullptr;
+    if (!item || item->uuid() != uuid)
+        return nullptr;
+    const bool isHere = item->parent() ? item->isChildOf(_root) : _root->findByUUID(uuid) != nullptr;
+    return isHere ? item : nullptr;
 }
 
 bool ScratchpadDrop::moveItem(const DroppedData &data)
@@ -163,10 +189,48 @@ bool ScratchpadDrop::moveItems(const DroppedData &data)
     return !uuids.isEmpty();
 }
 
-// There are no contacts here to make items of, so every identifier is one that the contacts do not know.
 bool ScratchpadDrop::addAddressBookItems(const DroppedData &data, const QString &type)
 {
-    return !data.propertyListForType(type).isEmpty();
+    const QStringList ids = QVariant(data.propertyListForType(type)).toStringList();
+    for (const QString &id : ids) {
+        if (!mayBeKnown(id))
+            continue;
+        if (type == PasteboardTypes::ABPeopleUIDs)
+            insert(WayfoldBookmarkABPerson::bookmarkWithID(id));
+        else
+            insert(WayfoldBookmarkABGroup::bookmarkWithID(id));
+    }
+    return !ids.isEmpty();
+}
+
+// False when there is nobody that can be inserted.
+bool ScratchpadDrop::addCards(const std::vector<ContactCards::Card> &cards)
+{
+    const std::size_t before = _droppedItems.size();
+    for (const ContactCards::Card &card : cards) {
+        if (_cards.contains(card.text))
+            continue;
+        _cards.insert(card.text);
+        if (const KDRBookmarkPtr contact = Stranger::contactMeantBy(card)) {
+            insert(contact);
+            continue;
+        }
+        const KDRBookmarkPtr standIn = Stranger::standInFor(card);
+        if (insert(standIn))
+            _strangers.push_back({card, standIn});
+    }
+    return _droppedItems.size() > before;
+}
+
+// Where there are no contacts a file stays a file.
+bool ScratchpadDrop::addCardFile(const QString &path)
+{
+    if (ContactStore::sharedAddressBook().state() == ContactStore::Absent)
+        return false;
+    const std::vector<ContactCards::Card> cards = CardFiles::read(path, _mostOfCards);
+    for (const ContactCards::Card &card : cards)
+        _mostOfCards -= card.text.size();
+    return !cards.empty() && addCards(cards);
 }
 
 bool ScratchpadDrop::addFromDictionaries(const DroppedData &data)
@@ -208,8 +272,10 @@ bool ScratchpadDrop::addFromURL(const DroppedData &data)
 bool ScratchpadDrop::addFiles(const DroppedData &data)
 {
     const QVariantList paths = data.propertyListForType(PasteboardTypes::NSFilenamesPboardType);
-    for (const QVariant &path : paths) {
-        const QString expanded = Paths::expandingTilde(path.toString());
+    for (qsizetype place = 0; place < paths.size(); ++place) {
+        const QString expanded = Paths::expandingTilde(paths[place].toString());
+        if (data.isForeignFileHere(place) && addCardFile(expanded))
+            continue;
         const Url url = Url::fileURLWithPath(expanded);
         if (url.isNull())
             continue;

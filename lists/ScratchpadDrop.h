@@ -1,7 +1,11 @@
 #pragma once
 
+#include "lists/CardFiles.h"
 #include "lists/DroppedData.h"
+#include "lists/Stranger.h"
 #include "model/WayfoldBookmarkFolder.h"
+
+#include <QSet>
 
 // One drop on the Scratchpad: items of the Scratchpad move, anything else becomes new items.
 class ScratchpadDrop
@@ -20,6 +24,8 @@ public:
 
     // What was moved or made, in order.
     const std::vector<KDRBookmarkPtr> &droppedItems() const { return _droppedItems; }
+    // Those of them that stand for people who are not among the contacts.
+    const std::vector<Stranger> &strangers() const { return _strangers; }
     // The folders that items were moved out of, each once.
     const std::vector<WayfoldBookmarkFolderPtr> &oldParents() const { return _oldParents; }
 
@@ -33,6 +39,8 @@ private:
     bool addFromURLsWithTitles(const QVariantList &lists);
     bool addFromURL(const DroppedData &data);
     bool addFiles(const DroppedData &data);
+    bool addCards(const std::vector<ContactCards::Card> &cards);
+    bool addCardFile(const QString &path);
     bool addNote(const DroppedData &data);
 
     // Taking an item out before the place in its own folder moves the place up.
@@ -46,6 +54,9 @@ private:
     WayfoldBookmarkFolderPtr _root;
     WayfoldBookmarkFolderPtr _target;
     int _index;
+    qint64 _mostOfCards = CardFiles::maximumSize; // bytes
+    QSet<QByteArray> _cards;                      // each is taken once
     std::vector<KDRBookmarkPtr> _droppedItems;
+    std::vector<Stranger> _strangers;
     std::vector<WayfoldBookmarkFolderPtr> _oldParents;
 };

@@ -7,7 +7,9 @@
 #include "lists/NoteViewer.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/WayfoldOutlineView.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkEmail.h"
+#include "platform/base/StringRules.h"
 #include "platform/host/HostFrame.h"
 #include "platform/host/HostWebView.h"
 #include "platform/host/HostWindow.h"
@@ -326,6 +328,16 @@ QVariantList WayfoldOutlineViewDataSource::linksOfDragItems() const
     return {QVariant(addresses), QVariant(titles)};
 }
 
+QString WayfoldOutlineViewDataSource::cardsOfDragItems() const
+{
+    QByteArray cards;
+    for (const KDRBookmarkPtr &item : _dragItems) {
+        if (const auto person = std::dynamic_pointer_cast<WayfoldBookmarkABPerson>(item))
+            cards += person->vcard();
+    }
+    return StringRules::fromUtf8(cards);
+}
+
 QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QString &type) const
 {
     namespace Types = PasteboardTypes;
@@ -353,6 +365,10 @@ QVariant WayfoldOutlineViewDataSource::pasteboardProvideDataForType(const QStrin
     }
     if (type == Types::mozillaUrl)
         return linksOfDragItems();
+    if (type == Types::NSVCardPboardType)
+        return cardsOfDragItems();
+    if (type == Types::plainText)
+        return valuesOfDragItems([](const KDRBookmarkPtr &item) { return QVariant(item->title()); });
     if (type == Types::KDRBookmarkList || type == Types::ABPeopleUIDs || type == Types::ABGroupsUIDs)
         return valuesOfDragItems([](const KDRBookmarkPtr &item) { return QVariant(item->uuid()); });
     return {};
@@ -398,6 +414,9 @@ void WayfoldOutlineViewDataSource::openItem(const KDRBookmarkPtr &item)
         break;
     case KDRBookmark::EmailLinkType:
         Workspace::openURL(static_cast<const WayfoldBookmarkEmail &>(*item).urlForMailProgram());
+        break;
+    case KDRBookmark::PersonType:
+        std::static_pointer_cast<WayfoldBookmarkABPerson>(item)->selectInAddressBook();
         break;
     case KDRBookmark::NoteType:
         NoteViewer::showNote(std::static_pointer_cast<WayfoldBookmarkNote>(item));

@@ -56,7 +56,7 @@ public:
     QMimeData *outlineViewWriteItems(OutlineView &view, const std::vector<OutlineItemPtr> &items) override;
     void outlineViewDraggingEnded(OutlineView &view) override;
     // The value of one type for the items that are being dragged: a QString or a QVariantList, invalid for none. That
-    // of the desktop's addresses is a list of addresses and one of their titles.
+    // of the desktop's addresses is a list of addresses and one of their titles, that of its texts the titles of all.
     QVariant pasteboardProvideDataForType(const QString &type) const;
 
     // ---- Dropping: refused, but for the Scratchpad
@@ -80,6 +80,7 @@ private:
     void openItem(const KDRBookmarkPtr &item);
     QVariantList valuesOfDragItems(QVariant (*value)(const KDRBookmarkPtr &item)) const;
     QVariantList linksOfDragItems() const;
+    QString cardsOfDragItems() const;
 
     std::weak_ptr<const void> _owner;
     // Both only while a drag is in progress.

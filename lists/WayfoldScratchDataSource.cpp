@@ -12,6 +12,8 @@
 #include "lists/WayfoldSitePopupButton.h"
 #include "model/WayfoldAutoFolder.h"
 #include "model/WayfoldBookmarkURL.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/contacts/ContactStore.h"
 #include "platform/host/HostFrame.h"
 #include "platform/host/HostWebView.h"
 #include "platform/host/HostWindow.h"
@@ -62,8 +64,9 @@ QString deleteQuestion(const std::vector<KDRBookmarkPtr> &items)
         .replace(QStringLiteral("%u"), QString::number(items.size()));
 }
 
-// What an item's refresh does, but for smart folders that nobody has looked into: they collect when somebody does, and
-// with many sites and a long history collecting for all of them takes long.
+// What an item's refresh does, and below folders the same for people too; but for smart folders and groups that nobody
+// has looked into: they collect when somebody does, and with many sites and a long history collecting for all of them
+// takes long.
 void refresh(const KDRBookmarkPtr &item)
 {
     const auto smartFolder = std::dynamic_pointer_cast<WayfoldAutoFolder>(item);
@@ -74,10 +77,35 @@ void refresh(const KDRBookmarkPtr &item)
     }
     if (smartFolder)
         return;
-    for (const KDRBookmarkPtr &child : folder->children()) {
-        if (child->isFolder())
-            refresh(child);
-    }
+    for (const KDRBookmarkPtr &child : folder->children())
+        refresh(child);
+}
+
+void refreshAll(const WayfoldBookmarkFolder &root)
+{
+    const std::vector<KDRBookmarkPtr> children = root.children();
+    for (const KDRBookmarkPtr &child : children)
+        refresh(child);
+}
+
+QStringList without(QStringList texts, const QStringList &others)
+{
+    texts.removeIf(
+        [known = QSet(others.cbegin(), others.cend())](const QString &text) { return known.contains(text); });
+    return texts;
+}
+
+// Whether the list below that folder shows the contacts as they are now, in whichever window; from now on it does.
+bool noteContactsFollowed(const WayfoldBookmarkFolder &root)
+{
+    static quint64 followed = 0;
+    static QSet<QString> roots; // those that follow that generation
+    const quint64 generation = ContactStore::sharedAddressBook().generation();
+    if (std::exchange(followed, generation) != generation)
+        roots.clear();
+    const bool wasFollowed = roots.contains(root.uuid());
+    roots.insert(root.uuid());
+    return wasFollowed;
 }
 
 QString pageTitleOfFrame(const HostFrame &frame)
@@ -141,8 +169,8 @@ void WayfoldScratchDataSource::observeOutsideChanges()
 {
     for (const QString &name :
          {Notifications::SafariBookmarkFileModNotification, Notifications::SafariHistoryFileModNotification,
-          QStringLiteral("kABDatabaseChangedNotification"),
-          QStringLiteral("kABDatabaseChangedExternallyNotification")}) {
+          PlatformNotifications::kABDatabaseChangedNotification,
+          PlatformNotifications::kABDatabaseChangedExternallyNotification}) {
         NotificationCenter::defaultCenter().addObserver(
             this, [this](const Notification &notification) { safariFileUpdated(notification); }, name);
     }
@@ -213,6 +241,8 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
     }
     releaseRoot();
     _scratchBookmarkRoot = rootForLabel(newLabel);
+    if (!noteContactsFollowed(*_scratchBookmarkRoot))
+        refreshAll(*_scratchBookmarkRoot); // what was not shown when they changed
     if (_scratchOutlineView) {
         _scratchOutlineView->reloadData();
         _scratchOutlineView->beginAtTop();
@@ -360,22 +390,23 @@ void WayfoldScratchDataSource::followOutsideChanges()
 {
     if (!_scratchBookmarkRoot)
         return;
-    QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
-    const std::vector<KDRBookmarkPtr> children = _scratchBookmarkRoot->children();
-    for (const KDRBookmarkPtr &child : children)
-        refresh(child);
+    const QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
+    const QStringList expanded = _scratchOutlineView->getExpandedItemsUUIDList();
+    noteContactsFollowed(*_scratchBookmarkRoot);
+    refreshAll(*_scratchBookmarkRoot);
     _scratchOutlineView->reloadData();
-    // The very items are selected still, and a copy in a smart folder that has the same identifier stays as it is.
-    const QStringList kept = _scratchOutlineView->getSelectedItemsUUIDList();
-    selected.removeIf([known = QSet(kept.cbegin(), kept.cend())](const QString &uuid) { return known.contains(uuid); });
-    _scratchOutlineView->reselectItemsFromUUIDList(selected);
+    // The very items are open and selected still, and a copy in a smart folder that has the same identifier stays as it
+    // is. Those that were made anew, in groups above all, are not.
+    _scratchOutlineView->reexpandItemsFromUUIDList(without(expanded, _scratchOutlineView->getExpandedItemsUUIDList()));
+    _scratchOutlineView->reselectItemsFromUUIDList(without(selected, _scratchOutlineView->getSelectedItemsUUIDList()));
 }
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
 
 bool WayfoldScratchDataSource::outlineViewTakesData(OutlineView & /*view*/, const QMimeData &data)
 {
-    return DroppedData(data).offersAnyOf(acceptableDragTypes());
+    const DroppedData dropped(data);
+    return dropped.offersCards() || dropped.offersAnyOf(acceptableDragTypes());
 }
 
 Qt::DropAction WayfoldScratchDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/,
@@ -428,5 +459,6 @@ bool WayfoldScratchDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, con
         _scratchOutlineView->selectItems(drop.droppedItems());
         saveScratchBookmarkRoot();
     }
+    _strangersQuestion.askAbout(drop.strangers(), _scratchOutlineView);
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lists/StrangersQuestion.h"
 #include "lists/WayfoldOutlineViewDataSource.h"
 #include "platform/base/NotificationCenter.h"
 
@@ -88,4 +89,5 @@ private:
     QPointer<QAbstractButton> _switchbackButton;
     WayfoldBookmarkFolderPtr _scratchBookmarkRoot;
     QString _prevLabel;
+    StrangersQuestion _strangersQuestion;
 };

@@ -7,6 +7,8 @@
 #include "lists/SavedDepth.h"
 #include "lists/WayfoldOutlineViewDelegate.h"
 #include "lists/WayfoldSitePopupButton.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkEmail.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "platform/base/PlatformNotifications.h"
@@ -147,6 +149,12 @@ void addRecipients(const WayfoldBookmarkEmail &link, Mail &mail)
     if (mail.subject.isEmpty())
         mail.subject = subject;
 }
+
+void addMembers(WayfoldBookmarkABGroup &group, Mail &mail)
+{
+    group.ensureUpToDate();
+    mail.add(&Mail::to, group.primaryEmailAddressList());
+}
 } // namespace
 
 WayfoldScratchOutlineView::~WayfoldScratchOutlineView() = default;
@@ -277,7 +285,11 @@ Url WayfoldScratchOutlineView::mailURL() const
 {
     Mail mail;
     for (const KDRBookmarkPtr &item : selectedItemList()) {
-        if (item->type() == KDRBookmark::EmailLinkType)
+        if (const auto person = std::dynamic_pointer_cast<WayfoldBookmarkABPerson>(item))
+            mail.add(&Mail::to, {person->primaryEmailAddress()});
+        else if (const auto group = std::dynamic_pointer_cast<WayfoldBookmarkABGroup>(item))
+            addMembers(*group, mail);
+        else if (item->type() == KDRBookmark::EmailLinkType)
             addRecipients(static_cast<const WayfoldBookmarkEmail &>(*item), mail);
     }
     return mail.isEmpty() ? Url() : WayfoldBookmarkEmail::mailURL(mail.to, mail.cc, mail.bcc, mail.subject);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <memory>
 
 class WayfoldBookmarkEmail;
@@ -29,4 +30,6 @@ public:
     virtual bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) = 0;
     virtual bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) = 0;
     virtual bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) = 0;
+    // Nothing could be started to show, or to edit, the card of that name.
+    virtual void tellCardIsNotShown(const QString & /*name*/) {}
 };

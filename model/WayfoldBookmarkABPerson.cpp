@@ -1,5 +1,7 @@
 #include "model/WayfoldBookmarkABPerson.h"
 
+#include "model/ItemDialogs.h"
+
 #include "core/settings/WayfoldDefaults.h"
 #include "model/ContactPicture.h"
 #include "model/ItemDictionary.h"
@@ -183,13 +185,13 @@ bool WayfoldBookmarkABPerson::selectInAddressBook()
 
 bool WayfoldBookmarkABPerson::openCard(ContactStore::Purpose purpose) const
 {
-    if (const ContactRecordPtr record = addressBookRecord()) {
-        const ContactStore::Opening opening = ContactStore::sharedAddressBook().opening(*record, purpose);
-        if (!opening.command.isEmpty())
-            Workspace::startProgram(opening.command);
-        else if (!opening.file.isEmpty())
-            Workspace::openURL(Url::fileURLWithPath(opening.file));
-    }
+    const ContactRecordPtr record = addressBookRecord();
+    const ContactStore::Opening opening =
+        record ? ContactStore::sharedAddressBook().opening(*record, purpose) : ContactStore::Opening();
+    const bool isOpen = opening.command.isEmpty() ? Workspace::openURL(Url::fileURLWithPath(opening.file))
+                                                  : Workspace::startProgram(opening.command);
+    if (!isOpen && ItemDialogs::current())
+        ItemDialogs::current()->tellCardIsNotShown(title());
     return true;
 }
 

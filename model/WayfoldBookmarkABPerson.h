@@ -47,7 +47,7 @@ public:
     ContactRecordPtr addressBookRecord() const;
     QString primaryEmailAddress() const;
     QByteArray vcard() const;
-    // Opens the card in the user's own program. Always true, and at once.
+    // Opens the card in the user's own program. Always true, and at once; the user is told when that cannot be.
     bool editViaDialog() override;
     bool selectInAddressBook();
 

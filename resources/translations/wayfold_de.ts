@@ -412,6 +412,58 @@ The pages that you visit appear here.</source>
 Hier erscheinen die Seiten, die Sie besuchen.</translation>
     </message>
     <message>
+        <source>Contact</source>
+        <translation>Kontakt</translation>
+    </message>
+    <message>
+        <source>%@ and %u more</source>
+        <translation>%@ und %u weitere</translation>
+    </message>
+    <message>
+        <source>Add to Contacts?</source>
+        <translation>Zu den Kontakten hinzufügen?</translation>
+    </message>
+    <message>
+        <source>&quot;%@&quot; is not in your contacts. Do you want to add the card?</source>
+        <translation>„%@“ ist nicht in Ihren Kontakten. Möchten Sie die Karte hinzufügen?</translation>
+    </message>
+    <message>
+        <source>%u people are not in your contacts. Do you want to add their cards?</source>
+        <translation>%u Personen sind nicht in Ihren Kontakten. Möchten Sie ihre Karten hinzufügen?</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Don&apos;t Add</source>
+        <translation>Nicht hinzufügen</translation>
+    </message>
+    <message>
+        <source>Email Links</source>
+        <translation>E-Mail-Links</translation>
+    </message>
+    <message>
+        <source>Not Added</source>
+        <translation>Nicht hinzugefügt</translation>
+    </message>
+    <message>
+        <source>The card of &quot;%@&quot; could not be added to your contacts. It stays in the list as it is.</source>
+        <translation>Die Karte von „%@“ konnte nicht zu Ihren Kontakten hinzugefügt werden. Sie bleibt in der Liste, wie sie ist.</translation>
+    </message>
+    <message>
+        <source>%u cards could not be added to your contacts. They stay in the list as they are.</source>
+        <translation>%u Karten konnten nicht zu Ihren Kontakten hinzugefügt werden. Sie bleiben in der Liste, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>Not Shown</source>
+        <translation>Nicht gezeigt</translation>
+    </message>
+    <message>
+        <source>No program could be started to show &quot;%@&quot;. The card may have been deleted, or there is no program for contacts.</source>
+        <translation>Es konnte kein Programm gestartet werden, das „%@“ zeigt. Vielleicht wurde die Karte gelöscht, oder es gibt kein Programm für Kontakte.</translation>
+    </message>
+    <message>
         <source>No Matches</source>
         <translation>Keine Treffer</translation>
     </message>

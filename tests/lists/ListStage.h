@@ -43,6 +43,9 @@ public:
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return run(*note); }
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return run(*folder); }
 
+    QStringList cardsNotShown;
+    void tellCardIsNotShown(const QString &name) override { cardsNotShown.append(name); }
+
 private:
     bool run(KDRBookmark &item)
     {
@@ -60,7 +63,7 @@ public:
         UserDefaults::standardUserDefaults().reset();
         settings().loadDefaults();
         ItemImages::reset();
-        ContactStore::setSharedAddressBook(&contacts());
+        resetContacts();
         Workspace::setURLHandler([this](const Url &url) {
             openedURLs.append(url.absoluteString());
             return true;
@@ -159,7 +162,33 @@ public:
         return rows;
     }
 
+    // A card as other programs write it. An empty identifier, or address: it has none.
+    static QByteArray card(const QString &id, const QString &first, const QString &last, const QString &email)
+    {
+        QStringList lines = {QStringLiteral("BEGIN:VCARD"), QStringLiteral("VERSION:3.0")};
+        if (!id.isEmpty())
+            lines.append(QStringLiteral("UID:") + id);
+        lines.append(QStringLiteral("FN:%1 %2").arg(first, last));
+        lines.append(QStringLiteral("N:%2;%1;;;").arg(first, last));
+        if (!email.isEmpty())
+            lines.append(QStringLiteral("EMAIL;TYPE=WORK:") + email);
+        lines.append({QStringLiteral("TEL;TYPE=HOME:123"), QStringLiteral("END:VCARD"), QString()});
+        return lines.join(QStringLiteral("\r\n")).toUtf8();
+    }
+
 private:
+    // The cards stay, since rows of a table may have been made of them.
+    static void resetContacts()
+    {
+        MemoryContacts &contacts = ListStage::contacts();
+        contacts.presentState = ContactStore::Ready;
+        contacts.ordering = ContactRecord::FirstNameFirst;
+        contacts.cards.clear();
+        contacts.addedAs.clear();
+        contacts.opened.clear();
+        contacts.added.clear();
+        ContactStore::setSharedAddressBook(&contacts);
+    }
     static QString newContactID()
     {
         static int made = 0;

@@ -1,5 +1,6 @@
 #include "lists/ScratchpadDrop.h"
 
+#include "lists/CardFiles.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
 #include "lists/WayfoldHistoryDataSource.h"
@@ -11,9 +12,22 @@
 
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QSysInfo>
+#include <sys/stat.h>
 
 namespace
 {
+// Somebody who is among the contacts for a while.
+class ContactCleaner
+{
+public:
+    explicit ContactCleaner(const ContactRecord &record) : _id(record.uniqueId) { ListStage::contacts().set(record); }
+    ~ContactCleaner() { ListStage::contacts().take(_id); }
+
+private:
+    QString _id;
+};
+
 QStringList rowsOf(const Scratchpad &pad)
 {
     return ListStage::rows(pad.view);
@@ -79,7 +93,14 @@ private Q_SLOTS:
     void draggedTwinsMove();
 
     // ---- Making
-    void contacts();
+    void people();
+    void groups();
+    void contactsThatNobodyKnows();
+    void contactsThatMayStillCome();
+    void membersOfAGroupStayThere();
+    void memberIsNotTakenForItsTwin();
+    void groupWithinAGroup();
+    void largeGroupFitsAnywhere();
     void dictionaries();
     void dictionariesOfNothing();
     void dictionariesWithoutATitle();
@@ -105,6 +126,25 @@ private Q_SLOTS:
     // ---- What other applications bring
     void foreign_data();
     void foreign();
+
+    // ---- Cards
+    void cardOfAContact_data();
+    void cardOfAContact();
+    void cardsOfOtherPrograms_data();
+    void cardsOfOtherPrograms();
+    void cardsOfStrangers_data();
+    void cardsOfStrangers();
+    void sameCardTwice();
+    void cardOfAGroup();
+    void whatIsNoCard_data();
+    void whatIsNoCard();
+    void ownTypesBeforeCards();
+    void cardFiles();
+    void filesThatStayFiles_data();
+    void filesThatStayFiles();
+    void cardFilesAreReadUpToAMost();
+    void cardFileWithoutContacts();
+    void cardFileFromAList();
 
     // ---- Afterwards
     void dropsAreSelectedSavedAndShownElsewhere();
@@ -490,17 +530,164 @@ void ScratchpadDropTest::twoPeopleMoveOnlyTheFirst()
 
 // --- Making ---------------------------------------------------------------------------------------------------------
 
-void ScratchpadDropTest::contacts()
+void ScratchpadDropTest::people()
 {
+    const auto ann = ListStage::person(QStringLiteral("Ann"));
+    const auto kettles = ListStage::organization(QStringLiteral("Kettles"));
+    setList(PasteboardTypes::ABPeopleUIDs, {ann->uuid(), QStringLiteral(""), kettles->uuid(), 7});
+    QVERIFY(drop({_folder, 1}));
+    QCOMPARE(ListStage::titles(_folder), QStringList({"inner", "Ann", "Kettles", "x"}));
+    const KDRBookmarkPtr made = _folder->childAtIndex(1);
+    QVERIFY(made != ann);
+    QCOMPARE(made->type(), KDRBookmark::PersonType);
+    QCOMPARE(made->typeDescription(), QStringLiteral("Person"));
+    QCOMPARE(made->uuid(), ann->uuid());
+    QCOMPARE(_folder->childAtIndex(2)->typeDescription(), QStringLiteral("Organization"));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList({"Ann", "Kettles"}));
+
+    const auto saved =
+        WayfoldBookmarkFolder::bookmarkFromDictionary(PropertyList::fromData(_stage->savedFile()).toMap());
+    const auto folder = WayfoldBookmarkFolder::fromItem(saved->childWithTitle(QStringLiteral("folder")));
+    QCOMPARE(folder->childAtIndex(1)->type(), KDRBookmark::PersonType);
+    QCOMPARE(folder->childAtIndex(1)->title(), QStringLiteral("Ann"));
+    setList(PasteboardTypes::ABPeopleUIDs, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::groups()
+{
+    const auto ann = ListStage::person(QStringLiteral("Ann"));
+    const auto friends = ListStage::group(QStringLiteral("Friends"), {ann});
+    setList(PasteboardTypes::ABGroupsUIDs, {friends->uuid()});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::GroupType);
+    QCOMPARE(first()->uuid(), friends->uuid());
+    _pad->view.expandItem(first());
+    QCOMPARE(rowsOf(*_pad).mid(0, 3), QStringList({"Friends", "-Ann", "a"}));
+    QVERIFY(_stage->savedFile().contains("<string>ABGroup</string>"));
+    setList(PasteboardTypes::ABGroupsUIDs, {});
+    QVERIFY(!drop({nullptr, 0}));
+}
+
+void ScratchpadDropTest::contactsThatNobodyKnows()
+{
+    Scratchpad other(*_stage);
     for (const QString &type : {PasteboardTypes::ABPeopleUIDs, PasteboardTypes::ABGroupsUIDs}) {
         _data->clear();
+        other.drawer.reloadCount = 0;
         setList(type, {QStringLiteral("unknown contact")});
         QVERIFY(drop({nullptr, 0}));
         QVERIFY(first() == _a);
+        QVERIFY(other.drawer.reloadCount > 0);
         QVERIFY(_stage->savedFile().isEmpty());
-        setList(type, {});
-        QVERIFY(!drop({nullptr, 0}));
     }
+    // Those beside them are made.
+    setList(PasteboardTypes::ABPeopleUIDs,
+            {QStringLiteral("unknown contact"), ListStage::person(QStringLiteral("Ann"))->uuid()});
+    _data->removeFormat(PasteboardTypes::ABGroupsUIDs);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({"Ann", "a"}));
+}
+
+// As long as not all contacts are there, nobody is taken for unknown.
+void ScratchpadDropTest::contactsThatMayStillCome()
+{
+    ListStage::contacts().presentState = ContactStore::Loading;
+    setList(PasteboardTypes::ABPeopleUIDs, {QStringLiteral("late-comer")});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->uuid(), QStringLiteral("late-comer"));
+    QCOMPARE(first()->title(), QStringLiteral("Invalid"));
+    ListStage::contacts().presentState = ContactStore::Ready;
+    ListStage::contacts().set(MemoryContacts::person(QStringLiteral("late-comer"), QStringLiteral("Late"), QString()));
+    QTRY_COMPARE(first()->title(), QStringLiteral("Late"));
+    ListStage::contacts().take(QStringLiteral("late-comer"));
+}
+
+void ScratchpadDropTest::membersOfAGroupStayThere()
+{
+    const auto friends = ListStage::group(QStringLiteral("Friends"), {ListStage::person(QStringLiteral("Ann"))});
+    _pad->showItems({friends, _folder});
+    _pad->view.expandItem(friends);
+    _pad->view.expandItem(_folder);
+    const KDRBookmarkPtr member = friends->childAtIndex(0);
+    const std::unique_ptr<QMimeData> data(_pad->source->outlineViewWriteItems(_pad->view, {member}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *data, {_folder, 0}));
+    QCOMPARE(rowsOf(*_pad), QStringList({"Friends", "-Ann", "folder", "-Ann", "-inner", "-x"}));
+    QVERIFY(friends->childAtIndex(0) == member);
+    const KDRBookmarkPtr own = _folder->childAtIndex(0);
+    QVERIFY(own != member);
+    QCOMPARE(own->uuid(), member->uuid());
+    QVERIFY(own->parent() == _folder);
+    QVERIFY(!member->parent());
+    QVERIFY(_pad->view.selectedItem() == own);
+    // Nor does a group take anything.
+    OutlineDropTarget target = {friends, 0};
+    QCOMPARE(_pad->source->outlineViewValidateDrop(_pad->view, *data, true, target), Qt::IgnoreAction);
+    target = {member, -1};
+    QCOMPARE(_pad->source->outlineViewValidateDrop(_pad->view, *data, true, target), Qt::IgnoreAction);
+    QVERIFY(!_pad->source->outlineViewAcceptDrop(_pad->view, *data, {friends, 0}));
+}
+
+// Somebody may stand in a list, and in a group in the list.
+void ScratchpadDropTest::memberIsNotTakenForItsTwin()
+{
+    const auto ann = ListStage::person(QStringLiteral("Ann"));
+    const auto friends = ListStage::group(QStringLiteral("Friends"), {ann});
+    _pad->showItems({ann, friends, _folder});
+    _pad->view.expandItem(friends);
+    const std::unique_ptr<QMimeData> data(_pad->source->outlineViewWriteItems(_pad->view, {friends->childAtIndex(0)}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *data, {_folder, 0}));
+    QCOMPARE(ListStage::titles(ListStage::store().bookmarkRoot()), QStringList({"Ann", "Friends", "folder"}));
+    QCOMPARE(_folder->childAtIndex(0)->title(), QStringLiteral("Ann"));
+    // A member of what is not shown here is nobody's.
+    const auto elsewhere = ListStage::group(QStringLiteral("Elsewhere"), {ListStage::person(QStringLiteral("Bob"))});
+    elsewhere->ensureUpToDate();
+    const std::unique_ptr<QMimeData> others(
+        _pad->source->outlineViewWriteItems(_pad->view, {elsewhere->childAtIndex(0)}));
+    QVERIFY(!_pad->source->outlineViewAcceptDrop(_pad->view, *others, {_folder, 0}));
+}
+
+void ScratchpadDropTest::groupWithinAGroup()
+{
+    const auto ann = ListStage::person(QStringLiteral("Ann"));
+    const auto inner = ListStage::group(QStringLiteral("Inner"), {ann});
+    ListStage::contacts().set(MemoryContacts::group(QStringLiteral("outer"), QStringLiteral("Outer"), {inner->uuid()}));
+    const auto outer = WayfoldBookmarkABGroup::bookmarkWithID(QStringLiteral("outer"));
+    _pad->showItems({outer, _folder});
+    _pad->view.expandItem(outer);
+    const std::unique_ptr<QMimeData> data(_pad->source->outlineViewWriteItems(_pad->view, {outer->childAtIndex(0)}));
+    QVERIFY(_pad->source->outlineViewAcceptDrop(_pad->view, *data, {nullptr, 2}));
+    const KDRBookmarkPtr own = ListStage::store().bookmarkRoot()->lastChild();
+    _pad->view.expandItem(own);
+    QCOMPARE(rowsOf(*_pad), QStringList({"Outer", "-Inner", "folder", "-inner", "-x", "Inner", "-Ann"}));
+    ListStage::contacts().take(QStringLiteral("outer"));
+}
+
+// Its members are not saved, so they need no room in the file.
+void ScratchpadDropTest::largeGroupFitsAnywhere()
+{
+    const WayfoldBookmarkFolderPtr deep = chain(520);
+    WayfoldBookmarkFolderPtr bottom = deep;
+    while (!bottom->isEmpty())
+        bottom = WayfoldBookmarkFolder::fromItem(bottom->childAtIndex(0));
+    const auto inner = ListStage::group(QStringLiteral("Inner"), {ListStage::person(QStringLiteral("Ann"))});
+    ListStage::contacts().set(MemoryContacts::group(QStringLiteral("outer"), QStringLiteral("Outer"), {inner->uuid()}));
+    const auto outer = WayfoldBookmarkABGroup::bookmarkWithID(QStringLiteral("outer"));
+    outer->ensureUpToDate();
+    _pad->showItems({deep, outer});
+    int room = 0;
+    for (WayfoldBookmarkFolderPtr at = bottom; at; at = at->parent(), ++room) {
+        const auto note = ListStage::note(QStringLiteral("n"));
+        ListStage::store().bookmarkRoot()->addChild(note);
+        setString(PasteboardTypes::KDRBookmark, note->uuid());
+        const bool takesNote = drop({at, 0});
+        setString(PasteboardTypes::KDRBookmark, outer->uuid());
+        QCOMPARE(drop({at, 0}), takesNote);
+        if (takesNote)
+            break;
+    }
+    QVERIFY(room > 0); // it was tried at the edge
+    ListStage::contacts().take(QStringLiteral("outer"));
 }
 
 void ScratchpadDropTest::dictionaries()
@@ -894,6 +1081,290 @@ void ScratchpadDropTest::foreign()
         found.append(QStringLiteral("%1 %2").arg(int(item->type())).arg(item->title()));
     }
     QCOMPARE(found, made);
+}
+
+// --- Cards ----------------------------------------------------------------------------------------------------------
+
+void ScratchpadDropTest::cardOfAContact_data()
+{
+    QTest::addColumn<QByteArray>("card");
+    QTest::addColumn<bool>("isKnown");
+    QTest::newRow("same identifier") << ListStage::card("ann", "Anna", "Smith", "new@b.org") << true;
+    QTest::newRow("same name and address") << ListStage::card("other", "Ann", "Miller", "ANN@a.org") << true;
+    QTest::newRow("without identifier") << ListStage::card("", "Ann", "Miller", "ann@a.org") << true;
+    QTest::newRow("another's name") << ListStage::card("other", "Bob", "Miller", "ann@a.org") << false;
+    QTest::newRow("another's address") << ListStage::card("other", "Ann", "Miller", "bob@a.org") << false;
+    QTest::newRow("no address") << ListStage::card("", "Ann", "Miller", "") << false;
+}
+
+void ScratchpadDropTest::cardOfAContact()
+{
+    QFETCH(QByteArray, card);
+    QFETCH(bool, isKnown);
+    const ContactCleaner cleaner(MemoryContacts::person("ann", "Ann", "Miller", {"ann@a.org"}));
+    _data->setData(QStringLiteral("text/vcard"), card);
+    Target target = {nullptr, 0};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(drop(target));
+    QCOMPARE(first()->type() == KDRBookmark::PersonType, isKnown);
+    if (isKnown) {
+        QCOMPARE(first()->title(), QStringLiteral("Ann Miller"));
+        QCOMPARE(first()->uuid(), QStringLiteral("ann"));
+    }
+    QVERIFY(_pad->view.selectedItem() == first());
+    QVERIFY(!_stage->savedFile().isEmpty());
+}
+
+void ScratchpadDropTest::cardsOfOtherPrograms_data()
+{
+    using Formats = std::vector<std::pair<QString, QByteArray>>;
+    QTest::addColumn<Formats>("formats");
+    const QByteArray ann = ListStage::card("ann", "Ann", "Miller", "ann@a.org");
+    const QByteArray bob = ListStage::card("", "Bob", "Brown", "bob@a.org");
+    const QByteArray both = ann + "\r\n\r\n" + bob; // as address books put several together
+    QTest::newRow("by its present name") << Formats{{"text/vcard", both}};
+    QTest::newRow("by its old name") << Formats{{"text/x-vcard", both}};
+    QTest::newRow("by its first name") << Formats{{"text/directory", both}};
+    QTest::newRow("with its character set") << Formats{{"text/x-vcard;charset=utf-8", both}};
+    QTest::newRow("with the address book that it comes from")
+        << Formats{{"text/x-source-vcard", "1700000000.1234.0@host\n" + both}, {"text/x-vcard", both}};
+    QTest::newRow("beside names and addresses")
+        << Formats{{"moz/abcard", "0"},
+                   {"text/x-moz-address", "Ann Miller <ann@a.org>,Bob Brown <bob@a.org>"},
+                   {"text/plain", "Ann Miller <ann@a.org>,Bob Brown <bob@a.org>"},
+                   {"text/vcard", both},
+                   {"application/x-moz-file-promise-dest-filename", "Ann Miller.vcf"}};
+    QTest::newRow("beside a link to it") << Formats{{"text/uri-list", "akonadi:?item=12&type=text/directory\r\n"},
+                                                    {"text/directory", both}};
+    QTest::newRow("in several versions") << Formats{{"text/directory", "BEGIN:VCARD\r\nEND:VCARD\r\n"},
+                                                    {"text/vcard", both}};
+    QTest::newRow("in UTF-16") << Formats{
+        {"text/vcard",
+         QByteArray("\xff\xfe", 2) + QByteArray(reinterpret_cast<const char *>(QString::fromUtf8(both).utf16()),
+                                                QString::fromUtf8(both).size() * 2)}};
+}
+
+void ScratchpadDropTest::cardsOfOtherPrograms()
+{
+    using Formats = std::vector<std::pair<QString, QByteArray>>;
+    QFETCH(Formats, formats);
+    const ContactCleaner cleaner(MemoryContacts::person("ann", "Ann", "Miller", {"ann@a.org"}));
+    for (const auto &[format, data] : formats)
+        _data->setData(format, data);
+    Target target = {nullptr, 1};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(drop(target));
+    QCOMPARE(rowsOf(*_pad).mid(0, 4), QStringList({"a", "Ann Miller", "Bob Brown", "b"}));
+    const auto root = ListStage::store().bookmarkRoot();
+    QCOMPARE(root->childAtIndex(1)->type(), KDRBookmark::PersonType);
+    QCOMPARE(root->childAtIndex(2)->type(), KDRBookmark::EmailLinkType);
+    QCOMPARE(root->childAtIndex(2)->valueAsString(), QStringLiteral("mailto:bob@a.org"));
+}
+
+void ScratchpadDropTest::cardsOfStrangers_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QString>("made"); // kind and title
+    QTest::addColumn<QString>("value");
+    const QString whole; // the card itself
+    QTest::newRow("name and address") << QByteArray("N:Brown;Bob;;;\nEMAIL:bob@a.org") << "5 Bob Brown"
+                                      << "mailto:bob@a.org";
+    QTest::newRow("the address that counts")
+        << QByteArray("N:Brown;Bob;;;\nEMAIL:home@a.org\nEMAIL;TYPE=PREF:bob@a.org") << "5 Bob Brown"
+        << "mailto:bob@a.org";
+    QTest::newRow("company") << QByteArray("ORG:Kettles & Sons\nEMAIL:a@b.org") << "5 Kettles & Sons"
+                             << "mailto:a@b.org";
+    QTest::newRow("address alone") << QByteArray("EMAIL:a+b&c@b.org") << "5 a+b&c@b.org"
+                                   << "mailto:a%2Bb%26c@b.org";
+    QTest::newRow("no address") << QByteArray("N:Brown;Bob;;;\nTEL:123") << "4 Bob Brown" << whole;
+    QTest::newRow("number alone") << QByteArray("TEL:123") << "4 123" << whole;
+    QTest::newRow("nothing but a note") << QByteArray("UID:1\nNOTE:What was it\\, then?") << "4 Unnamed Person"
+                                        << whole;
+}
+
+void ScratchpadDropTest::cardsOfStrangers()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(QString, made);
+    QFETCH(QString, value);
+    const QByteArray card = "BEGIN:VCARD\nVERSION:3.0\n" + lines + "\nEND:VCARD\n";
+    _data->setData(QStringLiteral("text/vcard"), QByteArray(card).replace("\n", "\r\n"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(QStringLiteral("%1 %2").arg(int(first()->type())).arg(first()->title()), made);
+    QCOMPARE(first()->valueAsString(), value.isNull() ? QString::fromUtf8(card) : value);
+}
+
+void ScratchpadDropTest::sameCardTwice()
+{
+    const QByteArray bob = ListStage::card("", "Bob", "Brown", "bob@a.org");
+    _data->setData(QStringLiteral("text/vcard"), bob + bob);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({"Bob Brown", "a"}));
+}
+
+void ScratchpadDropTest::cardOfAGroup()
+{
+    const QByteArray list = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:%1\r\nFN:Choir\r\nX-EVOLUTION-LIST:TRUE\r\n"
+                            "EMAIL;X-EVOLUTION-DEST-EMAIL=ann@a.org:Ann <ann@a.org>\r\n"
+                            "EMAIL;X-EVOLUTION-DEST-EMAIL=bob@a.org:Bob <bob@a.org>\r\nEND:VCARD\r\n";
+    _data->setData(QStringLiteral("text/x-vcard"), list);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::EmailLinkType);
+    QCOMPARE(first()->title(), QStringLiteral("Choir"));
+    QCOMPARE(first()->valueAsString(), QStringLiteral("mailto:ann@a.org,bob@a.org"));
+
+    const auto known = ListStage::group(QStringLiteral("Choir"));
+    _data->setData(QStringLiteral("text/x-vcard"), QByteArray(list).replace("%1", known->uuid().toUtf8()));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::GroupType);
+    QCOMPARE(first()->uuid(), known->uuid());
+}
+
+void ScratchpadDropTest::whatIsNoCard_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("words") << QByteArray("words");
+    QTest::newRow("without an end") << QByteArray("BEGIN:VCARD\r\nFN:Ann\r\n");
+    QTest::newRow("zeros") << QByteArray(100, '\0');
+    QByteArray endless;
+    while (endless.size() <= CardFiles::maximumSize)
+        endless += ListStage::card(QString::number(endless.size()), "Ann", "Miller", "ann@a.org");
+    QTest::newRow("endless") << endless;
+}
+
+// What else there is counts then.
+void ScratchpadDropTest::whatIsNoCard()
+{
+    QFETCH(QByteArray, data);
+    _data->setData(QStringLiteral("text/vcard"), data);
+    QVERIFY(!drop({nullptr, 0}));
+    QVERIFY(_stage->savedFile().isEmpty());
+    _data->setText(QStringLiteral("words"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({"words", "a"}));
+}
+
+void ScratchpadDropTest::ownTypesBeforeCards()
+{
+    _data->setData(QStringLiteral("text/vcard"), ListStage::card("", "Bob", "Brown", "bob@a.org"));
+    setString(PasteboardTypes::NSStringPboardType, QStringLiteral("words"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 2), QStringList({"words", "a"}));
+}
+
+void ScratchpadDropTest::cardFiles()
+{
+    const ContactCleaner cleaner(MemoryContacts::person("ann", "Ann", "Miller", {"ann@a.org"}));
+    const QByteArray ann = ListStage::card("ann", "Ann", "Miller", "ann@a.org");
+    const QByteArray bob = ListStage::card("", "Bob", "Brown", "bob@a.org");
+    const QByteArray cy = ListStage::card("", "Cy", "Young", "cy@a.org");
+    _stage->home.write(QStringLiteral("Ann Miller.vcf"), ann);
+    _stage->home.write(QStringLiteral("two.VCard"), bob + cy);
+    _stage->home.write(QStringLiteral("notes.txt"), cy);
+    QList<QUrl> urls;
+    for (const char *name : {"Ann Miller.vcf", "notes.txt", "two.VCard"})
+        urls.append(QUrl::fromLocalFile(_stage->home.path(QString::fromLatin1(name))));
+    urls[0].setHost(QStringLiteral("localhost"));
+    urls[2].setHost(QSysInfo::machineHostName());
+    _data->setUrls(urls);
+    // As file managers do.
+    _data->setData(QStringLiteral("x-special/gnome-copied-files"), "copy\n" + urls[0].toEncoded());
+    _data->setText(urls[0].toLocalFile());
+    Target target = {nullptr, 0};
+    QCOMPARE(validate(target), Qt::CopyAction);
+    QVERIFY(drop(target));
+    QCOMPARE(rowsOf(*_pad).mid(0, 5), QStringList({"Ann Miller", "notes.txt", "Bob Brown", "Cy Young", "a"}));
+    const auto root = ListStage::store().bookmarkRoot();
+    QCOMPARE(root->childAtIndex(0)->type(), KDRBookmark::PersonType);
+    QCOMPARE(root->childAtIndex(1)->type(), KDRBookmark::FileLinkType);
+    QCOMPARE(root->childAtIndex(2)->type(), KDRBookmark::EmailLinkType);
+    QCOMPARE(_pad->view.selectedItemCount(), 4);
+}
+
+void ScratchpadDropTest::filesThatStayFiles_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no card") << "words.vcf";
+    QTest::newRow("empty") << "empty.vcf";
+    QTest::newRow("too large") << "large.vcf";
+    QTest::newRow("pipe") << "pipe.vcf";
+    QTest::newRow("folder") << "folder.vcf";
+    QTest::newRow("missing") << "missing.vcf";
+    QTest::newRow("link to nothing") << "lost.vcf";
+    QTest::newRow("unreadable") << "device.vcf";
+    QTest::newRow("on another machine") << "//elsewhere/ann.vcf";
+    QTest::newRow("another name") << "ann.txt";
+}
+
+void ScratchpadDropTest::filesThatStayFiles()
+{
+    QFETCH(QString, name);
+    const QByteArray ann = ListStage::card("", "Ann", "Miller", "ann@a.org");
+    const TemporaryHome &home = _stage->home;
+    home.write(QStringLiteral("ann.txt"), ann);
+    home.write(QStringLiteral("ann.vcf"), ann);
+    home.write(QStringLiteral("words.vcf"), "words");
+    home.write(QStringLiteral("empty.vcf"), "");
+    home.write(QStringLiteral("large.vcf"), ann + QByteArray(CardFiles::maximumSize, '\n'));
+    QDir(home.path()).mkdir(QStringLiteral("folder.vcf"));
+    QCOMPARE(::mkfifo(QFile::encodeName(home.path(QStringLiteral("pipe.vcf"))), 0600), 0);
+    QFile::link(home.path(QStringLiteral("nothing.vcf")), home.path(QStringLiteral("lost.vcf")));
+    QFile::link(QStringLiteral("/dev/zero"), home.path(QStringLiteral("device.vcf")));
+    QUrl url = QUrl::fromLocalFile(home.path(name));
+    if (name.startsWith(u'/')) {
+        url = QUrl::fromLocalFile(home.path(QStringLiteral("ann.vcf")));
+        url.setHost(QStringLiteral("elsewhere"));
+    }
+    _data->setUrls({url});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
+    QCOMPARE(first()->title(), name.section(u'/', -1));
+    QVERIFY(ListStage::store().bookmarkRoot()->childAtIndex(1) == _a);
+}
+
+void ScratchpadDropTest::cardFilesAreReadUpToAMost()
+{
+    QByteArray filler = ListStage::card("", "Filler", "", "f@a.org");
+    filler.replace("END:VCARD", "NOTE:" + QByteArray(int(CardFiles::maximumSize / 3), 'x') + "\r\nEND:VCARD");
+    QList<QUrl> urls;
+    for (int i = 0; i < 4; ++i) {
+        const QString name = QStringLiteral("%1.vcf").arg(i);
+        _stage->home.write(name, QByteArray(filler).replace("Filler", "Card" + QByteArray::number(i)));
+        urls.append(QUrl::fromLocalFile(_stage->home.path(name)));
+    }
+    _data->setUrls(urls);
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(rowsOf(*_pad).mid(0, 5), QStringList({"Card0", "Card1", "2.vcf", "3.vcf", "a"}));
+}
+
+void ScratchpadDropTest::cardFileWithoutContacts()
+{
+    ListStage::contacts().presentState = ContactStore::Absent;
+    _stage->home.write(QStringLiteral("ann.vcf"), ListStage::card("", "Ann", "Miller", "ann@a.org"));
+    _data->setUrls({QUrl::fromLocalFile(_stage->home.path(QStringLiteral("ann.vcf")))});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
+    // What is no file is what can be made of it.
+    _data->clear();
+    _data->setData(QStringLiteral("text/vcard"), ListStage::card("", "Ann", "Miller", "ann@a.org"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::EmailLinkType);
+}
+
+// A link to such a file, dragged from another list, stays one.
+void ScratchpadDropTest::cardFileFromAList()
+{
+    _stage->home.write(QStringLiteral("ann.vcf"), ListStage::card("", "Ann", "Miller", "ann@a.org"));
+    WayfoldHistoryOutlineView history;
+    const auto file = ListStage::file(QStringLiteral("Ann"), _stage->home.path(QStringLiteral("ann.vcf")));
+    QVERIFY(dropFrom(history, {file}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
+    QVERIFY(dropFrom(history, {file, ListStage::file(QStringLiteral("Bob"), QStringLiteral("/tmp/bob.vcf"))}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
+    setList(PasteboardTypes::NSFilenamesPboardType, {_stage->home.path(QStringLiteral("ann.vcf"))});
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->type(), KDRBookmark::FileLinkType);
 }
 
 // --- Afterwards -----------------------------------------------------------------------------------------------------

@@ -1,0 +1,250 @@
+#include "lists/StrangersQuestion.h"
+
+#include "core/KDRDrawerBundle.h"
+#include "core/settings/WayfoldToolkit.h"
+#include "lists/WayfoldOutlineView.h"
+#include "lists/WayfoldOutlineViewDelegate.h"
+#include "model/WayfoldBookmarkABPerson.h"
+#include "platform/base/NotificationQueue.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/contacts/ContactStore.h"
+#include "platform/widgets/Alert.h"
+
+#include <algorithm>
+
+namespace
+{
+const QString dueNotification = QStringLiteral("StrangersQuestionDueNotification");
+
+QString localized(const char *key)
+{
+    return WayfoldToolkit::localizedString(QString::fromLatin1(key));
+}
+
+// One of the two texts, with the only name or the number of them in it.
+QString textAbout(const QStringList &names, QString one, QString several)
+{
+    if (names.size() == 1)
+        return one.replace(QStringLiteral("%@"), names.first());
+    return several.replace(QStringLiteral("%u"), QString::number(names.size()));
+}
+
+bool standsIn(const KDRBookmarkPtr &item, const WayfoldBookmarkFolderPtr &root)
+{
+    KDRBookmarkPtr at = item;
+    while (at && at != root) {
+        const WayfoldBookmarkFolderPtr folder = at->parent();
+        if (!folder || folder->indexOfChild(*at) < 0)
+            return false;
+        at = folder;
+    }
+    return at != nullptr;
+}
+
+bool isInList(const KDRBookmarkPtr &item)
+{
+    const KDRDrawerBundle &store = KDRDrawerBundle::sharedInstance();
+    return standsIn(item, store.bookmarkRoot()) || standsIn(item, store.provisionalBookmarkRoot());
+}
+
+// In the place of the old item; at the end of the list when that has none any more.
+void put(const KDRBookmarkPtr &item, const KDRBookmarkPtr &old, const WayfoldOutlineView *view)
+{
+    if (isInList(old)) {
+        const WayfoldBookmarkFolderPtr folder = old->parent();
+        const int index = old->childIsAtIndex();
+        folder->removeChild(old);
+        folder->addChildAtIndex(item, index);
+        return;
+    }
+    const WayfoldBookmarkFolderPtr shown = view && view->delegate() ? view->delegate()->localRootFolder() : nullptr;
+    (shown ? shown : KDRDrawerBundle::sharedInstance().bookmarkRoot())->addChild(item);
+}
+
+void save(const WayfoldOutlineView *view)
+{
+    if (view && view->delegate())
+        view->delegate()->saveScratchBookmarkRoot();
+    else
+        KDRDrawerBundle::sharedInstance().saveBookmarkFile();
+}
+
+QStringList namesOf(const std::vector<Stranger> &strangers)
+{
+    QStringList names;
+    for (const Stranger &stranger : strangers)
+        names.append(Stranger::nameOn(stranger.card.record));
+    return names;
+}
+
+// What becomes of those who are not added.
+QString otherWay(const std::vector<Stranger> &strangers)
+{
+    const bool areLinks = std::all_of(strangers.cbegin(), strangers.cend(), [](const Stranger &stranger) {
+        return stranger.standIn->type() == KDRBookmark::EmailLinkType;
+    });
+    if (!areLinks)
+        return localized("Don't Add");
+    return localized(strangers.size() == 1 ? "Email Link" : "Email Links");
+}
+} // namespace
+
+// What the contacts answered, one by one.
+struct StrangersQuestion::Adding
+{
+    std::size_t unanswered = 0;
+    Replacements replacements;
+    QStringList refused;
+    QPointer<WayfoldOutlineView> view;
+};
+
+StrangersQuestion::StrangersQuestion()
+{
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.addObserver(
+        this, [this](const Notification & /*notification*/) { proceed(); }, dueNotification, this);
+    for (const QString &name : {PlatformNotifications::kABDatabaseChangedNotification,
+                                PlatformNotifications::kABDatabaseChangedExternallyNotification}) {
+        center.addObserver(
+            this,
+            [this](const Notification & /*notification*/) {
+                if (!_strangers.empty())
+                    later();
+            },
+            name);
+    }
+}
+
+StrangersQuestion::~StrangersQuestion()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    NotificationQueue::defaultQueue().dequeueNotificationsForObject(this);
+}
+
+void StrangersQuestion::askAbout(const std::vector<Stranger> &strangers, WayfoldOutlineView *view)
+{
+    if (strangers.empty())
+        return;
+    _view = view;
+    _strangers.insert(_strangers.end(), strangers.cbegin(), strangers.cend());
+    later();
+}
+
+void StrangersQuestion::later()
+{
+    NotificationQueue::defaultQueue().enqueueNotification({dueNotification, this}, NotificationQueue::NSPostASAP);
+}
+
+// Contacts that are still coming may hold somebody who seems to be none of them: the change that ends that is awaited.
+void StrangersQuestion::proceed()
+{
+    const std::shared_ptr<const void> keeper = _view && _view->delegate() ? _view->delegate()->keptAlive() : nullptr;
+    tellRefused();
+    const ContactStore &contacts = ContactStore::sharedAddressBook();
+    if (contacts.state() == ContactStore::Loading)
+        return;
+    Replacements known;
+    std::vector<Stranger> unknown;
+    for (const Stranger &stranger : std::exchange(_strangers, {})) {
+        if (!isInList(stranger.standIn))
+            continue;
+        if (const KDRBookmarkPtr contact = Stranger::contactMeantBy(stranger.card))
+            known.emplace_back(stranger.standIn, contact);
+        else if (!stranger.card.record.isGroup)
+            unknown.push_back(stranger);
+    }
+    replace(known, _view);
+    if (!unknown.empty() && contacts.canAdd())
+        ask(unknown);
+}
+
+void StrangersQuestion::ask(const std::vector<Stranger> &strangers)
+{
+    Alert alert;
+    alert.messageText = localized("Add to Contacts?");
+    alert.informativeText =
+        textAbout(namesOf(strangers), localized("\"%@\" is not in your contacts. Do you want to add the card?"),
+                  localized("%u people are not in your contacts. Do you want to add their cards?"));
+    alert.defaultButton = localized("Add");
+    alert.alternateButton = otherWay(strangers); // when the window goes as well
+    alert.otherButton = localized("Cancel");
+    switch (alert.runModal(_view ? _view->window() : nullptr)) {
+    case Alert::NSAlertDefaultReturn:
+        add(strangers);
+        break;
+    case Alert::NSAlertAlternateReturn: {
+        Replacements gone;
+        for (const Stranger &stranger : strangers) {
+            if (!isInList(stranger.standIn))
+                gone.emplace_back(stranger.standIn, stranger.standIn);
+        }
+        replace(gone, _view);
+        break;
+    }
+    default: {
+        std::vector<KDRBookmarkPtr> standIns;
+        for (const Stranger &stranger : strangers)
+            standIns.push_back(stranger.standIn);
+        KDRDrawerBundle::sharedInstance().deleteBookmarks(standIns);
+    }
+    }
+}
+
+void StrangersQuestion::add(const std::vector<Stranger> &strangers)
+{
+    const auto adding = std::make_shared<Adding>();
+    adding->unanswered = strangers.size();
+    adding->view = _view;
+    for (const Stranger &stranger : strangers) {
+        const auto done = [adding, stranger, question = QPointer(this)](const QString &uniqueId) {
+            if (uniqueId.isNull())
+                adding->refused.append(Stranger::nameOn(stranger.card.record));
+            else
+                adding->replacements.emplace_back(stranger.standIn, WayfoldBookmarkABPerson::bookmarkWithID(uniqueId));
+            if (--adding->unanswered > 0)
+                return;
+            replace(adding->replacements, adding->view);
+            if (question)
+                question->refuse(adding->refused);
+        };
+        ContactStore::sharedAddressBook().add(stranger.card.text, done);
+    }
+}
+
+// All at once, with one saving. Those that were selected are so afterwards.
+void StrangersQuestion::replace(const Replacements &replacements, WayfoldOutlineView *view)
+{
+    if (replacements.empty())
+        return;
+    const std::vector<KDRBookmarkPtr> selected = view ? view->selectedItemList() : std::vector<KDRBookmarkPtr>();
+    std::vector<KDRBookmarkPtr> toSelect;
+    for (const auto &[old, item] : replacements) {
+        put(item, old, view);
+        if (std::find(selected.cbegin(), selected.cend(), old) != selected.cend())
+            toSelect.push_back(item);
+    }
+    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
+    if (view && !toSelect.empty())
+        view->selectItems(toSelect);
+    save(view);
+}
+
+void StrangersQuestion::refuse(const QStringList &names)
+{
+    _refused += names;
+    if (!_refused.isEmpty())
+        later();
+}
+
+void StrangersQuestion::tellRefused()
+{
+    const QStringList names = std::exchange(_refused, {});
+    if (names.isEmpty())
+        return;
+    Alert alert;
+    alert.messageText = localized("Not Added");
+    alert.informativeText = textAbout(
+        names, localized("The card of \"%@\" could not be added to your contacts. It stays in the list as it is."),
+        localized("%u cards could not be added to your contacts. They stay in the list as they are."));
+    alert.runModal(_view ? _view->window() : nullptr);
+}
