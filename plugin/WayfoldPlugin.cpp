@@ -4,6 +4,8 @@
 #include "drawer/DrawerRoom.h"
 #include "model/ItemClasses.h"
 #include "model/WayfoldBookmarkFolder.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
 #include "platform/host/CurrentHost.h"
 
 HostObserver *WayfoldPlugin::load(HostApplication *host)
@@ -11,6 +13,10 @@ HostObserver *WayfoldPlugin::load(HostApplication *host)
     setCurrentHost(host);
     registerItemClasses();
     installDrawerRoom();
+    _contacts = std::make_unique<ContactSource>();
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification & /*notification*/) { _contacts.reset(); },
+        PlatformNotifications::NSApplicationWillTerminateNotification);
     KDRDrawerBundle::load();
     return &_events;
 }

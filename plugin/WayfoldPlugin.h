@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/ContactSource.h"
 #include "core/HostEvents.h"
 #include "platform/host/HostPlugin.h"
 
 #include <QObject>
+#include <memory>
 
 // The plug-in's entry: wires the rooms to each other and to the host, and starts the store.
 class WayfoldPlugin : public QObject, public HostPlugin
@@ -18,4 +20,5 @@ public:
 
 private:
     HostEvents _events;
+    std::unique_ptr<ContactSource> _contacts; // until the host quits
 };

@@ -29,6 +29,8 @@ const QString MenuItemShortcuts = QStringLiteral("WayfoldMenuItemShortcuts");
 const QString DefaultFirstTab = QStringLiteral("WayfoldDefaultFirstTab");
 const QString CreateAutoFolders = QStringLiteral("WayfoldCreateAutoFolders");
 const QString ShowFavIcons = QStringLiteral("WayfoldShowFavIcons");
+const QString SourceOfContacts = QStringLiteral("WayfoldContactSource");
+const QString FolderOfContacts = QStringLiteral("WayfoldContactFolder");
 
 // The forms in which settings are stored, the same that a property list gives back.
 const QVariant storedOff = qlonglong(0);
@@ -340,6 +342,26 @@ QString WayfoldDefaults::defaultFirstTabIdentifier() const
 void WayfoldDefaults::setDefaultFirstTabIdentifier(const QString &identifier)
 {
     setStringForKey(identifier, DefaultFirstTab);
+}
+
+QString WayfoldDefaults::contactSource() const
+{
+    return stringForKey(SourceOfContacts);
+}
+
+void WayfoldDefaults::setContactSource(const QString &source)
+{
+    setStringForKey(source, SourceOfContacts);
+}
+
+QString WayfoldDefaults::contactFolder() const
+{
+    return stringForKey(FolderOfContacts);
+}
+
+void WayfoldDefaults::setContactFolder(const QString &path)
+{
+    setStringForKey(path, FolderOfContacts);
 }
 
 std::optional<QFont> WayfoldDefaults::listViewFont() const

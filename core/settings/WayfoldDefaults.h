@@ -55,6 +55,14 @@ public:
     QString defaultFirstTabIdentifier() const;
     void setDefaultFirstTabIdentifier(const QString &identifier);
 
+    // Whose people are shown: the desktop's ("desktop"), those of a folder of cards ("folder") or nobody ("none"). Any
+    // other text, and null, which it is until something is chosen: whichever there are.
+    QString contactSource() const;
+    void setContactSource(const QString &source);
+    // The folder of cards, a path as the user writes it; null until one is named.
+    QString contactFolder() const;
+    void setContactFolder(const QString &path);
+
     // The desktop's small font when no name is stored; none when the stored name is not known here.
     std::optional<QFont> listViewFont() const;
     // The font of a stored name, which is a family ("DejaVu Sans") or a family and a style ("DejaVu Sans-Bold"); none

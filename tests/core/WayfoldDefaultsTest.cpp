@@ -59,6 +59,8 @@ const StringSetting stringSettings[] = {
     {"WayfoldListViewFontName", &WayfoldDefaults::listViewFontName, &WayfoldDefaults::setListViewFontName},
     {"WayfoldDefaultFirstTab", &WayfoldDefaults::defaultFirstTabIdentifier,
      &WayfoldDefaults::setDefaultFirstTabIdentifier},
+    {"WayfoldContactSource", &WayfoldDefaults::contactSource, &WayfoldDefaults::setContactSource},
+    {"WayfoldContactFolder", &WayfoldDefaults::contactFolder, &WayfoldDefaults::setContactFolder},
 };
 
 const QString shortcutsKey = QStringLiteral("WayfoldMenuItemShortcuts");
@@ -377,6 +379,8 @@ void WayfoldDefaultsTest::foreignValuesAreNoError()
         QVariantMap stored;
         for (const QString &key : fresh.keys())
             stored.insert(key, foreign.value);
+        for (const StringSetting &setting : stringSettings)
+            stored.insert(QString::fromLatin1(setting.key), foreign.value);
         startWith(stored);
         for (const BoolSetting &setting : boolSettings)
             QCOMPARE((defaults().*setting.get)(), foreign.isOn);

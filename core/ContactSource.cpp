@@ -1,0 +1,102 @@
+#include "core/ContactSource.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "platform/files/Paths.h"
+
+namespace
+{
+ContactSource *currentSource = nullptr;
+
+// Stands in for the contacts of the desktop until it is known whether there are any.
+class SoughtContacts : public ContactStore
+{
+public:
+    State state() const override { return Loading; }
+};
+} // namespace
+
+ContactSource::ContactSource(Makers makers) : _makers(std::move(makers))
+{
+    currentSource = this;
+    followSettings();
+}
+
+ContactSource::~ContactSource()
+{
+    if (currentSource == this)
+        currentSource = nullptr;
+}
+
+ContactSource *ContactSource::current()
+{
+    return currentSource;
+}
+
+QString ContactSource::chosenFolder()
+{
+    const QString named = WayfoldDefaults::sharedInstance().contactFolder();
+    return Paths::standardized(named.isEmpty() ? QStringLiteral("~/.contacts") : named);
+}
+
+void ContactSource::followSettings()
+{
+    _search.reset();
+    const QString chosen = WayfoldDefaults::sharedInstance().contactSource();
+    if (chosen == u"desktop")
+        use(Desktop);
+    else if (chosen == u"folder")
+        use(Folder, chosenFolder());
+    else if (chosen == u"none")
+        use(Nowhere);
+    else
+        search();
+}
+
+void ContactSource::search()
+{
+    if (_place != Desktop) // which is what would be found
+        use(Search);
+    _search = std::make_shared<const bool>(true);
+    _makers.lookForDesktop([this, search = std::weak_ptr(_search)](bool isThere) {
+        if (search.expired())
+            return;
+        _search.reset();
+        if (isThere)
+            use(Desktop);
+        else
+            use(Folder, chosenFolder());
+    });
+}
+
+void ContactSource::use(Place place, const QString &folder)
+{
+    if (place == _place && folder == _folder)
+        return;
+    _place = place;
+    _folder = folder;
+    const std::unique_ptr<ContactStore> before = std::exchange(_store, makeStore(place, folder));
+    ContactStore::setSharedAddressBook(_store.get());
+}
+
+std::unique_ptr<ContactStore> ContactSource::makeStore(Place place, const QString &folder) const
+{
+    switch (place) {
+    case Search:
+        return std::make_unique<SoughtContacts>();
+    case Desktop:
+        return _makers.desktop();
+    case Folder:
+        return _makers.folder(folder);
+    default:
+        return nullptr;
+    }
+}
+
+ContactSource::Makers ContactSource::realMakers()
+{
+    Makers makers;
+    makers.lookForDesktop = [](const std::function<void(bool)> &answer) { answer(false); };
+    makers.desktop = [] { return nullptr; };
+    makers.folder = [](const QString & /*folder*/) { return nullptr; };
+    return makers;
+}

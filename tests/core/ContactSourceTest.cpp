@@ -1,0 +1,294 @@
+#include "core/ContactSource.h"
+
+#include "core/settings/WayfoldDefaults.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
+#include "platform/files/UserDefaults.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QtTest>
+#include <optional>
+
+namespace
+{
+// Contacts of which only is known where they lie, and which of them live.
+class NamedContacts : public ContactStore
+{
+public:
+    NamedContacts(const QString &name, QStringList &living) : name(name), _living(living) { _living.append(name); }
+    ~NamedContacts() override { _living.removeOne(name); }
+    State state() const override { return Ready; }
+
+    const QString name;
+
+private:
+    QStringList &_living;
+};
+} // namespace
+
+class ContactSourceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void choice_data();
+    void choice();
+    void desktopComesFirst();
+    void withoutDesktopTheFolder();
+    void startDoesNotWait();
+    void lateAnswerToAnEarlierSearch();
+    void lateAnswerAfterTheEnd();
+    void usualFolder();
+    void namedFolder();
+    void otherFolderTakesEffectAtOnce();
+    void sameStoreStays();
+    void desktopStaysWhenItIsFoundAgain();
+    void changeIsTold();
+    void endLeavesNothing();
+    void current();
+    void machineWithoutAny();
+
+private:
+    static WayfoldDefaults &settings() { return WayfoldDefaults::sharedInstance(); }
+    // What the lists show.
+    static QString shown();
+    void start();
+
+    std::optional<TemporaryHome> _home;
+    QStringList _living; // stores, in the order in which they were made
+    int _made = 0;
+    std::vector<std::function<void(bool)>> _searches;
+    std::optional<ContactSource> _source;
+};
+
+void ContactSourceTest::init()
+{
+    _home.emplace();
+    UserDefaults::standardUserDefaults().reset();
+    settings().loadDefaults();
+}
+
+void ContactSourceTest::cleanup()
+{
+    _source.reset();
+    _searches.clear();
+    _made = 0;
+    _home.reset();
+    UserDefaults::standardUserDefaults().reset();
+}
+
+QString ContactSourceTest::shown()
+{
+    const ContactStore &store = ContactStore::sharedAddressBook();
+    if (const auto *named = dynamic_cast<const NamedContacts *>(&store))
+        return named->name;
+    return store.state() == ContactStore::Loading ? QStringLiteral("loading") : QStringLiteral("none");
+}
+
+void ContactSourceTest::start()
+{
+    ContactSource::Makers makers;
+    makers.lookForDesktop = [this](const std::function<void(bool)> &answer) { _searches.push_back(answer); };
+    makers.desktop = [this] {
+        ++_made;
+        return std::make_unique<NamedContacts>(QStringLiteral("desktop"), _living);
+    };
+    makers.folder = [this](const QString &folder) {
+        ++_made;
+        return std::make_unique<NamedContacts>(folder, _living);
+    };
+    _source.emplace(makers);
+}
+
+void ContactSourceTest::choice_data()
+{
+    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<int>("place");
+    QTest::newRow("desktop") << "desktop"
+                             << "desktop" << int(ContactSource::Desktop);
+    QTest::newRow("folder") << "folder"
+                            << "/cards" << int(ContactSource::Folder);
+    QTest::newRow("none") << "none"
+                          << "none" << int(ContactSource::Nowhere);
+    QTest::newRow("automatic") << ""
+                               << "loading" << int(ContactSource::Search);
+    QTest::newRow("unknown word") << "elsewhere"
+                                  << "loading" << int(ContactSource::Search);
+}
+
+void ContactSourceTest::choice()
+{
+    QFETCH(QString, chosen);
+    settings().setContactSource(chosen);
+    settings().setContactFolder(QStringLiteral("/cards"));
+    start();
+    QTEST(shown(), "expected");
+    QTEST(int(_source->place()), "place");
+    QCOMPARE(_source->folder(), chosen == u"folder" ? QStringLiteral("/cards") : QString());
+    QCOMPARE(_searches.size(), std::size_t(_source->place() == ContactSource::Search));
+}
+
+void ContactSourceTest::desktopComesFirst()
+{
+    start();
+    _searches.at(0)(true);
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+    QCOMPARE(_source->place(), ContactSource::Desktop);
+    QCOMPARE(_living, QStringList{"desktop"});
+}
+
+void ContactSourceTest::withoutDesktopTheFolder()
+{
+    settings().setContactFolder(QStringLiteral("/cards"));
+    start();
+    _searches.at(0)(false);
+    QCOMPARE(shown(), QStringLiteral("/cards"));
+    QCOMPARE(_source->place(), ContactSource::Folder);
+    QCOMPARE(_source->folder(), QStringLiteral("/cards"));
+}
+
+void ContactSourceTest::startDoesNotWait()
+{
+    start();
+    QCOMPARE(shown(), QStringLiteral("loading"));
+    QCOMPARE(_made, 0);
+    _searches.at(0)(false);
+    QCOMPARE(_made, 1);
+}
+
+void ContactSourceTest::lateAnswerToAnEarlierSearch()
+{
+    settings().setContactFolder(QStringLiteral("/cards"));
+    start();
+    settings().setContactSource(QStringLiteral("folder"));
+    _source->followSettings();
+    _searches.at(0)(true);
+    QCOMPARE(shown(), QStringLiteral("/cards"));
+    settings().setContactSource(QString());
+    _source->followSettings();
+    _searches.at(0)(true);
+    QCOMPARE(shown(), QStringLiteral("loading"));
+    _searches.at(1)(true);
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+}
+
+void ContactSourceTest::lateAnswerAfterTheEnd()
+{
+    start();
+    _source.reset();
+    _searches.at(0)(true);
+    QCOMPARE(_made, 0);
+    QCOMPARE(shown(), QStringLiteral("none"));
+}
+
+void ContactSourceTest::usualFolder()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    start();
+    QCOMPARE(shown(), _home->path(QStringLiteral(".contacts")));
+    settings().setContactFolder(QStringLiteral(""));
+    QCOMPARE(ContactSource::chosenFolder(), _home->path(QStringLiteral(".contacts")));
+}
+
+void ContactSourceTest::namedFolder()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("~/my/../cards/"));
+    start();
+    QCOMPARE(shown(), _home->path(QStringLiteral("cards")));
+}
+
+void ContactSourceTest::otherFolderTakesEffectAtOnce()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("/one"));
+    start();
+    settings().setContactFolder(QStringLiteral("/two"));
+    _source->followSettings();
+    QCOMPARE(shown(), QStringLiteral("/two"));
+    QCOMPARE(_living, QStringList{"/two"});
+    settings().setContactSource(QStringLiteral("desktop"));
+    _source->followSettings();
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+    settings().setContactSource(QStringLiteral("none"));
+    _source->followSettings();
+    QCOMPARE(shown(), QStringLiteral("none"));
+    QVERIFY(_living.isEmpty());
+}
+
+void ContactSourceTest::sameStoreStays()
+{
+    settings().setContactFolder(QStringLiteral("/cards"));
+    start();
+    _searches.at(0)(false);
+    settings().setContactSource(QStringLiteral("folder"));
+    _source->followSettings();
+    QCOMPARE(_made, 1);
+    QCOMPARE(shown(), QStringLiteral("/cards"));
+}
+
+void ContactSourceTest::desktopStaysWhenItIsFoundAgain()
+{
+    settings().setContactSource(QStringLiteral("desktop"));
+    start();
+    settings().setContactSource(QString());
+    _source->followSettings();
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+    _searches.at(0)(true);
+    QCOMPARE(_made, 1);
+    _source->followSettings();
+    _searches.at(1)(false); // it has gone meanwhile
+    QCOMPARE(_source->place(), ContactSource::Folder);
+}
+
+void ContactSourceTest::changeIsTold()
+{
+    int told = 0;
+    NotificationCenter::defaultCenter().addObserver(
+        this,
+        [&told](const Notification &notification) {
+            told += notification.object == &ContactStore::sharedAddressBook();
+        },
+        PlatformNotifications::kABDatabaseChangedExternallyNotification);
+    start();
+    QTRY_COMPARE(told, 1);
+    _searches.at(0)(true);
+    QTRY_COMPARE(told, 2);
+    settings().setContactSource(QStringLiteral("none"));
+    _source->followSettings();
+    QTRY_COMPARE(told, 3);
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+void ContactSourceTest::endLeavesNothing()
+{
+    settings().setContactSource(QStringLiteral("desktop"));
+    start();
+    _source.reset();
+    QVERIFY(_living.isEmpty());
+    QCOMPARE(shown(), QStringLiteral("none"));
+}
+
+void ContactSourceTest::current()
+{
+    QVERIFY(!ContactSource::current());
+    start();
+    QCOMPARE(ContactSource::current(), &*_source);
+    _source.reset();
+    QVERIFY(!ContactSource::current());
+}
+
+// Nothing is waited for, and nothing found.
+void ContactSourceTest::machineWithoutAny()
+{
+    _source.emplace();
+    QTRY_COMPARE_WITH_TIMEOUT(ContactStore::sharedAddressBook().state(), ContactStore::Absent, 30'000);
+    QVERIFY(ContactStore::sharedAddressBook().people().empty());
+}
+
+QTEST_MAIN(ContactSourceTest)
+#include "ContactSourceTest.moc"
