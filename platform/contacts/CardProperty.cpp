@@ -1,7 +1,5 @@
 #include "platform/contacts/CardProperty.h"
 
-#include "platform/base/StringRules.h"
-
 #include <memory>
 
 #undef signals
@@ -14,9 +12,11 @@ struct Unref
     void operator()(EVCard *card) const { g_object_unref(card); }
 };
 
-QString textOf(QByteArrayView value)
+// No sign in it but those that are seen.
+QString textOf(QByteArrayView bytes)
 {
-    const QString text = StringRules::trimmed(StringRules::fromUtf8(value));
+    QString text = CardLine::decoded(bytes).simplified();
+    text.removeIf([](QChar sign) { return sign.category() == QChar::Other_Control; });
     return text.isEmpty() ? QString() : text;
 }
 
@@ -29,7 +29,7 @@ CardProperty propertyOf(EVCardAttribute *attribute)
         auto *parameter = static_cast<EVCardAttributeParam *>(at->data);
         const QByteArray name = QByteArray(e_vcard_attribute_param_get_name(parameter)).toUpper();
         for (GList *value = e_vcard_attribute_param_get_values(parameter); value; value = value->next)
-            property.parameters.insert(name, textOf(static_cast<const char *>(value->data)));
+            property.parameters.push_back({name, textOf(static_cast<const char *>(value->data))});
     }
     for (GList *at = e_vcard_attribute_get_values_decoded(attribute); at; at = at->next) {
         const auto *value = static_cast<const GString *>(at->data);
@@ -39,9 +39,12 @@ CardProperty propertyOf(EVCardAttribute *attribute)
 }
 } // namespace
 
-std::vector<CardProperty> CardProperty::fromLines(const QByteArrayList &lines)
+std::vector<CardProperty> CardProperty::fromLines(const std::vector<const CardLine *> &lines)
 {
-    const QByteArray text = "BEGIN:VCARD\r\n" + lines.join("\r\n") + "\r\nEND:VCARD\r\n";
+    QByteArray text = "BEGIN:VCARD\r\n";
+    for (const CardLine *line : lines)
+        text += line->strictText() + "\r\n";
+    text += "END:VCARD\r\n";
     const std::unique_ptr<EVCard, Unref> card(e_vcard_new_from_string(text.constData()));
     std::vector<CardProperty> properties;
     for (GList *at = e_vcard_get_attributes(card.get()); at; at = at->next)
@@ -59,11 +62,24 @@ QString CardProperty::part(qsizetype index) const
     return textOf(parts.value(index));
 }
 
+QString CardProperty::parameter(QByteArrayView parameterName) const
+{
+    for (const Parameter &one : parameters) {
+        if (one.name == parameterName)
+            return one.value;
+    }
+    return {};
+}
+
 QStringList CardProperty::types() const
 {
     QStringList types;
-    const QList<QString> values = parameters.values("TYPE");
-    for (const QString &value : values)
-        types += value.toLower().split(u',', Qt::SkipEmptyParts);
+    for (const Parameter &one : parameters) {
+        if (one.name != "TYPE")
+            continue;
+        // Some programs put several between quotes, or escape the comma.
+        for (QString type : one.value.split(u','))
+            types.append(type.remove(u'\\').trimmed());
+    }
     return types;
 }

@@ -1,30 +1,35 @@
 #pragma once
 
-#include <QByteArray>
+#include "platform/contacts/CardLine.h"
+
 #include <QByteArrayList>
-#include <QMultiHash>
-#include <QString>
 #include <QStringList>
-#include <vector>
 
 // One property of a card, decoded: EMAIL with its parameters and its value.
 class CardProperty
 {
 public:
-    QByteArray name;                            // in capitals
-    QByteArray group;                           // in small letters: "item1" of "item1.EMAIL"
-    QMultiHash<QByteArray, QString> parameters; // by their names in capitals
-    QByteArrayList parts;                       // what semicolons part in the value
+    struct Parameter
+    {
+        QByteArray name; // in capitals
+        QString value;
+    };
 
-    // The properties of these lines, in order. Each is a line by itself, unfolded and in UTF-8; what is no property is
-    // left out.
-    static std::vector<CardProperty> fromLines(const QByteArrayList &lines);
+    QByteArray name;  // in capitals
+    QByteArray group; // in small letters: "item1" of "item1.EMAIL"
+    std::vector<Parameter> parameters;
+    QByteArrayList parts; // of the value, which semicolons part
+
+    // The properties of these lines, in order. What is no property is left out.
+    static std::vector<CardProperty> fromLines(const std::vector<const CardLine *> &lines);
 
     // The value, where semicolons have no meaning.
     QByteArray value() const { return parts.join(';'); }
-    // The value, and a part of it, as text; without white space around it, null when that leaves nothing.
+    // The value, and a part of it, as text on one line; null when there is nothing.
     QString text() const;
     QString part(qsizetype index) const;
-    // The TYPE parameters, in small letters.
+    // The first parameter of the name, null when there is none.
+    QString parameter(QByteArrayView parameterName) const;
+    // The TYPE parameters, as they are written.
     QStringList types() const;
 };

@@ -8,6 +8,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 #include <QUrl>
 
@@ -37,18 +38,21 @@ const QSet<QByteArray> &wantedNames()
     return names;
 }
 
-Properties propertiesOf(const QByteArrayList &lines, const QSet<QByteArray> &names)
+int mostOf(const QByteArray &name)
 {
-    QByteArrayList wanted;
-    QHash<QByteArray, int> count;
-    for (const QByteArray &line : lines) {
-        const QByteArray name = CardText::nameOfLine(line);
-        if (!names.contains(name) || line.count(';') > ContactCards::maximumParts)
-            continue;
-        const int most =
-            name.endsWith("MEMBER") || name == "EMAIL" ? ContactCards::maximumMembers : ContactCards::maximumValues;
-        if (++count[name] <= most)
-            wanted.append(line);
+    const bool isMember = name == "EMAIL" || name.endsWith("MEMBER");
+    return isMember ? ContactCards::maximumMembers : ContactCards::maximumValues;
+}
+
+Properties propertiesOf(const std::vector<CardLine> &lines, const QSet<QByteArray> &names)
+{
+    std::vector<const CardLine *> wanted;
+    QHash<QByteArray, int> counts;
+    for (const CardLine &line : lines) {
+        // Parting a value costs the square of its parts.
+        if (names.contains(line.name) && line.value.count(';') <= CardLine::maximumParts &&
+            ++counts[line.name] <= mostOf(line.name))
+            wanted.push_back(&line);
     }
     return CardProperty::fromLines(wanted);
 }
@@ -85,67 +89,84 @@ QString without(const QString &scheme, const QString &text)
     return text.startsWith(scheme, Qt::CaseInsensitive) ? text.mid(scheme.size()) : text;
 }
 
-// An identifier that is cut would be another's.
-QString identifier(const QString &text)
+// What means something else when it is cut.
+QString whole(const QString &text)
 {
-    const QString id = without(QStringLiteral("urn:uuid:"), text);
-    return id.isEmpty() || id.size() > ContactCards::maximumText ? QString() : id;
+    return text.isEmpty() || text.size() > ContactCards::maximumText ? QString() : text;
 }
 
-QString labelOf(const CardProperty &value, const Properties &properties)
+QString identifier(const QString &text)
 {
+    return whole(without(QStringLiteral("urn:uuid:"), text));
+}
+
+// The labels that stand beside values, by the groups of both.
+QHash<QByteArray, QString> labelsIn(const Properties &properties)
+{
+    QHash<QByteArray, QString> labels;
     for (const CardProperty &one : properties) {
-        if (one.name == "X-ABLABEL" && !value.group.isEmpty() && one.group == value.group && !one.text().isNull())
-            return cut(ContactLabels::ofText(one.text()));
+        if (one.name == "X-ABLABEL" && !one.group.isEmpty() && !one.text().isNull())
+            labels.insert(one.group, ContactLabels::ofText(one.text()));
     }
-    return cut(ContactLabels::ofTypes(value.types()));
+    return labels;
 }
 
 // 1 for the one that is to be taken first, to 100; 101 where the card says nothing.
 int preference(const CardProperty &value)
 {
-    if (value.types().contains(QStringLiteral("pref")))
+    if (value.types().contains(QStringLiteral("pref"), Qt::CaseInsensitive))
         return 1;
     bool isNumber = false;
-    const int number = value.parameters.value("PREF").toInt(&isNumber);
+    const int number = value.parameter("PREF").toInt(&isNumber);
     return isNumber && number >= 1 && number <= 100 ? number : 101;
 }
 
 void readValues(const Properties &properties, QByteArrayView name, const QString &scheme,
                 std::vector<ContactValue> &values, int &primary)
 {
+    const QHash<QByteArray, QString> labels = labelsIn(properties);
     int best = 101;
     for (const CardProperty &one : properties) {
-        if (one.name != name || values.size() >= ContactCards::maximumValues)
-            continue;
-        const QString value = without(scheme, one.text());
-        if (value.isEmpty() || value.size() > ContactCards::maximumText)
+        const QString value = one.name == name ? whole(without(scheme, one.text())) : QString();
+        if (value.isNull() || values.size() >= ContactCards::maximumValues)
             continue;
         if (preference(one) < best) {
             best = preference(one);
             primary = int(values.size());
         }
-        values.push_back({labelOf(one, properties), value});
+        const QString label = labels.value(one.group);
+        values.push_back({cut(label.isEmpty() ? ContactLabels::ofTypes(one.types()) : label), value});
     }
+}
+
+// Part of a name, of which there may be several: "M.D.,Ph.D.".
+QString nameIn(const CardProperty &property, qsizetype index)
+{
+    static const QRegularExpression betweenTwo(QStringLiteral(",(?=\\S)"));
+    return cut(property.part(index).replace(betweenTwo, QStringLiteral(", ")));
 }
 
 PersonName nameInParts(const Properties &properties)
 {
-    const CardProperty *name = property(properties, "N");
-    return name ? PersonName{cut(name->part(1)), cut(name->part(0)), cut(name->part(4))} : PersonName();
+    for (const CardProperty &one : properties) {
+        const PersonName name = {nameIn(one, 1), nameIn(one, 0), nameIn(one, 4)};
+        if (one.name == "N" && !name.isNone())
+            return name;
+    }
+    return {};
 }
 
 void readNames(const Properties &properties, ContactRecord &record)
 {
     const bool isCompany = says(properties, "KIND", "org") || says(properties, "X-ABSHOWAS", "COMPANY");
     const CardProperty *organization = property(properties, "ORG");
-    const QString whole = cut(text(properties, "FN"));
+    const QString shown = cut(text(properties, "FN"));
     record.organization = organization ? cut(organization->part(0)) : QString();
     if (isCompany && record.organization.isNull())
-        record.organization = whole;
+        record.organization = shown;
     PersonName name = nameInParts(properties);
-    if (name.isNone() && !whole.isNull() && whole.compare(record.organization, Qt::CaseInsensitive) != 0 && !isCompany)
-        name = PersonName::fromText(whole);
+    if (name.isNone() && !isCompany && shown.compare(record.organization, Qt::CaseInsensitive) != 0)
+        name = PersonName::fromText(shown);
     record.firstName = name.first;
     record.lastName = name.last;
     record.suffix = name.suffix;
@@ -161,18 +182,23 @@ QString addressIn(const QString &text)
     return start >= 0 && end > start ? text.mid(start + 1, end - start - 1) : text;
 }
 
+// Of somebody without a card: the address.
+QString mailMember(const QString &address)
+{
+    return address.isEmpty() ? QString() : QStringLiteral("mailto:") + address;
+}
+
 QString memberOf(const CardProperty &one)
 {
-    static const QString mail = QStringLiteral("mailto:");
+    const QString text = one.text();
     if (one.name != "EMAIL") {
-        const QString member = one.text();
-        return member.startsWith(mail, Qt::CaseInsensitive) ? mail + member.mid(mail.size()) : identifier(member);
+        const QString address = without(QStringLiteral("mailto:"), text);
+        return address == text ? identifier(text) : mailMember(address);
     }
-    if (const QString id = identifier(one.parameters.value("X-EVOLUTION-DEST-CONTACT-UID")); !id.isNull())
+    if (const QString id = identifier(one.parameter("X-EVOLUTION-DEST-CONTACT-UID")); !id.isNull())
         return id;
-    const QString named = one.parameters.value("X-EVOLUTION-DEST-EMAIL");
-    const QString address = named.isEmpty() ? addressIn(one.text()) : named;
-    return address.isEmpty() ? QString() : mail + address;
+    const QString address = one.parameter("X-EVOLUTION-DEST-EMAIL");
+    return mailMember(address.isEmpty() ? addressIn(text) : address);
 }
 
 QStringList membersIn(const Properties &properties, const QByteArrayList &names)
@@ -180,10 +206,8 @@ QStringList membersIn(const Properties &properties, const QByteArrayList &names)
     QStringList members;
     QSet<QString> known;
     for (const CardProperty &one : properties) {
-        if (!names.contains(one.name))
-            continue;
-        const QString member = memberOf(one);
-        if (member.isEmpty() || member.size() > ContactCards::maximumText || known.contains(member))
+        const QString member = names.contains(one.name) ? whole(memberOf(one)) : QString();
+        if (member.isNull() || known.contains(member))
             continue;
         known.insert(member);
         members.append(member);
@@ -214,7 +238,7 @@ ContactRecord recordOf(const Properties &properties)
     }
     readNames(properties, record);
     const QString page = text(properties, "URL");
-    record.homePage = cut(page.isNull() ? text(properties, "X-EVOLUTION-BLOG-URL") : page);
+    record.homePage = whole(page.isNull() ? text(properties, "X-EVOLUTION-BLOG-URL") : page);
     readValues(properties, "TEL", QStringLiteral("tel:"), record.phones, record.primaryPhone);
     readValues(properties, "EMAIL", QStringLiteral("mailto:"), record.emails, record.primaryEmail);
     return record;
@@ -241,15 +265,13 @@ QByteArray contentsOfAddress(const QByteArray &address)
                                                                  : QByteArray::fromPercentEncoding(data);
     }
     const QUrl url(QString::fromUtf8(address.trimmed()));
-    return url.isLocalFile() ? contentsOf(url.toLocalFile()) : QByteArray();
+    const bool isHere = url.isLocalFile() && (url.host().isEmpty() || url.host() == QStringLiteral("localhost"));
+    return isHere ? contentsOf(url.path(QUrl::FullyDecoded)) : QByteArray();
 }
 
 QByteArray pictureOf(const CardProperty &photo)
 {
-    const QString encoding = photo.parameters.value("ENCODING").toUpper();
-    if (encoding == QStringLiteral("B") || encoding == QStringLiteral("BASE64"))
-        return photo.value();
-    return contentsOfAddress(photo.value());
+    return photo.parameter("ENCODING") == QStringLiteral("b") ? photo.value() : contentsOfAddress(photo.value());
 }
 } // namespace
 

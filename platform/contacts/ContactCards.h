@@ -16,12 +16,10 @@ struct Card
 
 // A card that says more is read up to here. Texts in UTF-16 units: longer names are cut; longer addresses, numbers and
 // identifiers left out, since their beginnings mean something else.
-constexpr int maximumText = 1000;
+constexpr int maximumText = 2000;
 // Telephone numbers, and e-mail addresses; a group's members.
 constexpr int maximumValues = 100;
 constexpr int maximumMembers = 10000;
-// Semicolons in a line; one with more is left out.
-constexpr int maximumParts = 50;
 // Bytes of a picture; a larger one is none.
 constexpr qsizetype maximumPicture = 5 * 1024 * 1024;
 

@@ -21,8 +21,8 @@ bool saysNothing(const QString &type)
 QString ownWord(const QStringList &types)
 {
     for (const QString &type : types) {
-        if (!saysNothing(type))
-            return type.startsWith(QStringLiteral("x-")) ? type.mid(2) : type;
+        if (!type.isEmpty() && !saysNothing(type.toLower()))
+            return type.startsWith(QStringLiteral("x-"), Qt::CaseInsensitive) ? type.mid(2) : type;
     }
     return {};
 }
@@ -30,7 +30,7 @@ QString ownWord(const QStringList &types)
 
 QString ContactLabels::ofTypes(const QStringList &types)
 {
-    const auto has = [&types](const char *type) { return types.contains(QLatin1String(type)); };
+    const auto has = [&types](const char *type) { return types.contains(QLatin1String(type), Qt::CaseInsensitive); };
     if (has("pager"))
         return QStringLiteral("pager");
     if (has("fax"))

@@ -8,7 +8,8 @@
 // A telephone number or an e-mail address of a card.
 struct ContactValue
 {
-    // What it is for: one of the words of ContactLabels ("home", "work", "mobile", ...), the user's own word, or empty.
+    // What it is for, whatever program wrote the card: "home", "work", "mobile", "main", "fax", "home fax", "work fax",
+    // "pager", "car", "video", "text", "other", or else the user's own words as they stand; empty when it is not said.
     QString label;
     QString value;
 
