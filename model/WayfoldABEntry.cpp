@@ -167,8 +167,7 @@ std::shared_ptr<Image> WayfoldABEntry::image()
     if (!record || !isPersonOrOrganization())
         return nullptr;
     const ContactStore &store = ContactStore::sharedAddressBook();
-    const bool mayHaveCome = !_picture && _picturedGeneration != store.generation();
-    if (record != _picturedRecord || mayHaveCome) {
+    if (_picturedGeneration != store.generation() && (!_picture || record != _picturedRecord)) {
         _picturedRecord = record;
         _picturedGeneration = store.generation();
         _picture = ContactPicture::fromData(store.imageData(*record));

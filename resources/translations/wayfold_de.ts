@@ -931,5 +931,81 @@ Sichern Sie die Seite mit %@, schreiben Sie mit dem Knopf unten eine Notiz, oder
         <source>Group</source>
         <translation>Gruppe</translation>
     </message>
+    <message>
+        <source>Invalid</source>
+        <translation>Ungültig</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Unnamed Person</source>
+        <translation>Unbenannte Person</translation>
+    </message>
+    <message>
+        <source>Unnamed Organization</source>
+        <translation>Unbenannte Organisation</translation>
+    </message>
+    <message>
+        <source>Unnamed Group</source>
+        <translation>Unbenannte Gruppe</translation>
+    </message>
+    <message>
+        <source>home</source>
+        <translation>privat</translation>
+    </message>
+    <message>
+        <source>work</source>
+        <translation>geschäftlich</translation>
+    </message>
+    <message>
+        <source>mobile</source>
+        <translation>mobil</translation>
+    </message>
+    <message>
+        <source>main</source>
+        <translation>Zentrale</translation>
+    </message>
+    <message>
+        <source>fax</source>
+        <translation>Fax</translation>
+    </message>
+    <message>
+        <source>home fax</source>
+        <translation>Fax privat</translation>
+    </message>
+    <message>
+        <source>work fax</source>
+        <translation>Fax geschäftlich</translation>
+    </message>
+    <message>
+        <source>pager</source>
+        <translation>Pager</translation>
+    </message>
+    <message>
+        <source>car</source>
+        <translation>Auto</translation>
+    </message>
+    <message>
+        <source>video</source>
+        <translation>Video</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>SMS</translation>
+    </message>
+    <message>
+        <source>other</source>
+        <translation>andere</translation>
+    </message>
+    <message>
+        <source>phone</source>
+        <translation>Telefon</translation>
+    </message>
+    <message>
+        <source>email</source>
+        <translation>E-Mail</translation>
+    </message>
 </context>
 </TS>
