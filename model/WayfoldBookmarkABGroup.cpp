@@ -3,6 +3,7 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
+#include "model/TextSearch.h"
 #include "model/WayfoldBookmarkABPerson.h"
 
 namespace
@@ -118,6 +119,11 @@ KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record,
 bool WayfoldBookmarkABGroup::isWithinItself() const
 {
     return _groupsAround.contains(_addressBookEntry->addressBookID());
+}
+
+bool WayfoldBookmarkABGroup::matches(const TextSearch &search) const
+{
+    return search.isFoundIn(title());
 }
 
 void WayfoldBookmarkABGroup::loadFromDictionary(const QVariantMap &dictionary)

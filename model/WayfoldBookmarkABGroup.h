@@ -39,6 +39,8 @@ public:
     bool canBePersistent() const override { return true; }
     // Looks the members up anew, sorted by title.
     bool refresh() override;
+    // By the title as it is now.
+    bool matches(const TextSearch &search) const override;
     void loadFromDictionary(const QVariantMap &dictionary) override;
     void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
     bool isEqual(const KDRBookmark &other) const override;

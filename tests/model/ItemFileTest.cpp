@@ -1,7 +1,11 @@
 #include "tests/model/ModelTestSupport.h"
 
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkAutoFolder.h"
 #include "platform/files/PropertyList.h"
+#include "tests/support/MemoryContacts.h"
+#include "tests/support/PythonScript.h"
 
 #include <QtTest>
 
@@ -25,6 +29,10 @@ private Q_SLOTS:
     void writesEveryKind();
     void writesAnEmptyRoot();
     void readsWhatItWrote();
+    void peopleComeThrough_data();
+    void peopleComeThrough();
+    void othersReadPeople();
+    void groupsAreWrittenAlone();
     void smartFoldersAreLeftOut();
     void historyEntriesTravelEmpty();
     void rawSearchStringIsWritten();
@@ -167,6 +175,97 @@ void ItemFileTest::readsWhatItWrote()
     QCOMPARE(_home->read("Bookmarks.plist"), first);
 }
 
+void ItemFileTest::peopleComeThrough_data()
+{
+    QTest::addColumn<bool>("areThere");
+    QTest::addColumn<QStringList>("titles");
+    QTest::newRow("contacts") << true << QStringList({"Ann Bell", "Friends", "Kettle", "Note", "Invalid"});
+    QTest::newRow("no contacts") << false << QStringList({"Invalid", "Invalid", "Invalid", "Note", "Invalid"});
+}
+
+void ItemFileTest::peopleComeThrough()
+{
+    QFETCH(bool, areThere);
+    MemoryContacts contacts;
+    if (areThere) {
+        contacts.set(MemoryContacts::person("ann", "Ann", "Bell"));
+        contacts.set(MemoryContacts::group("friends", "Friends", {"ann"}));
+        contacts.set(MemoryContacts::company("kettle", "Kettle"));
+    }
+    const auto entry = [](const char *type, const char *id, const char *uuid) {
+        return QVariantMap{{"WebBookmarkType", type}, {"AddressBookID", id}, {"WebBookmarkUUID", uuid}};
+    };
+    const QVariantMap note{{"WebBookmarkType", "WebBookmarkTypeNote"},
+                           {"WebBookmarkUUID", "note"},
+                           {"Note", "text"},
+                           {"URIDictionary", QVariantMap{{"title", "Note"}, {"", ""}}}};
+    const QVariantMap file{
+        {"WebBookmarkType", "WebBookmarkTypeList"},
+        {"WebBookmarkUUID", "root"},
+        {"Title", "Root"},
+        {"SearchString", "Root"},
+        {"Children", QVariantList{entry("ABPerson", "ann", "own identifier"), entry("ABGroup", "friends", "friends"),
+                                  entry("ABPerson", "kettle", "kettle"), note, entry("ABPerson", "gone", "gone")}}};
+    QVERIFY(PropertyList::writeFile(file, path()));
+    const QByteArray written = _home->read("Bookmarks.plist");
+    ItemFileReading reading;
+    const auto root = readBack(&reading);
+    QTEST(childTitles(*root), "titles");
+    QVERIFY(reading.complete);
+    QCOMPARE(reading.skippedEntries, 0);
+    root->refresh();
+    for (const KDRBookmarkPtr &item : root->children())
+        item->ensureUpToDate();
+    QVERIFY(root->writeDictionaryFile(path()));
+    QCOMPARE(_home->read("Bookmarks.plist"), written);
+}
+
+void ItemFileTest::othersReadPeople()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("ann:ABPerson", "Ann", "Bell"));
+    contacts.set(MemoryContacts::group("B\u00fcro <1>", "Friends", {"ann:ABPerson"}));
+    const auto root = makeFolder("Root", {WayfoldBookmarkABPerson::bookmarkWithID("ann:ABPerson"),
+                                          WayfoldBookmarkABGroup::bookmarkWithID("B\u00fcro <1>"),
+                                          WayfoldBookmarkABPerson::bookmarkWithRecord(nullptr)});
+    root->childAtIndex(0)->setUUID("own");
+    root->refresh();
+    QVERIFY(root->writeDictionaryFile(path()));
+    const QString failure = runPython(*_home, "d = plistlib.load(open('Bookmarks.plist', 'rb'))\n"
+                                              "assert d['Children'] == [\n"
+                                              " {'WebBookmarkType': 'ABPerson', 'AddressBookID': 'ann:ABPerson',\n"
+                                              "  'WebBookmarkUUID': 'own'},\n"
+                                              " {'WebBookmarkType': 'ABGroup', 'AddressBookID': 'B\\u00fcro <1>',\n"
+                                              "  'WebBookmarkUUID': 'B\\u00fcro <1>'},\n"
+                                              " {'WebBookmarkType': 'ABPerson', 'AddressBookID': '',\n"
+                                              "  'WebBookmarkUUID': ''}], d\n"
+                                              "plistlib.dump(d, open('Bookmarks.plist', 'wb'))\n");
+    QVERIFY2(failure.isNull(), qPrintable(failure));
+    // And the other way round.
+    const auto read = readBack();
+    QCOMPARE(childTitles(*read), QStringList({"Ann Bell", "Friends", "Invalid"}));
+    QCOMPARE(read->childAtIndex(0)->uuid(), QStringLiteral("own"));
+}
+
+void ItemFileTest::groupsAreWrittenAlone()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("ann", "Ann", "Bell"));
+    contacts.set(MemoryContacts::group("friends", "Friends", {"ann"}));
+    const auto friends = WayfoldBookmarkABGroup::bookmarkWithID("friends");
+    friends->ensureUpToDate();
+    const auto site = makeFolder("Site", {friends});
+    site->addAutoFolders();
+    QCOMPARE(site->childCount(), 3u);
+    QCOMPARE(site->persistentChildCount(), 2u); // the group and whom it holds, deliberately
+    const auto copy = std::static_pointer_cast<WayfoldBookmarkFolder>(site->copy());
+    QVERIFY(makeFolder("Root", {site})->writeDictionaryFile(path()));
+    const auto read = WayfoldBookmarkFolder::fromItem(readBack()->childAtIndex(0));
+    QCOMPARE(childTitles(*read), QStringList{"Friends"});
+    QCOMPARE(WayfoldBookmarkFolder::fromItem(read->childAtIndex(0))->childCount(), 0u);
+    QCOMPARE(copy->persistentChildCount(), 2u);
+}
+
 void ItemFileTest::smartFoldersAreLeftOut()
 {
     const auto site = makeFolder("example.com", {makeLink("Page")});
@@ -260,6 +359,12 @@ void ItemFileTest::entries_data()
     QTest::newRow("note") << QVariant(note) << 4;
     QTest::newRow("note, no title") << with(note, "URIDictionary", QVariantMap()) << 0;
     QTest::newRow("note, empty title") << with(note, "URIDictionary", QVariantMap{{"title", ""}}) << 0;
+    const QVariantMap person{{"WebBookmarkType", "ABPerson"}, {"AddressBookID", "nobody"}};
+    QTest::newRow("person") << QVariant(person) << 7;
+    QTest::newRow("person, no card") << with(person, "AddressBookID", QVariant()) << 7;
+    QTest::newRow("group") << with(person, "WebBookmarkType", "ABGroup") << 8;
+    QTest::newRow("group, no card") << QVariant(QVariantMap{{"WebBookmarkType", "ABGroup"}}) << 8;
+    QTest::newRow("person, other case") << with(person, "WebBookmarkType", "abPerson") << 0;
     QTest::newRow("proxy") << with(list("T", {}), "WebBookmarkType", "WebBookmarkTypeProxy") << 0;
     QTest::newRow("other case") << with(list("T", {}), "WebBookmarkType", "webbookmarktypelist") << 0;
     QTest::newRow("no type") << with(list("T", {}), "WebBookmarkType", QVariant()) << 0;
@@ -282,7 +387,7 @@ void ItemFileTest::entries()
     if (type == 0)
         return;
     QCOMPARE(int(root->childAtIndex(1)->type()), type);
-    QCOMPARE(root->childAtIndex(1)->title(), "T");
+    QCOMPARE(root->childAtIndex(1)->title(), type < 7 ? "T" : "Invalid"); // there are no contacts
     QCOMPARE(root->childAtIndex(1)->parent(), root);
 }
 
@@ -412,6 +517,13 @@ void ItemFileTest::report_data()
                                                          {"URIDictionary", QVariantMap{{"title", "T"}}},
                                                          {"Note", QString(40000, 'a')}}})
                                << 0 << false;
+    const QVariantMap person{{"WebBookmarkType", "ABPerson"}, {"AddressBookID", "id"}, {"WebBookmarkUUID", "own"}};
+    QTest::newRow("person") << list("R", {person}) << 0 << true;
+    QTest::newRow("person without an identifier") << list("R", {with(person, "WebBookmarkUUID", "")}) << 0 << true;
+    QTest::newRow("person with a title") << list("R", {with(person, "Title", "Ann")}) << 0 << false;
+    const QVariantMap group = with(person, "WebBookmarkType", "ABGroup");
+    QTest::newRow("group") << list("R", {group}) << 0 << true;
+    QTest::newRow("group with members") << list("R", {with(group, "Children", QVariantList{person})}) << 1 << false;
     QTest::newRow("two addresses") << list("R", {with(page, "URLString", "http://b.example/")}) << 0 << false;
 }
 

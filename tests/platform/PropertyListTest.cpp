@@ -1,5 +1,6 @@
 #include "platform/files/PropertyList.h"
 #include "tests/support/LoggedMessages.h"
+#include "tests/support/PythonScript.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QCoreApplication>
@@ -139,19 +140,6 @@ QByteArray json(const QStringList &texts)
         items.append('"' + item + '"');
     }
     return '[' + items.join(',') + ']';
-}
-
-// Runs a script of Python, whose own reader and writer of property lists know nothing of ours; null when nothing in it
-// failed.
-QString runPython(const TemporaryHome &home, const QByteArray &script)
-{
-    home.write("script.py", "import datetime, json, plistlib\n" + script);
-    QProcess process;
-    process.setWorkingDirectory(home.path());
-    process.start(QStandardPaths::findExecutable("python3"), {home.path("script.py")});
-    const bool hasSucceeded =
-        process.waitForFinished() && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-    return hasSucceeded ? QString() : process.errorString() + process.readAllStandardError();
 }
 
 QString programPath()

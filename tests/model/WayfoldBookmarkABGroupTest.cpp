@@ -1,0 +1,614 @@
+#include "model/WayfoldBookmarkABGroup.h"
+
+#include "core/settings/WayfoldToolkit.h"
+#include "model/WayfoldBookmarkABPerson.h"
+#include "platform/files/PropertyList.h"
+#include "tests/model/ModelTestSupport.h"
+#include "tests/support/MemoryContacts.h"
+
+#include <QtTest>
+#include <atomic>
+#include <thread>
+
+class WayfoldBookmarkABGroupTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<FreshHome> _home;
+    std::unique_ptr<MemoryContacts> _contacts;
+
+    void setPerson(const QString &id, const QStringList &emails = {})
+    {
+        _contacts->set(MemoryContacts::person(id, id, {}, emails));
+    }
+    WayfoldBookmarkABGroupPtr group(const QString &id, const QStringList &members)
+    {
+        _contacts->set(MemoryContacts::group(id, id, members));
+        return WayfoldBookmarkABGroup::bookmarkWithID(id);
+    }
+    static WayfoldBookmarkABGroupPtr groupAt(const WayfoldBookmarkFolder &folder, unsigned index)
+    {
+        return std::dynamic_pointer_cast<WayfoldBookmarkABGroup>(folder.childAtIndex(index));
+    }
+    // Titles, with those of a group's members behind it: "g(a b h(c))".
+    static QString treeOf(const WayfoldBookmarkFolder &folder)
+    {
+        QStringList rows;
+        for (const KDRBookmarkPtr &item : folder.children())
+            rows.append(item->isFolder() ? treeOf(static_cast<const WayfoldBookmarkFolder &>(*item)) : item->title());
+        return QStringLiteral("%1(%2)").arg(folder.title(), rows.join(u' '));
+    }
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void madeFromIdentifier();
+    void madeFromEntry();
+    void withoutAnEntry();
+    void kinds();
+    void value();
+    void titleIsLookedUpAtEachCall();
+    void policies();
+
+    void membersAreSortedByTitle();
+    void membersOfEveryKind();
+    void membersHaveNoParent();
+    void subgroupsAreFilled();
+    void filledWhenLookedInto();
+    void refreshIsNoLoading();
+    void membersFollowTheContacts();
+    void cardThatComesLater();
+    void deletedCard();
+    void refreshedWithItsFolder();
+    void oneRefreshAtATime();
+
+    void groupsWithinThemselves_data();
+    void groupsWithinThemselves();
+    void groupsThatUnfoldWithoutEnd();
+    void groupsInLongChains();
+
+    void emailAddresses();
+    void emailAddressesOfSubgroups();
+    void emailAddressesOfManyMembers();
+
+    void search();
+    void equality();
+    void copies();
+    void archive();
+    void dictionary();
+    void readDictionary();
+    void image();
+    void removedWithSmartFolders();
+};
+
+void WayfoldBookmarkABGroupTest::init()
+{
+    _home = std::make_unique<FreshHome>();
+    _contacts = std::make_unique<MemoryContacts>();
+}
+
+void WayfoldBookmarkABGroupTest::cleanup()
+{
+    _contacts.reset();
+    _home.reset();
+}
+
+void WayfoldBookmarkABGroupTest::madeFromIdentifier()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QCOMPARE(friends->uuid(), QStringLiteral("friends"));
+    QCOMPARE(friends->title(), QStringLiteral("friends"));
+    QCOMPARE(friends->valueAsString(), QStringLiteral("friends"));
+    QCOMPARE(friends->addressBookEntry()->entryType(), WayfoldABEntry::Group);
+    QVERIFY(!friends->isLoaded());
+    QVERIFY(friends->timestamp().isValid());
+    QCOMPARE(WayfoldBookmarkABGroup::bookmarkWithID("nobody")->title(), QStringLiteral("Invalid"));
+}
+
+void WayfoldBookmarkABGroupTest::madeFromEntry()
+{
+    const WayfoldABEntryPtr entry = group("friends", {})->addressBookEntry();
+    const WayfoldBookmarkABGroupPtr friends = WayfoldBookmarkABGroup::bookmarkWithRecord(entry);
+    QVERIFY(friends->addressBookEntry() == entry);
+    QCOMPARE(friends->uuid(), QStringLiteral("friends"));
+}
+
+void WayfoldBookmarkABGroupTest::withoutAnEntry()
+{
+    const WayfoldBookmarkABGroupPtr none = WayfoldBookmarkABGroup::bookmarkWithRecord(nullptr);
+    QVERIFY(none->title().isNull());
+    QVERIFY(none->uuid().isNull());
+    QVERIFY(none->refresh());
+    QVERIFY(none->isEmpty());
+    QVERIFY(none->primaryEmailAddressList().isEmpty());
+    const QVariantMap expected{{"WebBookmarkType", "ABGroup"}, {"AddressBookID", ""}, {"WebBookmarkUUID", ""}};
+    QCOMPARE(none->createDictionary(true), expected);
+}
+
+void WayfoldBookmarkABGroupTest::kinds()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QCOMPARE(int(friends->type()), 8);
+    QCOMPARE(friends->typeDescription(), QStringLiteral("Group"));
+    QVERIFY(friends->isFolder());
+    QVERIFY(friends->tooltipText().isNull());
+}
+
+void WayfoldBookmarkABGroupTest::value()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QVERIFY(friends->value().value<WayfoldABEntryPtr>() == friends->addressBookEntry());
+    const WayfoldABEntryPtr other = group("other", {})->addressBookEntry();
+    friends->setValue(QVariant::fromValue(other));
+    QVERIFY(friends->addressBookEntry() == other);
+    QCOMPARE(friends->uuid(), QStringLiteral("friends"));
+    friends->setValue(QStringLiteral("friends")); // of another type
+    QVERIFY(friends->addressBookEntry() == other);
+    friends->setValueFromID("friends");
+    QCOMPARE(friends->title(), QStringLiteral("friends"));
+    friends->setValue(QVariant());
+    QVERIFY(!friends->addressBookEntry());
+}
+
+void WayfoldBookmarkABGroupTest::titleIsLookedUpAtEachCall()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QCOMPARE(friends->title(), QStringLiteral("friends"));
+    _contacts->set(MemoryContacts::group("friends", "Good friends", {}));
+    QCOMPARE(friends->title(), QStringLiteral("Good friends"));
+    QCOMPARE(friends->filterString(), QStringLiteral("Good friends"));
+    _contacts->take("friends");
+    QCOMPARE(friends->title(), QStringLiteral("Invalid"));
+}
+
+void WayfoldBookmarkABGroupTest::policies()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QVERIFY(friends->canBePersistent());
+    QVERIFY(!friends->acceptsDroppedItems());
+    const auto smart = WayfoldAutoFolder::bookmarkWithTitle("Smart");
+    smart->addChild(friends);
+    QVERIFY(friends->canBePersistent());
+}
+
+// --- Members --------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkABGroupTest::membersAreSortedByTitle()
+{
+    for (const char *id : {"zoe", "Bob", "ann"})
+        setPerson(id);
+    _contacts->set(MemoryContacts::group("club", "club", {}));
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"zoe", "club", "Bob", "ann"});
+    QVERIFY(friends->refresh());
+    QCOMPARE(childTitles(*friends), QStringList({"ann", "Bob", "club", "zoe"}));
+}
+
+void WayfoldBookmarkABGroupTest::membersOfEveryKind()
+{
+    setPerson("ann");
+    _contacts->set(MemoryContacts::company("kettle", "kettle"));
+    ContactRecord unknown = MemoryContacts::person("unknown", "unknown", {});
+    unknown.flags = 3;
+    _contacts->set(unknown);
+    _contacts->set(MemoryContacts::group("sub", "sub", {}));
+    const WayfoldBookmarkABGroupPtr friends =
+        group("friends", {"ann", "kettle", "unknown", "nobody", "sub", "mailto:bob@a.example"});
+    friends->refresh();
+    QCOMPARE(childTitles(*friends), QStringList({"ann", "bob@a.example", "kettle", "sub"}));
+    QCOMPARE(int(friends->childAtIndex(0)->type()), 7);
+    QCOMPARE(friends->childAtIndex(2)->typeDescription(), QStringLiteral("Organization"));
+    QCOMPARE(int(friends->childAtIndex(3)->type()), 8);
+    QCOMPARE(friends->childAtIndex(0)->uuid(), QStringLiteral("ann"));
+    QCOMPARE(groupAt(*friends, 3)->addressBookEntry()->addressBookID(), QStringLiteral("sub"));
+}
+
+void WayfoldBookmarkABGroupTest::membersHaveNoParent()
+{
+    setPerson("ann");
+    group("sub", {"ann"});
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann", "sub"});
+    friends->refresh();
+    for (const KDRBookmarkPtr &member : friends->children())
+        QVERIFY(!member->parent());
+    const KDRBookmarkPtr ann = friends->childAtIndex(0);
+    QVERIFY(ann->canBePersistent());
+    QVERIFY(ann->acceptsDroppedItems());
+    QCOMPARE(ann->childIsAtIndex(), -1);
+    QVERIFY(!ann->isChildOf(friends));
+    QVERIFY(!groupAt(*friends, 1)->childAtIndex(0)->parent());
+}
+
+void WayfoldBookmarkABGroupTest::subgroupsAreFilled()
+{
+    for (const char *id : {"ann", "bob", "cy"})
+        setPerson(id);
+    group("inmost", {"cy"});
+    group("inner", {"inmost", "bob"});
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"inner", "ann"});
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("friends(ann inner(bob inmost(cy)))"));
+}
+
+void WayfoldBookmarkABGroupTest::filledWhenLookedInto()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    QVERIFY(friends->isEmpty());
+    friends->ensureUpToDate();
+    QVERIFY(friends->isLoaded());
+    QCOMPARE(childTitles(*friends), QStringList{"ann"});
+    const KDRBookmarkPtr ann = friends->childAtIndex(0);
+    friends->ensureUpToDate();
+    QVERIFY(friends->childAtIndex(0) == ann); // only the first time
+}
+
+void WayfoldBookmarkABGroupTest::refreshIsNoLoading()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    QVERIFY(friends->refresh());
+    QVERIFY(!friends->isLoaded());
+    friends->setFilterString("text"); // of no meaning here, but it is kept
+    QCOMPARE(friends->filterString(), QStringLiteral("text"));
+    QCOMPARE(childTitles(*friends), QStringList{"ann"});
+}
+
+void WayfoldBookmarkABGroupTest::membersFollowTheContacts()
+{
+    setPerson("ann");
+    setPerson("bob");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->ensureUpToDate();
+    group("friends", {"bob"});
+    QCOMPARE(childTitles(*friends), QStringList{"ann"});
+    friends->refresh();
+    QCOMPARE(childTitles(*friends), QStringList{"bob"});
+    _contacts->take("bob");
+    friends->refresh();
+    QVERIFY(friends->isEmpty());
+}
+
+void WayfoldBookmarkABGroupTest::cardThatComesLater()
+{
+    const WayfoldBookmarkABGroupPtr friends = WayfoldBookmarkABGroup::bookmarkWithID("friends");
+    friends->ensureUpToDate();
+    QCOMPARE(treeOf(*friends), QStringLiteral("Invalid()"));
+    setPerson("ann");
+    group("friends", {"ann"});
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("friends(ann)"));
+}
+
+void WayfoldBookmarkABGroupTest::deletedCard()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->ensureUpToDate();
+    _contacts->take("friends");
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("Invalid()"));
+    QCOMPARE(friends->typeDescription(), QStringLiteral("Group"));
+    QVERIFY(friends->imageForCellSize({16, 16}));
+    QVERIFY(friends->canBePersistent());
+    QCOMPARE(friends->createDictionary(true).value("AddressBookID"), QVariant("friends"));
+}
+
+void WayfoldBookmarkABGroupTest::refreshedWithItsFolder()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    const auto site = makeFolder("a.example", {makeFolder("Inner", {friends})});
+    site->refresh();
+    QCOMPARE(childTitles(*friends), QStringList{"ann"});
+}
+
+namespace
+{
+// Contacts that note down who asks: whether a card without a name is known depends on their state.
+class WatchedContacts : public MemoryContacts
+{
+public:
+    std::function<void()> whenAsked;
+    State state() const override
+    {
+        if (whenAsked)
+            whenAsked();
+        return Ready;
+    }
+};
+} // namespace
+
+void WayfoldBookmarkABGroupTest::oneRefreshAtATime()
+{
+    auto watched = std::make_unique<WatchedContacts>();
+    WatchedContacts &contacts = *watched;
+    _contacts = std::move(watched);
+    QStringList members;
+    for (int i = 0; i < 2000; ++i)
+        members.append(QStringLiteral("mailto:%1@a.example").arg(i));
+    const WayfoldBookmarkABGroupPtr friends = group("friends", members);
+    const std::thread::id here = std::this_thread::get_id();
+    std::atomic<int> askedThere = 0;
+    int askedThereMeanwhile = 0;
+    std::atomic<bool> startedThere = false;
+    std::thread there;
+    contacts.whenAsked = [&] {
+        if (std::this_thread::get_id() != here) {
+            ++askedThere;
+        } else if (!there.joinable()) {
+            there = std::thread([&] {
+                startedThere = true;
+                friends->refresh();
+            });
+            while (!startedThere)
+                std::this_thread::yield();
+        } else {
+            std::this_thread::yield();
+            askedThereMeanwhile = askedThere;
+        }
+    };
+    friends->refresh();
+    there.join();
+    contacts.whenAsked = nullptr;
+    QVERIFY(askedThere > 0);
+    QCOMPARE(askedThereMeanwhile, 0);
+    QCOMPARE(friends->childCount(), 2000u);
+}
+
+// --- Groups that hold each other ------------------------------------------------------------------------------------
+
+void WayfoldBookmarkABGroupTest::groupsWithinThemselves_data()
+{
+    using Groups = QList<QPair<QString, QStringList>>;
+    QTest::addColumn<Groups>("groups");
+    QTest::addColumn<QString>("tree"); // of the first
+    QTest::newRow("itself") << Groups{{"a", {"a", "ann"}}} << "a(a() ann)";
+    QTest::newRow("each other") << Groups{{"a", {"b", "ann"}}, {"b", {"a", "bob"}}} << "a(ann b(a() bob))";
+    QTest::newRow("three") << Groups{{"a", {"b"}}, {"b", {"c"}}, {"c", {"a", "b"}}} << "a(b(c(a() b())))";
+    QTest::newRow("twice, but not within itself")
+        << Groups{{"a", {"b", "c"}}, {"b", {"d"}}, {"c", {"d"}}, {"d", {"ann"}}} << "a(b(d(ann)) c(d(ann)))";
+}
+
+void WayfoldBookmarkABGroupTest::groupsWithinThemselves()
+{
+    using Groups = QList<QPair<QString, QStringList>>;
+    QFETCH(Groups, groups);
+    QFETCH(QString, tree);
+    setPerson("ann", {"ann@a.example"});
+    setPerson("bob", {"bob@a.example"});
+    for (const auto &[id, members] : groups)
+        group(id, members);
+    const WayfoldBookmarkABGroupPtr first = WayfoldBookmarkABGroup::bookmarkWithID(groups.first().first);
+    first->ensureUpToDate();
+    QCOMPARE(treeOf(*first), tree);
+    // Looking into what is within goes no further.
+    const std::function<void(const WayfoldBookmarkFolder &)> open = [&](const WayfoldBookmarkFolder &folder) {
+        for (const KDRBookmarkPtr &item : folder.children()) {
+            item->ensureUpToDate();
+            if (item->isFolder())
+                open(static_cast<const WayfoldBookmarkFolder &>(*item));
+        }
+    };
+    open(*first);
+    QCOMPARE(treeOf(*first), tree);
+    QVERIFY(first->primaryEmailAddressList().size() <= 2);
+}
+
+// Two groups on each level, both with the two of the next: 2 to the power of 40 in all.
+void WayfoldBookmarkABGroupTest::groupsThatUnfoldWithoutEnd()
+{
+    setPerson("ann", {"ann@a.example"});
+    for (int level = 0; level < 40; ++level) {
+        const QStringList next = {QStringLiteral("l%1").arg(level + 1), QStringLiteral("r%1").arg(level + 1), "ann"};
+        group(QStringLiteral("l%1").arg(level), next);
+        group(QStringLiteral("r%1").arg(level), next);
+    }
+    const WayfoldBookmarkABGroupPtr root = WayfoldBookmarkABGroup::bookmarkWithID("l0");
+    root->refresh();
+    const unsigned count = root->deepChildCount();
+    QVERIFY2(count > 1000 && count < 5000, qPrintable(QString::number(count)));
+    QCOMPARE(root->primaryEmailAddressList(), QStringList{"ann@a.example"});
+    // What is not filled then is filled when somebody looks into it.
+    WayfoldBookmarkABGroupPtr lowest = root;
+    for (int level = 1; level < 40; ++level) {
+        QCOMPARE(lowest->childCount(), 3u);
+        lowest = groupAt(*lowest, 2); // "r", the later of the two
+        QCOMPARE(lowest->title(), QStringLiteral("r%1").arg(level));
+        lowest->ensureUpToDate();
+    }
+    QCOMPARE(childTitles(*lowest), QStringList{"ann"});
+}
+
+void WayfoldBookmarkABGroupTest::groupsInLongChains()
+{
+    constexpr int length = 3000;
+    for (int i = 0; i < length; ++i)
+        group(QString::number(i), {QString::number(i + 1)});
+    const WayfoldBookmarkABGroupPtr first = WayfoldBookmarkABGroup::bookmarkWithID("0");
+    first->refresh();
+    QVERIFY(first->deepChildCount() > 1000);
+    QVERIFY(first->primaryEmailAddressList().isEmpty());
+    // They are no reason not to save: what they hold is not written.
+    const QString path = _home->path("items.plist");
+    QVERIFY(makeFolder("Root", {first})->writeDictionaryFile(path));
+    QCOMPARE(WayfoldBookmarkFolder::bookmarkFromDictionaryFile(path)->childCount(), 1u);
+}
+
+// --- E-mail addresses -----------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkABGroupTest::emailAddresses()
+{
+    setPerson("ann", {"shared@a.example"});
+    setPerson("bob", {"bob@a.example", "second@a.example"});
+    setPerson("cy");
+    setPerson("di", {"shared@a.example"});
+    setPerson("ed", {""});
+    _contacts->set(MemoryContacts::company("kettle", "kettle", {"tea@a.example"}));
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"kettle", "di", "ed", "cy", "bob", "ann"});
+    QVERIFY(friends->primaryEmailAddressList().isEmpty()); // nobody has looked into it
+    friends->refresh();
+    QCOMPARE(friends->primaryEmailAddressList(), QStringList({"shared@a.example", "bob@a.example", "tea@a.example"}));
+}
+
+void WayfoldBookmarkABGroupTest::emailAddressesOfSubgroups()
+{
+    setPerson("ann", {"ann@a.example"});
+    setPerson("bob", {"bob@a.example"});
+    setPerson("zoe", {"zoe@a.example"});
+    group("more", {"bob", "zoe"});
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"zoe", "ann", "more"});
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("friends(ann more(bob zoe) zoe)"));
+    QCOMPARE(friends->primaryEmailAddressList(), QStringList({"ann@a.example", "bob@a.example", "zoe@a.example"}));
+}
+
+void WayfoldBookmarkABGroupTest::emailAddressesOfManyMembers()
+{
+    QStringList ids;
+    for (int i = 0; i < 5000; ++i) {
+        ids.append(QStringLiteral("p%1").arg(i, 4, 10, QLatin1Char('0')));
+        setPerson(ids.last(), {ids.last() + "@a.example"});
+    }
+    const WayfoldBookmarkABGroupPtr all = group("all", ids);
+    all->refresh();
+    const QStringList addresses = all->primaryEmailAddressList();
+    QCOMPARE(addresses.size(), 5000);
+    QCOMPARE(addresses.last(), QStringLiteral("p4999@a.example"));
+}
+
+// --- As an item -----------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkABGroupTest::search()
+{
+    setPerson("ann", {"ann@tea.example"});
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->refresh();
+    QCOMPARE(titlesOf(friends->bookmarksWithSubstring("FRIEND")), QStringList{"friends"});
+    QCOMPARE(titlesOf(friends->bookmarksWithSubstring("tea")), QStringList{"ann"});
+    QCOMPARE(titlesOf(friends->bookmarksWithSubstring("n")), QStringList({"friends", "ann"}));
+    _contacts->set(MemoryContacts::group("friends", "renamed", {"ann"}));
+    QVERIFY(friends->bookmarksWithSubstring("FRIEND").empty());
+    QCOMPARE(titlesOf(friends->bookmarksWithSubstring("renam")), QStringList{"renamed"});
+}
+
+void WayfoldBookmarkABGroupTest::equality()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    const WayfoldBookmarkABGroupPtr same = WayfoldBookmarkABGroup::bookmarkWithRecord(friends->addressBookEntry());
+    QVERIFY(!friends->isEqual(friends)); // as any folder without a search string of its own
+    friends->setFilterString("friends");
+    same->setFilterString("friends");
+    QVERIFY(friends->isEqual(friends));
+    QVERIFY(friends->isEqual(same));
+    same->setFilterString("others");
+    QVERIFY(!friends->isEqual(same));
+    same->setFilterString("friends");
+    same->setValueFromID("friends"); // another entry for the same card
+    QVERIFY(!friends->isEqual(same));
+    same->setValue(friends->value());
+    same->refresh();
+    QVERIFY(!friends->isEqual(same)); // with a member
+    QVERIFY(!friends->isEqual(WayfoldAutoFolder::bookmarkWithTitle("friends")));
+    QVERIFY(!friends->isEqual(KDRBookmark::bookmarkWithTitle("friends")));
+}
+
+void WayfoldBookmarkABGroupTest::copies()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->ensureUpToDate();
+    const auto copy = std::dynamic_pointer_cast<WayfoldBookmarkABGroup>(friends->copy());
+    QVERIFY(copy);
+    QVERIFY(!copy->addressBookEntry());
+    QVERIFY(copy->title().isNull());
+    QCOMPARE(copy->uuid(), QStringLiteral("friends"));
+    QCOMPARE(copy->filterString(), QStringLiteral("friends"));
+    QVERIFY(!copy->isLoaded());
+    QCOMPARE(childTitles(*copy), QStringList{"ann"});
+    QVERIFY(copy->childAtIndex(0) != friends->childAtIndex(0));
+    QVERIFY(copy->childAtIndex(0)->isEqual(friends->childAtIndex(0)));
+    const auto folder = WayfoldBookmarkFolder::fromItem(makeFolder("Folder", {friends})->copy());
+    QCOMPARE(folder->childCount(), 1u);
+    QCOMPARE(int(folder->childAtIndex(0)->type()), 8);
+    QCOMPARE(childTitles(static_cast<const WayfoldBookmarkFolder &>(*folder->childAtIndex(0))), QStringList{"ann"});
+}
+
+void WayfoldBookmarkABGroupTest::archive()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->setFilterString("text");
+    friends->ensureUpToDate();
+    const QVariantMap archive = PropertyList::fromData(KeyedArchiver::archivedDataWithRootObject(*friends)).toMap();
+    QCOMPARE(archive.value("_title"), QVariant("friends"));
+    QCOMPARE(archive.value("_filterString"), QVariant("text"));
+    QCOMPARE(archive.value("_children").toList().size(), 1);
+    QCOMPARE(archive.value("_addressBookEntry").toMap().value("_addressBookID"), QVariant("friends"));
+    const WayfoldBookmarkABGroupPtr read = roundTripThroughArchive(friends);
+    QVERIFY(read);
+    QCOMPARE(read->uuid(), QStringLiteral("friends"));
+    QCOMPARE(treeOf(*read), QStringLiteral("friends(ann)"));
+    QCOMPARE(read->filterString(), QStringLiteral("text"));
+    QVERIFY(!read->isLoaded());
+    QVERIFY(!read->childAtIndex(0)->parent());
+    QVERIFY(!read->timestamp().isValid());
+    read->refresh();
+    QCOMPARE(treeOf(*read), QStringLiteral("friends(ann)"));
+}
+
+void WayfoldBookmarkABGroupTest::dictionary()
+{
+    setPerson("ann");
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann"});
+    friends->ensureUpToDate();
+    friends->setUUID("own");
+    const QVariantMap expected{
+        {"WebBookmarkType", "ABGroup"}, {"AddressBookID", "friends"}, {"WebBookmarkUUID", "own"}};
+    QCOMPARE(friends->createDictionary(true), expected);
+    QCOMPARE(friends->createDictionary(false), expected);
+}
+
+void WayfoldBookmarkABGroupTest::readDictionary()
+{
+    setPerson("ann");
+    group("friends", {"ann"});
+    const auto read = WayfoldBookmarkABGroup::bookmarkFromDictionary(
+        {{"AddressBookID", "friends"}, {"WebBookmarkUUID", "own"}, {"Children", QVariantList{QVariantMap()}}});
+    QCOMPARE(read->uuid(), QStringLiteral("own"));
+    QCOMPARE(read->title(), QStringLiteral("friends"));
+    QVERIFY(read->isEmpty());
+    read->ensureUpToDate();
+    QCOMPARE(childTitles(*read), QStringList{"ann"});
+    read->loadFromDictionary({{"AddressBookID", "other"}, {"WebBookmarkUUID", ""}}); // in place of all it was
+    QCOMPARE(read->uuid(), QStringLiteral("other"));
+    QVERIFY(read->isEmpty());
+    QVERIFY(!read->isLoaded());
+}
+
+void WayfoldBookmarkABGroupTest::image()
+{
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    WayfoldDefaults::sharedInstance().setShowBookmarkIcons(false);
+    QVERIFY(!friends->imageForCellSize({16, 16})); // never loaded
+    WayfoldDefaults::sharedInstance().setShowBookmarkIcons(true);
+    const std::shared_ptr<Image> image = friends->imageForCellSize({16, 16});
+    QCOMPARE(pictureOf(image), pictureOf(WayfoldToolkit::loadImageNamed("WayfoldBookmarkImageGroup")));
+    QCOMPARE(image->cacheMode(), Image::NSImageCacheNever);
+    WayfoldDefaults::sharedInstance().setShowBookmarkIcons(false);
+    QVERIFY(group("others", {})->imageForCellSize({64, 64}) == image); // one for all, and it stays
+}
+
+void WayfoldBookmarkABGroupTest::removedWithSmartFolders()
+{
+    setPerson("ann");
+    const auto folder =
+        makeFolder("Folder", {makeLink("Link"), group("friends", {}), WayfoldBookmarkABPerson::bookmarkWithID("ann")});
+    folder->removeAutoFolders();
+    QCOMPARE(childTitles(*folder), QStringList({"Link", "ann"}));
+}
+
+QTEST_MAIN(WayfoldBookmarkABGroupTest)
+#include "WayfoldBookmarkABGroupTest.moc"
