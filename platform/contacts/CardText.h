@@ -23,6 +23,9 @@ public:
     explicit CardText(const QByteArray &text);
     // The next card, none when there are no more. One without an end is none; neither is one within another.
     std::optional<Card> next();
+    // How many bytes have been gone through; where the next card begins, or something before it.
+    qsizetype position() const { return _at; }
+    void setPosition(qsizetype position) { _at = qBound(qsizetype(0), position, _text.size()); }
 
 private:
     struct Line

@@ -16,6 +16,11 @@ std::optional<FileStamp> FileStamp::ofFile(const QString &path)
     struct stat status;
     if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return std::nullopt;
+    return ofStatus(status);
+}
+
+FileStamp FileStamp::ofStatus(const struct stat &status)
+{
     FileStamp stamp;
     stamp.modificationTime = nanoseconds(status.st_mtim);
     stamp.statusChangeTime = nanoseconds(status.st_ctim);

@@ -4,6 +4,8 @@
 #include <QString>
 #include <optional>
 
+struct stat;
+
 // What tells one state of a file from another without reading it: symbolic links are followed. Times are in nanoseconds
 // since 1970-01-01 00:00 UTC.
 struct FileStamp
@@ -16,6 +18,7 @@ struct FileStamp
 
     // None when nothing is there (or a link leads nowhere); `errno` tells why.
     static std::optional<FileStamp> ofFile(const QString &path);
+    static FileStamp ofStatus(const struct stat &status);
     friend bool operator==(const FileStamp &, const FileStamp &) = default;
     // Whether the contents are taken to be the same, whatever became of the file's permissions and names.
     bool hasContentsOf(const FileStamp &other) const;

@@ -24,9 +24,11 @@ protected:
     int noticesFromHere = 0;
     int noticesFromElsewhere = 0;
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void init();
     void cleanup();
+
+private Q_SLOTS:
     void emptyContactsAreReady();
     void cardIsFoundByItsIdentifier();
     void personHasAllThatTheListsShow();
