@@ -1,6 +1,8 @@
 #include "model/BookmarkItems.h"
 
 #include "model/BookmarkRecords.h"
+#include "model/WayfoldBookmarkABGroup.h"
+#include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldBookmarkURL.h"
@@ -27,9 +29,19 @@ KDRBookmarkPtr itemOf(const std::shared_ptr<const BookmarkRecords> &records, uns
                                                            Url::URLWithString(records->value(number)));
     case BookmarkRecords::Kind::Note:
         return WayfoldBookmarkNote::bookmarkWithTitleAndNote(records->title(number), records->value(number));
-    default:
-        return folderOf(records, number);
+    case BookmarkRecords::Kind::Person:
+        return WayfoldBookmarkABPerson::bookmarkWithID(records->value(number));
+    case BookmarkRecords::Kind::Group:
+        return WayfoldBookmarkABGroup::bookmarkWithID(records->value(number));
+    case BookmarkRecords::Kind::Folder:
+        break;
     }
+    return folderOf(records, number);
+}
+
+bool isFolderKind(BookmarkRecords::Kind kind)
+{
+    return kind == BookmarkRecords::Kind::Folder || kind == BookmarkRecords::Kind::Group;
 }
 
 template <class Item>
@@ -63,13 +75,13 @@ KDRBookmarkPtr BookmarkItems::makeChild(unsigned index, const WayfoldBookmarkFol
 
 bool BookmarkItems::isFolder(unsigned index)
 {
-    return _records->kind(_numbers[index]) == BookmarkRecords::Kind::Folder;
+    return isFolderKind(_records->kind(_numbers[index]));
 }
 
 bool BookmarkItems::hasFolders()
 {
     return std::any_of(_numbers.begin(), _numbers.end(),
-                       [this](unsigned number) { return _records->kind(number) == BookmarkRecords::Kind::Folder; });
+                       [this](unsigned number) { return isFolderKind(_records->kind(number)); });
 }
 
 std::vector<unsigned> BookmarkItems::indexesOfMatches(const TextSearch &search)

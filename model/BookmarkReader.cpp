@@ -47,6 +47,7 @@ struct BookmarkReader::Entry
             {"WebBookmarkType", &Entry::type, 1}, {"WebBookmarkUUID", &Entry::uuid, 2},
             {"Title", &Entry::folderTitle, 4},    {"SearchString", &Entry::searchString, 8},
             {"URLString", &Entry::address, 16},   {"Note", &Entry::note, 32},
+            {"AddressBookID", &Entry::card, 256},
         };
         const auto found =
             std::find_if(std::begin(texts), std::end(texts), [key](const Text &text) { return key == text.key; });
@@ -64,6 +65,7 @@ struct BookmarkReader::Entry
     QByteArray searchString;
     QByteArray address;
     QByteArray note;
+    QByteArray card;
     QByteArray title;
     bool hasList = false;
     unsigned seen = 0;
@@ -108,6 +110,9 @@ bool BookmarkReader::end(unsigned number, const Entry &entry, BookmarkRecords &r
         records.end(number, Kind::Link, {entry.title, entry.address, entry.uuid});
     else if (entry.type == "WebBookmarkTypeNote" && !entry.title.isEmpty())
         records.end(number, Kind::Note, {entry.title, entry.note, entry.uuid});
+    else if (entry.type == "ABPerson" || entry.type == "ABGroup")
+        records.end(number, entry.type == "ABPerson" ? Kind::Person : Kind::Group,
+                    {{}, entry.card, entry.uuid.isEmpty() ? entry.card : entry.uuid});
     else
         records.drop(number);
     return number < records.count();
@@ -334,6 +339,7 @@ void BookmarkReader::appendList(const QVariantMap &folder, BookmarkRecords &reco
         entry.searchString = text(ItemDictionary::searchStringKey);
         entry.address = text(ItemDictionary::urlStringKey);
         entry.note = text(ItemDictionary::noteKey);
+        entry.card = text(ItemDictionary::addressBookIDKey);
         entry.title = ItemDictionary::string(ItemDictionary::dictionary(dictionary, ItemDictionary::uriDictionaryKey),
                                              ItemDictionary::uriTitleKey)
                           .toUtf8();

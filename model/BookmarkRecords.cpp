@@ -90,8 +90,9 @@ QString BookmarkRecords::uuid(unsigned number) const
 bool BookmarkRecords::isFoundWithin(unsigned number, const TextSearch &search) const
 {
     const auto first = _records.begin() + number;
-    return std::any_of(first, _records.begin() + first->behind,
-                       [&](const Record &record) { return search.isFoundInSearchForm(record.form()); });
+    return std::any_of(first, _records.begin() + first->behind, [&](const Record &record) {
+        return record.kind == Kind::Person || record.kind == Kind::Group || search.isFoundInSearchForm(record.form());
+    });
 }
 
 bool BookmarkRecords::isWantedWithin(unsigned number, const UUIDSearch &search) const

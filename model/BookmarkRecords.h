@@ -18,9 +18,9 @@ class UUIDSearch;
 class BookmarkRecords
 {
 public:
-    enum class Kind : unsigned char { Folder, Link, Note };
-    // In UTF-8. `value`: the address of a link, the text of a note, the search string of a folder. An empty identifier
-    // is none.
+    enum class Kind : unsigned char { Folder, Link, Note, Person, Group };
+    // In UTF-8. `value`: the address of a link, the text of a note, the search string of a folder, the card's
+    // identifier of people and groups. An empty identifier is none.
     struct Texts
     {
         QByteArrayView title;
@@ -52,7 +52,8 @@ public:
     // Null: none.
     QString uuid(unsigned number) const;
 
-    // Whether an entry, or anything that it holds, contains the text.
+    // Whether an entry, or anything that it holds, contains the text. People and groups may do so: only their cards
+    // tell.
     bool isFoundWithin(unsigned number, const TextSearch &search) const;
     // Whether its identifier, or that of anything that it holds, is looked for.
     bool isWantedWithin(unsigned number, const UUIDSearch &search) const;

@@ -20,6 +20,8 @@ QRect middleOf(const QSize &size)
 
 std::shared_ptr<Image> ContactPicture::fromData(const QByteArray &file)
 {
+    if (file.isEmpty())
+        return nullptr;
     QBuffer buffer;
     buffer.setData(file);
     QImageReader reader(&buffer);

@@ -3,6 +3,7 @@
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
 #include "tests/model/ModelTestSupport.h"
+#include "tests/support/MemoryContacts.h"
 
 #include <QtTest>
 
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void nothingIsMadeBeforeItIsLookedAt();
     void theWholeTree();
     void itemsHaveWhatTheirRecordsSay();
+    void peopleAndGroups();
     void identifiers();
     void matchesMakeOnlyWhatIsFound();
     void matchesAreThoseOfTheItems_data();
@@ -111,6 +113,38 @@ void BookmarkItemsTest::itemsHaveWhatTheirRecordsSay()
     QCOMPARE(WayfoldBookmarkFolder::fromItem(_tree->findByUUID("BAR"))->filterString(), "Bar");
     QVERIFY(_tree->findByUUID("STARS")->valueAsString().isNull());
     QVERIFY(WayfoldBookmarkFolder::fromItem(_tree->findByUUID("EMPTY"))->isEmpty());
+}
+
+void BookmarkItemsTest::peopleAndGroups()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("ann", "Ann", "Bell", {"ann@kettle.example"}));
+    contacts.set(MemoryContacts::group("friends", "Friends", {"ann"}));
+    auto records = std::make_shared<BookmarkRecords>();
+    const unsigned root = records->begin();
+    const unsigned people = records->begin();
+    records->end(records->begin(), Kind::Person, {"", "ann", "ANN"});
+    records->end(people, Kind::Folder, {"People", "", ""});
+    const unsigned groups = records->begin();
+    records->end(records->begin(), Kind::Link, {"gone", "", ""}); // nothing is read in a group
+    records->end(groups, Kind::Group, {"", "friends", "FRIENDS"});
+    records->end(root, Kind::Folder, {"", "", "ROOT"});
+    const WayfoldBookmarkFolderPtr tree = BookmarkItems::treeOf(records);
+    QVERIFY(tree->isFolderAtIndex(1));
+    QCOMPARE(outline(*tree), QStringList({"People(Ann Bell)", "Friends()"}));
+    QCOMPARE(int(tree->findByUUID("ANN")->type()), 7);
+    QCOMPARE(int(tree->childAtIndex(1)->type()), 8);
+    QCOMPARE(tree->childAtIndex(1)->uuid(), QStringLiteral("FRIENDS"));
+    // Found by what is in their cards, also when nobody has looked at them yet.
+    for (const char *text : {"kettle", "bell"})
+        QCOMPARE(titlesOf(BookmarkItems::treeOf(records)->bookmarksWithSubstring(text)), QStringList{"Ann Bell"});
+    QCOMPARE(titlesOf(BookmarkItems::treeOf(records)->bookmarksWithSubstring("friend")), QStringList{"Friends"});
+    QVERIFY(BookmarkItems::treeOf(records)->bookmarksWithSubstring("nothing").empty());
+    const auto alone = std::make_shared<BookmarkRecords>();
+    const unsigned top = alone->begin();
+    alone->end(alone->begin(), Kind::Group, {"", "friends", "FRIENDS"});
+    alone->end(top, Kind::Folder, {"", "", ""});
+    QVERIFY(BookmarkItems::treeOf(alone)->mayHaveLazyFolders());
 }
 
 void BookmarkItemsTest::identifiers()

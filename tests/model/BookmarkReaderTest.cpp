@@ -31,6 +31,12 @@ QByteArray note(const QByteArray &title, const QByteArray &text)
            title + "</string></dict><key>WebBookmarkType</key><string>WebBookmarkTypeNote</string></dict>\n";
 }
 
+QByteArray contact(const QByteArray &type, const QByteArray &card, const QByteArray &uuid)
+{
+    return "<dict><key>AddressBookID</key><string>" + card + "</string><key>WebBookmarkType</key><string>" + type +
+           "</string><key>WebBookmarkUUID</key><string>" + uuid + "</string></dict>\n";
+}
+
 // As it is written, the contents before the title.
 QByteArray folder(const QByteArray &title, const QByteArray &contents, const QByteArray &uuid = "F",
                   const QByteArray &type = "WebBookmarkTypeList")
@@ -177,6 +183,14 @@ void BookmarkReaderTest::forms_data()
     row("no identifiers", fileWith(linkEntry("a", "") + folder("F", linkEntry("b", ""), "")));
     row("twins", fileWith(linkEntry("a", "1") + linkEntry("a", "1") + folder("F", linkEntry("a", "1"))));
     row("notes", fileWith(note("a", "Text &amp; more") + note("", "untitled") + note("b", "")));
+    row("people and groups",
+        fileWith(contact("ABPerson", "ann", "1") + contact("ABGroup", "friends", "") + contact("ABPerson", "", "") +
+                 linkEntry("a", "2") +
+                 QByteArray(contact("ABGroup", "g", "3"))
+                     .replace("<dict>", "<dict><key>Children</key><array>" + linkEntry("in", "4") + "</array>")));
+    row("people without a card", fileWith("<dict><key>WebBookmarkType</key><string>ABPerson</string></dict>"));
+    row("card twice", fileWith(QByteArray(contact("ABPerson", "ann", "1"))
+                                   .replace("<dict>", "<dict><key>AddressBookID</key><string>bob</string>")));
     row("long note", fileWith(note("a", QByteArray("x").repeated(40000))));
     row("search string",
         fileWith(QByteArray(folder("F", linkEntry("a", "1")))
@@ -280,7 +294,7 @@ void BookmarkReaderTest::generatedFiles()
         QByteArray list;
         for (quint32 left = random.bounded(6); left > 0; --left) {
             const QByteArray number = QByteArray::number(random.bounded(8));
-            switch (random.bounded(depth > 0 ? 8 : 6)) {
+            switch (random.bounded(depth > 0 ? 9 : 7)) {
             case 0:
                 list += note(number, "text");
                 break;
@@ -291,9 +305,12 @@ void BookmarkReaderTest::generatedFiles()
                 list += "<integer>3</integer>";
                 break;
             case 6:
-                list += folder(random.bounded(4) ? number : QByteArray(), contents(depth - 1), number);
+                list += contact(random.bounded(2) ? "ABPerson" : "ABGroup", number, random.bounded(2) ? number : "");
                 break;
             case 7:
+                list += folder(random.bounded(4) ? number : QByteArray(), contents(depth - 1), number);
+                break;
+            case 8:
                 list += folder(number, contents(depth - 1), number, random.bounded(3) ? "BookmarksBar" : "Other");
                 break;
             default:
