@@ -157,6 +157,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender);
     void handleNewNoteRequest(QObject *sender);
     void handleNewEmailRequest(QObject *sender);
+    void handleNewPersonRequest(QObject *sender);
     void handleCheckForNewReleaseRequest(QObject *sender);
     void handleShowPrefsWindow(QObject *sender);
     void handleShowAboutWindow(QObject *sender);

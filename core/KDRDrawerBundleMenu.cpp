@@ -36,6 +36,7 @@ const QHash<QString, Command> &commands()
         {QStringLiteral("handleNewSubFolderRequest:"), &KDRDrawerBundle::handleNewSubFolderRequest},
         {QStringLiteral("handleNewNoteRequest:"), &KDRDrawerBundle::handleNewNoteRequest},
         {QStringLiteral("handleNewEmailRequest:"), &KDRDrawerBundle::handleNewEmailRequest},
+        {QStringLiteral("handleNewPersonRequest:"), &KDRDrawerBundle::handleNewPersonRequest},
         {QStringLiteral("handleCheckForNewReleaseRequest:"), &KDRDrawerBundle::handleCheckForNewReleaseRequest},
         {QStringLiteral("handleShowPrefsWindow:"), &KDRDrawerBundle::handleShowPrefsWindow},
         {QStringLiteral("handleShowAboutWindow:"), &KDRDrawerBundle::handleShowAboutWindow},
@@ -312,6 +313,12 @@ void KDRDrawerBundle::handleNewEmailRequest(QObject *sender)
 {
     if (SiteDrawerController *controller = controllerOf(frontDrawer()))
         controller->handleNewEmailRequest(sender);
+}
+
+void KDRDrawerBundle::handleNewPersonRequest(QObject *sender)
+{
+    if (SiteDrawerController *controller = controllerOf(frontDrawer()))
+        controller->handleNewPersonRequest(sender);
 }
 
 void KDRDrawerBundle::handleCheckForNewReleaseRequest(QObject * /*sender*/)

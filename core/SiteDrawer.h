@@ -37,6 +37,7 @@ public:
     virtual void handleNewSubFolderRequest(QObject *sender) = 0;
     virtual void handleNewNoteRequest(QObject *sender) = 0;
     virtual void handleNewEmailRequest(QObject *sender) = 0;
+    virtual void handleNewPersonRequest(QObject *sender) = 0;
     virtual void handleSaveCurrentURLRequest(QObject *sender) = 0;
     virtual void handleSwitchbackRequest(QObject *sender) = 0;
 };

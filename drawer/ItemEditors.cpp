@@ -7,6 +7,7 @@
 #include "drawer/KDREditItemController.h"
 #include "drawer/KDREditMailController.h"
 #include "drawer/KDREditNoteController.h"
+#include "drawer/KDRNewPersonController.h"
 #include "platform/widgets/Alert.h"
 
 #include <QApplication>
@@ -87,4 +88,10 @@ void ItemEditors::tellCardIsNotShown(const QString &name)
                                                        "been deleted, or there is no program for contacts."))
             .replace(QStringLiteral("%@"), name);
     alert.runModal(QApplication::activeWindow());
+}
+
+std::vector<std::shared_ptr<KDRBookmark>> ItemEditors::newPeople()
+{
+    KDRNewPersonController controller;
+    return controller.doEdit() ? controller.newItems() : std::vector<std::shared_ptr<KDRBookmark>>();
 }

@@ -16,4 +16,5 @@ public:
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override;
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override;
     void tellCardIsNotShown(const QString &name) override;
+    std::vector<std::shared_ptr<KDRBookmark>> newPeople() override;
 };

@@ -35,6 +35,12 @@ void KDRDrawer::handleNewEmailRequest(QObject *sender)
         _outlineView->handleNewEmailRequest(sender);
 }
 
+void KDRDrawer::handleNewPersonRequest(QObject *sender)
+{
+    if (_outlineView)
+        _outlineView->handleNewPersonRequest(sender);
+}
+
 void KDRDrawer::handleCloseKDRDrawer(QObject * /*sender*/)
 {
     KDRDrawerBundle::sharedInstance().closeKDRDrawer();

@@ -22,6 +22,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender) override;
     void handleNewNoteRequest(QObject *sender) override;
     void handleNewEmailRequest(QObject *sender) override;
+    void handleNewPersonRequest(QObject *sender) override;
     // Closes the front drawer. Nothing in the drawer as it comes asks for that: the menu and its key do.
     void handleCloseKDRDrawer(QObject *sender);
 

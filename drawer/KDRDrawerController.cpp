@@ -136,6 +136,7 @@ void KDRDrawerController::connectScratchpad(const InterfaceFile &interface)
     outlets.newSubfolderButton = interface.outlet<QAbstractButton>(QStringLiteral("newSubfolderButton"));
     outlets.newNoteButton = interface.outlet<QAbstractButton>(QStringLiteral("newNoteButton"));
     outlets.newEmailButton = interface.outlet<QAbstractButton>(QStringLiteral("newEmailButton"));
+    outlets.newPersonButton = interface.outlet<QAbstractButton>(QStringLiteral("newPersonButton"));
     outlets.deleteItemButton = interface.outlet<QAbstractButton>(QStringLiteral("deleteItemButton"));
     outlets.editItemButton = interface.outlet<QAbstractButton>(QStringLiteral("editItemButton"));
     outlets.switchbackButton = interface.outlet<QAbstractButton>(QStringLiteral("switchbackButton"));
@@ -161,6 +162,7 @@ void KDRDrawerController::connectScratchpad(const InterfaceFile &interface)
     connectRequest("handleNewSubFolderRequest:", &WayfoldScratchDataSource::handleNewSubFolderRequest);
     connectRequest("handleNewNoteRequest:", &WayfoldScratchDataSource::handleNewNoteRequest);
     connectRequest("handleNewEmailRequest:", &WayfoldScratchDataSource::handleNewEmailRequest);
+    connectRequest("handleNewPersonRequest:", &WayfoldScratchDataSource::handleNewPersonRequest);
     connectRequest("handleItemEditRequest:", &WayfoldScratchDataSource::handleItemEditRequest);
     connectRequest("handleDeleteItemRequest:", &WayfoldScratchDataSource::handleDeleteItemRequest);
     connectRequest("handleSwitchbackRequest:", &WayfoldScratchDataSource::handleSwitchbackRequest);
@@ -466,6 +468,13 @@ void KDRDrawerController::handleNewEmailRequest(QObject *sender)
     showScratchPadTabView();
     if (_scratchDataSource)
         _scratchDataSource->handleNewEmailRequest(sender);
+}
+
+void KDRDrawerController::handleNewPersonRequest(QObject *sender)
+{
+    showScratchPadTabView();
+    if (_scratchDataSource)
+        _scratchDataSource->handleNewPersonRequest(sender);
 }
 
 void KDRDrawerController::handleSaveCurrentURLRequest(QObject *sender)

@@ -84,6 +84,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender) override;
     void handleNewNoteRequest(QObject *sender) override;
     void handleNewEmailRequest(QObject *sender) override;
+    void handleNewPersonRequest(QObject *sender) override;
     void handleSaveCurrentURLRequest(QObject *sender) override;
     void handleSwitchbackRequest(QObject *sender) override;
 

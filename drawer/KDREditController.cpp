@@ -3,11 +3,9 @@
 #include "core/settings/WayfoldToolkit.h"
 #include "platform/widgets/ModalDialog.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QPushButton>
 #include <QShortcut>
-#include <QWindow>
 #include <limits>
 
 namespace
@@ -26,16 +24,6 @@ void describe(QPushButton *button, const char *text, const char *toolTip)
     button->setToolTip(localized(toolTip));
 }
 
-// The dialog stays with the window in front but does not go with it: what was typed must not be lost when a browser
-// window closes.
-void attachToActiveWindow(QDialog *dialog)
-{
-    const QWidget *active = QApplication::activeWindow();
-    if (!active || active == dialog || !active->windowHandle())
-        return;
-    dialog->winId(); // makes the window
-    dialog->windowHandle()->setTransientParent(active->windowHandle());
-}
 } // namespace
 
 KDREditController::~KDREditController()
@@ -96,7 +84,7 @@ bool KDREditController::doEdit()
 {
     if (!_editWindow)
         return false;
-    attachToActiveWindow(_editWindow);
+    ModalDialog::attachToActiveWindow(_editWindow);
     return ModalDialog::run(_editWindow) == QDialog::Accepted;
 }
 

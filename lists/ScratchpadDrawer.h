@@ -13,4 +13,5 @@ public:
     virtual void handleNewSubFolderRequest(QObject *sender) = 0;
     virtual void handleNewNoteRequest(QObject *sender) = 0;
     virtual void handleNewEmailRequest(QObject *sender) = 0;
+    virtual void handleNewPersonRequest(QObject *sender) = 0;
 };

@@ -566,7 +566,8 @@ bool WayfoldOutlineView::validateMenuItem(QAction *item)
     if (action == openInTabsAction)
         return validateOpenInTabsItem(item);
     return action != u"handleNewSubFolderRequest:" && action != u"handleNewNoteRequest:" &&
-           action != u"handleNewEmailRequest:" && action != u"handleSendEmailRequest:";
+           action != u"handleNewEmailRequest:" && action != u"handleNewPersonRequest:" &&
+           action != u"handleSendEmailRequest:";
 }
 
 void WayfoldOutlineView::performMenuItem(QAction *item)

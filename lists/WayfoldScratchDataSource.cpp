@@ -122,6 +122,7 @@ WayfoldScratchDataSource::WayfoldScratchDataSource(const Outlets &outlets)
     , _newSubfolderButton(outlets.newSubfolderButton)
     , _newNoteButton(outlets.newNoteButton)
     , _newEmailButton(outlets.newEmailButton)
+    , _newPersonButton(outlets.newPersonButton)
     , _deleteItemButton(outlets.deleteItemButton)
     , _editItemButton(outlets.editItemButton)
     , _switchbackButton(outlets.switchbackButton)
@@ -154,12 +155,14 @@ void WayfoldScratchDataSource::decorateButtons()
     setImage(_newSubfolderButton, "WayfoldButtonNewFolder");
     setImage(_newNoteButton, "WayfoldBookmarkImageNote");
     setImage(_newEmailButton, "WayfoldBookmarkImageMail");
+    setImage(_newPersonButton, "WayfoldBookmarkImagePerson");
     setImage(_deleteItemButton, "WayfoldButtonDelete");
     setImage(_editItemButton, "WayfoldButtonEdit");
     setImage(_switchbackButton, "WayfoldButtonSwitchback");
     setToolTip(_newSubfolderButton, "New Subfolder");
     setToolTip(_newNoteButton, "New Note");
     setToolTip(_newEmailButton, "New Email Link");
+    setToolTip(_newPersonButton, "New Person Link");
     setToolTip(_deleteItemButton, "Delete Item");
     setToolTip(_editItemButton, "Edit Item");
     setToolTip(_switchbackButton, "Show Previous Site List");
@@ -319,6 +322,12 @@ void WayfoldScratchDataSource::handleNewEmailRequest(QObject *sender)
         _drawer->handleNewEmailRequest(sender);
 }
 
+void WayfoldScratchDataSource::handleNewPersonRequest(QObject *sender)
+{
+    if (canTakeNewItem())
+        _drawer->handleNewPersonRequest(sender);
+}
+
 bool WayfoldScratchDataSource::canTakeNewItem() const
 {
     return _drawer && _drawer->state() == Drawer::Open;
@@ -378,6 +387,7 @@ void WayfoldScratchDataSource::outlineViewSelectionDidChange(OutlineView & /*vie
     setEnabled(_newSubfolderButton, canMakeItem);
     setEnabled(_newNoteButton, canMakeItem);
     setEnabled(_newEmailButton, canMakeItem);
+    setEnabled(_newPersonButton, canMakeItem);
 }
 
 void WayfoldScratchDataSource::safariFileUpdated(const Notification & /*notification*/)

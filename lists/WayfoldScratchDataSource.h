@@ -26,6 +26,7 @@ public:
         QAbstractButton *newSubfolderButton = nullptr;
         QAbstractButton *newNoteButton = nullptr;
         QAbstractButton *newEmailButton = nullptr;
+        QAbstractButton *newPersonButton = nullptr;
         QAbstractButton *deleteItemButton = nullptr;
         QAbstractButton *editItemButton = nullptr;
         QAbstractButton *switchbackButton = nullptr;
@@ -55,6 +56,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender);
     void handleNewNoteRequest(QObject *sender);
     void handleNewEmailRequest(QObject *sender);
+    void handleNewPersonRequest(QObject *sender);
     void handleDeleteItemRequest(QObject *sender) override;
     void handleItemEditRequest(QObject *sender) override;
     // Adopts a provisional site folder that holds something, and writes the item file.
@@ -84,6 +86,7 @@ private:
     QPointer<QAbstractButton> _newSubfolderButton;
     QPointer<QAbstractButton> _newNoteButton;
     QPointer<QAbstractButton> _newEmailButton;
+    QPointer<QAbstractButton> _newPersonButton;
     QPointer<QAbstractButton> _deleteItemButton;
     QPointer<QAbstractButton> _editItemButton;
     QPointer<QAbstractButton> _switchbackButton;

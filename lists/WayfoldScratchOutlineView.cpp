@@ -7,6 +7,7 @@
 #include "lists/SavedDepth.h"
 #include "lists/WayfoldOutlineViewDelegate.h"
 #include "lists/WayfoldSitePopupButton.h"
+#include "model/ItemDialogs.h"
 #include "model/WayfoldBookmarkABGroup.h"
 #include "model/WayfoldBookmarkABPerson.h"
 #include "model/WayfoldBookmarkEmail.h"
@@ -33,6 +34,7 @@ const QHash<QString, Command> &commands()
         {QStringLiteral("handleNewSubFolderRequest:"), &WayfoldScratchOutlineView::handleNewSubFolderRequest},
         {QStringLiteral("handleNewNoteRequest:"), &WayfoldScratchOutlineView::handleNewNoteRequest},
         {QStringLiteral("handleNewEmailRequest:"), &WayfoldScratchOutlineView::handleNewEmailRequest},
+        {QStringLiteral("handleNewPersonRequest:"), &WayfoldScratchOutlineView::handleNewPersonRequest},
         {QStringLiteral("handleSendEmailRequest:"), &WayfoldScratchOutlineView::handleSendEmailRequest},
     };
     return table;
@@ -107,6 +109,17 @@ void letGo(WayfoldBookmarkFolderPtr &folder)
     const KDRBookmark *site = folder.get();
     folder.reset();
     KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(site);
+}
+
+std::vector<KDRBookmarkPtr> oneItem(const KDRBookmarkPtr &item)
+{
+    return item ? std::vector{item} : std::vector<KDRBookmarkPtr>();
+}
+
+std::vector<KDRBookmarkPtr> chosenPeople()
+{
+    ItemDialogs *dialogs = ItemDialogs::current();
+    return dialogs ? dialogs->newPeople() : std::vector<KDRBookmarkPtr>();
 }
 
 // The recipients of one mail, each address once in all.
@@ -231,17 +244,22 @@ void WayfoldScratchOutlineView::handleDeleteItemRequest(QObject *sender)
 
 void WayfoldScratchOutlineView::handleNewSubFolderRequest(QObject * /*sender*/)
 {
-    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkFolder::newViaDialog(); });
+    createItems([] { return oneItem(WayfoldBookmarkFolder::newViaDialog()); });
 }
 
 void WayfoldScratchOutlineView::handleNewNoteRequest(QObject * /*sender*/)
 {
-    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkNote::newViaDialog(); });
+    createItems([] { return oneItem(WayfoldBookmarkNote::newViaDialog()); });
 }
 
 void WayfoldScratchOutlineView::handleNewEmailRequest(QObject * /*sender*/)
 {
-    createItem([]() -> KDRBookmarkPtr { return WayfoldBookmarkEmail::newViaDialog(); });
+    createItems([] { return oneItem(WayfoldBookmarkEmail::newViaDialog()); });
+}
+
+void WayfoldScratchOutlineView::handleNewPersonRequest(QObject * /*sender*/)
+{
+    createItems(&chosenPeople);
 }
 
 WayfoldScratchOutlineView::InsertionPoint WayfoldScratchOutlineView::insertionPoint() const
@@ -257,7 +275,7 @@ WayfoldScratchOutlineView::InsertionPoint WayfoldScratchOutlineView::insertionPo
     return {selected->parent(), selected->childIsAtIndex() + 1};
 }
 
-void WayfoldScratchOutlineView::createItem(NewItemMaker newViaDialog)
+void WayfoldScratchOutlineView::createItems(NewItemsMaker newViaDialog)
 {
     if (!delegate())
         return;
@@ -266,18 +284,21 @@ void WayfoldScratchOutlineView::createItem(NewItemMaker newViaDialog)
     if (!takesNewItem(place.folder))
         return;
     const bool inRoot = place.folder == delegate()->localRootFolder();
-    const KDRBookmarkPtr item = newViaDialog();
-    if (!item) {
+    const std::vector<KDRBookmarkPtr> items = newViaDialog();
+    if (items.empty()) {
         letGo(place.folder);
         return;
     }
-    if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(item); folder && inRoot)
-        folder->addAutoFolders();
-    place.folder->addChildAtIndex(item, place.index);
-    adoptSiteFolderOf(item);
+    for (const KDRBookmarkPtr &item : items) {
+        if (inRoot && item->type() == KDRBookmark::FolderType) // a group holds nothing but its members
+            WayfoldBookmarkFolder::fromItem(item)->addAutoFolders();
+        place.folder->addChildAtIndex(item, place.index++);
+    }
+    adoptSiteFolderOf(items.front());
     expandItem(place.folder);
     KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
-    selectIndividualItem(item);
+    selectIndividualItem(items.back());
+    selectItems(items);
     delegate()->saveScratchBookmarkRoot();
 }
 
@@ -360,7 +381,7 @@ bool WayfoldScratchOutlineView::validateMenuItem(QAction *item)
     if (action == u"handleDeleteItemRequest:")
         return validateDeleteItem(item);
     if (action == u"handleNewSubFolderRequest:" || action == u"handleNewNoteRequest:" ||
-        action == u"handleNewEmailRequest:")
+        action == u"handleNewEmailRequest:" || action == u"handleNewPersonRequest:")
         return canMakeItem();
     if (action == u"handleSendEmailRequest:")
         return allSelectedItemsAreEmailable();

@@ -33,10 +33,11 @@ public:
 
     void handleItemEditRequest(QObject *sender);
     void handleDeleteItemRequest(QObject *sender);
-    // Asks the user for a new item and puts it where the selection points.
+    // Asks the user for a new item, or for several people, and puts it where the selection points.
     void handleNewSubFolderRequest(QObject *sender);
     void handleNewNoteRequest(QObject *sender);
     void handleNewEmailRequest(QObject *sender);
+    void handleNewPersonRequest(QObject *sender);
     // Starts one mail to all selected people and e-mail links.
     void handleSendEmailRequest(QObject *sender);
     // Whether a new item may go where the selection points.
@@ -57,10 +58,10 @@ private:
         WayfoldBookmarkFolderPtr folder; // none: the parent has gone
         int index = 0;
     };
-    using NewItemMaker = KDRBookmarkPtr (*)();
+    using NewItemsMaker = std::vector<KDRBookmarkPtr> (*)();
 
     InsertionPoint insertionPoint() const;
-    void createItem(NewItemMaker newViaDialog);
+    void createItems(NewItemsMaker newViaDialog);
     bool validateEditItem(QAction *item) const;
     bool validateDeleteItem(QAction *item) const;
 

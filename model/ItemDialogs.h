@@ -2,7 +2,9 @@
 
 #include <QString>
 #include <memory>
+#include <vector>
 
+class KDRBookmark;
 class WayfoldBookmarkEmail;
 class WayfoldBookmarkFile;
 class WayfoldBookmarkFolder;
@@ -32,4 +34,6 @@ public:
     virtual bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) = 0;
     // Nothing could be started to show, or to edit, the card of that name.
     virtual void tellCardIsNotShown(const QString & /*name*/) {}
+    // New items for the people and groups that the user chooses from the contacts; none when that was cancelled.
+    virtual std::vector<std::shared_ptr<KDRBookmark>> newPeople() = 0;
 };

@@ -1006,6 +1006,160 @@ Sichern Sie die Seite mit %@, schreiben Sie mit dem Knopf unten eine Notiz, oder
     <message>
         <source>email</source>
         <translation>E-Mail</translation>
+        <source>New Person Link...</source>
+        <translation>Neuer Personen-Link...</translation>
+    </message>
+    <message>
+        <source>New Person Link</source>
+        <translation>Neuer Personen-Link</translation>
+    </message>
+    <message>
+        <source>Search People</source>
+        <translation>Kontakte durchsuchen</translation>
+    </message>
+    <message>
+        <source>Show only people whose names, organization or addresses contain these words</source>
+        <translation>Nur Kontakte zeigen, deren Namen, Firma oder Adressen diese Wörter enthalten</translation>
+    </message>
+    <message>
+        <source>Your contacts. Ctrl and Shift select several of them.</source>
+        <translation>Ihre Kontakte. Mit Strg und Umschalt wählen Sie mehrere aus.</translation>
+    </message>
+    <message>
+        <source>People</source>
+        <translation>Kontakte</translation>
+    </message>
+    <message>
+        <source>Choose where people come from</source>
+        <translation>Wählen, woher die Kontakte kommen</translation>
+    </message>
+    <message>
+        <source>Add the selected people to the list</source>
+        <translation>Die ausgewählten Kontakte in die Liste aufnehmen</translation>
+    </message>
+    <message>
+        <source>Your contacts are being read...</source>
+        <translation>Die Kontakte werden gelesen...</translation>
+    </message>
+    <message>
+        <source>Nobody is found.</source>
+        <translation>Niemand gefunden.</translation>
+    </message>
+    <message>
+        <source>There is nobody in your contacts yet.</source>
+        <translation>In Ihren Kontakten steht noch niemand.</translation>
+    </message>
+    <message>
+        <source>Contacts are switched off.
+
+The preferences say where people come from.</source>
+        <translation>Die Kontakte sind ausgeschaltet.
+
+In den Einstellungen wird gewählt, woher sie kommen.</translation>
+    </message>
+    <message>
+        <source>No contacts were found on this machine.
+
+People come from the desktop's contacts or from a folder of cards. The preferences say from which.</source>
+        <translation>Auf diesem Rechner wurden keine Kontakte gefunden.
+
+Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In den Einstellungen wird gewählt, woher.</translation>
+    </message>
+    <message>
+        <source>Co&amp;ntacts:</source>
+        <translation>&amp;Kontakte:</translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Kontakte</translation>
+    </message>
+    <message>
+        <source>Determines where the people and groups come from that can be kept in the Scratchpad.</source>
+        <translation>Legt fest, woher die Personen und Gruppen kommen, die sich im Scratchpad ablegen lassen.</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>The desktop's contacts</source>
+        <translation>Die des Desktops</translation>
+    </message>
+    <message>
+        <source>A folder of cards</source>
+        <translation>Ein Ordner mit Karten</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>The folder in which the cards lie, one or more in each file (.vcf). The usual one is ~/.contacts.</source>
+        <translation>Der Ordner, in dem die Karten liegen, eine oder mehrere je Datei (.vcf). Üblich ist ~/.contacts.</translation>
+    </message>
+    <message>
+        <source>Folder of cards</source>
+        <translation>Ordner mit Karten</translation>
+    </message>
+    <message>
+        <source>Allows you to choose the folder in which the cards lie.</source>
+        <translation>Hier wählen Sie den Ordner, in dem die Karten liegen.</translation>
+    </message>
+    <message>
+        <source>Choose the folder of cards</source>
+        <translation>Den Ordner mit Karten wählen</translation>
+    </message>
+    <message>
+        <source>Choos&amp;e...</source>
+        <translation>&amp;Wählen...</translation>
+    </message>
+    <message>
+        <source>Choose Folder</source>
+        <translation>Ordner wählen</translation>
+    </message>
+    <message>
+        <source>Nobody in the desktop's contacts yet.</source>
+        <translation>In den Kontakten des Desktops steht noch niemand.</translation>
+    </message>
+    <message>
+        <source>1 person from the desktop's contacts</source>
+        <translation>1 Person aus den Kontakten des Desktops</translation>
+    </message>
+    <message>
+        <source>%@ people from the desktop's contacts</source>
+        <translation>%@ Personen aus den Kontakten des Desktops</translation>
+    </message>
+    <message>
+        <source>Nobody in %@ yet.</source>
+        <translation>In %@ steht noch niemand.</translation>
+    </message>
+    <message>
+        <source>1 person from %@</source>
+        <translation>1 Person aus %@</translation>
+    </message>
+    <message>
+        <source>%@ people from %@</source>
+        <translation>%@ Personen aus %@</translation>
+    </message>
+    <message>
+        <source>The desktop has no contacts.</source>
+        <translation>Der Desktop hat keine Kontakte.</translation>
+    </message>
+    <message>
+        <source>There is no folder %@.</source>
+        <translation>Es gibt keinen Ordner %@.</translation>
+    </message>
+    <message>
+        <source>No contacts on this machine.</source>
+        <translation>Keine Kontakte auf diesem Rechner.</translation>
+    </message>
+    <message>
+        <source>No contacts are shown.</source>
+        <translation>Es werden keine Kontakte gezeigt.</translation>
+    </message>
+    <message>
+        <source>Looking for contacts...</source>
+        <translation>Die Kontakte werden gesucht...</translation>
     </message>
 </context>
 </TS>

@@ -89,6 +89,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender) override { request("handleNewSubFolderRequest:", sender); }
     void handleNewNoteRequest(QObject *sender) override { request("handleNewNoteRequest:", sender); }
     void handleNewEmailRequest(QObject *sender) override { request("handleNewEmailRequest:", sender); }
+    void handleNewPersonRequest(QObject *sender) override { request("handleNewPersonRequest:", sender); }
     void handleSaveCurrentURLRequest(QObject *sender) override { request("handleSaveCurrentURLRequest:", sender); }
     void handleSwitchbackRequest(QObject *sender) override { request("handleSwitchbackRequest:", sender); }
 

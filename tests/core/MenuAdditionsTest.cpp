@@ -29,6 +29,7 @@ const ItemOfMenu itemsOfMenu[] = {
     {"handleNewSubFolderRequest:", "j", 7, 1179648},
     {"handleNewNoteRequest:", "k", 8, 1179648},
     {"handleNewEmailRequest:", "l", 9, 1179648},
+    {"handleNewPersonRequest:", "", 13, 0},
     {"handleCheckForNewReleaseRequest:", "", 1, 0},
     {"handleShowPrefsWindow:", "", 2, 0},
     {"handleShowAboutWindow:", "", 3, 0},
@@ -227,7 +228,7 @@ void MenuAdditionsTest::everyItemHasTitleAndTag()
         tags.append(MenuItem::tag(menuItem));
     }
     std::sort(tags.begin(), tags.end());
-    QCOMPARE(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12})); // no gap: it would end the list
+    QCOMPARE(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13})); // no gap: it would end the list
 }
 
 void MenuAdditionsTest::contextualMenuHasTheListsCommands()
@@ -243,7 +244,8 @@ void MenuAdditionsTest::contextualMenuHasTheListsCommands()
     }
     QCOMPARE(actions, (QStringList{"handleResolveBookmarkRequest:", "handleOpenBookmarksInTabsRequest:",
                                    "handleSendEmailRequest:", "handleItemEditRequest:", "handleDeleteItemRequest:",
-                                   "handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:"}));
+                                   "handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
+                                   "handleNewPersonRequest:"}));
 }
 
 void MenuAdditionsTest::storedShortcutIsApplied_data()
@@ -639,7 +641,8 @@ void MenuAdditionsTest::aboutItem()
 void MenuAdditionsTest::otherItemsAskTheList()
 {
     const auto window = _fresh->openWindow();
-    const QStringList actions = {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:"};
+    const QStringList actions = {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
+                                 "handleNewPersonRequest:"};
     for (const QString &action : actions) {
         for (bool answer : {true, false}) {
             controller().calls.clear();
@@ -777,7 +780,7 @@ void MenuAdditionsTest::requestsArePassedOn_data()
 {
     QTest::addColumn<QString>("action");
     for (const char *action : {"handleSaveCurrentURLRequest:", "handleSwitchbackRequest:", "handleNewSubFolderRequest:",
-                               "handleNewNoteRequest:", "handleNewEmailRequest:"})
+                               "handleNewNoteRequest:", "handleNewEmailRequest:", "handleNewPersonRequest:"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 

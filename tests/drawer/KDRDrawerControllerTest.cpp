@@ -702,8 +702,8 @@ void KDRDrawerControllerTest::commandsShowTheScratchpad()
     using Command = void (KDRDrawerController::*)(QObject *);
     for (const Command command :
          {&KDRDrawerController::handleNewSubFolderRequest, &KDRDrawerController::handleNewNoteRequest,
-          &KDRDrawerController::handleNewEmailRequest, &KDRDrawerController::handleSwitchbackRequest,
-          &KDRDrawerController::handleSaveCurrentURLRequest}) {
+          &KDRDrawerController::handleNewEmailRequest, &KDRDrawerController::handleNewPersonRequest,
+          &KDRDrawerController::handleSwitchbackRequest, &KDRDrawerController::handleSaveCurrentURLRequest}) {
         controller()->showHistoryTabView();
         (controller()->*command)(nullptr); // the drawer is closed, so no dialog opens
         QVERIFY(controller()->isScratchPadTabViewCurrent());

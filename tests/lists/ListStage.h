@@ -29,6 +29,7 @@ class AnsweredDialogs : public ItemDialogs
 {
 public:
     std::function<bool(KDRBookmark &)> answer;
+    std::function<std::vector<KDRBookmarkPtr>()> chosen; // people and groups; none: cancelled
     int opened = 0;
 
     AnsweredDialogs() { setCurrent(this); }
@@ -42,6 +43,11 @@ public:
     bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) override { return run(*link); }
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return run(*note); }
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return run(*folder); }
+    std::vector<KDRBookmarkPtr> newPeople() override
+    {
+        ++opened;
+        return chosen ? chosen() : std::vector<KDRBookmarkPtr>();
+    }
 
     QStringList cardsNotShown;
     void tellCardIsNotShown(const QString &name) override { cardsNotShown.append(name); }
@@ -214,6 +220,7 @@ public:
     void handleNewSubFolderRequest(QObject *sender) override { view->handleNewSubFolderRequest(sender); }
     void handleNewNoteRequest(QObject *sender) override { view->handleNewNoteRequest(sender); }
     void handleNewEmailRequest(QObject *sender) override { view->handleNewEmailRequest(sender); }
+    void handleNewPersonRequest(QObject *sender) override { view->handleNewPersonRequest(sender); }
 };
 
 // The Scratchpad of one browser window: list, pop-up, buttons, data source, and an open drawer around them.
@@ -237,6 +244,7 @@ public:
         outlets.newSubfolderButton = &newSubfolderButton;
         outlets.newNoteButton = &newNoteButton;
         outlets.newEmailButton = &newEmailButton;
+        outlets.newPersonButton = &newPersonButton;
         outlets.deleteItemButton = &deleteItemButton;
         outlets.editItemButton = &editItemButton;
         outlets.switchbackButton = &switchbackButton;
@@ -262,6 +270,7 @@ public:
     QToolButton newSubfolderButton;
     QToolButton newNoteButton;
     QToolButton newEmailButton;
+    QToolButton newPersonButton;
     QToolButton deleteItemButton;
     QToolButton editItemButton;
     QToolButton switchbackButton;

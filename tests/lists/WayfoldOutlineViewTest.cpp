@@ -984,8 +984,8 @@ void WayfoldOutlineViewTest::otherItems()
 {
     WayfoldBookmarkOutlineView view;
     QMenu menu;
-    for (const char *action :
-         {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:", "handleSendEmailRequest:"})
+    for (const char *action : {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
+                               "handleNewPersonRequest:", "handleSendEmailRequest:"})
         QVERIFY2(!view.validateMenuItem(addItem(menu, action)), action);
     QVERIFY(view.validateMenuItem(addItem(menu, "somethingElse:")));
 }

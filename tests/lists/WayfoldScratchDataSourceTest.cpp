@@ -162,6 +162,7 @@ void WayfoldScratchDataSourceTest::buttonsHaveImagesAndToolTips()
     QCOMPARE(_pad->newSubfolderButton.toolTip(), QStringLiteral("New Subfolder"));
     QCOMPARE(_pad->newNoteButton.toolTip(), QStringLiteral("New Note"));
     QCOMPARE(_pad->newEmailButton.toolTip(), QStringLiteral("New Email Link"));
+    QCOMPARE(_pad->newPersonButton.toolTip(), QStringLiteral("New Person Link"));
     QCOMPARE(_pad->deleteItemButton.toolTip(), QStringLiteral("Delete Item"));
     QCOMPARE(_pad->editItemButton.toolTip(), QStringLiteral("Edit Item"));
     QCOMPARE(_pad->switchbackButton.toolTip(), QStringLiteral("Show Previous Site List"));
@@ -481,17 +482,18 @@ void WayfoldScratchDataSourceTest::newItemsNeedAnOpenDrawer()
         _pad->source->handleNewSubFolderRequest(nullptr);
         _pad->source->handleNewNoteRequest(nullptr);
         _pad->source->handleNewEmailRequest(nullptr);
+        _pad->source->handleNewPersonRequest(nullptr);
     };
     requestAll();
-    QCOMPARE(_stage->dialogs.opened, 3);
+    QCOMPARE(_stage->dialogs.opened, 4);
     _pad->drawer.close();
     requestAll();
-    QCOMPARE(_stage->dialogs.opened, 3);
+    QCOMPARE(_stage->dialogs.opened, 4);
     _pad->drawer.setSlideDuration(60000);
     _pad->drawer.open();
     QCOMPARE(_pad->drawer.state(), Drawer::Opening);
     requestAll();
-    QCOMPARE(_stage->dialogs.opened, 3);
+    QCOMPARE(_stage->dialogs.opened, 4);
     _pad->drawer.setSlideDuration(0);
     _pad->drawer.close();
     _pad->drawer.open();
@@ -500,7 +502,7 @@ void WayfoldScratchDataSourceTest::newItemsNeedAnOpenDrawer()
     _pad->drawer.close();
     QCOMPARE(_pad->drawer.state(), Drawer::Closing);
     requestAll();
-    QCOMPARE(_stage->dialogs.opened, 3);
+    QCOMPARE(_stage->dialogs.opened, 4);
 }
 
 // --- Deleting -------------------------------------------------------------------------------------------------------
@@ -686,8 +688,9 @@ void WayfoldScratchDataSourceTest::buttonStates()
     const auto states = [this](const std::vector<KDRBookmarkPtr> &selection) {
         _pad->select(selection);
         if (_pad->newSubfolderButton.isEnabled() != _pad->newNoteButton.isEnabled() ||
-            _pad->newNoteButton.isEnabled() != _pad->newEmailButton.isEnabled())
-            return QStringLiteral("the three differ");
+            _pad->newNoteButton.isEnabled() != _pad->newEmailButton.isEnabled() ||
+            _pad->newNoteButton.isEnabled() != _pad->newPersonButton.isEnabled())
+            return QStringLiteral("the four differ");
         return QStringLiteral("%1%2%3").arg(_pad->deleteItemButton.isEnabled() ? QStringLiteral("D") : QString(),
                                             _pad->editItemButton.isEnabled() ? QStringLiteral("E") : QString(),
                                             _pad->newNoteButton.isEnabled() ? QStringLiteral("N") : QString());

@@ -62,6 +62,8 @@ private Q_SLOTS:
     void newItemPlaces();
     void newItemIsSelectedAndSaved();
     void cancelledNewItem();
+    void severalNewPeople();
+    void newPeopleOfASite();
     void newFolderInTheRootGetsSmartFolders();
     void newItemOfASiteThatIsLeftMeanwhile();
     void cancelledNewItemOfASiteThatIsLeftMeanwhile();
@@ -371,9 +373,11 @@ void WayfoldScratchOutlineViewTest::newItemPlaces()
         item.setTitle(QStringLiteral("New"));
         return true;
     };
+    _stage->dialogs.chosen = [] { return std::vector<KDRBookmarkPtr>{ListStage::person("New")}; };
     using Request = void (WayfoldScratchOutlineView::*)(QObject *);
     for (const Request request :
-         {&WayfoldScratchOutlineView::handleNewNoteRequest, &WayfoldScratchOutlineView::handleNewEmailRequest}) {
+         {&WayfoldScratchOutlineView::handleNewNoteRequest, &WayfoldScratchOutlineView::handleNewEmailRequest,
+          &WayfoldScratchOutlineView::handleNewPersonRequest}) {
         folder->removeAllChildren();
         folder->addChild(inside);
         after->removeAllChildren();
@@ -418,9 +422,45 @@ void WayfoldScratchOutlineViewTest::cancelledNewItem()
     _pad->view.handleNewSubFolderRequest(nullptr);
     _pad->view.handleNewNoteRequest(nullptr);
     _pad->view.handleNewEmailRequest(nullptr);
-    QCOMPARE(_stage->dialogs.opened, 3);
+    _pad->view.handleNewPersonRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 4);
     QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
     QVERIFY(_stage->savedFile().isEmpty());
+}
+
+// In the order in which they were chosen, with one saving.
+void WayfoldScratchOutlineViewTest::severalNewPeople()
+{
+    Scratchpad other(*_stage);
+    const auto before = ListStage::note("Before");
+    const auto after = ListStage::note("After");
+    _pad->showItems({before, after});
+    _pad->select({before});
+    _stage->removeSavedFile();
+    other.drawer.reloadCount = 0;
+    _stage->dialogs.chosen = [] {
+        return std::vector<KDRBookmarkPtr>{ListStage::person("Zoe"), ListStage::group("Friends"),
+                                           ListStage::person("Ann")};
+    };
+    _pad->view.handleNewPersonRequest(nullptr);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Before", "Zoe", "Friends", "Ann", "After"}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList({"Zoe", "Friends", "Ann"}));
+    QCOMPARE(ListStage::rows(other.view), QStringList({"Before", "Zoe", "Friends", "Ann", "After"}));
+    QCOMPARE(other.drawer.reloadCount, 1);
+    QVERIFY(!_stage->savedFile().isEmpty());
+}
+
+// What was chosen for a site that is only shown makes it one of the user's.
+void WayfoldScratchOutlineViewTest::newPeopleOfASite()
+{
+    _pad->show(QStringLiteral("first.org"));
+    _stage->dialogs.chosen = [] {
+        return std::vector<KDRBookmarkPtr>{ListStage::person("Zoe"), ListStage::person("Ann")};
+    };
+    _pad->view.handleNewPersonRequest(nullptr);
+    const auto site = WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->childWithTitle("first.org"));
+    QVERIFY(site);
+    QVERIFY(site->childWithTitle(QStringLiteral("Zoe")) && site->childWithTitle(QStringLiteral("Ann")));
 }
 
 void WayfoldScratchOutlineViewTest::newFolderInTheRootGetsSmartFolders()
@@ -721,7 +761,8 @@ void WayfoldScratchOutlineViewTest::newItems()
             _pad->view.selectItem(item);
     }
     QMenu menu;
-    for (const char *action : {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:"}) {
+    for (const char *action : {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
+                               "handleNewPersonRequest:"}) {
         QAction *item = addItem(menu, action);
         QCOMPARE(_pad->view.validateMenuItem(item), enabled);
         QCOMPARE(item->text(), QString::fromLatin1(action)); // unchanged
@@ -772,9 +813,11 @@ void WayfoldScratchOutlineViewTest::menuItemsAct()
     _pad->view.deselectAll();
     _pad->view.performMenuItem(addItem(menu, "handleNewNoteRequest:"));
     _pad->view.performMenuItem(addItem(menu, "handleNewEmailRequest:"));
+    _stage->dialogs.chosen = [] { return std::vector<KDRBookmarkPtr>{ListStage::person("Zoe")}; };
+    _pad->view.performMenuItem(addItem(menu, "handleNewPersonRequest:"));
     QCOMPARE(ListStage::rows(_pad->view),
              QStringList({QStringLiteral("Untitled Folder"), QStringLiteral("Untitled Note"),
-                          QStringLiteral("New Email Link")}));
+                          QStringLiteral("New Email Link"), QStringLiteral("Zoe")}));
 }
 
 QTEST_MAIN(WayfoldScratchOutlineViewTest)

@@ -67,6 +67,7 @@ public:
     bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) override { return open("newEmail", link); }
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return open("newNote", note); }
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return open("newFolder", folder); }
+    std::vector<KDRBookmarkPtr> newPeople() override { return {}; }
 
 private:
     bool open(const char *dialog, const KDRBookmarkPtr &opened)
