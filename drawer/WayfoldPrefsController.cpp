@@ -1,12 +1,15 @@
 #include "drawer/WayfoldPrefsController.h"
 
+#include "core/ContactSource.h"
 #include "core/KDRDrawerBundle.h"
 #include "core/Notifications.h"
 #include "core/SiteDrawer.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
+#include "drawer/ContactsInUse.h"
 #include "drawer/FontPanel.h"
 #include "drawer/WayfoldShortcutPanel.h"
+#include "platform/base/PlatformNotifications.h"
 #include "platform/base/StringRules.h"
 #include "platform/widgets/HelpText.h"
 #include "platform/widgets/InterfaceFile.h"
@@ -17,10 +20,13 @@
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QEvent>
+#include <QFileDialog>
 #include <QFontInfo>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QShortcut>
 #include <QStyledItemDelegate>
@@ -34,6 +40,10 @@ const QString keyColumn = QStringLiteral("Key");
 const QString separatorTitle = QStringLiteral("----------");
 const QString noKey = QStringLiteral("---");
 constexpr int rowGap = 4; // of the table
+
+// As the settings have them, in the order in which they are offered.
+const QStringList contactSources = {QString(), QStringLiteral("desktop"), QStringLiteral("folder"),
+                                    QStringLiteral("none")};
 
 enum AutoOpening { Never = 0, InNewWindows = 1, OnKnownSites = 2 };
 
@@ -173,6 +183,7 @@ void WayfoldPrefsController::displayPrefsWindow()
 
 WayfoldPrefsController::~WayfoldPrefsController()
 {
+    NotificationCenter::defaultCenter().removeObserver(this);
     delete _prefsWindow;
 }
 
@@ -217,10 +228,15 @@ bool WayfoldPrefsController::loadInterface()
     _defaultTabView = radioMatrix(interface, "defaultTabView");
     _createAutoFoldersField = checkBox("createAutoFoldersField");
     _showFavIconsField = checkBox("showFavIconsField");
+    _contactSourceField = interface.outlet<QComboBox>(QStringLiteral("contactSourceField"));
+    _contactFolderField = interface.outlet<QLineEdit>(QStringLiteral("contactFolderField"));
+    _chooseContactFolderButton = interface.outlet<QAbstractButton>(QStringLiteral("chooseContactFolderButton"));
+    _contactsInUseField = interface.outlet<QLabel>(QStringLiteral("contactsInUseField"));
     connectActions(interface);
     return _autoOpenDrawerActions && _autoFocusField && _showIconsField && _closeOnUnknownField &&
            _historyGroupingOptions && _confirmDeletesField && _setDrawerFontButton && _fontField &&
-           _menuItemTableView && _defaultTabView && _createAutoFoldersField && _showFavIconsField;
+           _menuItemTableView && _defaultTabView && _createAutoFoldersField && _showFavIconsField &&
+           _contactSourceField && _contactFolderField && _chooseContactFolderButton && _contactsInUseField;
 }
 
 void WayfoldPrefsController::connectActions(const InterfaceFile &interface)
@@ -240,6 +256,11 @@ void WayfoldPrefsController::connectActions(const InterfaceFile &interface)
     connectAction("handleConfirmDeleteButtonClick:", &WayfoldPrefsController::handleConfirmDeleteButtonClick);
     connectAction("handleInitialTabViewButtonClick:", &WayfoldPrefsController::handleInitialTabViewButtonClick);
     connectAction("handleCreateAutoFoldersButtonClick:", &WayfoldPrefsController::handleCreateAutoFoldersButtonClick);
+    connectAction("handleContactSourceChoice:", &WayfoldPrefsController::handleContactSourceChoice);
+    connectAction("chooseContactFolder:", &WayfoldPrefsController::chooseContactFolder);
+    if (_contactFolderField)
+        connect(_contactFolderField, &QLineEdit::editingFinished, this,
+                [this] { handleContactFolderChange(_contactFolderField); });
     connectAction("showListViewFontSelectionPanel:", &WayfoldPrefsController::showListViewFontSelectionPanel);
 }
 
@@ -257,6 +278,7 @@ void WayfoldPrefsController::showSettings()
     _showFavIconsField->setChecked(settings().showFavicons());
     _showFavIconsField->setEnabled(settings().showBookmarkIcons());
     selectCellWithTag(_defaultTabView, StringRules::integerValue(settings().defaultFirstTabIdentifier()));
+    showContactSource();
 }
 
 void WayfoldPrefsController::showListViewFont()
@@ -364,6 +386,61 @@ void WayfoldPrefsController::handleCreateAutoFoldersButtonClick(QObject * /*send
         store().removeSmartFoldersFromTopLevel();
 }
 
+// --- Contacts -------------------------------------------------------------------------------------------------------
+
+void WayfoldPrefsController::showContactSource()
+{
+    // A word that is none of these is looked at as if nothing had been chosen.
+    const qsizetype chosen = std::max(contactSources.indexOf(settings().contactSource()), qsizetype(0));
+    const bool isFolder = contactSources[chosen] == u"folder";
+    _contactSourceField->setCurrentIndex(int(chosen));
+    _contactFolderField->setText(settings().contactFolder());
+    _contactFolderField->setEnabled(isFolder);
+    _chooseContactFolderButton->setEnabled(isFolder);
+    showContactsInUse();
+}
+
+void WayfoldPrefsController::showContactsInUse()
+{
+    _contactsInUseField->setText(ContactsInUse::describe());
+}
+
+void WayfoldPrefsController::followContactSource()
+{
+    if (ContactSource *source = ContactSource::current())
+        source->followSettings();
+    showContactSource();
+}
+
+void WayfoldPrefsController::handleContactSourceChoice(QObject * /*sender*/)
+{
+    settings().setContactSource(contactSources.value(_contactSourceField->currentIndex()));
+    followContactSource();
+}
+
+void WayfoldPrefsController::handleContactFolderChange(QObject * /*sender*/)
+{
+    const QString folder = StringRules::trimmed(_contactFolderField->text());
+    if (folder == settings().contactFolder())
+        return;
+    settings().setContactFolder(folder.isEmpty() ? QString() : folder);
+    followContactSource();
+}
+
+void WayfoldPrefsController::chooseContactFolder(QObject * /*sender*/)
+{
+    auto *panel = new QFileDialog(_prefsWindow, WayfoldToolkit::localizedString(QStringLiteral("Choose Folder")),
+                                  ContactSource::chosenFolder());
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setFileMode(QFileDialog::Directory);
+    panel->setOption(QFileDialog::ShowDirsOnly);
+    connect(panel, &QFileDialog::fileSelected, this, [this](const QString &folder) {
+        _contactFolderField->setText(folder);
+        handleContactFolderChange(_contactFolderField);
+    });
+    panel->open();
+}
+
 // --- Font -----------------------------------------------------------------------------------------------------------
 
 void WayfoldPrefsController::showListViewFontSelectionPanel(QObject * /*sender*/)
@@ -431,6 +508,10 @@ void WayfoldPrefsController::observeWindow()
 {
     _prefsWindow->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &WayfoldPrefsController::focusWindowDidChange);
+    for (const QString &name : {PlatformNotifications::kABDatabaseChangedNotification,
+                                PlatformNotifications::kABDatabaseChangedExternallyNotification})
+        NotificationCenter::defaultCenter().addObserver(
+            this, [this](const Notification & /*notification*/) { showContactsInUse(); }, name);
 }
 
 // What belongs to a window does not come to the front in its place. Nor does no window at all: another application is
@@ -471,6 +552,7 @@ void WayfoldPrefsController::prefsWindowWillClose()
 {
     _prefsWindow->removeEventFilter(this);
     qGuiApp->disconnect(this);
+    NotificationCenter::defaultCenter().removeObserver(this);
     if (_fontPanel)
         _fontPanel->close();
     store().setPrefsWindowShown(false);

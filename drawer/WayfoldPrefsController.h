@@ -12,7 +12,10 @@ class QAbstractButton;
 class QAction;
 class QButtonGroup;
 class QCheckBox;
+class QComboBox;
+class QFileDialog;
 class QLabel;
+class QLineEdit;
 class QTreeView;
 class QWindow;
 class SiteDrawer;
@@ -42,6 +45,10 @@ public:
     void handleConfirmDeleteButtonClick(QObject *sender);
     void handleInitialTabViewButtonClick(QObject *sender);
     void handleCreateAutoFoldersButtonClick(QObject *sender);
+    void handleContactSourceChoice(QObject *sender);
+    void handleContactFolderChange(QObject *sender);
+    // Shows the folders of this machine, as a sheet of the window.
+    void chooseContactFolder(QObject *sender);
     // Shows the font panel, and the front drawer when it is closed, so that its lists are seen while one chooses.
     void showListViewFontSelectionPanel(QObject *sender);
     // Takes the font of the panel for the lists; one that could not be found again by its name changes nothing.
@@ -68,6 +75,9 @@ private:
     void connectActions(const InterfaceFile &interface);
     void showSettings();
     void showListViewFont();
+    void showContactSource();
+    void showContactsInUse();
+    void followContactSource();
     void showTable();
     void observeWindow();
     void focusWindowDidChange(const QWindow *window);
@@ -88,6 +98,10 @@ private:
     QPointer<QButtonGroup> _defaultTabView; // ids: the tabs' identifiers
     QPointer<QCheckBox> _createAutoFoldersField;
     QPointer<QCheckBox> _showFavIconsField;
+    QPointer<QComboBox> _contactSourceField;
+    QPointer<QLineEdit> _contactFolderField;
+    QPointer<QAbstractButton> _chooseContactFolderButton;
+    QPointer<QLabel> _contactsInUseField;
     QPointer<FontPanel> _fontPanel;
     QPointer<SiteDrawer> _frontDrawer; // of the window that was key when the preferences were opened
     bool _frontDrawerNeedsClosing = false;

@@ -1,5 +1,6 @@
 #include "drawer/WayfoldPrefsController.h"
 
+#include "core/ContactSource.h"
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "drawer/FontPanel.h"
@@ -9,11 +10,14 @@
 #include "platform/base/StringRules.h"
 #include "platform/widgets/MenuItem.h"
 #include "tests/drawer/DrawerStage.h"
+#include "tests/support/MemoryContacts.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QButtonGroup>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -122,6 +126,20 @@ private Q_SLOTS:
     void iconsChangeOpenDrawers();
     void smartFoldersComeAndGo();
 
+    // Contacts
+    void contactSourceIsShown_data();
+    void contactSourceIsShown();
+    void contactSourceIsStoredAndUsed_data();
+    void contactSourceIsStoredAndUsed();
+    void contactFolderIsStoredAndUsed();
+    void contactFolderOfBlanksIsTheUsualOne();
+    void contactFolderIsChosen();
+    void contactFolderThatIsNotChosenStays();
+    void contactsInUse_data();
+    void contactsInUse();
+    void contactsInUseFollowTheStore();
+    void contactsWithoutSource();
+
     // Font
     void fontPanelShowsTheFont();
     void fontPanelProposesWhatIsShownForAnUnknownFont();
@@ -208,9 +226,38 @@ private:
     // Chooses the entry of one of the panel's lists.
     static void choose(FontPanel *panel, int list, const QString &entry);
 
+    // Contacts that lie nowhere: every store that is made is one of these.
+    class Contacts : public ContactStore
+    {
+    public:
+        explicit Contacts(const QString &place, State state) : place(place), _state(state) {}
+        State state() const override { return _state; }
+        void add(int people)
+        {
+            std::vector<ContactRecordPtr> records;
+            for (int i = 0; i < people; ++i)
+                records.push_back(
+                    std::make_shared<ContactRecord>(MemoryContacts::person(QString::number(i), "A", "B")));
+            put(records);
+        }
+        const QString place;
+
+    private:
+        State _state;
+    };
+    void startContacts();
+    static Contacts *contacts() { return dynamic_cast<Contacts *>(&ContactStore::sharedAddressBook()); }
+    QComboBox *sourceField() const { return control<QComboBox>("contactSourceField"); }
+    QLineEdit *folderField() const { return control<QLineEdit>("contactFolderField"); }
+    QString contactsText() const { return control<QLabel>("contactsInUseField")->text(); }
+
     std::optional<DrawerStage> _stage;
     std::shared_ptr<FakeHostWindow> _browser;
     QPointer<QWidget> _window;
+    std::optional<ContactSource> _source;
+    ContactStore::State _stateOfContacts = ContactStore::Ready;
+    int _people = 0;
+    std::function<void(bool)> _answerSearch;
 };
 
 void WayfoldPrefsControllerTest::init()
@@ -225,6 +272,9 @@ void WayfoldPrefsControllerTest::cleanup()
         window->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     _browser.reset();
+    _source.reset();
+    _stateOfContacts = ContactStore::Ready;
+    _people = 0;
     _stage.reset();
     QLocale::setDefault(QLocale::c());
 }
@@ -717,6 +767,220 @@ void WayfoldPrefsControllerTest::smartFoldersComeAndGo()
     QVERIFY(!settings().createAutoFolders());
     QCOMPARE(folder->childCount(), qsizetype(0));
     QCOMPARE(provisional->childCount(), qsizetype(0));
+}
+
+// ---- Contacts
+
+void WayfoldPrefsControllerTest::startContacts()
+{
+    const auto make = [this](const QString &place) {
+        auto made = std::make_unique<Contacts>(place, _stateOfContacts);
+        made->add(_people);
+        return made;
+    };
+    ContactSource::Makers makers;
+    makers.lookForDesktop = [this](const std::function<void(bool)> &answer) { _answerSearch = answer; };
+    makers.desktop = [make] { return make(QStringLiteral("desktop")); };
+    makers.folder = [make](const QString &folder) { return make(folder); };
+    _source.emplace(makers);
+}
+
+void WayfoldPrefsControllerTest::contactSourceIsShown_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<bool>("folderIsEnabled");
+    QTest::newRow("nothing chosen") << QString() << "Automatic" << false;
+    QTest::newRow("desktop") << "desktop"
+                             << "The desktop's contacts" << false;
+    QTest::newRow("folder") << "folder"
+                            << "A folder of cards" << true;
+    QTest::newRow("none") << "none"
+                          << "None" << false;
+    QTest::newRow("unknown") << "other"
+                             << "Automatic" << false;
+}
+
+void WayfoldPrefsControllerTest::contactSourceIsShown()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, folderIsEnabled);
+    settings().setContactSource(stored);
+    settings().setContactFolder(QStringLiteral("~/cards"));
+    _window = open();
+    QTEST(sourceField()->currentText(), "shown");
+    QCOMPARE(folderField()->text(), QStringLiteral("~/cards"));
+    QCOMPARE(folderField()->isEnabled(), folderIsEnabled);
+    QCOMPARE(button("chooseContactFolderButton")->isEnabled(), folderIsEnabled);
+    QCOMPARE(settings().contactSource(), stored); // showing it stores nothing
+}
+
+void WayfoldPrefsControllerTest::contactSourceIsStoredAndUsed_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("used");
+    QTest::newRow("desktop") << "none"
+                             << "The desktop's contacts"
+                             << "desktop"
+                             << "desktop";
+    QTest::newRow("folder") << "none"
+                            << "A folder of cards"
+                            << "folder"
+                            << "/cards";
+    QTest::newRow("none") << "desktop"
+                          << "None"
+                          << "none" << QString();
+    QTest::newRow("automatic") << "none"
+                               << "Automatic" << QString() << "desktop";
+}
+
+// By the keyboard.
+void WayfoldPrefsControllerTest::contactSourceIsStoredAndUsed()
+{
+    QFETCH(QString, before);
+    QFETCH(QString, chosen);
+    QFETCH(QString, stored);
+    settings().setContactSource(before);
+    settings().setContactFolder(QStringLiteral("/cards"));
+    startContacts();
+    _window = open();
+    show(sourceField());
+    sourceField()->setFocus();
+    for (int i = 0; i < 4 && sourceField()->currentText() != chosen; ++i)
+        QTest::keyClick(sourceField(), Qt::Key_Down);
+    for (int i = 0; i < 4 && sourceField()->currentText() != chosen; ++i)
+        QTest::keyClick(sourceField(), Qt::Key_Up);
+    QCOMPARE(sourceField()->currentText(), chosen);
+    if (_answerSearch)
+        _answerSearch(true);
+    QCOMPARE(settings().contactSource(), stored);
+    QCOMPARE(settings().contactSource().isNull(), stored.isNull());
+    QTEST(contacts() ? contacts()->place : QString(), "used");
+    QCOMPARE(folderField()->isEnabled(), stored == u"folder");
+    QCOMPARE(button("chooseContactFolderButton")->isEnabled(), stored == u"folder");
+}
+
+void WayfoldPrefsControllerTest::contactFolderIsStoredAndUsed()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    startContacts();
+    _window = open();
+    show(folderField());
+    QTRY_VERIFY(_window->isActiveWindow());
+    folderField()->setFocus();
+    QTest::keyClicks(folderField(), " ~/my cards");
+    QVERIFY(settings().contactFolder().isNull()); // not at every letter
+    QTest::keyClick(folderField(), Qt::Key_Tab);
+    QCOMPARE(settings().contactFolder(), QStringLiteral("~/my cards"));
+    QCOMPARE(contacts()->place, _stage->home.path(QStringLiteral("my cards")));
+    QCOMPARE(contactsText(), QStringLiteral("Nobody in ~/my cards yet."));
+}
+
+void WayfoldPrefsControllerTest::contactFolderOfBlanksIsTheUsualOne()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("/cards"));
+    startContacts();
+    _window = open();
+    folderField()->setText(QStringLiteral("  "));
+    QTest::keyClick(folderField(), Qt::Key_Return);
+    QVERIFY(settings().contactFolder().isNull());
+    QCOMPARE(contacts()->place, _stage->home.path(QStringLiteral(".contacts")));
+}
+
+void WayfoldPrefsControllerTest::contactFolderIsChosen()
+{
+    QVERIFY(QDir().mkpath(_stage->home.path(QStringLiteral("cards/in"))));
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("~/cards"));
+    startContacts();
+    _window = open();
+    click("chooseContactFolderButton");
+    auto *panel = _window->findChild<QFileDialog *>();
+    QVERIFY(panel && panel->isVisible());
+    QVERIFY(panel->isModal());
+    QCOMPARE(panel->fileMode(), QFileDialog::Directory);
+    QCOMPARE(panel->directory().path(), _stage->home.path(QStringLiteral("cards")));
+    QVERIFY(_window->isVisible()); // the sheet belongs to it
+    panel->selectFile(_stage->home.path(QStringLiteral("cards/in")));
+    static_cast<QDialog *>(panel)->accept();
+    QCOMPARE(settings().contactFolder(), _stage->home.path(QStringLiteral("cards/in")));
+    QCOMPARE(folderField()->text(), _stage->home.path(QStringLiteral("cards/in")));
+    QCOMPARE(contacts()->place, _stage->home.path(QStringLiteral("cards/in")));
+}
+
+void WayfoldPrefsControllerTest::contactFolderThatIsNotChosenStays()
+{
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("/cards"));
+    startContacts();
+    _window = open();
+    click("chooseContactFolderButton");
+    _window->findChild<QFileDialog *>()->reject();
+    QCOMPARE(settings().contactFolder(), QStringLiteral("/cards"));
+    QCOMPARE(contacts()->place, QStringLiteral("/cards"));
+}
+
+void WayfoldPrefsControllerTest::contactsInUse_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<int>("state");
+    QTest::addColumn<int>("people");
+    QTest::addColumn<QString>("text");
+    const int absent = ContactStore::Absent;
+    const int ready = ContactStore::Ready;
+    QTest::newRow("off") << "none" << ready << 5 << "No contacts are shown.";
+    QTest::newRow("search") << "" << ready << 5 << "Looking for contacts...";
+    QTest::newRow("desktop loading") << "desktop" << int(ContactStore::Loading) << 5 << "Looking for contacts...";
+    QTest::newRow("desktop") << "desktop" << ready << 1204 << "1,204 people from the desktop's contacts";
+    QTest::newRow("desktop, one") << "desktop" << ready << 1 << "1 person from the desktop's contacts";
+    QTest::newRow("desktop, nobody") << "desktop" << ready << 0 << "Nobody in the desktop's contacts yet.";
+    QTest::newRow("desktop absent") << "desktop" << absent << 0 << "The desktop has no contacts.";
+    QTest::newRow("folder") << "folder" << ready << 1204 << "1,204 people from ~/.contacts";
+    QTest::newRow("folder, one") << "folder" << ready << 1 << "1 person from ~/.contacts";
+    QTest::newRow("folder, nobody") << "folder" << ready << 0 << "Nobody in ~/.contacts yet.";
+    QTest::newRow("folder absent") << "folder" << absent << 0 << "There is no folder ~/.contacts.";
+    QTest::newRow("found folder") << "found" << ready << 2 << "2 people from ~/.contacts";
+    QTest::newRow("nothing found") << "found" << absent << 0 << "No contacts on this machine.";
+}
+
+void WayfoldPrefsControllerTest::contactsInUse()
+{
+    QFETCH(QString, source);
+    QFETCH(int, state);
+    QFETCH(int, people);
+    QLocale::setDefault(QLocale(QStringLiteral("en_GB")));
+    settings().setContactSource(source == u"found" ? QString() : source);
+    _stateOfContacts = ContactStore::State(state);
+    _people = people;
+    startContacts();
+    if (source == u"found")
+        _answerSearch(false);
+    _window = open();
+    QTEST(contactsText(), "text");
+}
+
+void WayfoldPrefsControllerTest::contactsInUseFollowTheStore()
+{
+    settings().setContactSource(QStringLiteral("desktop"));
+    startContacts();
+    _window = open();
+    QCOMPARE(contactsText(), QStringLiteral("Nobody in the desktop's contacts yet."));
+    contacts()->add(3);
+    QTRY_COMPARE(contactsText(), QStringLiteral("3 people from the desktop's contacts"));
+    // The search that ends while the window is open.
+    settings().setContactSource(QString());
+    _source->followSettings();
+    _answerSearch(false);
+    QTRY_COMPARE(contactsText(), QStringLiteral("Nobody in ~/.contacts yet."));
+}
+
+void WayfoldPrefsControllerTest::contactsWithoutSource()
+{
+    _window = open();
+    QCOMPARE(contactsText(), QStringLiteral("No contacts are shown."));
 }
 
 // ---- Font
@@ -1220,7 +1484,7 @@ void WayfoldPrefsControllerTest::controlsAreNamed()
         QVERIFY2(!accessible->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
         QVERIFY2(!widget->toolTip().isEmpty(), qPrintable(widget->objectName()));
     }
-    QCOMPARE(count, 6 + 3 + 5 + 3 + 1 + 1);
+    QCOMPARE(count, 6 + 3 + 5 + 3 + 1 + 1 + 3);
 }
 
 void WayfoldPrefsControllerTest::pagesAreWorkedByKeyboard_data()
@@ -1228,9 +1492,11 @@ void WayfoldPrefsControllerTest::pagesAreWorkedByKeyboard_data()
     QTest::addColumn<int>("page");
     QTest::addColumn<QStringList>("order");
     // Within a group of cells the arrow keys go on.
-    QTest::newRow("drawer") << 0
-                            << QStringList{"openOnKnownSitesCell", "closeOnUnknownField",    "scratchpadCell",
-                                           "autoFocusField",       "createAutoFoldersField", "confirmDeletesField"};
+    QTest::newRow("drawer") << 0 << QStringList{"openOnKnownSitesCell",     "closeOnUnknownField",
+                                                "scratchpadCell",           "autoFocusField",
+                                                "createAutoFoldersField",   "confirmDeletesField",
+                                                "contactSourceField",       "contactFolderField",
+                                                "chooseContactFolderButton"};
     QTest::newRow("lists") << 1
                            << QStringList{"showIconsField", "showFavIconsField", "setDrawerFontButton",
                                           "siteAndDayCell"};
@@ -1242,6 +1508,7 @@ void WayfoldPrefsControllerTest::pagesAreWorkedByKeyboard()
     QFETCH(int, page);
     QFETCH(QStringList, order);
     settings().setOpenDrawerForKnownSite(true);
+    settings().setContactSource(QStringLiteral("folder"));
     _window = open();
     QTRY_VERIFY(_window->isActiveWindow());
     auto *pages = _window->findChild<QTabWidget *>();
