@@ -1006,6 +1006,8 @@ Sichern Sie die Seite mit %@, schreiben Sie mit dem Knopf unten eine Notiz, oder
     <message>
         <source>email</source>
         <translation>E-Mail</translation>
+    </message>
+    <message>
         <source>New Person Link...</source>
         <translation>Neuer Personen-Link...</translation>
     </message>
