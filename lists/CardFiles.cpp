@@ -56,7 +56,7 @@ QString fileName(QString name)
             character = u' ';
     }
     name = StringRules::trimmed(StringRules::beginning(name.simplified(), longestName));
-    while (name.startsWith(u'.'))
+    while (name.startsWith(u'.') || name.startsWith(u' '))
         name.remove(0, 1);
     return name.isEmpty() ? WayfoldToolkit::localizedString(QStringLiteral("Contact")) : name;
 }
