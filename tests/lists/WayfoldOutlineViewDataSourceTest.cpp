@@ -8,6 +8,7 @@
 #include "platform/widgets/Image.h"
 #include "platform/widgets/TextFieldCell.h"
 #include "tests/lists/ListStage.h"
+#include "tests/support/LoggedMessages.h"
 
 #include <QMimeData>
 
@@ -77,6 +78,11 @@ private Q_SLOTS:
     void typesOfSeveralItems();
     void dataOfEachType();
     void dataOfSeveralItems();
+    void dataOfPeople();
+    void desktopTypesOfPeople();
+    void desktopTypesOfGroups();
+    void cardFileThatCannotBeWritten();
+    void peopleComeBackAsThemselves();
     void dataOnlyDuringADrag();
     void dataOutlivesTheSource();
     void desktopTypes();
@@ -87,6 +93,9 @@ private Q_SLOTS:
 
     void openNothing();
     void openFolders();
+    void openGroups();
+    void openPeople();
+    void openPeopleWithACommand();
     void openWebLinksInTheCurrentFrame();
     void openWebLinksWithoutAFrame();
     void openInTheFrontWindow();
@@ -353,6 +362,122 @@ void WayfoldOutlineViewDataSourceTest::dataOfSeveralItems()
              QVariantList({friends->uuid()}));
 }
 
+void WayfoldOutlineViewDataSourceTest::dataOfPeople()
+{
+    Scratchpad pad(*_stage);
+    const auto ann = ListStage::person("Ann");
+    const auto zoe = ListStage::person("Zoe");
+    const auto kettles = ListStage::organization("Kettles");
+    const auto gone = WayfoldBookmarkABPerson::bookmarkWithID("nobody");
+    const QByteArray ofAnn = ListStage::card(ann->uuid(), "Ann", "Miller", "ann@a.org");
+    const QByteArray ofZoe = ListStage::card(zoe->uuid(), QString::fromUtf8("Zo\xc3\xab"), "", "");
+    ListStage::contacts().cards = {{ann->uuid(), ofAnn}, {zoe->uuid(), ofZoe}, {kettles->uuid(), "not to be given"}};
+    const auto dragged = [&pad](const std::vector<OutlineItemPtr> &items) {
+        return std::unique_ptr<QMimeData>(pad.source->outlineViewWriteItems(pad.view, items));
+    };
+    const auto people = dragged({zoe, kettles, gone, ann});
+    const QString type = QStringLiteral("NSVCardPboardType");
+    QCOMPARE(pad.source->pasteboardProvideDataForType(type).toString(), QString::fromUtf8(ofZoe + ofAnn));
+    QCOMPARE(people->data(type), ofZoe + ofAnn);
+    QCOMPARE(PropertyList::fromData(people->data(QStringLiteral("ABPeopleUIDsPboardType"))).toList(),
+             QVariantList({zoe->uuid(), kettles->uuid(), QStringLiteral("nobody"), ann->uuid()}));
+
+    const auto company = dragged({kettles});
+    QVERIFY(company->hasFormat(type)); // but there is nothing in it
+    QVERIFY(company->data(type).isEmpty());
+    // What is not offered is not given.
+    const auto note = dragged({ListStage::note("Note")});
+    QVERIFY(!note->hasFormat(type));
+    QVERIFY(pad.source->pasteboardProvideDataForType(type).toString().isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::desktopTypesOfPeople()
+{
+    Scratchpad pad(*_stage);
+    const auto ann = ListStage::person("Ann");
+    const auto bob = ListStage::person("Bob");
+    const auto kettles = ListStage::organization("Kettles");
+    const QByteArray ofAnn = ListStage::card(ann->uuid(), "Ann", "Miller", "ann@a.org");
+    const QByteArray ofBob = ListStage::card(bob->uuid(), "Bob", "Brown", "bob@a.org");
+    ListStage::contacts().cards = {{ann->uuid(), ofAnn}, {bob->uuid(), ofBob}};
+    const auto dragged = [&pad](const std::vector<OutlineItemPtr> &items) {
+        return std::unique_ptr<QMimeData>(pad.source->outlineViewWriteItems(pad.view, items));
+    };
+    const QString folder = _stage->home.path("Library/Caches/Wayfold/Cards");
+
+    const auto one = dragged({ann});
+    QCOMPARE(one->text(), QStringLiteral("Ann"));
+    for (const char *type : {"text/vcard", "text/x-vcard"})
+        QCOMPARE(one->data(QString::fromLatin1(type)), ofAnn);
+    QVERIFY(one->hasUrls());
+    QVERIFY(!QFile::exists(folder)); // nobody has asked for a file yet
+    QCOMPARE(one->data("text/uri-list"), QUrl::fromLocalFile(folder + "/Ann.vcf").toEncoded() + "\r\n");
+    QCOMPARE(_stage->home.read("Library/Caches/Wayfold/Cards/Ann.vcf"), ofAnn);
+    QVERIFY(!one->hasFormat("text/x-moz-url"));
+    QVERIFY(one->data("text/html").isEmpty());
+
+    const auto three = dragged({ann, kettles, bob});
+    QCOMPARE(three->text(), QStringLiteral("Ann\nKettles\nBob"));
+    QCOMPARE(three->data("text/vcard"), ofAnn + ofBob);
+    QCOMPARE(three->urls(), QList<QUrl>{QUrl::fromLocalFile(folder + "/Ann and 2 more.vcf")});
+    QCOMPARE(_stage->home.read("Library/Caches/Wayfold/Cards/Ann and 2 more.vcf"), ofAnn + ofBob);
+
+    // An organization has no card to give.
+    const auto company = dragged({kettles});
+    QCOMPARE(company->text(), QStringLiteral("Kettles"));
+    QVERIFY(!company->hasUrls());
+    QVERIFY(!company->hasFormat("text/vcard"));
+    QVERIFY(company->data("text/vcard").isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::desktopTypesOfGroups()
+{
+    Scratchpad pad(*_stage);
+    const auto friends = ListStage::group("Friends", {ListStage::person("Ann")});
+    const auto choir = ListStage::group("Choir");
+    const std::unique_ptr<QMimeData> data(pad.source->outlineViewWriteItems(pad.view, {friends, choir}));
+    QCOMPARE(data->text(), QStringLiteral("Friends\nChoir"));
+    QVERIFY(!data->hasUrls());
+    QVERIFY(!data->hasFormat("text/vcard"));
+}
+
+void WayfoldOutlineViewDataSourceTest::cardFileThatCannotBeWritten()
+{
+    Scratchpad pad(*_stage);
+    const auto ann = ListStage::person("Ann");
+    ListStage::contacts().cards = {{ann->uuid(), ListStage::card("", "Ann", "Miller", "ann@a.org")}};
+    _stage->home.write("Library/Caches", "in the way");
+    const std::unique_ptr<QMimeData> data(pad.source->outlineViewWriteItems(pad.view, {ann}));
+    const LoggedMessages log;
+    QVERIFY(data->urls().isEmpty());
+    QVERIFY(!data->data("text/vcard").isEmpty());
+}
+
+// A drag of our own goes by the identifiers, whatever else it has for others.
+void WayfoldOutlineViewDataSourceTest::peopleComeBackAsThemselves()
+{
+    Scratchpad pad(*_stage);
+    const auto ann = ListStage::person("Ann");
+    const auto folder = ListStage::folder("Folder");
+    ListStage::contacts().cards = {{ann->uuid(), ListStage::card("", "Somebody", "Else", "else@a.org")}};
+    pad.showItems({ann, folder});
+    const std::unique_ptr<QMimeData> data(pad.source->outlineViewWriteItems(pad.view, {ann}));
+    QVERIFY(pad.source->outlineViewTakesData(pad.view, *data));
+    QVERIFY(pad.source->outlineViewAcceptDrop(pad.view, *data, {folder, 0}));
+    QVERIFY(folder->childAtIndex(0) == ann);
+    QCOMPARE(folder->childCount(), 1U);
+
+    // Without the list's own names, as in another process.
+    PlainSource plain;
+    const std::unique_ptr<QMimeData> copied(plain.outlineViewWriteItems(plain.view, {ann}));
+    QVERIFY(pad.source->outlineViewAcceptDrop(pad.view, *copied, {nullptr, 0}));
+    const KDRBookmarkPtr copy = ListStage::store().bookmarkRoot()->childAtIndex(0);
+    QVERIFY(copy != ann);
+    QCOMPARE(copy->type(), KDRBookmark::PersonType);
+    QCOMPARE(copy->uuid(), ann->uuid());
+    QVERIFY(!QFile::exists(_stage->home.path("Library/Caches/Wayfold/Cards")));
+}
+
 void WayfoldOutlineViewDataSourceTest::dataOnlyDuringADrag()
 {
     PlainSource source;
@@ -479,6 +604,88 @@ void WayfoldOutlineViewDataSourceTest::openFolders()
     pad.source->handleResolveBookmarkRequest(nullptr);
     QVERIFY(pad.view.isItemExpanded(closed));
     QVERIFY(!pad.view.isItemExpanded(open));
+}
+
+void WayfoldOutlineViewDataSourceTest::openGroups()
+{
+    Scratchpad pad(*_stage);
+    const auto closed = ListStage::group("Closed", {ListStage::person("Ann")});
+    const auto open = ListStage::group("Open", {ListStage::person("Bob")});
+    pad.showItems({closed, open});
+    pad.view.expandItem(open);
+    QCOMPARE(ListStage::rows(pad.view), QStringList({"Closed", "Open", "-Bob"}));
+    pad.select({closed, open});
+    pad.view.doubleAction();
+    QCOMPARE(ListStage::rows(pad.view), QStringList({"Closed", "-Ann", "Open"}));
+    QVERIFY(ListStage::contacts().opened.isEmpty());
+}
+
+void WayfoldOutlineViewDataSourceTest::openPeople()
+{
+    Scratchpad pad(*_stage);
+    const auto ann = ListStage::person("Ann");
+    const auto kettles = ListStage::organization("Kettles");
+    const auto note = ListStage::note("Note");
+    pad.showItems({ann, note, kettles});
+    pad.select({ann, note, kettles});
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(ListStage::contacts().opened, QStringList({ann->uuid(), kettles->uuid()}));
+    QCOMPARE(_stage->openedURLs, QStringList({QStringLiteral("file:///cards/%1.vcf").arg(ann->uuid()),
+                                              QStringLiteral("file:///cards/%1.vcf").arg(kettles->uuid())}));
+    QVERIFY(_stage->dialogs.cardsNotShown.isEmpty());
+}
+
+namespace
+{
+// Contacts whose program is a command.
+class CommandedContacts : public MemoryContacts
+{
+public:
+    QStringList command;
+    Opening opening(const ContactRecord &record, Purpose purpose) const override
+    {
+        Opening opening;
+        if (!command.isEmpty())
+            opening.command = command + QStringList{purpose == Edit ? "--edit" : "--show", record.uniqueId};
+        return opening;
+    }
+};
+} // namespace
+
+void WayfoldOutlineViewDataSourceTest::openPeopleWithACommand()
+{
+    Scratchpad pad(*_stage);
+    CommandedContacts contacts;
+    contacts.command = QStringList{"contacts"};
+    contacts.set(MemoryContacts::person("ann", "Ann", QString()));
+    const auto ann = WayfoldBookmarkABPerson::bookmarkWithID("ann");
+    pad.showItems({ann});
+    pad.select({ann});
+    std::vector<QStringList> started;
+    bool isStarted = true;
+    Workspace::setProgramHandler([&](const QStringList &command) {
+        started.push_back(command);
+        return isStarted;
+    });
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    pad.source->handleItemEditRequest(nullptr);
+    QCOMPARE(started, std::vector<QStringList>({{"contacts", "--show", "ann"}, {"contacts", "--edit", "ann"}}));
+    QVERIFY(_stage->dialogs.cardsNotShown.isEmpty());
+
+    isStarted = false;
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    pad.source->handleItemEditRequest(nullptr);
+    QCOMPARE(_stage->dialogs.cardsNotShown, QStringList({"Ann", "Ann"}));
+    Workspace::setProgramHandler({});
+    QVERIFY(_stage->openedURLs.isEmpty());
+
+    // Nothing that could be started, and nobody to be shown.
+    contacts.command.clear();
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    contacts.take("ann");
+    ann->refresh();
+    pad.source->handleResolveBookmarkRequest(nullptr);
+    QCOMPARE(_stage->dialogs.cardsNotShown, QStringList({"Ann", "Ann", "Ann", "Invalid"}));
 }
 
 void WayfoldOutlineViewDataSourceTest::openWebLinksInTheCurrentFrame()
