@@ -201,11 +201,12 @@ void CardFilesTest::anotherReaderUnderstandsIt()
 {
     const QString path = CardFiles::write(CardFiles::nameForPeople({"Ann", "Bob"}), ann + bob);
     QProcess python;
-    python.start("/usr/bin/python3", {"-c",
-                             "import sys, vobject\n"
-                             "for card in vobject.readComponents(open(sys.argv[1], encoding='utf-8', newline='')):\n"
-                             "    print(card.fn.value, card.n.value.family, card.email.value, card.tel.value)\n",
-                             path});
+    python.start("/usr/bin/python3",
+                 {"-c",
+                  "import sys, vobject\n"
+                  "for card in vobject.readComponents(open(sys.argv[1], encoding='utf-8', newline='')):\n"
+                  "    print(card.fn.value, card.n.value.family, card.email.value, card.tel.value)\n",
+                  path});
     QVERIFY(python.waitForFinished());
     QCOMPARE(python.readAllStandardError(), QByteArray());
     QCOMPARE(python.readAllStandardOutput(),

@@ -3,6 +3,7 @@
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "platform/base/NotificationCenter.h"
+#include "platform/base/NotificationQueue.h"
 #include "platform/files/PropertyList.h"
 #include "platform/widgets/Image.h"
 #include "tests/lists/ListStage.h"
@@ -54,6 +55,18 @@ struct Question
         });
     }
 };
+
+// Until all notifications that wait have been delivered.
+void settleNotifications()
+{
+    const QString name = QStringLiteral("WayfoldScratchDataSourceTestNotification");
+    bool isDone = false;
+    NotificationCenter::defaultCenter().addObserver(
+        &isDone, [&isDone](const Notification &) { isDone = true; }, name);
+    NotificationQueue::defaultQueue().enqueueNotification({name, &isDone}, NotificationQueue::NSPostWhenIdle);
+    QTRY_VERIFY(isDone);
+    NotificationCenter::defaultCenter().removeObserver(&isDone);
+}
 
 void postFileChange(const QString &name)
 {
@@ -127,6 +140,13 @@ private Q_SLOTS:
     void listOutOfSightFollowsOnceWhenItIsSeen();
     void siteThatIsLeftOutOfSightFollows();
     void outsideChangesSelectNoTwins();
+    void peopleShowTheirNewNames();
+    void unseenGroupsAreUpToDateWhenOpened();
+    void siteThatWasNotShownFollowsTheContacts();
+    void peopleWhoComeLate();
+    void relatedBookmarksFollowTheContacts();
+    void editOfAPersonOpensTheCard();
+    void buttonsForPeopleAndGroups();
     void keyOpensUnseenSmartFolders();
     void noChangesAfterDestruction();
     void destructionReleasesTheProvisionalFolder();
@@ -789,6 +809,178 @@ void WayfoldScratchDataSourceTest::outsideChangesSelectNoTwins()
     _pad->view.selectIndividualItem(smart->childAtIndex(0));
     _pad->source->safariFileUpdated({}); // collects a new copy
     QCOMPARE(_pad->view.selectedRows(), std::vector<int>({1}));
+}
+
+namespace
+{
+void rename(const KDRBookmarkPtr &person, const QString &name, const QStringList &emails = {})
+{
+    ListStage::contacts().set(MemoryContacts::person(person->uuid(), name, QString(), emails));
+}
+} // namespace
+
+// Wherever they stand; nothing else about the list changes.
+void WayfoldScratchDataSourceTest::peopleShowTheirNewNames()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto bob = ListStage::person("Bob");
+    const auto cy = ListStage::person("Cy");
+    const auto dee = ListStage::person("Dee");
+    const auto inner = ListStage::group("Inner", {cy});
+    ListStage::contacts().set(MemoryContacts::group("outer", "Outer", {inner->uuid(), bob->uuid()}));
+    const auto outer = WayfoldBookmarkABGroup::bookmarkWithID("outer");
+    const auto deep = ListStage::folder("deep", {ListStage::note("note"), ann});
+    const auto folder = ListStage::folder("folder", {deep, outer});
+    _pad->showItems({folder, dee});
+    _pad->view.expandItem(folder);
+    _pad->view.expandItem(deep);
+    _pad->view.expandItem(outer);
+    _pad->view.expandItem(outer->childAtIndex(1));
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({"folder", "-deep", "--note", "--Ann", "-Outer", "--Bob", "--Inner", "---Cy", "Dee"}));
+    _pad->view.deselectAll();
+    for (const int row : {3, 5, 7, 8})
+        _pad->view.selectRow(row);
+    _stage->removeSavedFile();
+
+    for (const auto &[person, name] : {std::pair(ann, "Anna"), std::pair(bob, "Bobby"), std::pair(cy, "Cyril")})
+        rename(person, QString::fromLatin1(name));
+    QTRY_COMPARE(ListStage::rows(_pad->view), QStringList({"folder", "-deep", "--note", "--Anna", "-Outer", "--Bobby",
+                                                           "--Inner", "---Cyril", "Dee"}));
+    QCOMPARE(_pad->view.selectedRows(), std::vector<int>({3, 5, 7, 8}));
+    QVERIFY(_stage->savedFile().isEmpty());
+
+    // A group's own changes as well, and somebody who goes leaves the items of the user's.
+    ListStage::contacts().set(MemoryContacts::group("outer", "Outermost", {ann->uuid(), dee->uuid()}));
+    ListStage::contacts().take(dee->uuid());
+    QTRY_COMPARE(ListStage::rows(_pad->view),
+                 QStringList({"folder", "-deep", "--note", "--Anna", "-Outermost", "--Anna", "Invalid"}));
+    QVERIFY(_pad->view.selectedItemList().back() == dee);
+    ListStage::contacts().take("outer");
+}
+
+void WayfoldScratchDataSourceTest::unseenGroupsAreUpToDateWhenOpened()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto friends = ListStage::group("Friends", {ann});
+    const auto closed = ListStage::folder("closed", {friends});
+    _pad->showItems({closed});
+    rename(ann, "Anna");
+    settleNotifications();
+    QVERIFY(!friends->isLoaded());
+    QVERIFY(friends->isEmpty());
+    _pad->view.expandItem(closed);
+    _pad->view.expandItem(friends);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"closed", "-Friends", "--Anna"}));
+    // One that was closed again follows.
+    _pad->view.collapseItem(friends);
+    rename(ann, "Annette");
+    settleNotifications();
+    _pad->view.expandItem(friends);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"closed", "-Friends", "--Annette"}));
+}
+
+void WayfoldScratchDataSourceTest::siteThatWasNotShownFollowsTheContacts()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto bob = ListStage::person("Bob");
+    const auto friends = ListStage::group("Friends", {bob});
+    _pad->showItems({ListStage::folder(siteA, {ann, friends}), ListStage::folder(siteB)});
+    _pad->show(siteA);
+    _pad->view.expandItem(friends);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Ann", "Friends", "-Bob"}));
+    _pad->show(siteB);
+    rename(ann, "Anna");
+    rename(bob, "Bobby");
+    settleNotifications();
+    _pad->show(siteA);
+    _pad->view.expandItem(friends);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Anna", "Friends", "-Bobby"}));
+    // Once is enough.
+    const KDRBookmarkPtr member = friends->childAtIndex(0);
+    _pad->show(siteB);
+    _pad->show(siteA);
+    QVERIFY(friends->childAtIndex(0) == member);
+}
+
+// Contacts come only after the items that stand for them.
+void WayfoldScratchDataSourceTest::peopleWhoComeLate()
+{
+    ListStage::contacts().presentState = ContactStore::Loading;
+    const auto person = WayfoldBookmarkABPerson::bookmarkWithID("late person");
+    const auto group = WayfoldBookmarkABGroup::bookmarkWithID("late group");
+    _pad->showItems({person, group});
+    _pad->view.expandItem(group);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Invalid", "Invalid"}));
+    _pad->select({group});
+    ListStage::contacts().presentState = ContactStore::Ready;
+    ListStage::contacts().set(MemoryContacts::person("late person", "Late", "Comer"));
+    ListStage::contacts().set(MemoryContacts::group("late group", "All", {"late person"}));
+    settleNotifications();
+    QCOMPARE(ListStage::rows(_pad->view).mid(0, 2), QStringList({"Late Comer", "All"}));
+    QVERIFY(_pad->view.selectedItem() == group);
+    _pad->view.expandItem(group);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Late Comer", "All", "-Late Comer"}));
+    ListStage::contacts().take("late person");
+    ListStage::contacts().take("late group");
+}
+
+void WayfoldScratchDataSourceTest::relatedBookmarksFollowTheContacts()
+{
+    const auto ann = ListStage::person("Ann", {"ann@related.example"});
+    const auto site = ListStage::folder("related.example");
+    site->addAutoFolders();
+    _pad->showItems({site});
+    const KDRBookmarkPtr related = site->childAtIndex(0);
+    _pad->view.expandItem(site);
+    _pad->view.expandItem(related);
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({"related.example", "-Related Bookmarks", "--Ann", "-Related History"}));
+    _pad->view.selectRow(2);
+    rename(ann, "Anna", {"ann@related.example"});
+    const auto bob = ListStage::person("Bob", {"bob@RELATED.example"});
+    settleNotifications();
+    QCOMPARE(ListStage::rows(_pad->view),
+             QStringList({"related.example", "-Related Bookmarks", "--Anna", "--Bob", "-Related History"}));
+    QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList{"Anna"});
+    rename(ann, "Anna", {"ann@elsewhere.example"});
+    ListStage::contacts().take(bob->uuid());
+    settleNotifications();
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"related.example", "-Related Bookmarks", "-Related History"}));
+}
+
+void WayfoldScratchDataSourceTest::editOfAPersonOpensTheCard()
+{
+    const auto ann = ListStage::person("Ann");
+    _pad->showItems({ann});
+    _pad->select({ann});
+    QTest::keyClick(&_pad->view, Qt::Key_Return);
+    QCOMPARE(ListStage::contacts().opened, QStringList{"edit " + ann->uuid()});
+    QCOMPARE(_stage->openedURLs.size(), 1);
+    QCOMPARE(_stage->dialogs.opened, 0);
+}
+
+void WayfoldScratchDataSourceTest::buttonsForPeopleAndGroups()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto friends = ListStage::group("Friends", {ann});
+    _pad->showItems({ann, friends});
+    _pad->view.expandItem(friends);
+    const auto states = [this](const std::vector<KDRBookmarkPtr> &selection) {
+        _pad->select(selection);
+        return QStringLiteral("%1%2%3").arg(_pad->deleteItemButton.isEnabled() ? QStringLiteral("D") : QString(),
+                                            _pad->editItemButton.isEnabled() ? QStringLiteral("E") : QString(),
+                                            _pad->newNoteButton.isEnabled() ? QStringLiteral("N") : QString());
+    };
+    QCOMPARE(states({ann}), QStringLiteral("DEN"));
+    QCOMPARE(states({friends}), QStringLiteral("DEN"));
+    // Who is in a group is the group's.
+    QCOMPARE(states({friends->childAtIndex(0)}), QStringLiteral("E"));
+    QCOMPARE(states({ann, friends}), QStringLiteral("D"));
+    ListStage::settings().setConfirmItemDelete(false);
+    _pad->select({friends});
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{"Ann"});
 }
 
 // Opens all below a site at once, before any of it was painted.

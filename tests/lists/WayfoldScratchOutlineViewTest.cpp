@@ -73,6 +73,9 @@ private Q_SLOTS:
 
     void mailAddress_data();
     void mailAddress();
+    void mailToPeople_data();
+    void mailToPeople();
+    void mailToAGroupThatNobodyHasSeen();
     void mailIsHandedToTheDesktop();
     void mailIsHandedOverWhole();
 
@@ -621,6 +624,74 @@ void WayfoldScratchOutlineViewTest::mailAddress()
     QCOMPARE(_pad->view.mailURL().absoluteString(), address);
 }
 
+namespace
+{
+using MailItems = std::vector<KDRBookmarkPtr>;
+
+KDRBookmarkPtr groupWithAGroup(const QString &title, const WayfoldBookmarkABPersonPtr &member,
+                               const WayfoldBookmarkABGroupPtr &subgroup)
+{
+    const QString id = QStringLiteral("group ") + title;
+    ListStage::contacts().set(MemoryContacts::group(id, title, {subgroup->uuid(), member->uuid()}));
+    return WayfoldBookmarkABGroup::bookmarkWithID(id);
+}
+} // namespace
+
+void WayfoldScratchOutlineViewTest::mailToPeople_data()
+{
+    QTest::addColumn<MailItems>("items");
+    QTest::addColumn<QString>("address");
+    const auto ann = ListStage::person("Ann", {"ann@a.org", "ann@home.org"});
+    const auto bob = ListStage::person("Bob", {"bob@a.org"});
+    const auto twin = ListStage::person("Ann's twin", {"ann@a.org"});
+    const auto silent = ListStage::person("Silent");
+    const auto blank = ListStage::person("Blank", {""});
+    const auto friends = ListStage::group("Friends", {bob, silent, ann});
+    const auto link = ListStage::mail("Mail", "mailto:a?cc=b&subject=S");
+    QTest::newRow("person") << MailItems{ann} << "mailto:ann@a.org";
+    QTest::newRow("two people") << MailItems{bob, ann} << "mailto:bob@a.org,ann@a.org";
+    QTest::newRow("with one address") << MailItems{ann, twin} << "mailto:ann@a.org";
+    QTest::newRow("no address") << MailItems{silent, blank} << QString();
+    QTest::newRow("one without") << MailItems{silent, bob} << "mailto:bob@a.org";
+    QTest::newRow("organization") << MailItems{ListStage::organization("Kettles")} << QString();
+    QTest::newRow("nobody's card") << MailItems{WayfoldBookmarkABPerson::bookmarkWithID("gone")} << QString();
+    QTest::newRow("group") << MailItems{friends} << "mailto:ann@a.org,bob@a.org"; // by title
+    QTest::newRow("group and its member") << MailItems{bob, friends} << "mailto:bob@a.org,ann@a.org";
+    QTest::newRow("group in a group") << MailItems{groupWithAGroup("Outer", ListStage::person("Zoe", {"zoe@a.org"}),
+                                                                   friends)}
+                                      << "mailto:ann@a.org,bob@a.org,zoe@a.org";
+    QTest::newRow("empty group") << MailItems{ListStage::group("Empty")} << QString();
+    // As the first list has it, an address is in no other.
+    QTest::newRow("link before person") << MailItems{link, ListStage::person("C", {"c"})}
+                                        << "mailto:a,c?cc=b&subject=S";
+    QTest::newRow("copy before person") << MailItems{link, ListStage::person("B", {"b"})} << "mailto:a?cc=b&subject=S";
+    QTest::newRow("person before copy") << MailItems{ListStage::person("B", {"b"}), link} << "mailto:b,a?subject=S";
+    QTest::newRow("not only people") << MailItems{ListStage::note("Note"), ann, ListStage::folder("Folder")}
+                                     << "mailto:ann@a.org";
+}
+
+void WayfoldScratchOutlineViewTest::mailToPeople()
+{
+    QFETCH(MailItems, items);
+    QFETCH(QString, address);
+    _pad->showItems(items);
+    _pad->select(items);
+    QCOMPARE(_pad->view.mailURL().absoluteString(), address);
+    _pad->view.handleSendEmailRequest(nullptr);
+    QCOMPARE(_stage->openedURLs, address.isNull() ? QStringList() : QStringList{address});
+}
+
+// A group far down in the list was never painted, nor looked into.
+void WayfoldScratchOutlineViewTest::mailToAGroupThatNobodyHasSeen()
+{
+    const auto friends = ListStage::group("Friends", {ListStage::person("Ann", {"ann@a.org"})});
+    QVERIFY(!friends->isLoaded());
+    _pad->view.hide();
+    _pad->showItems({friends});
+    _pad->select({friends});
+    QCOMPARE(_pad->view.mailURL().absoluteString(), QStringLiteral("mailto:ann@a.org"));
+}
+
 void WayfoldScratchOutlineViewTest::mailIsHandedToTheDesktop()
 {
     const auto mail = ListStage::mail("Mail", "mailto:ann?subject=Gr%C3%BC%C3%9Fe");
@@ -774,12 +845,13 @@ void WayfoldScratchOutlineViewTest::sendEmailItem()
 {
     const auto mail = ListStage::mail("Mail");
     const auto person = ListStage::person("Person");
+    const auto group = ListStage::group("Group");
     const auto note = ListStage::note("Note");
-    _pad->showItems({mail, person, note});
+    _pad->showItems({mail, person, group, note});
     QMenu menu;
     QAction *item = addItem(menu, "handleSendEmailRequest:");
     QVERIFY(!_pad->view.validateMenuItem(item));
-    _pad->select({mail, person});
+    _pad->select({mail, person, group});
     QVERIFY(_pad->view.validateMenuItem(item));
     _pad->select({mail, note});
     QVERIFY(!_pad->view.validateMenuItem(item));
