@@ -1,5 +1,6 @@
 #include "benchmarks/ChildProcess.h"
 
+#include "benchmarks/ContactsBench.h"
 #include "benchmarks/GeneratedFiles.h"
 #include "benchmarks/MemoryBench.h"
 #include "benchmarks/StartBench.h"
@@ -26,6 +27,8 @@ int ChildProcess::run(const QString &name, const GeneratedFiles &files)
         answer = MemoryBench::bytesPerEntry(files, false);
     else if (name == QLatin1String("filtered"))
         answer = MemoryBench::bytesPerEntry(files, true);
+    else if (name == QLatin1String("contacts"))
+        answer = ContactsBench::bytesPerCard(files.folder(), files.entries());
     else if (name == QLatin1String("start"))
         answer = StartBench::startMilliseconds(files);
     if (!answer)

@@ -9,10 +9,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
-namespace
-{
-// In bytes; 0 when it cannot be told.
-double residentSize()
+double MemoryBench::residentSize()
 {
     malloc_trim(0);
     QFile file(QStringLiteral("/proc/self/statm"));
@@ -20,7 +17,6 @@ double residentSize()
         return 0;
     return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE));
 }
-} // namespace
 
 std::optional<double> MemoryBench::bytesPerEntry(const GeneratedFiles &files, bool filtered)
 {

@@ -27,7 +27,8 @@ bool measureOwnFile(Figures &figures)
 {
     const bool pageLoad = reported(measurePageLoad(figures), "page load");
     const bool mail = reported(measureMail(figures), "mail address");
-    return reported(measureItemFile(figures), "item file") && pageLoad && mail;
+    const bool contacts = reported(measureContacts(figures), "contacts");
+    return reported(measureItemFile(figures), "item file") && pageLoad && mail && contacts;
 }
 
 // `only`: the name of the one to measure; empty: all.
@@ -69,7 +70,7 @@ int main(int argc, char **argv)
     const QCommandLineOption only(
         QStringLiteral("only"),
         QStringLiteral("Only one of: reading, grouping, filtering, history tab, bookmark tab, memory, "
-                       "start."),
+                       "start, contacts."),
         QStringLiteral("NAME"));
     const QCommandLineOption scale(QStringLiteral("scale"),
                                    QStringLiteral("Only how each cost grows with the browser's files."));
@@ -86,8 +87,13 @@ int main(int argc, char **argv)
         return Scale::print() ? 0 : 1;
 
     Figures figures;
-    bool complete = parser.isSet(entries) || parser.isSet(only) || measureOwnFile(figures);
-    complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), parser.value(only)) && complete;
+    bool complete = true;
+    if (parser.value(only) == QLatin1String("contacts")) {
+        complete = reported(measureContacts(figures), "contacts");
+    } else {
+        complete = parser.isSet(entries) || parser.isSet(only) || measureOwnFile(figures);
+        complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), parser.value(only)) && complete;
+    }
     figures.print();
     if (parser.isSet(json) && !figures.writeJson(parser.value(json))) {
         std::fprintf(stderr, "could not be written: %s\n", qPrintable(parser.value(json)));
