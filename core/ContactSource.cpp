@@ -1,6 +1,7 @@
 #include "core/ContactSource.h"
 
 #include "core/settings/WayfoldDefaults.h"
+#include "platform/contacts/KnownContacts.h"
 #include "platform/files/Paths.h"
 
 namespace
@@ -75,6 +76,8 @@ void ContactSource::use(Place place, const QString &folder)
     _place = place;
     _folder = folder;
     const std::unique_ptr<ContactStore> before = std::exchange(_store, makeStore(place, folder));
+    if (_store)
+        _store->rememberIn(KnownContacts::defaultPath());
     ContactStore::setSharedAddressBook(_store.get());
 }
 

@@ -3,6 +3,7 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
+#include "platform/contacts/KnownContacts.h"
 #include "platform/files/UserDefaults.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void desktopStaysWhenItIsFoundAgain();
     void changeIsTold();
     void endLeavesNothing();
+    void whatWasShownIsShownWhileSearching();
     void current();
     void machineWithoutAny();
 
@@ -271,6 +273,26 @@ void ContactSourceTest::endLeavesNothing()
     _source.reset();
     QVERIFY(_living.isEmpty());
     QCOMPARE(shown(), QStringLiteral("none"));
+}
+
+// As it was known at the end of the program before; not so where the user wants nobody's.
+void ContactSourceTest::whatWasShownIsShownWhileSearching()
+{
+    {
+        auto ada = std::make_shared<ContactRecord>();
+        ada->uniqueId = QStringLiteral("ada");
+        ada->firstName = QStringLiteral("Ada");
+        KnownContacts(KnownContacts::defaultPath()).note(ada);
+    }
+    start();
+    const ContactRecordPtr known = ContactStore::sharedAddressBook().recordForUniqueId(QStringLiteral("ada"));
+    QVERIFY(known);
+    QCOMPARE(known->firstName, QStringLiteral("Ada"));
+    _searches.at(0)(true); // those of the desktop are read already, and there is none such
+    QVERIFY(!ContactStore::sharedAddressBook().recordForUniqueId(QStringLiteral("ada")));
+    settings().setContactSource(QStringLiteral("none"));
+    _source->followSettings();
+    QVERIFY(!ContactStore::sharedAddressBook().recordForUniqueId(QStringLiteral("ada")));
 }
 
 void ContactSourceTest::current()
