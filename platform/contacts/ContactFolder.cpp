@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -150,7 +151,8 @@ ContactStore::Opening ContactFolder::opening(const ContactRecord &record, Purpos
 
 bool ContactFolder::canAdd() const
 {
-    return hasFolder() && QFileInfo(absolute(_folderForNewCards)).isWritable();
+    const QByteArray place = QFile::encodeName(absolute(_folderForNewCards));
+    return hasFolder() && ::faccessat(AT_FDCWD, place.constData(), W_OK, AT_EACCESS) == 0;
 }
 
 void ContactFolder::add(const QByteArray &vCard, const std::function<void(const QString &uniqueId)> &done)
