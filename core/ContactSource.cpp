@@ -1,6 +1,7 @@
 #include "core/ContactSource.h"
 
 #include "core/settings/WayfoldDefaults.h"
+#include "platform/contacts/ContactFolder.h"
 #include "platform/contacts/KnownContacts.h"
 #include "platform/files/Paths.h"
 
@@ -36,7 +37,10 @@ ContactSource *ContactSource::current()
 QString ContactSource::chosenFolder()
 {
     const QString named = WayfoldDefaults::sharedInstance().contactFolder();
-    return Paths::standardized(named.isEmpty() ? QStringLiteral("~/.contacts") : named);
+    if (!named.isEmpty())
+        return Paths::standardized(named);
+    const QString found = ContactFolder::defaultFolder();
+    return found.isNull() ? Paths::standardized(QStringLiteral("~/.contacts")) : found;
 }
 
 void ContactSource::followSettings()
@@ -100,6 +104,6 @@ ContactSource::Makers ContactSource::realMakers()
     Makers makers;
     makers.lookForDesktop = [](const std::function<void(bool)> &answer) { answer(false); };
     makers.desktop = [] { return nullptr; };
-    makers.folder = [](const QString & /*folder*/) { return nullptr; };
+    makers.folder = [](const QString &folder) { return std::make_unique<ContactFolder>(folder); };
     return makers;
 }

@@ -35,7 +35,8 @@ public:
     // The one that was made last and still lives; null when there is none.
     static ContactSource *current();
     static Makers realMakers();
-    // The folder that the settings name, else the usual one; the tilde is expanded.
+    // The folder that the settings name, else the usual one that holds a card, else `~/.contacts`. The tilde is
+    // expanded.
     static QString chosenFolder();
 
     // To be called when the settings have changed. The store in use stays when it is still the one that is meant.

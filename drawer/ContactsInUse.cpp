@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr int widestFolder = 200; // pixels
+constexpr int widestFolder = 150; // pixels
 
 QString localized(const char *key)
 {

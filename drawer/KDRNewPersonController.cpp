@@ -109,6 +109,7 @@ void KDRNewPersonController::connectPanel()
     connect(_peopleView, &QAbstractItemView::doubleClicked, _editWindow, &QDialog::accept);
     connect(_searchField, &QLineEdit::textChanged, this, &KDRNewPersonController::search);
     _interface->connectAction(QStringLiteral("handleShowPrefsWindow:"), [this](QObject *) { showPreferences(); });
+    _emptyField->setForegroundRole(QPalette::PlaceholderText);
     _searchField->installEventFilter(this);
     _peopleView->installEventFilter(this);
     _searchField->setFocus();

@@ -97,7 +97,7 @@ WayfoldABEntryPtr PeopleModel::entry(const QModelIndex &index) const
 
 const PeopleRows::Row &PeopleModel::row(const QModelIndex &index) const
 {
-    return _rows.rows()[std::size_t(_found[std::size_t(index.row())])];
+    return _rows.row(_found[std::size_t(index.row())]);
 }
 
 int PeopleModel::rowCount(const QModelIndex &parent) const
@@ -148,12 +148,11 @@ void PeopleModel::makePicture()
     const QString wanted = _wantedPictures.takeLast();
     if (!_wantedPictures.isEmpty())
         _pictureTimer.start();
-    const auto found = std::find_if(_found.cbegin(), _found.cend(), [&](int place) {
-        return _rows.rows()[std::size_t(place)].record->uniqueId == wanted;
-    });
+    const auto found = std::find_if(_found.cbegin(), _found.cend(),
+                                    [&](int place) { return _rows.row(place).record->uniqueId == wanted; });
     if (found == _found.cend())
         return;
-    const PeopleRows::Row &row = _rows.rows()[std::size_t(*found)];
+    const PeopleRows::Row &row = _rows.row(*found);
     const std::shared_ptr<Image> own = WayfoldABEntry::AddressBookEntryFromABRecord(row.record)->image();
     const QIcon icon = own ? own->icon() : commonPicture(row.type);
     _pictures.insert(wanted, new Picture{row.record, _generation, own != nullptr, icon});

@@ -24,7 +24,7 @@ public:
     void setSearch(const QString &search);
     QString search() const { return _search; }
     // Whether there is anybody, found or not.
-    bool isEmpty() const { return _rows.rows().empty(); }
+    bool isEmpty() const { return _rows.size() == 0; }
     // Whether more is to come.
     bool isLoading() const;
     // None for an invalid index.

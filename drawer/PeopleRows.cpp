@@ -11,10 +11,10 @@ namespace
 {
 constexpr std::size_t rowsOfASlice = 1000;
 
-bool comesBefore(const PeopleRows::Row &a, const PeopleRows::Row &b)
+bool comesBefore(const PeopleRows::RowPtr &a, const PeopleRows::RowPtr &b)
 {
-    const int order = a.order.compare(b.order);
-    return order != 0 ? order < 0 : a.record->uniqueId < b.record->uniqueId;
+    const int order = a->order.compare(b->order);
+    return order != 0 ? order < 0 : a->record->uniqueId < b->record->uniqueId;
 }
 
 std::vector<QByteArray> wordsOf(const QString &search)
@@ -63,13 +63,15 @@ void PeopleRows::takeFrom(const ContactStore &store)
     _made.clear();
     _made.reserve(_records.size());
     _next = 0;
+    _isSorted = false;
     _isMade = false;
 }
 
-PeopleRows::Row PeopleRows::makeRow(const ContactRecordPtr &record) const
+PeopleRows::RowPtr PeopleRows::makeRow(const ContactRecordPtr &record)
 {
     const WayfoldABEntryPtr entry = WayfoldABEntry::AddressBookEntryFromABRecord(record);
-    Row row;
+    const auto made = std::make_shared<Row>();
+    Row &row = *made;
     row.record = record;
     row.type = entry->entryType();
     row.name = entry->shortDescription();
@@ -80,31 +82,46 @@ PeopleRows::Row PeopleRows::makeRow(const ContactRecordPtr &record) const
     for (const ContactValue &email : record->emails)
         texts.append(email.value);
     row.searchForm += StringRules::searchForm(texts.join(u'\n'));
-    return row;
+    return made;
 }
 
 bool PeopleRows::makeSome()
 {
+    const bool areMany = _records.size() > rowsOfASlice;
+    if (_next < _records.size()) {
+        makeSlice();
+        if (areMany)
+            return false;
+    }
+    if (!std::exchange(_isSorted, true)) {
+        std::sort(_made.begin(), _made.end(), &comesBefore);
+        if (areMany)
+            return false;
+    }
+    return true;
+}
+
+void PeopleRows::makeSlice()
+{
     const std::size_t end = std::min(_next + rowsOfASlice, _records.size());
     for (; _next < end; ++_next) {
         const ContactRecordPtr &record = _records[_next];
-        const auto known = _places.constFind(record.get());
-        Row row = known == _places.cend() ? makeRow(record) : _rows[*known];
-        if (row.type != WayfoldABEntry::Unknown)
+        const auto known = _known.constFind(record.get());
+        RowPtr row = known == _known.cend() ? makeRow(record) : *known;
+        if (row->type != WayfoldABEntry::Unknown)
             _made.push_back(std::move(row));
     }
-    return _next == _records.size();
 }
 
 void PeopleRows::takeOver()
 {
-    std::sort(_made.begin(), _made.end(), &comesBefore);
     _rows.swap(_made);
     _made.clear();
     _records.clear();
-    _places.clear();
-    for (std::size_t i = 0; i < _rows.size(); ++i)
-        _places.insert(_rows[i].record.get(), i);
+    _known.clear();
+    _known.reserve(qsizetype(_rows.size()));
+    for (const RowPtr &row : _rows)
+        _known.insert(row->record.get(), row);
     _isMade = true;
 }
 
@@ -115,7 +132,8 @@ std::vector<int> PeopleRows::rowsMatching(const QString &search) const
     const std::vector<QByteArray> words = wordsOf(search);
     if (words.empty())
         return found;
-    std::erase_if(found, [&](int row) { return !hasAll(_rows[std::size_t(row)], words); });
-    std::stable_partition(found.begin(), found.end(), [&](int row) { return isNamed(_rows[std::size_t(row)], words); });
+    std::erase_if(found, [&](int row) { return !hasAll(*_rows[std::size_t(row)], words); });
+    std::stable_partition(found.begin(), found.end(),
+                          [&](int row) { return isNamed(*_rows[std::size_t(row)], words); });
     return found;
 }

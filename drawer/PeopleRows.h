@@ -23,6 +23,8 @@ public:
         qsizetype nameLength = 0; // of the display name in there
     };
 
+    using RowPtr = std::shared_ptr<const Row>;
+
     // Begins with what the store has now.
     void takeFrom(const ContactStore &store);
     // A slice; true when that was the last one.
@@ -32,18 +34,21 @@ public:
     // Whether all that was begun has been taken over.
     bool isMade() const { return _isMade; }
 
-    const std::vector<Row> &rows() const { return _rows; }
+    std::size_t size() const { return _rows.size(); }
+    const Row &row(int position) const { return *_rows[std::size_t(position)]; }
     // The positions of the rows that contain every word of the search, in any order; those whose names have words that
     // begin so come first. All of them for a search without words.
     std::vector<int> rowsMatching(const QString &search) const;
 
 private:
-    Row makeRow(const ContactRecordPtr &record) const;
+    void makeSlice();
+    static RowPtr makeRow(const ContactRecordPtr &record);
 
-    std::vector<Row> _rows;
-    QHash<const ContactRecord *, std::size_t> _places; // in there
-    std::vector<ContactRecordPtr> _records;            // that rows are made for
-    std::vector<Row> _made;
+    std::vector<RowPtr> _rows;
+    QHash<const ContactRecord *, RowPtr> _known; // the same by their cards
+    std::vector<ContactRecordPtr> _records;      // that rows are made for
+    std::vector<RowPtr> _made;
     std::size_t _next = 0;
+    bool _isSorted = true;
     bool _isMade = true;
 };

@@ -232,6 +232,8 @@ bool WayfoldPrefsController::loadInterface()
     _contactFolderField = interface.outlet<QLineEdit>(QStringLiteral("contactFolderField"));
     _chooseContactFolderButton = interface.outlet<QAbstractButton>(QStringLiteral("chooseContactFolderButton"));
     _contactsInUseField = interface.outlet<QLabel>(QStringLiteral("contactsInUseField"));
+    if (_contactsInUseField)
+        _contactsInUseField->setForegroundRole(QPalette::PlaceholderText);
     connectActions(interface);
     return _autoOpenDrawerActions && _autoFocusField && _showIconsField && _closeOnUnknownField &&
            _historyGroupingOptions && _confirmDeletesField && _setDrawerFontButton && _fontField &&

@@ -1121,7 +1121,7 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
     </message>
     <message>
         <source>Nobody in the desktop's contacts yet.</source>
-        <translation>In den Kontakten des Desktops steht noch niemand.</translation>
+        <translation>Noch niemand in den Kontakten des Desktops.</translation>
     </message>
     <message>
         <source>1 person from the desktop's contacts</source>
@@ -1133,7 +1133,7 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
     </message>
     <message>
         <source>Nobody in %@ yet.</source>
-        <translation>In %@ steht noch niemand.</translation>
+        <translation>Noch niemand in %@.</translation>
     </message>
     <message>
         <source>1 person from %@</source>

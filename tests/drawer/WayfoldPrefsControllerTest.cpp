@@ -1587,7 +1587,12 @@ void WayfoldPrefsControllerTest::nothingIsCutOff()
 {
     QFETCH(QString, language);
     QLocale::setDefault(QLocale(language));
+    settings().setContactSource(QStringLiteral("folder"));
+    settings().setContactFolder(QStringLiteral("/a/folder/that/lies/deep/down/and/has/a/rather/long/name/like/this"));
+    _people = 20'000;
+    startContacts();
     _window = open();
+    QVERIFY(contactsText().contains(u'\u2026'));
     auto *pages = _window->findChild<QTabWidget *>();
     QCOMPARE(pages->tabText(2).remove(u'&'),
              language == u"de_DE" ? QStringLiteral("Tastenk\u00fcrzel") : QStringLiteral("Shortcuts"));
