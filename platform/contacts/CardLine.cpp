@@ -7,11 +7,15 @@
 
 namespace
 {
+bool isLetterOrDigit(char sign)
+{
+    return (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z') || (sign >= '0' && sign <= '9');
+}
+
 bool isName(QByteArrayView text)
 {
     return !text.isEmpty() && std::all_of(text.cbegin(), text.cend(), [](char sign) {
-        return (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z') || (sign >= '0' && sign <= '9') ||
-               sign == '-' || sign == '_';
+        return isLetterOrDigit(sign) || sign == '-' || sign == '_';
     });
 }
 
@@ -56,10 +60,7 @@ bool isEncoding(const CardLine::Parameter &parameter)
 QByteArray strictBase64(const QByteArray &value)
 {
     QByteArray strict = value.left(5).toLower() == "data:" ? value.mid(value.indexOf(',') + 1) : value;
-    strict.removeIf([](char sign) {
-        return (sign < 'A' || sign > 'Z') && (sign < 'a' || sign > 'z') && (sign < '0' || sign > '9') && sign != '+' &&
-               sign != '/' && sign != '=';
-    });
+    strict.removeIf([](char sign) { return !CardLine::isBase64Sign(sign); });
     return strict;
 }
 
@@ -84,6 +85,11 @@ QByteArray withStrictEscapes(const QByteArray &value)
     return strict;
 }
 } // namespace
+
+bool CardLine::isBase64Sign(char sign)
+{
+    return isLetterOrDigit(sign) || sign == '+' || sign == '/' || sign == '=';
+}
 
 CardLine CardLine::fromText(const QByteArray &text)
 {

@@ -25,6 +25,7 @@ public:
     // Bytes as text: they are UTF-8, or else in the named character set, or else in the one that programs wrote without
     // naming it. Damaged UTF-8 keeps what is right in it.
     static QString decoded(QByteArrayView bytes, const QByteArray &characterSet = {});
+    static bool isBase64Sign(char sign);
 
     Encoding encoding() const;
     QByteArray characterSet() const; // as it is named; empty when it is not

@@ -5,6 +5,9 @@
 
 namespace
 {
+// Bytes of a line up to which a fold may stand before its value.
+constexpr qsizetype maximumHead = 4096;
+
 // Without marks of its encoding, and without what no C string can hold.
 QByteArray plainText(const QByteArray &text)
 {
@@ -28,6 +31,11 @@ bool isEnd(QByteArrayView line)
 bool isAscii(QByteArrayView text)
 {
     return std::all_of(text.cbegin(), text.cend(), [](char sign) { return uchar(sign) < 0x80; });
+}
+
+bool isBase64(QByteArrayView line)
+{
+    return !line.isEmpty() && std::all_of(line.cbegin(), line.cend(), CardLine::isBase64Sign);
 }
 
 bool isBulky(const CardLine &line)
@@ -104,8 +112,10 @@ CardText::Line CardText::logicalLine()
 {
     const qsizetype start = _at;
     QByteArray line = physicalLine().toByteArray();
-    const CardLine::Encoding encoding = CardLine::fromText(line).encoding();
+    CardLine::Encoding encoding = CardLine::fromText(line).encoding();
     while (_at < _text.size() && continues(encoding, line)) {
+        if (encoding == CardLine::Plain && line.size() <= maximumHead)
+            encoding = CardLine::fromText(line).encoding();
     }
     return {QByteArrayView(_text).sliced(start, _at - start), line};
 }
@@ -118,7 +128,7 @@ bool CardText::continues(CardLine::Encoding encoding, QByteArray &line)
     const bool isFolded = (next.startsWith(' ') || next.startsWith('\t')) && !isBeginning(line) && !isEnd(line);
     const bool isSoft = encoding == CardLine::QuotedPrintable && line.endsWith('=') && !isEnd(next);
     // Some phones do not set the lines of a picture in.
-    const bool isUnindented = encoding == CardLine::Base64 && !next.trimmed().isEmpty() && !next.contains(':');
+    const bool isUnindented = encoding == CardLine::Base64 && isBase64(next.trimmed());
     if (isSoft) {
         line.chop(1);
         line += next;

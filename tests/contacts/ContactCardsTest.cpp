@@ -612,6 +612,12 @@ void ContactCardsTest::readsTextForms_data()
     row("a card with a secretary in one line",
         QByteArray(two).replace("UID:1\n", "UID:1\nAGENT:BEGIN:VCARD\\nUID:7\\nFN:Sec\\nEND:VCARD\\n\n"));
     row("soft line ends", QByteArray(two).replace("N:Müller", "N;ENCODING=QUOTED-PRINTABLE:M=C3=\n=BC=\nl=\nler"));
+    row("soft line ends behind a folded head",
+        QByteArray(two).replace("N:Müller", "N;X-A=b;ENCO\n DING=QUOTED-PRINTABLE:M=C3=\n=BC=\nl=\nler"));
+    row("a folded head behind a picture", QByteArray(two).replace("FN:Bob", "PHOTO;ENCODING=b:SGVs\nFN;X-A=\n b:Bob"));
+    row("a folded head in a picture that is none",
+        QByteArray(two).replace("FN:Bob", "NOTE;ENCO\n DING=b:\xff\nFN;X-A=\n b:Bob"));
+    row("set in", QByteArray(two).replace("BEGIN:VCARD\n", "BEGIN:VCARD\n  ").replace("END:VCARD\n", "END:VCARD\n "));
     row("a soft end before the end", QByteArray(two).replace("FN:Bob", "FN;ENCODING=QUOTED-PRINTABLE:Bob="));
     row("empty cards between", "BEGIN:VCARD\nEND:VCARD\n" + two + "BEGIN:VCARD\nVERSION:3.0\nEND:VCARD\n");
 }
