@@ -12,6 +12,11 @@ bool isLetterOrDigit(char sign)
     return (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z') || (sign >= '0' && sign <= '9');
 }
 
+bool isHexDigit(char sign)
+{
+    return (sign >= 'A' && sign <= 'F') || (sign >= 'a' && sign <= 'f') || (sign >= '0' && sign <= '9');
+}
+
 bool isName(QByteArrayView text)
 {
     return !text.isEmpty() && std::all_of(text.cbegin(), text.cend(), [](char sign) {
@@ -61,6 +66,21 @@ QByteArray strictBase64(const QByteArray &value)
 {
     QByteArray strict = value.left(5).toLower() == "data:" ? value.mid(value.indexOf(',') + 1) : value;
     strict.removeIf([](char sign) { return !CardLine::isBase64Sign(sign); });
+    return strict;
+}
+
+// An equals sign that encodes nothing is one, except at the end, where it would take the next line with it.
+QByteArray strictQuotedPrintable(const QByteArray &value)
+{
+    QByteArray strict;
+    strict.reserve(value.size());
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        const bool isCode = i + 2 < value.size() && isHexDigit(value.at(i + 1)) && isHexDigit(value.at(i + 2));
+        if (value.at(i) != '=' || isCode)
+            strict += value.at(i);
+        else if (i + 1 < value.size())
+            strict += "=3D";
+    }
     return strict;
 }
 
@@ -168,8 +188,5 @@ QByteArray CardLine::strictValue() const
 {
     if (encoding() == Base64)
         return strictBase64(value);
-    QByteArray strict = withStrictEscapes(value);
-    while (encoding() == QuotedPrintable && strict.endsWith('='))
-        strict.chop(1);
-    return strict;
+    return withStrictEscapes(encoding() == QuotedPrintable ? strictQuotedPrintable(value) : value);
 }

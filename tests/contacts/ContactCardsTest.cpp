@@ -483,6 +483,9 @@ void ContactCardsTest::readsValues_data()
     row("TEL;ENCODING=b:NTU1", "555");
     row("TEL;ENCODING=QUOTED-PRINTABLE:=35=35=35", "555");
     row("TEL;QUOTED-PRINTABLE:=35=35=35", "555");
+    row("TEL;ENCODING=QUOTED-PRINTABLE:5=5=zz=3", "5=5=zz=3");
+    row("TEL;ENCODING=QUOTED-PRINTABLE:5=B\\=35\\", "5=B\\5\\");
+    row("TEL;ENCODING=QUOTED-PRINTABLE:=5c=3bn", "\\;n");
     row("TEL;=:555", "555");
     row("TEL;:555", "555");
     row("TEL;(a:555", "555");
