@@ -275,6 +275,11 @@ QByteArray pictureOf(const CardProperty &photo)
 }
 } // namespace
 
+QString ContactCards::identifier(const QString &text)
+{
+    return ::identifier(text);
+}
+
 std::vector<ContactCards::Card> ContactCards::read(const QByteArray &text)
 {
     std::vector<Card> cards;

@@ -25,6 +25,8 @@ constexpr qsizetype maximumPicture = 5 * 1024 * 1024;
 
 // Every card in the text, in order. What is damaged is left out; what is endless is cut.
 std::vector<Card> read(const QByteArray &text);
+// An identifier as the records have it; null when they have none for it.
+QString identifier(const QString &text);
 // The picture that the card holds (PNG, JPEG, ...); empty when it has none, or one that only lies elsewhere.
 QByteArray picture(const QByteArray &card);
 } // namespace ContactCards
