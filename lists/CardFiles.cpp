@@ -96,20 +96,25 @@ bool CardFiles::isOnAnotherMachine(const QByteArray &fileSystem)
     return kinds.contains(fileSystem) || (fileSystem.startsWith("fuse.") && !isOwnFuse);
 }
 
-std::vector<ContactCards::Card> CardFiles::read(const QString &path, qint64 most)
+std::vector<ContactCards::Card> CardFiles::read(const QString &path, Allowance &left)
 {
     if (!isNamedAsCards(path) || isOnAnotherMachine(QStorageInfo(path).fileSystemType()))
         return {};
     const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
     QFile file(path);
-    if (!stamp || !stamp->isPlainFile || stamp->size > most || !PropertyList::openFile(path, &file))
+    if (!stamp || !stamp->isPlainFile || stamp->size > left.bytes || !PropertyList::openFile(path, &file))
         return {};
-    return fromData(file.read(most), most);
+    return fromData(file.read(left.bytes), left);
 }
 
-std::vector<ContactCards::Card> CardFiles::fromData(const QByteArray &data, qint64 most)
+std::vector<ContactCards::Card> CardFiles::fromData(const QByteArray &data, Allowance &left)
 {
-    return data.size() > most ? std::vector<ContactCards::Card>() : ContactCards::read(data);
+    const qsizetype count = data.count("BEGIN:VCARD") + data.count("begin:vcard"); // about
+    if (data.size() > left.bytes || count > left.cards)
+        return {};
+    left.bytes -= data.size();
+    left.cards -= count;
+    return ContactCards::read(data);
 }
 
 QString CardFiles::nameForPeople(const QStringList &names)

@@ -7,14 +7,20 @@
 // Cards in files: those that are dropped, and those that are dragged out for programs that take nothing but files.
 namespace CardFiles
 {
-// Bytes of all files of one drop that are read as cards.
-constexpr qint64 maximumSize = qint64(2) * 1024 * 1024;
+// What may be read in one drop, so that the list does not stand still.
+constexpr qint64 maximumSize = qint64(2) * 1024 * 1024; // bytes
+constexpr qsizetype maximumCards = 1000;
+struct Allowance
+{
+    qint64 bytes = maximumSize;
+    qsizetype cards = maximumCards;
+};
 
-// The cards in a file that is one of cards by its name. Empty when there are none, when it is larger than `most` bytes,
-// no plain file, or on another machine, which may keep us waiting.
-std::vector<ContactCards::Card> read(const QString &path, qint64 most = maximumSize);
-// The cards in the text, none when it is larger.
-std::vector<ContactCards::Card> fromData(const QByteArray &data, qint64 most = maximumSize);
+// The cards in a file that is one of cards by its name. Empty when there are none, when it is no plain file, or on
+// another machine, which may keep us waiting, and when that is more than what is left of the allowance.
+std::vector<ContactCards::Card> read(const QString &path, Allowance &left);
+// The cards in the text, in the same way.
+std::vector<ContactCards::Card> fromData(const QByteArray &data, Allowance &left);
 // Of a kind of file system, by the name that the system gives it ("ext4", "nfs4", "fuse.sshfs").
 bool isOnAnotherMachine(const QByteArray &fileSystem);
 

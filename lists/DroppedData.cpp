@@ -50,7 +50,8 @@ bool DroppedData::offers(const QString &type) const
 
 bool DroppedData::offersAnyOf(const QStringList &types) const
 {
-    return std::any_of(types.cbegin(), types.cend(), [this](const QString &type) { return offers(type); });
+    return offersCards() ||
+           std::any_of(types.cbegin(), types.cend(), [this](const QString &type) { return offers(type); });
 }
 
 QString DroppedData::stringForType(const QString &type) const

@@ -20,6 +20,7 @@ public:
     explicit DroppedData(const QMimeData &data) : _data(data) {}
 
     bool offers(const QString &type) const;
+    // Cards, which come as none of the types, count for any of them.
     bool offersAnyOf(const QStringList &types) const;
     // Null when the type is not offered or holds no text.
     QString stringForType(const QString &type) const;

@@ -90,7 +90,7 @@ KDRBookmarkPtr anotherItemFor(const KDRBookmarkPtr &member)
 bool ScratchpadDrop::accept(const DroppedData &data)
 {
     namespace Types = PasteboardTypes;
-    if (data.offersCards() && addCards(CardFiles::fromData(data.cards(), _mostOfCards)))
+    if (data.offersCards() && addCards(CardFiles::fromData(data.cards(), _allowance)))
         return true;
     if (data.offers(Types::KDRBookmark))
         return moveItem(data);
@@ -227,9 +227,7 @@ bool ScratchpadDrop::addCardFile(const QString &path)
 {
     if (ContactStore::sharedAddressBook().state() == ContactStore::Absent)
         return false;
-    const std::vector<ContactCards::Card> cards = CardFiles::read(path, _mostOfCards);
-    for (const ContactCards::Card &card : cards)
-        _mostOfCards -= card.text.size();
+    const std::vector<ContactCards::Card> cards = CardFiles::read(path, _allowance);
     return !cards.empty() && addCards(cards);
 }
 

@@ -54,8 +54,8 @@ private:
     WayfoldBookmarkFolderPtr _root;
     WayfoldBookmarkFolderPtr _target;
     int _index;
-    qint64 _mostOfCards = CardFiles::maximumSize; // bytes
-    QSet<QByteArray> _cards;                      // each is taken once
+    CardFiles::Allowance _allowance;
+    QSet<QByteArray> _cards; // each is taken once
     std::vector<KDRBookmarkPtr> _droppedItems;
     std::vector<Stranger> _strangers;
     std::vector<WayfoldBookmarkFolderPtr> _oldParents;

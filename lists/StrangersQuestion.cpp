@@ -161,6 +161,7 @@ void StrangersQuestion::proceed()
 void StrangersQuestion::ask(const std::vector<Stranger> &strangers)
 {
     Alert alert;
+    alert.style = Alert::NSInformationalAlertStyle;
     alert.messageText = localized("Add to Contacts?");
     alert.informativeText =
         textAbout(namesOf(strangers), localized("\"%@\" is not in your contacts. Do you want to add the card?"),

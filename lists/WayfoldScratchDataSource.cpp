@@ -415,8 +415,7 @@ void WayfoldScratchDataSource::followOutsideChanges()
 
 bool WayfoldScratchDataSource::outlineViewTakesData(OutlineView & /*view*/, const QMimeData &data)
 {
-    const DroppedData dropped(data);
-    return dropped.offersCards() || dropped.offersAnyOf(acceptableDragTypes());
+    return DroppedData(data).offersAnyOf(acceptableDragTypes());
 }
 
 Qt::DropAction WayfoldScratchDataSource::outlineViewValidateDrop(OutlineView & /*view*/, const QMimeData & /*data*/,

@@ -72,11 +72,30 @@ void CardFilesTest::filesOnOtherMachines()
 
 void CardFilesTest::readsUpToTheMost()
 {
+    QByteArray cards;
+    for (int i = 0; i < CardFiles::maximumCards; ++i)
+        cards += ListStage::card(QString::number(i), "Ann", "Miller", "ann@a.org");
+    _home->write("cards.vcf", cards);
     _home->write("ann.vcf", ann);
-    QCOMPARE(CardFiles::read(_home->path("ann.vcf"), ann.size()).size(), 1U);
-    QCOMPARE(CardFiles::read(_home->path("ann.vcf"), ann.size() - 1).size(), 0U);
-    QCOMPARE(CardFiles::fromData(ann, ann.size()).size(), 1U);
-    QCOMPARE(CardFiles::fromData(ann, ann.size() - 1).size(), 0U);
+    _home->write("more.vcf", cards + ann);
+    _home->write("small.vcf", cards.replace("BEGIN:VCARD", "begin:vcard") + ann);
+    CardFiles::Allowance left;
+    QVERIFY(CardFiles::read(_home->path("more.vcf"), left).empty());
+    QVERIFY(CardFiles::read(_home->path("small.vcf"), left).empty());
+    QVERIFY(CardFiles::fromData(cards + ann, left).empty());
+    QCOMPARE(left.cards, CardFiles::maximumCards); // nothing was taken
+    QCOMPARE(qsizetype(CardFiles::read(_home->path("cards.vcf"), left).size()), CardFiles::maximumCards);
+    QVERIFY(CardFiles::read(_home->path("ann.vcf"), left).empty());
+    QVERIFY(CardFiles::fromData(ann, left).empty());
+
+    for (const qsizetype missing : {0, 1}) {
+        CardFiles::Allowance bytes;
+        bytes.bytes = 2 * ann.size() - missing;
+        QCOMPARE(CardFiles::read(_home->path("ann.vcf"), bytes).size(), 1U);
+        QCOMPARE(CardFiles::fromData(ann, bytes).size(), missing == 0 ? 1U : 0U);
+        bytes.bytes = ann.size() - missing;
+        QCOMPARE(CardFiles::read(_home->path("ann.vcf"), bytes).size(), missing == 0 ? 1U : 0U);
+    }
 }
 
 void CardFilesTest::fileIsTheUsersAlone()

@@ -120,6 +120,7 @@ private Q_SLOTS:
     void changeWaitsUntilTheListIsSeen();
 
     void toolTips();
+    void toolTipsOfPeopleAndGroups();
     void toolTipsAfterRemoval();
 
     void selectionHelpers();
@@ -583,6 +584,20 @@ void WayfoldOutlineViewTest::toolTips()
     QVERIFY(_pad->view.toolTipAtPoint(QPoint(5, _pad->view.viewport()->height() - 1)).isNull());
 }
 
+void WayfoldOutlineViewTest::toolTipsOfPeopleAndGroups()
+{
+    const auto ann = ListStage::person("Ann", {"ann@a.org"});
+    const auto friends = ListStage::group("Friends", {ann});
+    _pad->showItems({ann, friends, WayfoldBookmarkABPerson::bookmarkWithID("gone")});
+    _pad->view.expandItem(friends);
+    _pad->view.grab(); // each row that is drawn gets its own
+    const auto tip = [this](int row) { return _pad->view.toolTipAtPoint(_pad->view.rectOfRow(row).center()); };
+    QCOMPARE(tip(0), QStringLiteral("Ann\n\nwork: ann@a.org"));
+    QVERIFY(tip(1).isNull());
+    QCOMPARE(tip(2), tip(0)); // in the group
+    QVERIFY(tip(3).isNull());
+}
+
 void WayfoldOutlineViewTest::toolTipsAfterRemoval()
 {
     const auto first = ListStage::note("First", "one");
@@ -930,6 +945,9 @@ void WayfoldOutlineViewTest::openItem_data()
     QTest::newRow("two people") << Items{ListStage::person("a"), ListStage::person("b")} << several << false;
     QTest::newRow("person and note") << Items{ListStage::person("a"), ListStage::note("b")} << several << true;
     QTest::newRow("group") << Items{ListStage::group("a")} << one << true;
+    QTest::newRow("organization") << Items{ListStage::organization("a")} << QStringLiteral("Open Item in Address Book")
+                                  << true;
+    QTest::newRow("person and group") << Items{ListStage::person("a"), ListStage::group("b")} << several << true;
 }
 
 void WayfoldOutlineViewTest::openItem()

@@ -161,6 +161,7 @@ void WayfoldSitePopupButtonTest::dragSwitchesToTheFirstEntry_data()
     QTest::addColumn<bool>("switches");
     QTest::newRow("own") << QStringLiteral("KDRBookmark") << true;
     QTest::newRow("addresses of another application") << QStringLiteral("text/uri-list") << true;
+    QTest::newRow("cards of another application") << QStringLiteral("text/x-vcard") << true;
     QTest::newRow("something else") << QStringLiteral("image/png") << false;
 }
 
