@@ -171,11 +171,12 @@ void DesktopAddressBooks::lookForService(const std::function<void(bool)> &found)
 {
     if (!isBusThere())
         return found(false);
-    getBus([found](GObjectOwner<GDBusConnection> bus) {
+    const auto answer = [found, events = std::make_shared<GLibEvents>()](bool isThere) { found(isThere); };
+    getBus([answer](GObjectOwner<GDBusConnection> bus) {
         if (bus)
-            lookForName(bus.get(), nullptr, found);
+            lookForName(bus.get(), nullptr, answer);
         else
-            found(false);
+            answer(false);
     });
 }
 
