@@ -64,6 +64,7 @@ private Q_SLOTS:
 
     void pictureOfTheCard();
     void pictureIsSquareAndSmall();
+    void pictureOfATurnedCamera();
     void pictureIsAskedForOnce();
     void pictureThatComesLater();
     void pictureOfAChangedCard();
@@ -410,13 +411,37 @@ void WayfoldABEntryTest::pictureIsSquareAndSmall()
     QBuffer buffer(&file);
     buffer.open(QIODevice::WriteOnly);
     photograph.save(&buffer, "PNG");
-    _contacts->pictures = {{"p", file}, {"small", pictureFile(Qt::red, {20, 10})}};
+    _contacts->pictures = {{"p", file}, {"small", pictureFile(Qt::red, {200, 10})}};
     const std::shared_ptr<Image> image = entryFor(MemoryContacts::person("p", "Ann", "Bell"))->image();
     QCOMPARE(image->size(), QSizeF(128, 128));
     const QImage drawn = image->icon().pixmap(QSize(128, 128), 1.0).toImage();
     QCOMPARE(drawn.pixelColor(64, 4), QColor(Qt::red));
     QCOMPARE(drawn.pixelColor(64, 123), QColor(Qt::red));
     QCOMPARE(entryFor(MemoryContacts::person("small", "Ann", "Bell"))->image()->size(), QSizeF(10, 10));
+}
+
+// Cameras write the picture as they are held, and say beside it which edge is the upper one.
+void WayfoldABEntryTest::pictureOfATurnedCamera()
+{
+    QImage photograph(64, 64, QImage::Format_RGB32);
+    photograph.fill(Qt::red);
+    QPainter(&photograph).fillRect(0, 0, 32, 64, Qt::blue); // the left half, which is to be above
+    QByteArray file;
+    QBuffer buffer(&file);
+    buffer.open(QIODevice::WriteOnly);
+    photograph.save(&buffer, "JPEG", 100);
+    const QByteArray turned = QByteArray::fromHex("ffe10022457869660000" // the mark's length, and what it is
+                                                  "4d4d002a00000008"     // big numbers first
+                                                  "0001"                 // one entry: turn to the right
+                                                  "0112000300000001000600000000"
+                                                  "0000");
+    file.insert(2, turned);
+    _contacts->pictures = {{"p", file}};
+    const std::shared_ptr<Image> image = entryFor(MemoryContacts::person("p", "Ann", "Bell"))->image();
+    QVERIFY(image);
+    const QImage drawn = image->icon().pixmap(QSize(64, 64), 1.0).toImage();
+    QVERIFY(drawn.pixelColor(8, 8).blue() > 200 && drawn.pixelColor(56, 8).blue() > 200);
+    QVERIFY(drawn.pixelColor(8, 56).red() > 200 && drawn.pixelColor(56, 56).red() > 200);
 }
 
 void WayfoldABEntryTest::pictureIsAskedForOnce()
