@@ -284,12 +284,17 @@ std::vector<ContactCards::Card> ContactCards::read(const QByteArray &text)
 {
     std::vector<Card> cards;
     CardText source(text);
-    while (const std::optional<CardText::Card> card = source.next()) {
-        const Properties properties = propertiesOf(card->lines, wantedNames());
-        if (!properties.empty())
-            cards.push_back({recordOf(properties), card->text});
+    while (const std::optional<CardText::Card> text = source.next()) {
+        if (std::optional<Card> card = read(*text))
+            cards.push_back(std::move(*card));
     }
     return cards;
+}
+
+std::optional<ContactCards::Card> ContactCards::read(const CardText::Card &text)
+{
+    const Properties properties = propertiesOf(text.lines, wantedNames());
+    return properties.empty() ? std::nullopt : std::optional<Card>({recordOf(properties), text.text});
 }
 
 QByteArray ContactCards::picture(const QByteArray &card)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/CardText.h"
 #include "platform/contacts/ContactRecord.h"
 
 #include <QByteArray>
@@ -27,6 +28,8 @@ constexpr qsizetype maximumPicture = 5 * 1024 * 1024;
 std::vector<Card> read(const QByteArray &text);
 // An identifier as the records have it; null when they have none for it.
 QString identifier(const QString &text);
+// The one in what CardText has cut out, for who takes a long text a card at a time. None when nothing is understood.
+std::optional<Card> read(const CardText::Card &text);
 // The picture that the card holds (PNG, JPEG, ...); empty when it has none, or one that only lies elsewhere.
 QByteArray picture(const QByteArray &card);
 } // namespace ContactCards

@@ -168,7 +168,7 @@ void ContactFolder::add(const QByteArray &vCard, const std::function<void(const 
         record->uniqueId = QUuid::createUuid().toString(QUuid::WithoutBraces);
         text = withIdentifier(text, record->uniqueId);
     }
-    if (_paths.contains(record->uniqueId)) {
+    if (const QString file = _paths.value(record->uniqueId); !file.isNull() && QFileInfo::exists(absolute(file))) {
         done(record->uniqueId);
         return;
     }
@@ -181,6 +181,10 @@ void ContactFolder::add(const QByteArray &vCard, const std::function<void(const 
         done(QString());
         return;
     }
+    const File before = _files.take(path); // was removed a moment ago
+    for (const Card &card : before.cards)
+        leave(path, card.uniqueId);
+    tellWhatWasRead();
     _files.insert(path, {*stamp, {{record->uniqueId, 0}}, _walks});
     _paths.insert(record->uniqueId, path);
     put({record}, true);
@@ -296,16 +300,17 @@ void ContactFolder::readNextCard()
         finishReading();
         return;
     }
-    for (const ContactCards::Card &card : ContactCards::read(text->text)) {
-        auto record = std::make_shared<ContactRecord>(card.record);
-        if (record->uniqueId.isEmpty())
-            record->uniqueId = identifierByFile(path, ++_reading->unnamed);
-        if (_reading->identifiers.contains(record->uniqueId))
-            continue;
-        _reading->identifiers.insert(record->uniqueId);
-        _reading->cards.push_back({record->uniqueId, start});
-        enter(path, record);
-    }
+    const std::optional<ContactCards::Card> card = ContactCards::read(*text);
+    if (!card)
+        return;
+    auto record = std::make_shared<ContactRecord>(card->record);
+    if (record->uniqueId.isEmpty())
+        record->uniqueId = identifierByFile(path, ++_reading->unnamed);
+    if (_reading->identifiers.contains(record->uniqueId))
+        return;
+    _reading->identifiers.insert(record->uniqueId);
+    _reading->cards.push_back({record->uniqueId, start});
+    enter(path, record);
 }
 
 void ContactFolder::finishReading()
@@ -438,12 +443,12 @@ QByteArray ContactFolder::textOf(const ContactRecord &record) const
     CardText text(contentsOf(absolute(path)));
     text.setPosition(card->start);
     const std::optional<CardText::Card> found = text.next();
-    const std::vector<ContactCards::Card> cards = ContactCards::read(found ? found->text : QByteArray());
-    const bool isThere = !cards.empty() && (cards.front().record.uniqueId == record.uniqueId ||
-                                            (cards.front().record.uniqueId.isEmpty() && isNamedByFile(record, path)));
+    const std::optional<ContactCards::Card> now = found ? ContactCards::read(*found) : std::nullopt;
+    const bool isThere = now && (now->record.uniqueId == record.uniqueId ||
+                                 (now->record.uniqueId.isEmpty() && isNamedByFile(record, path)));
     if (!isThere)
         checkSoon(); // the file has changed, or gone
-    return isThere ? cards.front().text : QByteArray();
+    return isThere ? now->text : QByteArray();
 }
 
 // Of a folder that is not there, the next one above it that is.

@@ -157,6 +157,7 @@ private Q_SLOTS:
     void addedCardWithOddIdentifier();
     void addedCardTakesNoOthersFile();
     void addedCardThatIsThereIsLeftAlone();
+    void cardThatWasRemovedCanBeAddedAtOnce();
     void addedCardsComeToTheOthers();
     void addedWithoutIdentifierKeepsItsText();
     void cannotAddWithoutFolder();
@@ -760,6 +761,23 @@ void ContactFolderTest::addedCardThatIsThereIsLeftAlone()
     QCOMPARE(names(), QStringList{"Ada"});
     QCOMPARE(QDir(path("")).entryList(QDir::Files), QStringList{"a.vcf"});
     QVERIFY(_home->read("cards/a.vcf").contains("the user's own"));
+}
+
+void ContactFolderTest::cardThatWasRemovedCanBeAddedAtOnce()
+{
+    write("id.vcf", personCard("id", "Ada") + personCard("second", "Second"));
+    write("other.vcf", personCard("other", "Other"));
+    ready();
+    for (const char *name : {"id.vcf", "other.vcf"})
+        QVERIFY(QFile::remove(path(name)));
+    QStringList ids;
+    for (const char *id : {"id", "other"})
+        _folder->add(personCard(id, "Again"), [&](const QString &added) { ids.append(added); });
+    QCOMPARE(ids, QStringList({"id", "other"}));
+    QTRY_VERIFY_WITH_TIMEOUT(!_folder->recordForUniqueId("second"), patience);
+    QTest::qWait(300); // in which the folder is looked through
+    QCOMPARE(names(), QStringList({"Again", "Again"}));
+    QCOMPARE(QDir(path("")).entryList(QDir::Files), QStringList({"id.vcf", "other.vcf"}));
 }
 
 void ContactFolderTest::addedCardsComeToTheOthers()
