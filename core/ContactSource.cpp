@@ -1,9 +1,13 @@
 #include "core/ContactSource.h"
 
 #include "core/settings/WayfoldDefaults.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/PlatformNotifications.h"
 #include "platform/contacts/ContactFolder.h"
 #include "platform/contacts/KnownContacts.h"
 #include "platform/files/Paths.h"
+
+#include <QFileInfo>
 
 namespace
 {
@@ -15,16 +19,27 @@ class SoughtContacts : public ContactStore
 public:
     State state() const override { return Loading; }
 };
+
+// One that the user names may be empty still; of the usual ones, one that holds a card.
+bool isThereAFolder()
+{
+    const QString named = WayfoldDefaults::sharedInstance().contactFolder();
+    return named.isEmpty() ? !ContactFolder::defaultFolder().isNull() : QFileInfo(Paths::standardized(named)).isDir();
+}
 } // namespace
 
 ContactSource::ContactSource(Makers makers) : _makers(std::move(makers))
 {
     currentSource = this;
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification & /*notification*/) { contactsDidChange(); },
+        PlatformNotifications::kABDatabaseChangedExternallyNotification);
     followSettings();
 }
 
 ContactSource::~ContactSource()
 {
+    NotificationCenter::defaultCenter().removeObserver(this);
     if (currentSource == this)
         currentSource = nullptr;
 }
@@ -47,6 +62,7 @@ void ContactSource::followSettings()
 {
     _search.reset();
     const QString chosen = WayfoldDefaults::sharedInstance().contactSource();
+    _isAutomatic = chosen != u"desktop" && chosen != u"folder" && chosen != u"none";
     if (chosen == u"desktop")
         use(Desktop);
     else if (chosen == u"folder")
@@ -71,6 +87,14 @@ void ContactSource::search()
         else
             use(Folder, chosenFolder());
     });
+}
+
+void ContactSource::contactsDidChange()
+{
+    if (!_isAutomatic || _place != Desktop || _store->state() == ContactStore::Loading)
+        return;
+    if (_store->people().empty() && _store->groups().empty() && isThereAFolder())
+        use(Folder, chosenFolder());
 }
 
 void ContactSource::use(Place place, const QString &folder)

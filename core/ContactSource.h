@@ -6,8 +6,9 @@
 #include <memory>
 
 // Whose people the lists show: the desktop's, those of a folder of cards, or nobody, as the settings say. With nothing
-// chosen, it is the desktop's where there are such contacts, and else the folder's. As long as this lives, the store
-// that is in use belongs to it, and is the shared one.
+// chosen, it is the desktop's where there are such contacts, and else the folder's; also where a desktop has contacts
+// that hold nobody, and there are cards in the folder. As long as this lives, the store that is in use belongs to it,
+// and is the shared one.
 class ContactSource
 {
 public:
@@ -47,12 +48,14 @@ public:
 
 private:
     void search();
+    void contactsDidChange();
     void use(Place place, const QString &folder = QString());
     std::unique_ptr<ContactStore> makeStore(Place place, const QString &folder) const;
 
     Makers _makers;
     std::unique_ptr<ContactStore> _store;
     Place _place = Nowhere;
+    bool _isAutomatic = false;
     QString _folder;
     std::shared_ptr<const bool> _search; // answers to earlier ones count no more
 };

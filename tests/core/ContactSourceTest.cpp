@@ -18,14 +18,24 @@ class NamedContacts : public ContactStore
 public:
     NamedContacts(const QString &name, QStringList &living) : name(name), _living(living) { _living.append(name); }
     ~NamedContacts() override { _living.removeOne(name); }
-    State state() const override { return Ready; }
+    State state() const override { return present; }
+    void add()
+    {
+        auto record = std::make_shared<ContactRecord>();
+        record->uniqueId = QStringLiteral("a");
+        put({record});
+    }
+    void tell() { tellChange(false); }
 
     const QString name;
+    State present = Ready;
 
 private:
     QStringList &_living;
 };
 } // namespace
+
+const QByteArray card = "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:A\r\nN:A;;;;\r\nEND:VCARD\r\n";
 
 class ContactSourceTest : public QObject
 {
@@ -39,6 +49,11 @@ private Q_SLOTS:
     void choice();
     void desktopComesFirst();
     void withoutDesktopTheFolder();
+    void emptyDesktopGivesWayToCards();
+    void emptyDesktopStaysWithoutCards();
+    void desktopStaysWhile_data();
+    void desktopStaysWhile();
+    void namedFolderIsAsGoodAsCards();
     void startDoesNotWait();
     void lateAnswerToAnEarlierSearch();
     void lateAnswerAfterTheEnd();
@@ -58,6 +73,8 @@ private:
     // What the lists show.
     static QString shown();
     void start();
+    // Until a change of the store in use has come through the queue.
+    static void letItTell();
 
     std::optional<TemporaryHome> _home;
     QStringList _living; // stores, in the order in which they were made
@@ -103,6 +120,17 @@ void ContactSourceTest::start()
         return std::make_unique<NamedContacts>(folder, _living);
     };
     _source.emplace(makers);
+}
+
+void ContactSourceTest::letItTell()
+{
+    bool hasTold = false;
+    const int observer = 0;
+    NotificationCenter::defaultCenter().addObserver(
+        &observer, [&hasTold](const Notification &) { hasTold = true; },
+        PlatformNotifications::kABDatabaseChangedExternallyNotification, &ContactStore::sharedAddressBook());
+    QTRY_VERIFY(hasTold);
+    NotificationCenter::defaultCenter().removeObserver(&observer);
 }
 
 void ContactSourceTest::choice_data()
@@ -151,6 +179,66 @@ void ContactSourceTest::withoutDesktopTheFolder()
     QCOMPARE(shown(), QStringLiteral("/cards"));
     QCOMPARE(_source->place(), ContactSource::Folder);
     QCOMPARE(_source->folder(), QStringLiteral("/cards"));
+}
+
+// Some desktops have an address book that nobody has ever used.
+void ContactSourceTest::emptyDesktopGivesWayToCards()
+{
+    _home->write(QStringLiteral(".contacts/a.vcf"), card);
+    start();
+    _searches.at(0)(true);
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+    QTRY_COMPARE(shown(), _home->path(QStringLiteral(".contacts")));
+    QCOMPARE(_source->place(), ContactSource::Folder);
+    QCOMPARE(_living.size(), 1);
+}
+
+void ContactSourceTest::emptyDesktopStaysWithoutCards()
+{
+    QVERIFY(QDir().mkpath(_home->path(QStringLiteral(".contacts"))));
+    start();
+    _searches.at(0)(true);
+    letItTell();
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+}
+
+void ContactSourceTest::desktopStaysWhile_data()
+{
+    QTest::addColumn<QString>("reason");
+    for (const char *reason : {"chosen", "loading", "somebody"})
+        QTest::newRow(reason) << QString::fromLatin1(reason);
+}
+
+void ContactSourceTest::desktopStaysWhile()
+{
+    QFETCH(QString, reason);
+    _home->write(QStringLiteral(".contacts/a.vcf"), card);
+    if (reason == u"chosen")
+        settings().setContactSource(QStringLiteral("desktop"));
+    start();
+    if (reason != u"chosen")
+        _searches.at(0)(true);
+    auto &desktop = dynamic_cast<NamedContacts &>(ContactStore::sharedAddressBook());
+    if (reason == u"loading")
+        desktop.present = ContactStore::Loading;
+    if (reason == u"somebody")
+        desktop.add();
+    letItTell();
+    QCOMPARE(shown(), QStringLiteral("desktop"));
+    if (reason != u"loading")
+        return;
+    desktop.present = ContactStore::Absent; // the service did not start
+    desktop.tell();
+    QTRY_COMPARE(_source->place(), ContactSource::Folder);
+}
+
+void ContactSourceTest::namedFolderIsAsGoodAsCards()
+{
+    QVERIFY(QDir().mkpath(_home->path(QStringLiteral("mine"))));
+    settings().setContactFolder(QStringLiteral("~/mine"));
+    start();
+    _searches.at(0)(true);
+    QTRY_COMPARE(shown(), _home->path(QStringLiteral("mine")));
 }
 
 void ContactSourceTest::startDoesNotWait()
