@@ -69,12 +69,11 @@ void PeopleRows::takeFrom(const ContactStore &store)
 
 PeopleRows::RowPtr PeopleRows::makeRow(const ContactRecordPtr &record)
 {
-    const WayfoldABEntryPtr entry = WayfoldABEntry::AddressBookEntryFromABRecord(record);
     const auto made = std::make_shared<Row>();
     Row &row = *made;
     row.record = record;
-    row.type = entry->entryType();
-    row.name = entry->shortDescription();
+    row.type = WayfoldABEntry::EntryTypeFromAddressRecord(record);
+    row.name = WayfoldABEntry::nameOfRecord(*record, row.type);
     row.order = StringRules::comparisonForm(row.name);
     row.searchForm = StringRules::searchForm(row.name);
     row.nameLength = row.searchForm.size();

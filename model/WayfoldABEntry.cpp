@@ -122,23 +122,26 @@ bool WayfoldABEntry::refresh()
 QString WayfoldABEntry::shortDescription() const
 {
     const ContactRecordPtr record = fetchAddressBookRecord();
-    if (!record)
-        return text("Invalid");
-    switch (_entryType) {
+    return record ? nameOfRecord(*record, _entryType) : text("Invalid");
+}
+
+QString WayfoldABEntry::nameOfRecord(const ContactRecord &record, EntryType type)
+{
+    switch (type) {
     case Unknown:
         return text("Unknown");
     case Person:
-        return personName(*record);
+        return personName(record);
     case Organization:
-        return nameOr(record->organization, "Unnamed Organization");
+        return nameOr(record.organization, "Unnamed Organization");
     case Group:
-        return nameOr(record->groupName, "Unnamed Group");
+        return nameOr(record.groupName, "Unnamed Group");
     }
     return {};
 }
 
 // The suffix stands only where the first name stands first.
-QString WayfoldABEntry::personName(const ContactRecord &record) const
+QString WayfoldABEntry::personName(const ContactRecord &record)
 {
     if (record.firstName.isEmpty() || record.lastName.isEmpty())
         return nameOr(record.firstName.isEmpty() ? record.lastName : record.firstName, "Unnamed Person");

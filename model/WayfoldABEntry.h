@@ -48,6 +48,8 @@ public:
     bool refresh();
     // The display name as the card has it now; "Invalid" without a card.
     QString shortDescription() const;
+    // What it answers for a card that is there. The store is not asked.
+    static QString nameOfRecord(const ContactRecord &record, EntryType type);
     // For a tip: the name, telephone numbers and e-mail addresses. Null without a card.
     QString summaryText() const;
     // The picture of a person or an organization, square; one for all for the user's own card without a picture; else
@@ -73,7 +75,7 @@ public:
 
 private:
     bool isPersonOrOrganization() const { return _entryType == Person || _entryType == Organization; }
-    QString personName(const ContactRecord &record) const;
+    static QString personName(const ContactRecord &record);
 
     EntryType _entryType = Unknown;
     QString _addressBookID;

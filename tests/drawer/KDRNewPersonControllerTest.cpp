@@ -96,6 +96,7 @@ private Q_SLOTS:
     void manyAreSearched();
     void manyAreSelectedAndSearched();
     void fewAreThereAtOnce();
+    void rowsThatAreNotSeenAreNotRemembered();
 
     // For everybody
     void controlsAreNamed();
@@ -886,6 +887,20 @@ void KDRNewPersonControllerTest::fewAreThereAtOnce()
     addAnnBobAndZoe();
     const KDRNewPersonController controller;
     QCOMPARE(rows(controller.editWindow()).size(), 3);
+}
+
+// What the lists show without their contacts is no copy of these.
+void KDRNewPersonControllerTest::rowsThatAreNotSeenAreNotRemembered()
+{
+    const QString path = _stage->home.path("known.plist");
+    _contacts->rememberIn(path);
+    addAnnBobAndZoe();
+    const KDRNewPersonController controller;
+    QCOMPARE(rows(controller.editWindow()).size(), 3);
+    _contacts->recordForUniqueId("b");
+    _contacts.reset();
+    QVERIFY(_stage->home.read("known.plist").contains("Zander"));
+    QVERIFY(!_stage->home.read("known.plist").contains("Adler"));
 }
 
 // ---- For everybody
