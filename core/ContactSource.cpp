@@ -4,6 +4,7 @@
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
 #include "platform/contacts/ContactFolder.h"
+#include "platform/contacts/DesktopContacts.h"
 #include "platform/contacts/KnownContacts.h"
 #include "platform/files/Paths.h"
 
@@ -126,8 +127,8 @@ std::unique_ptr<ContactStore> ContactSource::makeStore(Place place, const QStrin
 ContactSource::Makers ContactSource::realMakers()
 {
     Makers makers;
-    makers.lookForDesktop = [](const std::function<void(bool)> &answer) { answer(false); };
-    makers.desktop = [] { return nullptr; };
+    makers.lookForDesktop = &DesktopContacts::lookForService;
+    makers.desktop = [] { return std::make_unique<DesktopContacts>(); };
     makers.folder = [](const QString &folder) { return std::make_unique<ContactFolder>(folder); };
     return makers;
 }

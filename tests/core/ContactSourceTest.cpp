@@ -5,13 +5,17 @@
 #include "platform/base/PlatformNotifications.h"
 #include "platform/contacts/KnownContacts.h"
 #include "platform/files/UserDefaults.h"
+#include "tests/contacts/DesktopSession.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <QApplication>
 #include <QtTest>
 #include <optional>
 
 namespace
 {
+DesktopSession *session = nullptr;
+
 // Contacts of which only is known where they lie, and which of them live.
 class NamedContacts : public ContactStore
 {
@@ -67,6 +71,8 @@ private Q_SLOTS:
     void whatWasShownIsShownWhileSearching();
     void current();
     void machineWithoutAny();
+    void machineWithADesktop();
+    void machineWithAFolder();
 
 private:
     static WayfoldDefaults &settings() { return WayfoldDefaults::sharedInstance(); }
@@ -395,10 +401,42 @@ void ContactSourceTest::current()
 // Nothing is waited for, and nothing found.
 void ContactSourceTest::machineWithoutAny()
 {
+    session->offerService(false);
     _source.emplace();
     QTRY_COMPARE_WITH_TIMEOUT(ContactStore::sharedAddressBook().state(), ContactStore::Absent, 30'000);
     QVERIFY(ContactStore::sharedAddressBook().people().empty());
 }
 
-QTEST_MAIN(ContactSourceTest)
+void ContactSourceTest::machineWithADesktop()
+{
+    session->offerService(true);
+    _source.emplace();
+    QCOMPARE(_source->place(), ContactSource::Search);
+    QCOMPARE(ContactStore::sharedAddressBook().state(), ContactStore::Loading);
+    QTRY_COMPARE_WITH_TIMEOUT(_source->place(), ContactSource::Desktop, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(ContactStore::sharedAddressBook().state(), ContactStore::Ready, 30'000);
+    QVERIFY(ContactStore::sharedAddressBook().canAdd()); // to the book that every desktop has
+}
+
+// Beside a desktop whose contacts nobody uses.
+void ContactSourceTest::machineWithAFolder()
+{
+    session->offerService(true);
+    _home->write(QStringLiteral(".contacts/a.vcf"), card);
+    _source.emplace();
+    QTRY_COMPARE_WITH_TIMEOUT(_source->place(), ContactSource::Folder, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(ContactStore::sharedAddressBook().people().size(), std::size_t(1), 30'000);
+    _source.reset();
+    QVERIFY(ContactStore::sharedAddressBook().people().empty());
+}
+
+int main(int argc, char **argv)
+{
+    DesktopSession ours;
+    session = &ours;
+    const QApplication application(argc, argv);
+    ContactSourceTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "ContactSourceTest.moc"
