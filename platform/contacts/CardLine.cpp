@@ -135,7 +135,7 @@ QString CardLine::decoded(QByteArrayView bytes, const QByteArray &characterSet)
         return StringRules::fromUtf8(bytes);
     if (QStringDecoder decoder(characterSet.constData()); !characterSet.isEmpty() && decoder.isValid())
         return decoder.decode(bytes);
-    const QString damaged = StringRules::fromUtf8(bytes);
+    QString damaged = StringRules::fromUtf8(bytes);
     const bool isUtf8 = std::any_of(damaged.cbegin(), damaged.cend(), [](QChar sign) {
         return sign.unicode() > 0x7F && sign != QChar(QChar::ReplacementCharacter);
     });

@@ -11,8 +11,8 @@ class CardText
 public:
     // Bytes of one line that holds a picture, a sound or a key, and of all other lines of a card together. A line that
     // does not fit is left out, and the rest of the card read.
-    static constexpr qsizetype maximumBulkyLine = 8 * 1024 * 1024;
-    static constexpr qsizetype maximumOtherLines = 1024 * 1024;
+    static constexpr qsizetype maximumBulkyLine = qsizetype(8) * 1024 * 1024;
+    static constexpr qsizetype maximumOtherLines = qsizetype(1024) * 1024;
 
     struct Card
     {

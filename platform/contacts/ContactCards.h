@@ -22,7 +22,7 @@ constexpr int maximumText = 2000;
 constexpr int maximumValues = 100;
 constexpr int maximumMembers = 10000;
 // Bytes of a picture; a larger one is none.
-constexpr qsizetype maximumPicture = 5 * 1024 * 1024;
+constexpr qsizetype maximumPicture = qsizetype(5) * 1024 * 1024;
 
 // Every card in the text, in order. What is damaged is left out; what is endless is cut.
 std::vector<Card> read(const QByteArray &text);

@@ -149,6 +149,7 @@ private Q_SLOTS:
     void cutsWhatIsEndless_data();
     void cutsWhatIsEndless();
     void valuesAreBounded();
+    void partsAreBounded();
     void textsAreBounded();
     void everyBeginningOfACardIsSafe();
     void everyDamagedByteIsSafe();
@@ -450,6 +451,7 @@ void ContactCardsTest::readsPrimaryValues_data()
     row("number in quotes", "TEL;PREF=\"9\":1\r\nTEL;PREF=\"2\":2", 1);
     row("highest number", "TEL:1\r\nTEL;PREF=100:2", 1);
     row("no such number", "TEL:1\r\nTEL;PREF=101:2\r\nTEL;PREF=0:3\r\nTEL;PREF=-1:4\r\nTEL;PREF=x:5", 0);
+    row("type as good as the best number", "TEL;PREF=1:1\r\nTEL;TYPE=pref:2", 0);
     row("type before number", "TEL;PREF=2:1\r\nTEL;TYPE=pref:2", 1);
     row("empty ones do not count", "TEL;PREF=1:\r\nTEL:2\r\nTEL;PREF=2:3", 1);
 }
@@ -486,6 +488,8 @@ void ContactCardsTest::readsValues_data()
     row("TEL;ENCODING=QUOTED-PRINTABLE:5=5=zz=3", "5=5=zz=3");
     row("TEL;ENCODING=QUOTED-PRINTABLE:5=B\\=35\\", "5=B\\5\\");
     row("TEL;ENCODING=QUOTED-PRINTABLE:=5c=3bn", "\\;n");
+    row("TEL;ENCODING=QUOTED-PRINTABLE:5=z5=5z=\\5", "5=z5=5z=\\5");
+    row("TEL:55\\,", "55,");
     row("TEL;=:555", "555");
     row("TEL;:555", "555");
     row("TEL;(a:555", "555");
@@ -884,6 +888,16 @@ void ContactCardsTest::valuesAreBounded()
     QCOMPARE(read(members).members.last(), QStringLiteral("9999"));
     members.replace("KIND:group", "X-EVOLUTION-LIST:TRUE").replace("MEMBER:", "EMAIL:");
     QCOMPARE(read(members).members.size(), 10000);
+}
+
+void ContactCardsTest::partsAreBounded()
+{
+    const QByteArray most(CardLine::maximumParts, ';');
+    QCOMPARE(valuesOf(read("TEL" + most + ":1\r\nTEL" + most + ";:2").phones), QStringList("1"));
+    QCOMPARE(valuesOf(read("TEL;TYPE=a" + QByteArray(most).replace(';', ',').chopped(1) + ":1").phones),
+             QStringList("1"));
+    QCOMPARE(read("N:Miller" + most).lastName, QStringLiteral("Miller"));
+    QCOMPARE(shown(read("N:Miller" + most + ";").lastName), QStringLiteral("-"));
 }
 
 void ContactCardsTest::textsAreBounded()
