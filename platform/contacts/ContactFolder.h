@@ -40,7 +40,7 @@ public:
     // their own alone, into the first of these. A card whose identifier is there already is left as it is.
     void add(const QByteArray &vCard, const std::function<void(const QString &uniqueId)> &done) override;
 
-    static constexpr qint64 largestFile = 16 * 1024 * 1024; // bytes; a larger one is not read
+    static constexpr qint64 largestFile = qint64(16) * 1024 * 1024; // bytes; a larger one is not read
 
 protected:
     bool isReading() const override { return _walk != nullptr; }

@@ -71,7 +71,7 @@ void ContactStore::rememberIn(const QString &path)
 
 ContactRecordPtr ContactStore::recordForUniqueId(const QString &uniqueId) const
 {
-    const ContactRecordPtr record = _index.record(uniqueId);
+    ContactRecordPtr record = _index.record(uniqueId);
     if (record && _known)
         _known->note(record);
     if (record || state() == Absent)

@@ -13,7 +13,7 @@
 namespace
 {
 constexpr int writeDelay = 2000;                // milliseconds
-constexpr qint64 largestFile = 8 * 1024 * 1024; // bytes
+constexpr qint64 largestFile = qint64(8) * 1024 * 1024; // bytes
 const QString recordsKey = QStringLiteral("Records");
 
 QVariantList listOf(const std::vector<ContactValue> &values)

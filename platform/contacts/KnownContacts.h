@@ -33,8 +33,8 @@ public:
     // Writes what has changed. False when that failed; then it stays to be written.
     bool synchronize();
 
-    static constexpr int mostRecords = 1000;
-    static constexpr int mostMembers = 1000; // of a group
+    static constexpr qsizetype mostRecords = 1000;
+    static constexpr qsizetype mostMembers = 1000; // of a group
 
 private:
     struct Known

@@ -223,7 +223,7 @@ void KnownContactsTest::refreshReplacesAndForgets()
 // Those that were asked for last stay, also over the next start.
 void KnownContactsTest::holdsNoMoreThanItMay()
 {
-    constexpr int most = KnownContacts::mostRecords;
+    constexpr int most = int(KnownContacts::mostRecords);
     {
         KnownContacts known(file());
         for (int i = 0; i < 3 * most; ++i) {
@@ -234,7 +234,7 @@ void KnownContactsTest::holdsNoMoreThanItMay()
         QVERIFY(known.record(QString::number(3 * most - 1)));
     }
     const QVariantList records = PropertyList::readDictionaryFile(file()).value("Records").toList();
-    QCOMPARE(records.size(), most);
+    QCOMPARE(int(records.size()), most);
     KnownContacts known(file());
     QVERIFY(known.record("0"));
     QVERIFY(!known.record("1"));
