@@ -235,7 +235,7 @@ void DesktopAddressBook::fetch(const QString &uniqueId, const std::function<void
 QByteArray DesktopAddressBook::textOf(const ContactPtr &contact)
 {
     gchar *text = e_vcard_to_string(E_VCARD(contact.get()), EVC_FORMAT_VCARD_30);
-    const QByteArray copy(text);
+    QByteArray copy(text);
     g_free(text);
     return copy;
 }

@@ -65,7 +65,7 @@ DesktopContacts::DesktopContacts()
 {
     QObject::connect(&_reading, &QTimer::timeout, &_reading, [this] { takeSteps(); });
     QObject::connect(_books.get(), &DesktopAddressBooks::changed, &_reading, [this] { booksChanged(); });
-    _toldState = state();
+    _toldState = DesktopContacts::state();
 }
 
 DesktopContacts::~DesktopContacts() = default;
@@ -117,12 +117,14 @@ DesktopContacts::ShelfPtr DesktopContacts::newShelf(const std::shared_ptr<Deskto
     });
     QObject::connect(book.get(), &DesktopAddressBook::cardsCame, &_reading, [this, weak](const auto &cards) {
         std::vector<Step> steps;
+        steps.reserve(cards.size());
         for (const DesktopAddressBook::ContactPtr &card : cards)
             steps.push_back({weak.lock(), Step::Come, card, {}});
         enqueue(std::move(steps));
     });
     QObject::connect(book.get(), &DesktopAddressBook::cardsWent, &_reading, [this, weak](const QStringList &ids) {
         std::vector<Step> steps;
+        steps.reserve(ids.size());
         for (const QString &id : ids)
             steps.push_back({weak.lock(), Step::Go, {}, ContactCards::identifier(id)});
         enqueue(std::move(steps));

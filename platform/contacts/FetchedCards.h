@@ -24,7 +24,7 @@ public:
     // The card is another one now, or has gone.
     void forget(const QString &uniqueId);
 
-    static constexpr qsizetype room = 16 * 1024 * 1024; // bytes
+    static constexpr qsizetype room = 16'777'216; // bytes
     static constexpr int atOnce = 4;
 
 private:
