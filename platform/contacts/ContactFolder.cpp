@@ -437,9 +437,13 @@ QByteArray ContactFolder::textOf(const ContactRecord &record) const
     const QString path = _paths.value(record.uniqueId);
     if (path.isNull())
         return {};
-    const File &file = *_files.constFind(path);
-    const auto card = std::find_if(file.cards.cbegin(), file.cards.cend(),
+    // A file that is being read has the cards that came from it so far.
+    const bool isBeingRead = _reading && _reading->file.path == path;
+    const std::vector<Card> cards = isBeingRead ? _reading->cards : _files.value(path).cards;
+    const auto card = std::find_if(cards.cbegin(), cards.cend(),
                                    [&record](const Card &one) { return one.uniqueId == record.uniqueId; });
+    if (card == cards.cend())
+        return {};
     CardText text(contentsOf(absolute(path)));
     text.setPosition(card->start);
     const std::optional<CardText::Card> found = text.next();

@@ -261,7 +261,7 @@ void ContactFolderTest::folderThatComesLater()
     QTest::qWait(50); // it has been looked for
     _home->write("not/there/yet/a.vcf", personCard("a", "Ada"));
     QVERIFY(awaitNames({"Ada"}));
-    QCOMPARE(_folder->state(), ContactStore::Ready);
+    QTRY_COMPARE_WITH_TIMEOUT(_folder->state(), ContactStore::Ready, patience);
     _home->write("not/there/yet/b.vcf", personCard("b", "Bob"));
     QVERIFY(awaitNames({"Ada", "Bob"}));
 }
@@ -456,6 +456,8 @@ void ContactFolderTest::largeFileIsReadInSlices()
     connect(&ticks, &QTimer::timeout, this, [&] {
         ++steps;
         sizes.insert(_folder->people().size());
+        if (const ContactRecordPtr first = _folder->recordForUniqueId("id-0")) // of a file that is being read
+            QVERIFY(_folder->vCardRepresentation(*first).contains("UID:id-0\r\n"));
     });
     ticks.start(0);
     QTRY_COMPARE_WITH_TIMEOUT(_folder->state(), ContactStore::Ready, patience);
