@@ -5,6 +5,8 @@
 #include "tests/support/LoggedMessages.h"
 
 #include <QProcess>
+#include <csignal>
+#include <sys/resource.h>
 
 namespace
 {
@@ -43,6 +45,7 @@ private Q_SLOTS:
     void sameNameOfAnother();
     void sameCardIsTheSameFile();
     void folderThatCannotBeWritten();
+    void diskThatIsFull();
     void linkInTheWay();
     void oldFilesGo();
     void nameForPeople();
@@ -175,6 +178,29 @@ void CardFilesTest::folderThatCannotBeWritten()
     LoggedMessages log;
     QVERIFY(CardFiles::write("Ann", ann).isNull());
     QVERIFY(log.contain("Could not write a card"));
+}
+
+// Nothing that was written in part is left for anybody to find.
+void CardFilesTest::diskThatIsFull()
+{
+    CardFiles::write("Ann", ann);
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old = {};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit limit = old;
+    limit.rlim_cur = 1000;
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    QString path;
+    bool isTold = false;
+    {
+        LoggedMessages log;
+        path = CardFiles::write("Large", QByteArray(100000, 'x'));
+        isTold = log.contain("Could not write a card");
+    }
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &old), 0);
+    QVERIFY(path.isNull());
+    QVERIFY(isTold);
+    QCOMPARE(files(), QStringList{"Ann.vcf"});
 }
 
 void CardFilesTest::linkInTheWay()
