@@ -40,10 +40,12 @@ private Q_SLOTS:
 
     // What is listed
     void rowsAreInTheOrderOfTheNames();
+    void peopleOfOneNameStayInTheirOrder();
     void notesTellMore();
     void rowsOfUnknownKindAreLeftOut();
     void picturesOfWhoIsSeen();
     void pictureOfACardThatChanges();
+    void pictureIsMadeOnce();
     void toolTipsTellAll();
 
     // Search
@@ -216,6 +218,17 @@ void KDRNewPersonControllerTest::rowsAreInTheOrderOfTheNames()
     });
 }
 
+void KDRNewPersonControllerTest::peopleOfOneNameStayInTheirOrder()
+{
+    _contacts->set(MemoryContacts::person("2", "Ann", "Twin", {"two@a.org"}));
+    _contacts->set(MemoryContacts::person("3", "ann", "twin", {"three@a.org"}));
+    _contacts->set(MemoryContacts::person("1", "Ann", "Twin", {"one@a.org"}));
+    choose([](QDialog *panel) {
+        QCOMPARE(rows(panel, PeopleModel::NoteRole), QStringList({"one@a.org", "two@a.org", "three@a.org"}));
+        panel->reject();
+    });
+}
+
 void KDRNewPersonControllerTest::notesTellMore()
 {
     ContactRecord second = MemoryContacts::person("1", "A", "A", {"first@a.org", "second@a.org"});
@@ -299,6 +312,22 @@ void KDRNewPersonControllerTest::pictureOfACardThatChanges()
     });
 }
 
+void KDRNewPersonControllerTest::pictureIsMadeOnce()
+{
+    addAnnBobAndZoe();
+    _contacts->pictures.insert("a", png(Qt::red));
+    choose([this](QDialog *panel) {
+        QTRY_COMPARE(pictureOf(list(panel), 0), QColor(Qt::red));
+        const qsizetype asked = _contacts->picturesAsked.count("a");
+        _contacts->set(MemoryContacts::person("n", "New", "Card"));
+        QTRY_COMPARE(rows(panel).size(), 4);
+        QTRY_VERIFY(_contacts->picturesAsked.contains("n"));
+        QCOMPARE(pictureOf(list(panel), 0), QColor(Qt::red));
+        QCOMPARE(_contacts->picturesAsked.count("a"), asked);
+        panel->reject();
+    });
+}
+
 void KDRNewPersonControllerTest::toolTipsTellAll()
 {
     addAnnBobAndZoe();
@@ -355,9 +384,13 @@ void KDRNewPersonControllerTest::namesThatBeginSoComeFirst()
     _contacts->set(MemoryContacts::person("4", "Dirk", "Smith-Andrews"));
     _contacts->set(MemoryContacts::person("5", "Holland", "Ott"));
     _contacts->set(MemoryContacts::person("6", "Zoe", "And"));
+    _contacts->set(MemoryContacts::person("7", "Yoland", "Andrews")); // begins so only where it occurs again
     choose([](QDialog *panel) {
         QTest::keyClicks(panel->focusWidget(), "and");
-        QCOMPARE(rows(panel), QStringList({"Alan Ander", "Dirk Smith-Andrews", "Zoe And", "Carl Xu", "Holland Ott"}));
+        QCOMPARE(rows(panel), QStringList({"Alan Ander", "Dirk Smith-Andrews", "Yoland Andrews", "Zoe And", "Carl Xu",
+                                           "Holland Ott"}));
+        QTest::keyClicks(panel->focusWidget(), " o");
+        QCOMPARE(rows(panel), QStringList({"Carl Xu", "Holland Ott", "Yoland Andrews", "Zoe And"}));
         panel->reject();
     });
 }
@@ -524,6 +557,11 @@ void KDRNewPersonControllerTest::typingInTheListSearches()
         press(panel, Qt::Key_Tab);
         press(panel, Qt::Key_Backspace);
         QCOMPARE(field(panel)->text(), QStringLiteral("zo"));
+        press(panel, Qt::Key_Tab);
+        press(panel, Qt::Key_Space); // selects there
+        press(panel, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(field(panel)->text(), QStringLiteral("zo"));
+        QCOMPARE(panel->focusWidget(), list(panel));
         panel->reject();
     });
 }
@@ -778,6 +816,7 @@ void KDRNewPersonControllerTest::textWhenEmpty()
     choose([&](QDialog *panel) {
         QVERIFY2(shownText(panel).startsWith(text), qPrintable(shownText(panel)));
         QVERIFY(!list(panel)->isVisible());
+        QCOMPARE(panel->findChild<QLabel *>("emptyField")->foregroundRole(), QPalette::PlaceholderText);
         QCOMPARE(panel->findChild<QPushButton *>("preferencesButton")->isVisible(), leadsToThePreferences);
         panel->reject();
     });
