@@ -5,10 +5,10 @@
 #include "tests/e2e/support/Eyes.h"
 #include "tests/e2e/support/Hands.h"
 #include "tests/e2e/support/Play.h"
+#include "tests/e2e/support/Process.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
-#include <QProcess>
 #include <QTextEdit>
 #include <QTreeView>
 
@@ -180,20 +180,12 @@ void ScratchpadTest::takesALinkOfThePage()
 void ScratchpadTest::dragsIntoAnotherProgram()
 {
     QVERIFY(save());
-    QProcess neighbour;
-    neighbour.start(QStringLiteral(WAYFOLD_DROP_TARGET), QStringList());
-    QByteArray told;
-    const auto tells = [&](const QByteArray &line) {
-        while (!told.contains(line) && neighbour.waitForReadyRead(int(Stage::patience / std::chrono::milliseconds(1))))
-            told += neighbour.readAllStandardOutput();
-        return told.contains(line);
-    };
-    QVERIFY(tells("ready\n"));
+    Process neighbour(QStringLiteral(WAYFOLD_DROP_TARGET), {});
+    QVERIFY(neighbour.writes("ready\n"));
     QVERIFY(Hands::drag(Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Front page")).value(),
                         QPoint(80, 60)));
-    QVERIFY(tells("dropped\n"));
-    neighbour.kill();
-    neighbour.waitForFinished();
+    QVERIFY(neighbour.writes("dropped\n"));
+    const QByteArray told = neighbour.output();
     const QByteArray address = "http://www." + _host.toUtf8() + "/";
     QVERIFY2(told.contains("address: " + address + '\n'), told);
     QVERIFY2(told.contains("text: " + address + '\n'), told);

@@ -1,8 +1,9 @@
 // Another program of the desktop: a small window in the upper left corner of the screen that takes whatever is dropped
-// on it, and writes the dropped text and addresses to its standard output, a line each.
+// on it, and writes the dropped text and addresses to its standard output, a line each; of cards all lines.
 
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QMimeData>
 #include <QUrl>
 #include <QWidget>
@@ -16,6 +17,12 @@ void write(const QByteArray &line)
     std::fflush(stdout);
 }
 
+void writeCard(const QByteArray &origin, const QByteArray &card)
+{
+    for (const QByteArray &line : card.split('\n'))
+        write(origin + ": " + line.trimmed());
+}
+
 class DropTarget : public QWidget
 {
 public:
@@ -27,7 +34,11 @@ public:
     }
 
 protected:
-    void dragEnterEvent(QDragEnterEvent *event) override { event->acceptProposedAction(); }
+    void dragEnterEvent(QDragEnterEvent *event) override
+    {
+        event->acceptProposedAction();
+        write("entered");
+    }
     void dropEvent(QDropEvent *event) override
     {
         event->acceptProposedAction();
@@ -35,6 +46,15 @@ protected:
         write("text: " + event->mimeData()->text().toUtf8());
         for (const QUrl &url : urls)
             write("address: " + url.toEncoded());
+        for (const QString &format : event->mimeData()->formats()) {
+            if (format.startsWith(u"text/vcard") || format.startsWith(u"text/x-vcard"))
+                writeCard(format.toUtf8(), event->mimeData()->data(format));
+        }
+        for (const QUrl &url : urls) {
+            QFile file(url.toLocalFile());
+            if (file.fileName().endsWith(u".vcf") && file.open(QIODevice::ReadOnly))
+                writeCard("file", file.readAll());
+        }
         write("dropped");
     }
     void paintEvent(QPaintEvent *event) override

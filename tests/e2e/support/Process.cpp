@@ -1,5 +1,8 @@
 #include "tests/e2e/support/Process.h"
 
+#include "tests/e2e/support/Stage.h"
+
+#include <QDeadlineTimer>
 #include <csignal>
 
 Process::Process(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment)
@@ -35,4 +38,14 @@ QByteArray Process::output()
 {
     _output += _process.readAll();
     return _output;
+}
+
+bool Process::writes(const QByteArray &text)
+{
+    const QDeadlineTimer deadline(Stage::patience);
+    while (!output().contains(text)) {
+        if (!_process.waitForReadyRead(int(deadline.remainingTime())))
+            return output().contains(text);
+    }
+    return true;
 }

@@ -18,6 +18,8 @@ public:
     void send(int signal) const;
     // What it has written so far, errors and all.
     QByteArray output();
+    // Waits until it has written that; for the thread in which it was made. False when it has not in good time.
+    bool writes(const QByteArray &text);
 
 private:
     QProcess _process;
