@@ -6,12 +6,15 @@
 #include "model/TextSearch.h"
 #include "model/WayfoldBookmarkABPerson.h"
 
+#include <algorithm>
+
 namespace
 {
 const QString entryCoderKey = QStringLiteral("_addressBookEntry");
-// Groups that list each other unfold to more than anybody could hold. What is beyond these is filled when it is looked
-// into.
-constexpr int maximumGroupsAtOnce = 1000;
+// Groups that list each other unfold to more than anybody could hold. What has no room beside the rest is filled when
+// it is looked into.
+constexpr qsizetype roomWithin = 20000;     // members of the groups within a group
+constexpr qsizetype leastRoomOfAGroup = 20; // so that it is a thousand groups at most, however deep
 } // namespace
 
 WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkWithID(const QString &addressBookID)
@@ -76,12 +79,12 @@ void WayfoldBookmarkABGroup::setValueFromID(const QString &addressBookID)
 // time with each.
 bool WayfoldBookmarkABGroup::refresh()
 {
-    int groupsLeft = maximumGroupsAtOnce;
-    fill(groupsLeft);
+    qsizetype room = roomWithin;
+    fill(room);
     return true;
 }
 
-void WayfoldBookmarkABGroup::fill(int &groupsLeft)
+void WayfoldBookmarkABGroup::fill(qsizetype &room)
 {
     const std::scoped_lock lock(_updateLock);
     removeAllChildren();
@@ -90,14 +93,16 @@ void WayfoldBookmarkABGroup::fill(int &groupsLeft)
     _addressBookEntry->refresh();
     if (isWithinItself())
         return;
+    const QStringList groupsAround = _groupsAround + QStringList(_addressBookEntry->addressBookID());
     for (const ContactRecordPtr &record : _addressBookEntry->groupMembers()) {
-        if (const KDRBookmarkPtr member = memberFor(record, groupsLeft))
+        if (const KDRBookmarkPtr member = memberFor(record, groupsAround, room))
             appendWithoutParent(member);
     }
     sortChildrenByTitle();
 }
 
-KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record, int &groupsLeft) const
+KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record, const QStringList &groupsAround,
+                                                 qsizetype &room)
 {
     switch (WayfoldABEntry::EntryTypeFromAddressRecord(record)) {
     case WayfoldABEntry::Person:
@@ -105,9 +110,12 @@ KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record,
         return WayfoldBookmarkABPerson::bookmarkWithID(record->uniqueId);
     case WayfoldABEntry::Group: {
         const WayfoldBookmarkABGroupPtr group = bookmarkWithID(record->uniqueId);
-        group->_groupsAround = _groupsAround + QStringList(_addressBookEntry->addressBookID());
-        if (groupsLeft-- > 0)
-            group->fill(groupsLeft);
+        group->_groupsAround = groupsAround;
+        const qsizetype needed = std::max(record->members.size(), leastRoomOfAGroup);
+        if (needed > room)
+            return group;
+        room -= needed;
+        group->fill(room);
         return group;
     }
     case WayfoldABEntry::Unknown:

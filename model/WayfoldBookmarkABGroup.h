@@ -60,8 +60,8 @@ protected:
     bool isSameKindAs(const KDRBookmark &other) const override;
 
 private:
-    void fill(int &groupsLeft);
-    KDRBookmarkPtr memberFor(const ContactRecordPtr &record, int &groupsLeft) const;
+    void fill(qsizetype &room);
+    static KDRBookmarkPtr memberFor(const ContactRecordPtr &record, const QStringList &groupsAround, qsizetype &room);
     bool isWithinItself() const;
     void appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const;
 

@@ -68,6 +68,9 @@ private Q_SLOTS:
     void groupsWithinThemselves();
     void groupsThatUnfoldWithoutEnd();
     void groupsInLongChains();
+    void manyGroupsInManyGroups_data();
+    void manyGroupsInManyGroups();
+    void roomForManySubgroups();
 
     void emailAddresses();
     void emailAddressesOfSubgroups();
@@ -428,12 +431,60 @@ void WayfoldBookmarkABGroupTest::groupsInLongChains()
         group(QString::number(i), {QString::number(i + 1)});
     const WayfoldBookmarkABGroupPtr first = WayfoldBookmarkABGroup::bookmarkWithID("0");
     first->refresh();
-    QVERIFY(first->deepChildCount() > 1000);
+    QVERIFY(first->deepChildCount() > 900);
     QVERIFY(first->primaryEmailAddressList().isEmpty());
     // They are no reason not to save: what they hold is not written.
     const QString path = _home->path("items.plist");
     QVERIFY(makeFolder("Root", {first})->writeDictionaryFile(path));
     QCOMPARE(WayfoldBookmarkFolder::bookmarkFromDictionaryFile(path)->childCount(), 1u);
+}
+
+void WayfoldBookmarkABGroupTest::manyGroupsInManyGroups_data()
+{
+    QTest::addColumn<bool>("inEachOther");
+    QTest::newRow("each in all others") << true;
+    QTest::newRow("each in all before it") << false;
+}
+
+// More than memory holds when many of them are filled.
+void WayfoldBookmarkABGroupTest::manyGroupsInManyGroups()
+{
+    QFETCH(bool, inEachOther);
+    constexpr int count = 2000;
+    QStringList ids;
+    for (int i = 0; i < count; ++i)
+        ids.append(QStringLiteral("%1").arg(i, 4, 10, QLatin1Char('0')));
+    for (int i = 0; i < count; ++i)
+        _contacts->set(MemoryContacts::group(ids[i], ids[i], inEachOther ? ids : ids.mid(i + 1)));
+    const WayfoldBookmarkABGroupPtr first = WayfoldBookmarkABGroup::bookmarkWithID(ids[0]);
+    first->refresh();
+    const unsigned members = unsigned(inEachOther ? count : count - 1);
+    QCOMPARE(first->childCount(), members);
+    QVERIFY2(first->deepChildCount() < 30000, qPrintable(QString::number(first->deepChildCount())));
+    // What had no room is filled when somebody looks into it.
+    const WayfoldBookmarkABGroupPtr later = groupAt(*first, 1500);
+    QVERIFY(later->isEmpty());
+    later->ensureUpToDate();
+    QCOMPARE(later->childCount(), unsigned(inEachOther ? count : count - 1502));
+}
+
+// As a company may have them.
+void WayfoldBookmarkABGroupTest::roomForManySubgroups()
+{
+    QStringList subgroups;
+    for (int i = 0; i < 200; ++i) {
+        QStringList members;
+        for (int j = 0; j < 50; ++j) {
+            members.append(QStringLiteral("p%1").arg(i * 50 + j));
+            setPerson(members.last(), {members.last() + "@a.example"});
+        }
+        subgroups.append(QStringLiteral("sub%1").arg(i));
+        group(subgroups.last(), members);
+    }
+    const WayfoldBookmarkABGroupPtr all = group("all", subgroups);
+    all->refresh();
+    QCOMPARE(all->deepChildCount(), 200u + 200u * 50u);
+    QCOMPARE(all->primaryEmailAddressList().size(), 200 * 50);
 }
 
 // --- E-mail addresses -----------------------------------------------------------------------------------------------
