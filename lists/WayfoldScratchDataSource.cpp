@@ -81,13 +81,6 @@ void refresh(const KDRBookmarkPtr &item)
         refresh(child);
 }
 
-void refreshAll(const WayfoldBookmarkFolder &root)
-{
-    const std::vector<KDRBookmarkPtr> children = root.children();
-    for (const KDRBookmarkPtr &child : children)
-        refresh(child);
-}
-
 QStringList without(QStringList texts, const QStringList &others)
 {
     texts.removeIf(
@@ -245,7 +238,7 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
     releaseRoot();
     _scratchBookmarkRoot = rootForLabel(newLabel);
     if (!noteContactsFollowed(*_scratchBookmarkRoot))
-        refreshAll(*_scratchBookmarkRoot); // what was not shown when they changed
+        refresh(_scratchBookmarkRoot); // what was not shown when they changed
     if (_scratchOutlineView) {
         _scratchOutlineView->reloadData();
         _scratchOutlineView->beginAtTop();
@@ -403,7 +396,7 @@ void WayfoldScratchDataSource::followOutsideChanges()
     const QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
     const QStringList expanded = _scratchOutlineView->getExpandedItemsUUIDList();
     noteContactsFollowed(*_scratchBookmarkRoot);
-    refreshAll(*_scratchBookmarkRoot);
+    refresh(_scratchBookmarkRoot);
     _scratchOutlineView->reloadData();
     // The very items are open and selected still, and a copy in a smart folder that has the same identifier stays as it
     // is. Those that were made anew, in groups above all, are not.

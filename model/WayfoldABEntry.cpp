@@ -3,8 +3,9 @@
 #include "core/settings/WayfoldToolkit.h"
 #include "model/ContactLabel.h"
 #include "model/ContactPicture.h"
+#include "model/ItemDialogs.h"
 #include "model/ItemImages.h"
-#include "platform/contacts/ContactStore.h"
+#include "platform/widgets/Workspace.h"
 
 namespace
 {
@@ -114,8 +115,8 @@ QString WayfoldABEntry::title() const
 bool WayfoldABEntry::refresh()
 {
     _title = QString();
-    if (_entryType == Unknown)
-        determineEntryType();
+    if (const ContactRecordPtr record = fetchAddressBookRecord())
+        _entryType = EntryTypeFromAddressRecord(record);
     return true;
 }
 
@@ -209,6 +210,17 @@ QByteArray WayfoldABEntry::vcard() const
     const ContactRecordPtr record = fetchAddressBookRecord();
     return record && _entryType == Person ? ContactStore::sharedAddressBook().vCardRepresentation(*record)
                                           : QByteArray();
+}
+
+void WayfoldABEntry::openCard(ContactStore::Purpose purpose) const
+{
+    const ContactRecordPtr record = fetchAddressBookRecord();
+    const ContactStore::Opening opening =
+        record ? ContactStore::sharedAddressBook().opening(*record, purpose) : ContactStore::Opening();
+    const bool isOpen = opening.command.isEmpty() ? Workspace::openURL(Url::fileURLWithPath(opening.file))
+                                                  : Workspace::startProgram(opening.command);
+    if (!isOpen && ItemDialogs::current())
+        ItemDialogs::current()->tellCardIsNotShown(title());
 }
 
 QString WayfoldABEntry::pasteboardTypeForID() const

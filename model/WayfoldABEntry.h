@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/base/KeyedArchiver.h"
-#include "platform/contacts/ContactRecord.h"
+#include "platform/contacts/ContactStore.h"
 
 #include <QString>
 #include <memory>
@@ -33,7 +33,7 @@ public:
     void initFromABRecord(const ContactRecordPtr &record);
     void initFromPersonID(const QString &addressBookID);
 
-    // Stays what it was when the card has gone. A card that was not there yet is asked at the next refresh.
+    // As the card had it at the last refresh; stays what it was when the card has gone.
     EntryType entryType() const { return _entryType; }
     // Null for numbers that are no type.
     QString entryTypeDescription() const;
@@ -61,6 +61,8 @@ public:
     QString personPrimaryEmailAddress() const;
     // Of people alone, in UTF-8; null for all else.
     QByteArray vcard() const;
+    // Opens the card in the user's own program, and does not wait. The user is told when that cannot be.
+    void openCard(ContactStore::Purpose purpose) const;
     // Null for the unknown type.
     QString pasteboardTypeForID() const;
 

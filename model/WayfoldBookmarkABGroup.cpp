@@ -17,6 +17,13 @@ constexpr qsizetype roomWithin = 20000;     // members of the groups within a gr
 constexpr qsizetype leastRoomOfAGroup = 20; // so that it is a thousand groups at most, however deep
 } // namespace
 
+WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkWithTitle(const QString &title)
+{
+    auto group = std::make_shared<WayfoldBookmarkABGroup>();
+    group->setTitle(title);
+    return group;
+}
+
 WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkWithID(const QString &addressBookID)
 {
     auto group = std::make_shared<WayfoldBookmarkABGroup>(Blank());
@@ -167,6 +174,13 @@ std::shared_ptr<Image> WayfoldBookmarkABGroup::imageForCellSize(const QSizeF &si
     return WayfoldDefaults::sharedInstance().showBookmarkIcons()
                ? ItemImages::loadedOnce(image, QStringLiteral("WayfoldBookmarkImageGroup"))
                : image;
+}
+
+bool WayfoldBookmarkABGroup::editViaDialog()
+{
+    if (_addressBookEntry)
+        _addressBookEntry->openCard(ContactStore::Edit);
+    return true;
 }
 
 QStringList WayfoldBookmarkABGroup::primaryEmailAddressList() const

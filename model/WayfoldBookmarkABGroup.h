@@ -19,6 +19,8 @@ class WayfoldBookmarkABGroup : public WayfoldAutoFolder
 public:
     using WayfoldAutoFolder::WayfoldAutoFolder;
 
+    // Of no card; the title is not shown.
+    static WayfoldBookmarkABGroupPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkABGroupPtr bookmarkWithID(const QString &addressBookID);
     static WayfoldBookmarkABGroupPtr bookmarkWithRecord(const WayfoldABEntryPtr &entry);
     static WayfoldBookmarkABGroupPtr bookmarkFromDictionary(const QVariantMap &dictionary);
@@ -46,6 +48,9 @@ public:
     bool isEqual(const KDRBookmark &other) const override;
     using KDRBookmark::isEqual;
     std::shared_ptr<Image> imageForCellSize(const QSizeF &size) override;
+    // Opens the card in the user's own program, as a person's does: there is nothing in a folder's dialog that a group
+    // keeps. Always true, and at once.
+    bool editViaDialog() override;
 
     const WayfoldABEntryPtr &addressBookEntry() const { return _addressBookEntry; }
     // Of the members, those of groups among them too, in order and each once.

@@ -1,13 +1,10 @@
 #include "model/WayfoldBookmarkABPerson.h"
 
-#include "model/ItemDialogs.h"
-
 #include "core/settings/WayfoldDefaults.h"
 #include "model/ContactPicture.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
 #include "model/TextSearch.h"
-#include "platform/widgets/Workspace.h"
 
 namespace
 {
@@ -28,6 +25,13 @@ std::shared_ptr<Image> imageOfAll(WayfoldABEntry::EntryType type)
     }
 }
 } // namespace
+
+WayfoldBookmarkABPersonPtr WayfoldBookmarkABPerson::bookmarkWithTitle(const QString &title)
+{
+    auto person = std::make_shared<WayfoldBookmarkABPerson>();
+    person->setTitle(title);
+    return person;
+}
 
 WayfoldBookmarkABPersonPtr WayfoldBookmarkABPerson::bookmarkWithID(const QString &addressBookID)
 {
@@ -175,23 +179,15 @@ QByteArray WayfoldBookmarkABPerson::vcard() const
 
 bool WayfoldBookmarkABPerson::editViaDialog()
 {
-    return openCard(ContactStore::Edit);
+    if (_addressBookEntry)
+        _addressBookEntry->openCard(ContactStore::Edit);
+    return true;
 }
 
 bool WayfoldBookmarkABPerson::selectInAddressBook()
 {
-    return openCard(ContactStore::Show);
-}
-
-bool WayfoldBookmarkABPerson::openCard(ContactStore::Purpose purpose) const
-{
-    const ContactRecordPtr record = addressBookRecord();
-    const ContactStore::Opening opening =
-        record ? ContactStore::sharedAddressBook().opening(*record, purpose) : ContactStore::Opening();
-    const bool isOpen = opening.command.isEmpty() ? Workspace::openURL(Url::fileURLWithPath(opening.file))
-                                                  : Workspace::startProgram(opening.command);
-    if (!isOpen && ItemDialogs::current())
-        ItemDialogs::current()->tellCardIsNotShown(title());
+    if (_addressBookEntry)
+        _addressBookEntry->openCard(ContactStore::Show);
     return true;
 }
 

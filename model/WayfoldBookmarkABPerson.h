@@ -2,7 +2,6 @@
 
 #include "model/KDRBookmark.h"
 #include "model/WayfoldABEntry.h"
-#include "platform/contacts/ContactStore.h"
 
 class WayfoldBookmarkABPerson;
 using WayfoldBookmarkABPersonPtr = std::shared_ptr<WayfoldBookmarkABPerson>;
@@ -14,6 +13,8 @@ class WayfoldBookmarkABPerson : public KDRBookmark
 public:
     using KDRBookmark::KDRBookmark;
 
+    // Of no card; the title is not shown.
+    static WayfoldBookmarkABPersonPtr bookmarkWithTitle(const QString &title);
     static WayfoldBookmarkABPersonPtr bookmarkWithID(const QString &addressBookID);
     static WayfoldBookmarkABPersonPtr bookmarkWithRecord(const WayfoldABEntryPtr &entry);
     static WayfoldBookmarkABPersonPtr bookmarkFromDictionary(const QVariantMap &dictionary);
@@ -62,7 +63,6 @@ protected:
 
 private:
     void setEntry(const WayfoldABEntryPtr &entry);
-    bool openCard(ContactStore::Purpose purpose) const;
 
     WayfoldABEntryPtr _addressBookEntry;
     std::shared_ptr<Image> _localImage;

@@ -146,6 +146,9 @@ private Q_SLOTS:
     void peopleWhoComeLate();
     void relatedBookmarksFollowTheContacts();
     void editOfAPersonOpensTheCard();
+    void editOfAGroupOpensTheCard();
+    void groupShownAsASiteFollowsTheContacts();
+    void contactsThatComeAndGo();
     void buttonsForPeopleAndGroups();
     void keyOpensUnseenSmartFolders();
     void noChangesAfterDestruction();
@@ -958,6 +961,67 @@ void WayfoldScratchDataSourceTest::editOfAPersonOpensTheCard()
     QCOMPARE(ListStage::contacts().opened, QStringList{"edit " + ann->uuid()});
     QCOMPARE(_stage->openedURLs.size(), 1);
     QCOMPARE(_stage->dialogs.opened, 0);
+}
+
+void WayfoldScratchDataSourceTest::editOfAGroupOpensTheCard()
+{
+    const auto friends = ListStage::group("Friends", {ListStage::person("Ann")});
+    _pad->showItems({friends});
+    _pad->select({friends});
+    QTest::keyClick(&_pad->view, Qt::Key_Return);
+    QCOMPARE(ListStage::contacts().opened, QStringList{"edit " + friends->uuid()});
+    QCOMPARE(_stage->openedURLs.size(), 1);
+    QCOMPARE(_stage->dialogs.opened, 0);
+}
+
+// The pop-up has every folder of the top level.
+void WayfoldScratchDataSourceTest::groupShownAsASiteFollowsTheContacts()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto bob = ListStage::person("Bob");
+    const auto friends = ListStage::group("Friends", {ann});
+    _pad->showItems({friends});
+    _pad->show("Friends");
+    QCOMPARE(ListStage::rows(_pad->view), QStringList{"Ann"});
+    rename(ann, "Anna");
+    ListStage::contacts().set(MemoryContacts::group(friends->uuid(), "Friends", {ann->uuid(), bob->uuid()}));
+    settleNotifications();
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Anna", "Bob"}));
+}
+
+// The user may choose none in the preferences, and others again.
+void WayfoldScratchDataSourceTest::contactsThatComeAndGo()
+{
+    const auto ann = ListStage::person("Ann");
+    const auto kettle = ListStage::organization("Kettle");
+    const auto friends = ListStage::group("Friends", {ann});
+    const auto inner = ListStage::folder("inner", {kettle});
+    _pad->showItems({ann, inner, friends});
+    _pad->view.expandItem(inner);
+    _pad->view.expandItem(friends);
+    const QStringList all = {"Ann", "inner", "-Kettle", "Friends", "-Ann"};
+    QCOMPARE(ListStage::rows(_pad->view), all);
+    const QString tip = ann->tooltipText();
+    const std::shared_ptr<Image> picture = kettle->imageForCellSize({16, 16});
+    QVERIFY(picture);
+
+    ContactStore::setSharedAddressBook(nullptr);
+    settleNotifications();
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Invalid", "inner", "-Invalid", "Invalid"}));
+    QVERIFY(ann->tooltipText().isNull());
+    QVERIFY(!ann->matchesSubstring("ann"));
+    QCOMPARE(ann->typeDescription(), QStringLiteral("Person"));
+    QVERIFY(kettle->imageForCellSize({16, 16}) == picture);
+    _pad->source->saveScratchBookmarkRoot();
+    QVERIFY(_stage->savedFile().contains(ann->uuid().toUtf8()));
+    QVERIFY(_stage->savedFile().contains(friends->uuid().toUtf8()));
+
+    ContactStore::setSharedAddressBook(&ListStage::contacts());
+    settleNotifications();
+    _pad->view.expandItem(friends);
+    QCOMPARE(ListStage::rows(_pad->view), all);
+    QCOMPARE(ann->tooltipText(), tip);
+    QVERIFY(ann->matchesSubstring("ann"));
 }
 
 void WayfoldScratchDataSourceTest::buttonsForPeopleAndGroups()

@@ -68,6 +68,8 @@ public:
     bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) override { return open("newNote", note); }
     bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) override { return open("newFolder", folder); }
     std::vector<KDRBookmarkPtr> newPeople() override { return {}; }
+    QStringList cardsNotShown;
+    void tellCardIsNotShown(const QString &name) override { cardsNotShown.append(name); }
 
 private:
     bool open(const char *dialog, const KDRBookmarkPtr &opened)

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void fromRecord();
     void fromIdentifier();
     void cardThatIsNotThereYet();
+    void kindFollowsTheCard();
     void cardThatHasGone();
 
     void names_data();
@@ -178,6 +179,21 @@ void WayfoldABEntryTest::cardThatIsNotThereYet()
     QVERIFY(entry->refresh());
     QCOMPARE(entry->entryType(), WayfoldABEntry::Organization);
     QCOMPARE(entry->title(), QStringLiteral("Kettle"));
+}
+
+// Who wrote the card may say later that it is a company's.
+void WayfoldABEntryTest::kindFollowsTheCard()
+{
+    const WayfoldABEntryPtr entry = entryFor(MemoryContacts::person("p", {}, {}));
+    QCOMPARE(entry->title(), QStringLiteral("Unnamed Person"));
+    _contacts->set(MemoryContacts::company("p", "Kettle"));
+    QCOMPARE(entry->entryType(), WayfoldABEntry::Person);
+    entry->refresh();
+    QCOMPARE(entry->entryType(), WayfoldABEntry::Organization);
+    QCOMPARE(entry->title(), QStringLiteral("Kettle"));
+    _contacts->take("p");
+    entry->refresh();
+    QCOMPARE(entry->entryType(), WayfoldABEntry::Organization);
 }
 
 void WayfoldABEntryTest::cardThatHasGone()

@@ -3,6 +3,7 @@
 #include "core/settings/WayfoldToolkit.h"
 #include "model/WayfoldBookmarkABPerson.h"
 #include "platform/files/PropertyList.h"
+#include "platform/widgets/Workspace.h"
 #include "tests/model/ModelTestSupport.h"
 #include "tests/support/MemoryContacts.h"
 
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void madeFromIdentifier();
     void madeFromEntry();
     void withoutAnEntry();
+    void madeFromATitle();
     void kinds();
     void value();
     void titleIsLookedUpAtEachCall();
@@ -84,6 +86,7 @@ private Q_SLOTS:
     void readDictionary();
     void image();
     void removedWithSmartFolders();
+    void editOpensTheCard();
 };
 
 void WayfoldBookmarkABGroupTest::init()
@@ -94,6 +97,7 @@ void WayfoldBookmarkABGroupTest::init()
 
 void WayfoldBookmarkABGroupTest::cleanup()
 {
+    Workspace::setURLHandler({});
     _contacts.reset();
     _home.reset();
 }
@@ -128,6 +132,15 @@ void WayfoldBookmarkABGroupTest::withoutAnEntry()
     QVERIFY(none->primaryEmailAddressList().isEmpty());
     const QVariantMap expected{{"WebBookmarkType", "ABGroup"}, {"AddressBookID", ""}, {"WebBookmarkUUID", ""}};
     QCOMPARE(none->createDictionary(true), expected);
+}
+
+// It stands for no card, so it has no title to show.
+void WayfoldBookmarkABGroupTest::madeFromATitle()
+{
+    const WayfoldBookmarkABGroupPtr friends = WayfoldBookmarkABGroup::bookmarkWithTitle("Friends");
+    QVERIFY(!friends->addressBookEntry());
+    QVERIFY(friends->title().isNull());
+    QCOMPARE(friends->uuid().size(), 36);
 }
 
 void WayfoldBookmarkABGroupTest::kinds()
@@ -659,6 +672,29 @@ void WayfoldBookmarkABGroupTest::removedWithSmartFolders()
         makeFolder("Folder", {makeLink("Link"), group("friends", {}), WayfoldBookmarkABPerson::bookmarkWithID("ann")});
     folder->removeAutoFolders();
     QCOMPARE(childTitles(*folder), QStringList({"Link", "ann"}));
+}
+
+// A folder's dialog could change nothing of it.
+void WayfoldBookmarkABGroupTest::editOpensTheCard()
+{
+    RecordingDialogs dialogs;
+    QStringList urls;
+    Workspace::setURLHandler([&urls](const Url &url) {
+        urls.append(url.absoluteString());
+        return true;
+    });
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {});
+    QVERIFY(friends->editViaDialog());
+    QCOMPARE(_contacts->opened, QStringList{"edit friends"});
+    QCOMPARE(urls, QStringList{"file:///cards/friends.vcf"});
+    QVERIFY(friends->copy()->editViaDialog()); // stands for no card
+    QCOMPARE(urls.size(), 1);
+    QVERIFY(dialogs.cardsNotShown.isEmpty());
+    _contacts->take("friends");
+    QVERIFY(friends->editViaDialog());
+    QCOMPARE(urls.size(), 1);
+    QCOMPARE(dialogs.cardsNotShown, QStringList{"Invalid"});
+    QVERIFY(dialogs.opened.isEmpty());
 }
 
 QTEST_MAIN(WayfoldBookmarkABGroupTest)

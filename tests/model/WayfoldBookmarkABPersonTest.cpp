@@ -52,6 +52,7 @@ private Q_SLOTS:
     void madeFromIdentifier();
     void madeFromEntry();
     void madeFromNoEntry();
+    void madeFromATitle();
     void kinds();
     void value();
     void valueFromIdentifier();
@@ -138,6 +139,15 @@ void WayfoldBookmarkABPersonTest::madeFromNoEntry()
     QVERIFY(person->bookmarksWithSubstring("a").empty());
     QVERIFY(person->copy());
     QVERIFY(person->editViaDialog());
+}
+
+// It stands for no card, so it has no title to show.
+void WayfoldBookmarkABPersonTest::madeFromATitle()
+{
+    const WayfoldBookmarkABPersonPtr person = WayfoldBookmarkABPerson::bookmarkWithTitle("Ann");
+    QVERIFY(!person->addressBookEntry());
+    QVERIFY(person->title().isNull());
+    QCOMPARE(person->uuid().size(), 36);
 }
 
 void WayfoldBookmarkABPersonTest::kinds()
