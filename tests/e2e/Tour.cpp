@@ -9,12 +9,18 @@
 #include "tests/e2e/support/Tool.h"
 
 #include <QAbstractButton>
+#include <QBuffer>
 #include <QComboBox>
+#include <QImage>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMenuBar>
+#include <QPainter>
 #include <QProcess>
 #include <QTabBar>
 #include <QTextEdit>
+#include <QToolTip>
 #include <QTreeView>
 #include <cstdio>
 
@@ -32,10 +38,12 @@ const QString news = QStringLiteral("http://news.fernhill.localhost/");
 const QString kitchen = QStringLiteral("http://www.kettle.localhost/");
 const QString trains = QStringLiteral("http://times.marshline.localhost/");
 const QString story = QStringLiteral("The old observatory opens its dome again");
+// Sessions that are played again as other desktops show them.
 const QString preferences = QStringLiteral("preferences");
-const QString preferencesInTheDark = QStringLiteral("preferences-dark");
-const QString preferencesInGerman = QStringLiteral("preferences-german");
-const QString preferencesAtTwice = QStringLiteral("preferences-2x"); // two pixels to the point
+const QString panel = QStringLiteral("new-person");
+const QString dark = QStringLiteral("-dark");
+const QString german = QStringLiteral("-german");
+const QString twice = QStringLiteral("-2x"); // two pixels to the point
 const QString noteTitle = QStringLiteral("First Friday");
 const QString noteText = QStringLiteral("Eight o'clock, north shoulder of the hill.\n"
                                         "Bring good shoes and a torch with a red cloth.");
@@ -61,6 +69,70 @@ void furnish(PageServer &web)
     const QString host = QUrl(news).host();
     web.setPage(host, QStringLiteral("/observatory"), page(QStringLiteral("observatory.html")));
     web.setFile(host, QStringLiteral("/fernhill.css"), "text/css", page(QStringLiteral("fernhill.css")));
+}
+
+// A picture of somebody, painted in these colours.
+QByteArray portrait(const QColor &ground, const QColor &hair)
+{
+    QImage image(96, 96, QImage::Format_RGB32);
+    image.fill(ground);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(hair);
+    painter.drawEllipse(QPoint(48, 38), 25, 26);
+    painter.setBrush(QColor(236, 200, 170));
+    painter.drawEllipse(QPoint(48, 44), 19, 22);
+    painter.setBrush(QColor(74, 92, 112));
+    painter.drawEllipse(QPoint(48, 100), 38, 32);
+    painter.end();
+    QByteArray png;
+    QBuffer buffer(&png);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
+QByteArray card(const QByteArray &id, const QByteArray &name, const QByteArrayList &lines, const QByteArray &png = {})
+{
+    QByteArray text =
+        "BEGIN:VCARD\r\nVERSION:4.0\r\nUID:" + id + "\r\nFN:" + name + "\r\n" + lines.join("\r\n") + "\r\n";
+    if (!png.isEmpty())
+        text += "PHOTO:data:image/png;base64," + png.toBase64() + "\r\n";
+    return text + "END:VCARD\r\n";
+}
+
+// The contacts of who plays, as cards in the usual folder.
+QByteArrayList contacts()
+{
+    return {
+        card("ines", "Ines Okafor",
+             {"N:Okafor;Ines;;;", "ORG:Fernhill Observatory",
+              "EMAIL;TYPE=work;PREF=1:ines@observatory.fernhill.localhost", "EMAIL;TYPE=home:ines.okafor@post.example",
+              "TEL;TYPE=work:+44 20 7946 0991", "TEL;TYPE=cell;PREF=1:+44 7700 900461"},
+             portrait(QColor(146, 178, 160), QColor(48, 38, 34))),
+        card("tomas", "Tomas Brandt", {"N:Brandt;Tomas;;;", "EMAIL;TYPE=work:tomas@fernhill.localhost"},
+             portrait(QColor(214, 180, 120), QColor(150, 96, 40))),
+        card("mirela", "Mirela Sand", {"N:Sand;Mirela;;;", "EMAIL;TYPE=home:mirela@post.example"}),
+        card("yusuf", "Yusuf Demir, Jr.", {"N:Demir;Yusuf;;;Jr.", "TEL;TYPE=cell:+49 1515 5550123"}),
+        card("kettle", "The Copper Kettle",
+             {"KIND:org", "ORG:The Copper Kettle", "EMAIL;TYPE=work:hello@kettle.localhost",
+              "URL:http://www.kettle.localhost/"}),
+        card("walk", "First Friday Walk",
+             {"KIND:group", "MEMBER:urn:uuid:ines", "MEMBER:urn:uuid:mirela", "MEMBER:urn:uuid:yusuf"}),
+        card("me", "Alma Reyes", {"N:Reyes;Alma;;;", "EMAIL;TYPE=home:alma@post.example"}),
+    };
+}
+
+bool writeContacts(const QDir &home)
+{
+    for (const QByteArray &text : contacts()) {
+        const QString id = QString::fromUtf8(text.mid(text.indexOf("UID:") + 4)).section(u'\r', 0, 0);
+        QFile file(home.filePath(QStringLiteral(".contacts/%1.vcf").arg(id)));
+        if (!home.mkpath(QStringLiteral(".contacts")) || !file.open(QIODevice::WriteOnly) ||
+            file.write(text) != text.size())
+            return false;
+    }
+    return true;
 }
 
 QPalette darkPalette()
@@ -416,6 +488,123 @@ void ListsSession::seeWhatIsRelated()
     QVERIFY(shoot(QStringLiteral("related-to-the-site")));
 }
 
+// The people who belong to a site, from the user's contacts.
+class PeopleSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+private Q_SLOTS:
+    void choosePeople();
+    void seePeople();
+    void readATip();
+    void writeToThem();
+    void seeRelatedPeople();
+    void leave() { QVERIFY(quit()); }
+};
+
+void PeopleSession::choosePeople()
+{
+    QVERIFY(_play.visit(news));
+    QVERIFY(focus());
+    EVENTUALLY(Play::scratchRows(_window).contains(story));
+    for (const QString &who : {QStringLiteral("fernhill observ"), QStringLiteral("walk"), QStringLiteral("yusuf")}) {
+        QVERIFY(Hands::clickOn(Play::drawerButton(_window, QStringLiteral("New Person Link"))));
+        EVENTUALLY(Eyes::dialog());
+        auto *people = Eyes::firstOf<QListView>(Eyes::dialog());
+        EVENTUALLY(people && people->model()->rowCount() == contacts().size());
+        if (who == QLatin1String("yusuf"))
+            QVERIFY(shoot(QStringLiteral("contacts")));
+        QVERIFY(Hands::type(who));
+        EVENTUALLY(people->model()->rowCount() == 1 && people->selectionModel()->hasSelection());
+        if (who == QLatin1String("yusuf"))
+            QVERIFY(shoot(QStringLiteral("person-found")));
+        QVERIFY(Hands::press(QStringLiteral("Return")));
+        EVENTUALLY(!Eyes::dialog());
+    }
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Yusuf Demir, Jr.")));
+}
+
+void PeopleSession::seePeople()
+{
+    QVERIFY(expand(QStringLiteral("First Friday Walk")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Mirela Sand")));
+    QVERIFY(shoot(QStringLiteral("people-and-a-group")));
+}
+
+void PeopleSession::readATip()
+{
+    const std::optional<QPoint> row = Eyes::rowWithText(Play::scratchList(_window), QStringLiteral("Ines Okafor"));
+    QVERIFY(row && Hands::moveTo(*row));
+    EVENTUALLY(QToolTip::isVisible() && QToolTip::text().contains(QLatin1String("7700 900461")));
+    QVERIFY(shoot(QStringLiteral("person-read-about")));
+}
+
+void PeopleSession::writeToThem()
+{
+    constexpr int rightButton = 3;
+    QTreeView *list = Play::scratchList(_window);
+    QVERIFY(_play.chooseRow(QStringLiteral("Ines Okafor")));
+    QVERIFY(Hands::clickOnAnotherRow(list, QStringLiteral("First Friday Walk")));
+    EVENTUALLY(list->selectionModel()->selectedRows().size() == 2);
+    QVERIFY(Hands::click(rightButton));
+    EVENTUALLY(QApplication::activePopupWidget());
+    QVERIFY(shoot(QStringLiteral("mail-to-people")));
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(!QApplication::activePopupWidget());
+}
+
+void PeopleSession::seeRelatedPeople()
+{
+    QVERIFY(_play.chooseRow(QStringLiteral("First Friday Walk")));
+    QVERIFY(Hands::press(QStringLiteral("Left")));
+    QVERIFY(expand(QStringLiteral("Related Bookmarks")));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Tomas Brandt")));
+    QVERIFY(shoot(QStringLiteral("people-related-to-the-site")));
+}
+
+// The panel in which people are chosen, as every desktop shows it.
+class PanelSession : public TourSession
+{
+    Q_OBJECT
+
+public:
+    using TourSession::TourSession;
+
+    // Of the session; the picture is called so.
+    static inline QString name;
+
+private Q_SLOTS:
+    void openIt();
+    void leave();
+};
+
+void PanelSession::openIt()
+{
+    const bool isGerman = name.endsWith(german);
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::isDrawerOpen(_window)); // the site is known
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Ines Okafor")));
+    Stage::settle();
+    QVERIFY(Hands::clickOn(Play::drawerButton(_window, isGerman ? QStringLiteral("Neuer Personen-Link")
+                                                                : QStringLiteral("New Person Link"))));
+    EVENTUALLY(Eyes::dialog());
+    auto *people = Eyes::firstOf<QListView>(Eyes::dialog());
+    EVENTUALLY(people && people->model()->rowCount() == contacts().size());
+    QVERIFY(Hands::press(QStringLiteral("Down")));
+    EVENTUALLY(people->selectionModel()->hasSelection());
+    QVERIFY(shoot(name));
+}
+
+void PanelSession::leave()
+{
+    QVERIFY(Hands::press(QStringLiteral("Escape")));
+    EVENTUALLY(!Eyes::dialog());
+    QVERIFY(quit());
+}
+
 // With the settings of a user who wants the drawer to follow him.
 class FollowingSession : public TourSession
 {
@@ -491,6 +680,11 @@ void DarkSession::visitInTheDark()
     QVERIFY(shoot(QStringLiteral("dark-palette")));
     QVERIFY(_play.showDrawerTab(QStringLiteral("History")));
     QVERIFY(shoot(QStringLiteral("dark-palette-history")));
+    QVERIFY(_play.showDrawerTab(QStringLiteral("Scratchpad")));
+    QVERIFY(_play.visit(news));
+    EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Ines Okafor")));
+    QVERIFY(expand(QStringLiteral("First Friday Walk")));
+    QVERIFY(shoot(QStringLiteral("dark-palette-people")));
 }
 
 // Whether there is a newer release is asked of a server that stands in for the maker's.
@@ -558,6 +752,7 @@ public:
 private Q_SLOTS:
     void openThem();
     void seePages();
+    void chooseContacts();
     void chooseAFont();
     void pressAShortcut();
     void leave();
@@ -609,6 +804,23 @@ void PreferencesSession::seePages()
     QVERIFY(shootPreferences(QStringLiteral("shortcuts")));
 }
 
+void PreferencesSession::chooseContacts()
+{
+    QVERIFY(showPage(0));
+    auto *source = Eyes::widgetNamed<QComboBox>(_preferences, QStringLiteral("contactSourceField"));
+    QVERIFY(source);
+    QVERIFY(Hands::clickOn(source));
+    EVENTUALLY(source->view()->isVisible());
+    QVERIFY(shootPreferences(QStringLiteral("contacts")));
+    QVERIFY(Hands::press(QStringLiteral("Down Down Return")));
+    EVENTUALLY(source->currentIndex() == 2 && !source->view()->isVisible());
+    auto *inUse = Eyes::widgetNamed<QLabel>(_preferences, QStringLiteral("contactsInUseField"));
+    EVENTUALLY(inUse->text().startsWith(QString::number(contacts().size() - 1))); // one of them is a group
+    QVERIFY(shootPreferences(QStringLiteral("folder-of-cards")));
+    QVERIFY(Hands::press(QStringLiteral("Up Up")));
+    EVENTUALLY(source->currentIndex() == 0);
+}
+
 void PreferencesSession::chooseAFont()
 {
     QVERIFY(showPage(1));
@@ -643,13 +855,14 @@ void PreferencesSession::leave()
 
 namespace
 {
-int playPreferences(const QString &name, int argc, char **argv)
+template <class Session>
+int playAsDesktopShows(const QString &name, int argc, char **argv)
 {
-    PreferencesSession::name = name;
-    if (name == preferencesAtTwice)
+    Session::name = name;
+    if (name.endsWith(twice))
         qputenv("QT_SCALE_FACTOR", "2");
-    const QPalette dark = darkPalette();
-    return Play::performAtHome<PreferencesSession>(argc, argv, name == preferencesInTheDark ? &dark : nullptr);
+    const QPalette palette = darkPalette();
+    return Play::performAtHome<Session>(argc, argv, name.endsWith(dark) ? &palette : nullptr);
 }
 
 int playSession(const QString &name, int argc, char **argv)
@@ -660,10 +873,14 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<SecondSession>(argc, argv);
     if (name == QLatin1String("lists"))
         return Play::performAtHome<ListsSession>(argc, argv);
+    if (name == QLatin1String("people"))
+        return Play::performAtHome<PeopleSession>(argc, argv);
     if (name == QLatin1String("release"))
         return Play::performAtHome<ReleaseSession>(argc, argv);
     if (name.startsWith(preferences))
-        return playPreferences(name, argc, argv);
+        return playAsDesktopShows<PreferencesSession>(name, argc, argv);
+    if (name.startsWith(panel))
+        return playAsDesktopShows<PanelSession>(name, argc, argv);
     Play::storeSettings({{QStringLiteral("WayfoldAutoFocusOnSiteChange"), 1},
                          {QStringLiteral("WayfoldOpenDrawerForKnownSite"), 1},
                          {QStringLiteral("WayfoldShowBookmarkIcons"), name == QLatin1String("iconless") ? 0 : 1}});
@@ -671,8 +888,8 @@ int playSession(const QString &name, int argc, char **argv)
         return Play::performAtHome<FollowingSession>(argc, argv);
     if (name == QLatin1String("iconless"))
         return Play::performAtHome<IconlessSession>(argc, argv);
-    const QPalette dark = darkPalette();
-    return Play::performAtHome<DarkSession>(argc, argv, &dark);
+    const QPalette palette = darkPalette();
+    return Play::performAtHome<DarkSession>(argc, argv, &palette);
 }
 
 // Clears away what an earlier tour has left, and nothing else: a home without the tour's mark is left alone.
@@ -688,7 +905,7 @@ bool prepare(const QDir &directory)
         QFile::remove(directory.filePath(picture));
     home.removeRecursively();
     QFile markFile(home.filePath(mark));
-    return directory.mkpath(home.path()) && markFile.open(QIODevice::WriteOnly);
+    return directory.mkpath(home.path()) && markFile.open(QIODevice::WriteOnly) && writeContacts(home);
 }
 
 bool runSession(const QString &name, const QDir &directory)
@@ -696,14 +913,14 @@ bool runSession(const QString &name, const QDir &directory)
     QProcess browser;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), directory.filePath(QStringLiteral("home")));
-    if (name == preferencesInGerman)
+    if (name.endsWith(german))
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
     browser.setProcessEnvironment(environment);
     browser.setWorkingDirectory(directory.path());
     browser.setProcessChannelMode(QProcess::ForwardedChannels);
     browser.setStandardInputFile(QProcess::nullDevice());
     const QStringList command{QCoreApplication::applicationFilePath(), QStringLiteral("--session"), name};
-    if (name == preferencesAtTwice) // on a display of its own, which has as many points as the other
+    if (name.endsWith(twice)) // on a display of its own, which has as many points as the other
         browser.start(QStringLiteral(WAYFOLD_DISPLAY),
                       QStringList{QStringLiteral("-s"), QStringLiteral("2560x1600")} + command);
     else
@@ -715,7 +932,8 @@ bool hasKept(const QDir &directory)
 {
     const QString file = directory.filePath(QStringLiteral("home/Library/Wayfold/Bookmarks.plist"));
     const QByteArray contents = PropertyList::toXml(PropertyList::readDictionaryFile(file));
-    return contents.contains(story.toUtf8()) && contents.contains(noteTitle.toUtf8());
+    return contents.contains(story.toUtf8()) && contents.contains(noteTitle.toUtf8()) &&
+           contents.contains("<string>ABPerson</string>") && contents.contains("<string>ABGroup</string>");
 }
 } // namespace
 
@@ -732,9 +950,10 @@ int main(int argc, char **argv)
     if (!directory.mkpath(QStringLiteral(".")) || !prepare(directory))
         return 73;
     for (const QString &name :
-         {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"), QStringLiteral("following"),
-          QStringLiteral("iconless"), QStringLiteral("dark"), QStringLiteral("release"), preferences,
-          preferencesInTheDark, preferencesInGerman, preferencesAtTwice}) {
+         {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("lists"), QStringLiteral("people"),
+          QStringLiteral("following"), QStringLiteral("iconless"), QStringLiteral("dark"), QStringLiteral("release"),
+          preferences, preferences + dark, preferences + german, preferences + twice, panel + dark, panel + german,
+          panel + twice}) {
         if (!runSession(name, directory))
             return 1;
     }
