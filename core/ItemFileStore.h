@@ -22,6 +22,9 @@ public:
     // False, with the reason in the log, when the file could not be written, or not be copied aside first.
     bool save(const WayfoldBookmarkFolder &root);
 
+    // What the tree is about to lose may still be wanted: the file is copied aside before it is written over next.
+    void keepBeforeNextSave() { _holdsMore = true; }
+
     // Whether the last save failed, so that the file does not hold the last changes.
     bool isSaveOwed() const { return _retries.isOwed(); }
     // Called once a second: tries an owed save again, see Retries. Nothing happens while none is owed.

@@ -47,12 +47,28 @@ bool isSameSite(QStringView siteKey, const QString &label)
     return siteKey.isNull() == label.isNull() && siteKey == label;
 }
 
+bool isGroup(const KDRBookmarkPtr &item)
+{
+    return item->type() == KDRBookmark::GroupType;
+}
+
+// Groups hold nothing but their members, and are left alone.
 void forEachFolder(const WayfoldBookmarkFolder &root, void (WayfoldBookmarkFolder::*operation)())
 {
     for (const KDRBookmarkPtr &child : root.children()) {
-        if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child))
+        const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child);
+        if (folder && !isGroup(child))
             (folder.get()->*operation)();
     }
+}
+
+bool hasFolderWithGroup(const WayfoldBookmarkFolder &root)
+{
+    return std::any_of(root.children().cbegin(), root.children().cend(), [](const KDRBookmarkPtr &child) {
+        const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child);
+        return folder && !isGroup(child) &&
+               std::any_of(folder->children().cbegin(), folder->children().cend(), isGroup);
+    });
 }
 } // namespace
 
@@ -225,8 +241,11 @@ void KDRDrawerBundle::addSmartFoldersToTopLevel()
     updateAllDrawerContentsExceptFor(nullptr);
 }
 
+// The groups in these folders go as well.
 void KDRDrawerBundle::removeSmartFoldersFromTopLevel()
 {
+    if (hasFolderWithGroup(*_bookmarkRoot))
+        _itemFile.keepBeforeNextSave();
     forEachFolder(*_bookmarkRoot, &WayfoldBookmarkFolder::removeAutoFolders);
     forEachFolder(*_provisionalBookmarkRoot, &WayfoldBookmarkFolder::removeAutoFolders);
     updateAllDrawerContentsExceptFor(nullptr);

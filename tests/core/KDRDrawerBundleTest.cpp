@@ -2,10 +2,12 @@
 
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
+#include "model/WayfoldBookmarkABGroup.h"
 #include "platform/base/PlatformNotifications.h"
 #include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
 #include "tests/core/StoreInTemporaryHome.h"
+#include "tests/support/MemoryContacts.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -137,6 +139,8 @@ private Q_SLOTS:
     void knownSite_data();
     void knownSite();
     void smartFoldersOfTheTopLevel();
+    void groupsHoldNoSmartFolders();
+    void groupsThatGoWithSmartFoldersAreKept();
     void updateAllDrawersExceptOne();
 
     // Windows and drawers
@@ -660,6 +664,53 @@ void KDRDrawerBundleTest::smartFoldersOfTheTopLevel()
 
     QVERIFY(_fresh->settings().createAutoFolders());
     QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
+}
+
+// They hold their members, wherever they stand.
+void KDRDrawerBundleTest::groupsHoldNoSmartFolders()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::group("inner", "Inner", {}));
+    contacts.set(MemoryContacts::group("all", "All", {"inner"}));
+    const auto all = WayfoldBookmarkABGroup::bookmarkWithID("all");
+    store().bookmarkRoot()->addChild(all);
+    all->ensureUpToDate();
+    store().addSmartFoldersToTopLevel();
+    QCOMPARE(StoreInTemporaryHome::titles(all), QStringList{"Inner"});
+    store().removeSmartFoldersFromTopLevel();
+    QCOMPARE(StoreInTemporaryHome::titles(all), QStringList{"Inner"});
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(store().loadBookmarkFile());
+    const auto read = WayfoldBookmarkFolder::fromItem(store().bookmarkRoot()->lastChild());
+    QCOMPARE(read->title(), QStringLiteral("All"));
+    QVERIFY(read->isEmpty());
+}
+
+// The groups of a site go when the user wants no smart folders. They are still in the file that was there before.
+void KDRDrawerBundleTest::groupsThatGoWithSmartFoldersAreKept()
+{
+    const auto keptCopies = [this] {
+        const QFileInfo file(_fresh->home.path(itemFile));
+        return file.dir().entryList({file.fileName() + QStringLiteral(".kept-*")}, QDir::Files);
+    };
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("saved.org"));
+    QVERIFY(store().saveBookmarkFile());
+    store().removeSmartFoldersFromTopLevel();
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(keptCopies().isEmpty());
+
+    site->addChild(WayfoldBookmarkABGroup::bookmarkWithID("friends"));
+    QVERIFY(store().saveBookmarkFile());
+    const QByteArray saved = _fresh->home.read(itemFile);
+    QVERIFY(saved.contains("friends"));
+    store().removeSmartFoldersFromTopLevel();
+    QVERIFY(site->isEmpty());
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(store().saveBookmarkFile());
+    QCOMPARE(keptCopies().size(), 1);
+    QFile kept(QFileInfo(_fresh->home.path(itemFile)).dir().filePath(keptCopies().first()));
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll(), saved);
 }
 
 void KDRDrawerBundleTest::updateAllDrawersExceptOne()
