@@ -109,12 +109,20 @@ std::vector<ContactCards::Card> CardFiles::read(const QString &path, Allowance &
 
 std::vector<ContactCards::Card> CardFiles::fromData(const QByteArray &data, Allowance &left)
 {
-    const qsizetype count = data.count("BEGIN:VCARD") + data.count("begin:vcard"); // about
-    if (data.size() > left.bytes || count > left.cards)
+    if (data.size() > left.bytes)
         return {};
+    std::vector<ContactCards::Card> cards;
+    CardText text(data);
+    qsizetype count = 0;
+    while (const std::optional<CardText::Card> next = text.next()) {
+        if (++count > left.cards)
+            return {};
+        if (std::optional<ContactCards::Card> card = ContactCards::read(*next))
+            cards.push_back(std::move(*card));
+    }
     left.bytes -= data.size();
     left.cards -= count;
-    return ContactCards::read(data);
+    return cards;
 }
 
 QString CardFiles::nameForPeople(const QStringList &names)

@@ -38,6 +38,8 @@ private Q_SLOTS:
     void filesOnOtherMachines_data();
     void filesOnOtherMachines();
     void readsUpToTheMost();
+    void countsCardsHoweverTheyAreWritten_data();
+    void countsCardsHoweverTheyAreWritten();
 
     void fileIsTheUsersAlone();
     void nameOfTheFile_data();
@@ -99,6 +101,29 @@ void CardFilesTest::readsUpToTheMost()
         bytes.bytes = ann.size() - missing;
         QCOMPARE(CardFiles::read(_home->path("ann.vcf"), bytes).size(), missing == 0 ? 1U : 0U);
     }
+}
+
+void CardFilesTest::countsCardsHoweverTheyAreWritten_data()
+{
+    QTest::addColumn<QByteArray>("cards");
+    QByteArray cards;
+    for (int i = 0; i <= CardFiles::maximumCards; ++i)
+        cards += "BEGIN:VCARD\nFN:Ann\nEND:VCARD\n";
+    QTest::newRow("in small and capital letters") << QByteArray(cards).replace("BEGIN", "Begin");
+    const QString text = QString::fromLatin1(cards);
+    QTest::newRow("in UTF-16") << QByteArray("\xff\xfe") +
+                                      QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
+    QTest::newRow("saying nothing") << QByteArray(cards).replace("FN:Ann\n", "");
+}
+
+void CardFilesTest::countsCardsHoweverTheyAreWritten()
+{
+    QFETCH(QByteArray, cards);
+    QVERIFY(cards.size() <= CardFiles::maximumSize);
+    CardFiles::Allowance left;
+    QVERIFY(CardFiles::fromData(cards, left).empty());
+    QCOMPARE(left.cards, CardFiles::maximumCards);
+    QCOMPARE(left.bytes, CardFiles::maximumSize);
 }
 
 void CardFilesTest::fileIsTheUsersAlone()
