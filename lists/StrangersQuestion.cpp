@@ -191,12 +191,22 @@ void StrangersQuestion::ask(const std::vector<Stranger> &strangers)
     }
 }
 
+// Who has come into the contacts while the question was there is not added once more.
 void StrangersQuestion::add(const std::vector<Stranger> &strangers)
 {
     const auto adding = std::make_shared<Adding>();
-    adding->unanswered = strangers.size();
     adding->view = _view;
+    std::vector<Stranger> unknown;
     for (const Stranger &stranger : strangers) {
+        if (const KDRBookmarkPtr contact = Stranger::contactMeantBy(stranger.card))
+            adding->replacements.emplace_back(stranger.standIn, contact);
+        else
+            unknown.push_back(stranger);
+    }
+    if (unknown.empty())
+        replace(adding->replacements, _view);
+    adding->unanswered = unknown.size();
+    for (const Stranger &stranger : unknown) {
         const auto done = [adding, stranger, question = QPointer(this)](const QString &uniqueId) {
             if (uniqueId.isNull())
                 adding->refused.append(Stranger::nameOn(stranger.card.record));

@@ -137,6 +137,7 @@ private Q_SLOTS:
     void folderThatGoesMeanwhile_data();
     void folderThatGoesMeanwhile();
     void movedMeanwhile();
+    void knownMeanwhile();
     void addedLater();
     void refused();
     void refusedInPart();
@@ -417,6 +418,19 @@ void StrangersQuestionTest::movedMeanwhile()
     QCOMPARE(ListStage::titles(_folder), QStringList{"Bob Brown"});
     QCOMPARE(_folder->childAtIndex(0)->type(), KDRBookmark::PersonType);
     QCOMPARE(root()->childCount(), 3U);
+}
+
+// The contacts go on while the question is there: who has come into them is not added once more.
+void StrangersQuestionTest::knownMeanwhile()
+{
+    User user("Add");
+    QVERIFY(drop(bob + cy));
+    user.meanwhile = [this] { _contacts->set(MemoryContacts::person("bob", "Bob", "Brown", {"bob@a.org"})); };
+    settle();
+    QCOMPARE(_contacts->added, std::vector<QByteArray>{cy});
+    QCOMPARE(rows(), QStringList({"a", "Bob Brown", "Cy Brown", "b", "folder"}));
+    QCOMPARE(root()->childAtIndex(1)->uuid(), QStringLiteral("bob"));
+    QCOMPARE(root()->childAtIndex(2)->uuid(), QStringLiteral("added Cy"));
 }
 
 void StrangersQuestionTest::addedLater()
