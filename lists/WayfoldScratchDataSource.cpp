@@ -243,6 +243,7 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
         _scratchOutlineView->reloadData();
         _scratchOutlineView->beginAtTop();
         _scratchOutlineView->setSitePopupTitle(newLabel);
+        outlineViewSelectionDidChange(*_scratchOutlineView); // what may be made depends on the list, too
     }
     if (!oldLabel.isEmpty()) {
         _prevLabel = oldLabel;
@@ -288,6 +289,8 @@ void WayfoldScratchDataSource::handleSaveCurrentURLRequest(QObject * /*sender*/)
     if (title.isEmpty())
         title = PageTitle::forURL(url);
     const KDRBookmarkPtr link = WayfoldBookmarkURL::bookmarkWithTitleAndURL(title, url);
+    if (!_scratchBookmarkRoot->acceptsDroppedItems()) // a group, which holds nothing but its members
+        setDrawerLabelUsingFrame(QStringLiteral(""), frame);
     _scratchBookmarkRoot->addChild(link);
     KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
     if (_scratchOutlineView)

@@ -97,10 +97,10 @@ void adoptSiteFolderOf(const KDRBookmarkPtr &item)
         KDRDrawerBundle::sharedInstance().adoptProvisionalBookmark(folder);
 }
 
-// What is put into a smart folder, or too deep down, would not be saved.
+// What is put into a smart folder or a group, or too deep down, would not be saved.
 bool takesNewItem(const WayfoldBookmarkFolderPtr &folder)
 {
-    return folder && folder->canBePersistent() && SavedDepth::hasRoom(*folder);
+    return folder && folder->canBePersistent() && folder->acceptsDroppedItems() && SavedDepth::hasRoom(*folder);
 }
 
 // A site that was left meanwhile was kept in the pop-up only by whoever held its folder here.
