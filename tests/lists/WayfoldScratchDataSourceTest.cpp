@@ -1,5 +1,6 @@
 #include "lists/WayfoldScratchDataSource.h"
 
+#include "core/ContactSource.h"
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "platform/base/NotificationCenter.h"
@@ -7,6 +8,7 @@
 #include "platform/files/PropertyList.h"
 #include "platform/widgets/Image.h"
 #include "tests/lists/ListStage.h"
+#include "tests/support/PythonScript.h"
 
 #include <QMessageBox>
 #include <QPushButton>
@@ -148,7 +150,9 @@ private Q_SLOTS:
     void editOfAPersonOpensTheCard();
     void editOfAGroupOpensTheCard();
     void groupShownAsASiteFollowsTheContacts();
+    void groupShownAsASiteTakesNothing();
     void contactsThatComeAndGo();
+    void contactsThatAreSwitchedOff();
     void buttonsForPeopleAndGroups();
     void keyOpensUnseenSmartFolders();
     void noChangesAfterDestruction();
@@ -990,6 +994,31 @@ void WayfoldScratchDataSourceTest::groupShownAsASiteFollowsTheContacts()
 }
 
 // The user may choose none in the preferences, and others again.
+// What would be put into it would be gone with its next change.
+void WayfoldScratchDataSourceTest::groupShownAsASiteTakesNothing()
+{
+    const auto friends = ListStage::group("Friends", {ListStage::person("Ann")});
+    _pad->showItems({friends});
+    _pad->show("Friends");
+    _pad->view.deselectAll();
+    for (const QToolButton *button :
+         {&_pad->newSubfolderButton, &_pad->newNoteButton, &_pad->newEmailButton, &_pad->newPersonButton})
+        QVERIFY2(!button->isEnabled(), qPrintable(button->toolTip()));
+    _pad->source->handleNewNoteRequest(nullptr);
+    QCOMPARE(_stage->dialogs.opened, 0);
+
+    // A page that is kept goes where it stays.
+    _pad->controller->setCurrentWebFrame(_pad->web->frame);
+    _pad->source->handleSaveCurrentURLRequest(nullptr);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 2U);
+    const KDRBookmarkPtr page = store().bookmarkRoot()->childAtIndex(1);
+    QCOMPARE(page->valueAsString(), QStringLiteral("http://news.example.com/story"));
+    QCOMPARE(_pad->source->currentDrawerLabel(), sites);
+    QVERIFY(_pad->view.selectedItem() == page);
+    QVERIFY(_stage->savedFile().contains("http://news.example.com/story"));
+    QCOMPARE(friends->childCount(), 1U);
+}
+
 void WayfoldScratchDataSourceTest::contactsThatComeAndGo()
 {
     const auto ann = ListStage::person("Ann");
@@ -1022,6 +1051,78 @@ void WayfoldScratchDataSourceTest::contactsThatComeAndGo()
     QCOMPARE(ListStage::rows(_pad->view), all);
     QCOMPARE(ann->tooltipText(), tip);
     QVERIFY(ann->matchesSubstring("ann"));
+}
+
+// The people of an item file stay in it while no contacts are shown, also over a restart, and have their names again
+// afterwards.
+void WayfoldScratchDataSourceTest::contactsThatAreSwitchedOff()
+{
+    const TemporaryHome &home = _stage->home;
+    home.write("cards/ann.vcf", ListStage::card("ann", "Ann", "Miller", "ann@a.org"));
+    home.write("cards/kettle.vcf",
+               "BEGIN:VCARD\nVERSION:4.0\nKIND:org\nUID:kettle\nFN:Kettle\nORG:Kettle\nEND:VCARD\n");
+    home.write("cards/friends.vcf",
+               "BEGIN:VCARD\nVERSION:4.0\nKIND:group\nUID:friends\nFN:Friends\nMEMBER:ann\nEND:VCARD\n");
+    ListStage::settings().setContactFolder(home.path("cards"));
+    ListStage::settings().setContactSource("folder");
+    ContactSource source;
+    QTRY_COMPARE(ContactStore::sharedAddressBook().state(), ContactStore::Ready);
+    const QString problem = runPython(home, R"(
+plistlib.dump({"WebBookmarkFileVersion": 1, "WebBookmarkType": "WebBookmarkTypeList", "WebBookmarkUUID": "root",
+    "Title": "", "Children": [
+        {"WebBookmarkType": "ABPerson", "WebBookmarkUUID": "one", "AddressBookID": "ann"},
+        {"WebBookmarkType": "WebBookmarkTypeList", "WebBookmarkUUID": "in", "Title": "inner", "Children": [
+            {"WebBookmarkType": "ABPerson", "WebBookmarkUUID": "kettle", "AddressBookID": "kettle"}]},
+        {"WebBookmarkType": "ABGroup", "WebBookmarkUUID": "friends", "AddressBookID": "friends"},
+        {"WebBookmarkType": "ABPerson", "WebBookmarkUUID": "x", "AddressBookID": "nobody"}]},
+    open("Library/Wayfold/Bookmarks.plist", "wb"))
+)");
+    QVERIFY2(problem.isNull(), qPrintable(problem));
+    const auto restart = [this] {
+        _pad.reset();
+        KDRDrawerBundle::releaseSharedInstance();
+        _pad.emplace(*_stage);
+    };
+    const auto rows = [this] {
+        for (const KDRBookmarkPtr &item : store().bookmarkRoot()->children())
+            _pad->view.expandItem(item);
+        return ListStage::rows(_pad->view).filter(QRegularExpression("^-?[A-Zi]\\w+( Miller)?$")); // no smart folders
+    };
+    const QString savedItems = R"(
+def items(folder):
+    return [(item["WebBookmarkType"], item["WebBookmarkUUID"], item.get("AddressBookID"), items(item))
+            for item in folder.get("Children", [])]
+found = items(plistlib.load(open("Library/Wayfold/Bookmarks.plist", "rb")))
+assert found == [("ABPerson", "one", "ann", []),
+                 ("WebBookmarkTypeList", "in", None, [("ABPerson", "kettle", "kettle", [])]),
+                 ("ABGroup", "friends", "friends", []), ("ABPerson", "x", "nobody", [])], found
+)";
+    const QStringList named = {"Ann Miller", "inner", "-Kettle", "Friends", "-Ann Miller", "Invalid"};
+    const QStringList nameless = {"Invalid", "inner", "-Invalid", "Invalid", "Invalid"};
+    restart();
+    QCOMPARE(rows(), named);
+
+    ListStage::settings().setContactSource("none");
+    source.followSettings();
+    settleNotifications();
+    QCOMPARE(rows(), nameless);
+    const auto saves = [&] {
+        _stage->removeSavedFile();
+        _pad->source->saveScratchBookmarkRoot();
+        return runPython(home, savedItems.toUtf8());
+    };
+    QCOMPARE(saves(), QString());
+    restart();
+    QCOMPARE(rows(), nameless);
+    QCOMPARE(saves(), QString());
+
+    ListStage::settings().setContactSource("folder");
+    source.followSettings();
+    QTRY_COMPARE(ContactStore::sharedAddressBook().state(), ContactStore::Ready);
+    QTRY_COMPARE(rows(), named);
+    QCOMPARE(saves(), QString());
+    restart();
+    QCOMPARE(rows(), named);
 }
 
 void WayfoldScratchDataSourceTest::buttonsForPeopleAndGroups()
