@@ -2,11 +2,12 @@
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <utility>
 
 namespace
 {
-// Bytes of a line up to which a fold may stand before its value.
-constexpr qsizetype maximumHead = 4096;
+// Bytes of a line that begins or ends a card, with blanks around it.
+constexpr qsizetype longestMark = 200;
 
 // Without marks of its encoding, and without what no C string can hold.
 QByteArray plainText(const QByteArray &text)
@@ -18,14 +19,30 @@ QByteArray plainText(const QByteArray &text)
     return plain.contains('\0') ? plain.replace('\0', QByteArray()) : plain;
 }
 
+bool isMark(QByteArrayView line, QByteArrayView mark)
+{
+    return line.size() <= longestMark && line.trimmed().compare(mark, Qt::CaseInsensitive) == 0;
+}
+
 bool isBeginning(QByteArrayView line)
 {
-    return line.trimmed().compare("BEGIN:VCARD", Qt::CaseInsensitive) == 0;
+    return isMark(line, "BEGIN:VCARD");
 }
 
 bool isEnd(QByteArrayView line)
 {
-    return line.trimmed().compare("END:VCARD", Qt::CaseInsensitive) == 0;
+    return isMark(line, "END:VCARD");
+}
+
+// Whether the head of a line ends in this part of it.
+bool endsHead(QByteArrayView part, bool &isQuoted)
+{
+    for (const char sign : part) {
+        if (sign == ':' && !isQuoted)
+            return true;
+        isQuoted = isQuoted != (sign == '"');
+    }
+    return false;
 }
 
 bool isAscii(QByteArrayView text)
@@ -60,41 +77,61 @@ CardText::CardText(const QByteArray &text) : _text(plainText(text)) {}
 
 std::optional<CardText::Card> CardText::next()
 {
-    Card card;
-    qsizetype room = maximumOtherLines;
-    bool isInside = false;
-    bool isAgent = false;
-    while (_at < _text.size()) {
-        const Line source = logicalLine();
-        if (isBeginning(source.text)) {
-            if (isAgent) {
-                skipInnerCard();
-                continue;
-            }
-            card = {source.raw.toByteArray(), {}};
-            room = maximumOtherLines;
-            isInside = true;
-            continue;
-        }
-        if (!isInside)
-            continue;
-        if (isEnd(source.text)) {
-            card.text += source.raw;
-            return card;
-        }
-        CardLine line = lineInUtf8(source.text);
-        isAgent = line.name == "AGENT" && line.value.trimmed().isEmpty();
-        if (line.name.isEmpty() || isAgent)
-            continue;
-        qsizetype bulk = maximumBulkyLine;
-        qsizetype &left = isBulky(line) ? bulk : room;
-        if (source.raw.size() > left)
-            continue;
-        left -= source.raw.size();
-        card.text += source.raw.isValidUtf8() ? source.raw.toByteArray() : line.strictText() + "\r\n";
-        card.lines.push_back(std::move(line));
+    return next(_text.size());
+}
+
+std::optional<CardText::Card> CardText::next(qsizetype mostBytes)
+{
+    const qsizetype start = _at;
+    while (!isAtEnd() && _at - start < mostBytes) {
+        if (takeLine())
+            return std::exchange(_card, {});
     }
     return std::nullopt;
+}
+
+void CardText::setPosition(qsizetype position)
+{
+    _at = qBound(qsizetype(0), position, _text.size());
+    _place = Outside;
+}
+
+// True when a card ends with it.
+bool CardText::takeLine()
+{
+    const qsizetype start = _at;
+    const Line source = logicalLine();
+    if (_place == InnerCard) {
+        _place = isEnd(source.text) ? Inside : InnerCard;
+    } else if (_place == BehindAgent && isBeginning(source.text)) {
+        _place = InnerCard;
+    } else if (isBeginning(source.text)) {
+        _card = {start, source.raw.toByteArray(), {}};
+        _room = maximumOtherLines;
+        _place = Inside;
+    } else if (_place != Outside && isEnd(source.text)) {
+        _card.text += source.raw;
+        _place = Outside;
+        return true;
+    } else if (_place != Outside) {
+        takeLineOfCard(source);
+    }
+    return false;
+}
+
+void CardText::takeLineOfCard(const Line &source)
+{
+    CardLine line = lineInUtf8(source.text);
+    // A card in a card of version 2.1 is that of somebody's secretary.
+    const bool isAgent = line.name == "AGENT" && line.value.trimmed().isEmpty();
+    _place = isAgent ? BehindAgent : Inside;
+    qsizetype bulk = maximumBulkyLine;
+    qsizetype &left = isBulky(line) ? bulk : _room;
+    if (line.name.isEmpty() || isAgent || source.raw.size() > left)
+        return;
+    left -= source.raw.size();
+    _card.text += source.raw.isValidUtf8() ? source.raw.toByteArray() : line.strictText() + "\r\n";
+    _card.lines.push_back(std::move(line));
 }
 
 QByteArrayView CardText::physicalLine()
@@ -112,10 +149,16 @@ CardText::Line CardText::logicalLine()
 {
     const qsizetype start = _at;
     QByteArray line = physicalLine().toByteArray();
-    CardLine::Encoding encoding = CardLine::fromText(line).encoding();
-    while (_at < _text.size() && continues(encoding, line)) {
-        if (encoding == CardLine::Plain && line.size() <= maximumHead)
+    bool isQuoted = false;
+    bool isHeadOver = endsHead(line, isQuoted);
+    CardLine::Encoding encoding = isHeadOver ? CardLine::fromText(line).encoding() : CardLine::Plain;
+    qsizetype before = line.size();
+    while (!isAtEnd() && continues(encoding, line)) {
+        if (!isHeadOver && endsHead(QByteArrayView(line).sliced(before), isQuoted)) {
+            isHeadOver = true;
             encoding = CardLine::fromText(line).encoding();
+        }
+        before = line.size();
     }
     return {QByteArrayView(_text).sliced(start, _at - start), line};
 }
@@ -141,13 +184,4 @@ bool CardText::continues(CardLine::Encoding encoding, QByteArray &line)
         return false;
     }
     return true;
-}
-
-// A card in a card of version 2.1 is that of somebody's secretary.
-void CardText::skipInnerCard()
-{
-    while (_at < _text.size()) {
-        if (isEnd(logicalLine().text))
-            return;
-    }
 }

@@ -16,6 +16,7 @@ public:
 
     struct Card
     {
+        qsizetype start = 0;         // of its first line
         QByteArray text;             // as it stands, with its line ends, but in UTF-8 and without what was left out
         std::vector<CardLine> lines; // those between its first and its last, in UTF-8
     };
@@ -23,9 +24,12 @@ public:
     explicit CardText(const QByteArray &text);
     // The next card, none when there are no more. One without an end is none; neither is one within another.
     std::optional<Card> next();
-    // How many bytes have been gone through; where the next card begins, or something before it.
-    qsizetype position() const { return _at; }
-    void setPosition(qsizetype position) { _at = qBound(qsizetype(0), position, _text.size()); }
+    // The same, but goes through no more than so many bytes and the line that they end in; where there is more, the
+    // next call goes on.
+    std::optional<Card> next(qsizetype mostBytes);
+    bool isAtEnd() const { return _at >= _text.size(); }
+    // Goes to where a card starts.
+    void setPosition(qsizetype position);
 
 private:
     struct Line
@@ -34,11 +38,23 @@ private:
         QByteArray text;
     };
 
+    // Where in a text the next line stands.
+    enum Place {
+        Outside, // of all cards
+        Inside,
+        BehindAgent, // in a card, where another may begin that is not looked at
+        InnerCard,
+    };
+
+    bool takeLine();
+    void takeLineOfCard(const Line &source);
     QByteArrayView physicalLine();
     Line logicalLine();
     bool continues(CardLine::Encoding encoding, QByteArray &line);
-    void skipInnerCard();
 
     QByteArray _text;
     qsizetype _at = 0;
+    Place _place = Outside;
+    Card _card;          // that is being read
+    qsizetype _room = 0; // for its other lines
 };

@@ -25,6 +25,8 @@ constexpr int checkInterval = 3000;
 constexpr int longestCheckInterval = 30'000;
 constexpr int checksShare = 200; // of all time about one part in so many is spent on checks that nobody asked for
 
+constexpr qsizetype bytesAtOnce = 32'768; // of a file in which no card ends
+
 const QString ownCardFile = QStringLiteral("me.vcf");
 constexpr qsizetype longestName = 100; // of a file that is made here
 
@@ -294,10 +296,10 @@ void ContactFolder::startReading(const CardFolderWalk::File &file)
 void ContactFolder::readNextCard()
 {
     const QString &path = _reading->file.path;
-    const qsizetype start = _reading->text.position();
-    const std::optional<CardText::Card> text = _reading->text.next();
+    const std::optional<CardText::Card> text = _reading->text.next(bytesAtOnce);
     if (!text) {
-        finishReading();
+        if (_reading->text.isAtEnd())
+            finishReading();
         return;
     }
     const std::optional<ContactCards::Card> card = ContactCards::read(*text);
@@ -309,7 +311,7 @@ void ContactFolder::readNextCard()
     if (_reading->identifiers.contains(record->uniqueId))
         return;
     _reading->identifiers.insert(record->uniqueId);
-    _reading->cards.push_back({record->uniqueId, start});
+    _reading->cards.push_back({record->uniqueId, text->start});
     enter(path, record);
 }
 

@@ -148,6 +148,8 @@ private Q_SLOTS:
     void keepsTheRestOfADamagedCard();
     void cutsWhatIsEndless_data();
     void cutsWhatIsEndless();
+    void isReadTheSameInSlices();
+    void longTextWithoutCardsEndsInSlices();
     void valuesAreBounded();
     void partsAreBounded();
     void textsAreBounded();
@@ -845,6 +847,10 @@ void ContactCardsTest::cutsWhatIsEndless_data()
     QTest::newRow("an open quote") << "TEL;X=\"" + QByteArray(10 * million, ':');
     QTest::newRow("lines") << QByteArray("NOTE:x\r\n").repeated(million);
     QTest::newRow("folds") << "NOTE:x" + QByteArray("\r\n x").repeated(million);
+    QTest::newRow("folds of blanks") << QByteArray("\r\n  ").repeated(million);
+    QTest::newRow("folds of blanks behind a value") << "NOTE:x" + QByteArray("\r\n  ").repeated(million);
+    QTest::newRow("heads of folds") << ("x" + QByteArray("\r\n x").repeated(5000) + "\r\n").repeated(200);
+    QTest::newRow("quoted heads of folds") << ("x;y=\"" + QByteArray("\r\n :").repeated(5000) + "\r\n").repeated(200);
     QTest::newRow("soft ends") << "TEL;ENCODING=QUOTED-PRINTABLE:" + QByteArray("=\r\n").repeated(million) + "\r\n";
     QTest::newRow("a picture") << "PHOTO;ENCODING=b:" + QByteArray(10 * million, 'x');
     QTest::newRow("lines of a picture") << "PHOTO;ENCODING=b:" + QByteArray("\r\nxxxxxxxx").repeated(million) + "\r\n";
@@ -868,6 +874,42 @@ void ContactCardsTest::cutsWhatIsEndless()
     QVERIFY(shown(cards.front().record).startsWith("person - | Ann | Miller | - | - | -"));
     QVERIFY(cards.front().text.size() <= CardText::maximumBulkyLine + CardText::maximumOtherLines + 1000);
     QVERIFY(cards.front().text.contains("SGVsbG8="));
+}
+
+void ContactCardsTest::isReadTheSameInSlices()
+{
+    for (const QString &name : sampleNames()) {
+        CardText whole(sample(name));
+        CardText sliced(sample(name));
+        while (!sliced.isAtEnd()) {
+            const std::optional<CardText::Card> card = sliced.next(1);
+            if (!card)
+                continue;
+            const std::optional<CardText::Card> same = whole.next();
+            QVERIFY(same);
+            QCOMPARE(card->text, same->text);
+            QCOMPARE(card->start, same->start);
+            QCOMPARE(card->lines.size(), same->lines.size());
+            CardText again(sample(name));
+            again.next(1);
+            again.setPosition(card->start);
+            QCOMPARE(again.next()->text, card->text);
+        }
+        QVERIFY(!whole.next());
+    }
+}
+
+void ContactCardsTest::longTextWithoutCardsEndsInSlices()
+{
+    const QByteArray line = "what is this\r\n";
+    CardText text("BEGIN:VCARD\r\n" + line.repeated(1000) + card("FN:Ann"));
+    int slices = 0;
+    std::optional<CardText::Card> ann;
+    for (; !ann && !text.isAtEnd(); ++slices)
+        ann = text.next(10 * line.size());
+    QVERIFY(ann && ann->text.contains("Ann"));
+    QCOMPARE(ann->start, 1000 * line.size() + qsizetype(strlen("BEGIN:VCARD\r\n")));
+    QVERIFY2(slices >= 100, qPrintable(QString::number(slices)));
 }
 
 void ContactCardsTest::valuesAreBounded()

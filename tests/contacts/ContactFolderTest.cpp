@@ -133,6 +133,7 @@ private Q_SLOTS:
     void brokenFileKeepsItsCards();
     void tooLargeFileIsSkipped();
     void largeFileIsReadInSlices();
+    void largeFileOfNoCardsIsReadInSlices();
     void changeInPlaceIsSeen();
     void changeOfOneFileReadsNoOther();
     void touchedFileIsToldAndKept();
@@ -464,6 +465,19 @@ void ContactFolderTest::largeFileIsReadInSlices()
     QCOMPARE(_folder->people().size(), std::size_t(5000));
     QVERIFY2(sizes.size() > 5, qPrintable(QString::number(sizes.size())));
     QVERIFY(steps > 5);
+}
+
+void ContactFolderTest::largeFileOfNoCardsIsReadInSlices()
+{
+    write("junk.vcf", "BEGIN:VCARD\r\n" + QByteArray("what is this\r\n").repeated(1'000'000));
+    _folder = std::make_unique<ContactFolder>(path(""));
+    int passes = 0;
+    QTimer ticks;
+    connect(&ticks, &QTimer::timeout, this, [&] { ++passes; });
+    ticks.start(0);
+    QTRY_COMPARE_WITH_TIMEOUT(_folder->state(), ContactStore::Ready, patience);
+    QVERIFY2(passes > 20, qPrintable(QString::number(passes)));
+    QVERIFY(_folder->people().empty());
 }
 
 void ContactFolderTest::changeInPlaceIsSeen()
