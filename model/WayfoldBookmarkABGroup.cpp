@@ -48,7 +48,7 @@ WayfoldBookmarkABGroupPtr WayfoldBookmarkABGroup::bookmarkFromDictionary(const Q
 void WayfoldBookmarkABGroup::init()
 {
     WayfoldAutoFolder::init();
-    _addressBookEntry.reset();
+    setEntry(nullptr);
     _groupsAround.clear();
 }
 
@@ -62,7 +62,7 @@ void WayfoldBookmarkABGroup::initWithID(const QString &addressBookID)
 void WayfoldBookmarkABGroup::initWithRecord(const WayfoldABEntryPtr &entry)
 {
     init();
-    _addressBookEntry = entry;
+    setEntry(entry);
     setUUID(entry ? entry->addressBookID() : QString());
 }
 
@@ -74,12 +74,19 @@ QString WayfoldBookmarkABGroup::title() const
 void WayfoldBookmarkABGroup::setValue(const QVariant &value)
 {
     if (!value.isValid() || value.metaType() == QMetaType::fromType<WayfoldABEntryPtr>())
-        _addressBookEntry = value.value<WayfoldABEntryPtr>();
+        setEntry(value.value<WayfoldABEntryPtr>());
 }
 
 void WayfoldBookmarkABGroup::setValueFromID(const QString &addressBookID)
 {
-    _addressBookEntry = WayfoldABEntry::AddressBookEntryFromPersonID(addressBookID);
+    setEntry(WayfoldABEntry::AddressBookEntryFromPersonID(addressBookID));
+}
+
+// The members were another's.
+void WayfoldBookmarkABGroup::setEntry(const WayfoldABEntryPtr &entry)
+{
+    _addressBookEntry = entry;
+    _filledGeneration = 0;
 }
 
 // The subgroups were filled with the rest, so they are not refreshed once more: twice at each level would double the
@@ -94,6 +101,10 @@ bool WayfoldBookmarkABGroup::refresh()
 void WayfoldBookmarkABGroup::fill(qsizetype &room)
 {
     const std::scoped_lock lock(_updateLock);
+    const quint64 generation = ContactStore::sharedAddressBook().generation();
+    if (generation != 0 && generation == _filledGeneration)
+        return;
+    _filledGeneration = generation;
     removeAllChildren();
     if (!_addressBookEntry)
         return;
@@ -215,7 +226,7 @@ void WayfoldBookmarkABGroup::encodeWithCoder(KeyedArchiver &coder) const
 void WayfoldBookmarkABGroup::initWithCoder(const KeyedUnarchiver &coder)
 {
     WayfoldAutoFolder::initWithCoder(coder);
-    _addressBookEntry = std::dynamic_pointer_cast<WayfoldABEntry>(coder.decodeObjectForKey(entryCoderKey));
+    setEntry(std::dynamic_pointer_cast<WayfoldABEntry>(coder.decodeObjectForKey(entryCoderKey)));
 }
 
 KDRBookmarkPtr WayfoldBookmarkABGroup::makeNew() const

@@ -39,7 +39,7 @@ public:
     void setValue(const QVariant &value) override;
     void setValueFromID(const QString &addressBookID);
     bool canBePersistent() const override { return true; }
-    // Looks the members up anew, sorted by title.
+    // Looks the members up anew, sorted by title; while the contacts are the same, they are.
     bool refresh() override;
     // By the title as it is now.
     bool matches(const TextSearch &search) const override;
@@ -65,12 +65,14 @@ protected:
     bool isSameKindAs(const KDRBookmark &other) const override;
 
 private:
+    void setEntry(const WayfoldABEntryPtr &entry);
     void fill(qsizetype &room);
     static KDRBookmarkPtr memberFor(const ContactRecordPtr &record, const QStringList &groupsAround, qsizetype &room);
     bool isWithinItself() const;
     void appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const;
 
     WayfoldABEntryPtr _addressBookEntry;
-    QStringList _groupsAround; // identifiers, of the groups in which this one is a member
+    quint64 _filledGeneration = 0; // of the contacts; 0: not filled
+    QStringList _groupsAround;     // identifiers, of the groups in which this one is a member
     std::mutex _updateLock;
 };

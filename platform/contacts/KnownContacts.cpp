@@ -139,7 +139,7 @@ void KnownContacts::refresh(const std::function<ContactRecordPtr(const QString &
 {
     for (auto known = _known.begin(); known != _known.end();) {
         const ContactRecordPtr record = now(known.key());
-        if (!record || !(*record == *known->record))
+        if (!record || (record != known->record && !(*record == *known->record)))
             changed();
         if (!record) {
             known = _known.erase(known);

@@ -61,6 +61,7 @@ private Q_SLOTS:
     void filledWhenLookedInto();
     void refreshIsNoLoading();
     void membersFollowTheContacts();
+    void membersStayWhileTheContactsDo();
     void cardThatComesLater();
     void deletedCard();
     void refreshedWithItsFolder();
@@ -286,6 +287,38 @@ void WayfoldBookmarkABGroupTest::membersFollowTheContacts()
     QVERIFY(friends->isEmpty());
 }
 
+// Every visited page refreshes the lists.
+void WayfoldBookmarkABGroupTest::membersStayWhileTheContactsDo()
+{
+    setPerson("ann");
+    setPerson("bob");
+    group("inner", {"bob"});
+    const WayfoldBookmarkABGroupPtr friends = group("friends", {"ann", "inner"});
+    friends->refresh();
+    const std::vector<KDRBookmarkPtr> members = friends->children();
+    const KDRBookmarkPtr bob = groupAt(*friends, 1)->childAtIndex(0);
+    friends->refresh();
+    friends->ensureUpToDate();
+    groupAt(*friends, 1)->ensureUpToDate();
+    QVERIFY(friends->children() == members);
+    QVERIFY(groupAt(*friends, 1)->childAtIndex(0) == bob);
+    setPerson("cy"); // whoever changes
+    friends->refresh();
+    QVERIFY(friends->childAtIndex(0) != members[0]);
+    // Nor when it stands for another card, or is looked up elsewhere.
+    friends->setValueFromID("inner");
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("inner(bob)"));
+    friends->setValue(group("none", {})->value());
+    friends->refresh();
+    QVERIFY(friends->isEmpty());
+    friends->setValueFromID("inner");
+    friends->refresh();
+    MemoryContacts others;
+    friends->refresh();
+    QCOMPARE(treeOf(*friends), QStringLiteral("Invalid()"));
+}
+
 void WayfoldBookmarkABGroupTest::cardThatComesLater()
 {
     const WayfoldBookmarkABGroupPtr friends = WayfoldBookmarkABGroup::bookmarkWithID("friends");
@@ -349,10 +382,13 @@ void WayfoldBookmarkABGroupTest::oneRefreshAtATime()
     std::atomic<int> askedThere = 0;
     int askedThereMeanwhile = 0;
     std::atomic<bool> startedThere = false;
+    bool isChanged = false;
     std::thread there;
     contacts.whenAsked = [&] {
         if (std::this_thread::get_id() != here) {
             ++askedThere;
+        } else if (!std::exchange(isChanged, true)) {
+            setPerson("ann"); // so that there is something to look up anew
         } else if (!there.joinable()) {
             there = std::thread([&] {
                 startedThere = true;
