@@ -105,41 +105,65 @@ void WayfoldBookmarkABGroup::fill(qsizetype &room)
     if (generation != 0 && generation == _filledGeneration)
         return;
     _filledGeneration = generation;
+    const QHash<QString, KDRBookmarkPtr> former = membersByCard();
     removeAllChildren();
     if (!_addressBookEntry)
         return;
     _addressBookEntry->refresh();
     if (isWithinItself())
         return;
-    const QStringList groupsAround = _groupsAround + QStringList(_addressBookEntry->addressBookID());
+    const QStringList around = _groupsAround + QStringList(_addressBookEntry->addressBookID());
     for (const ContactRecordPtr &record : _addressBookEntry->groupMembers()) {
-        if (const KDRBookmarkPtr member = memberFor(record, groupsAround, room))
+        if (const KDRBookmarkPtr member = memberFor(record, former.value(record->uniqueId), around, room))
             appendWithoutParent(member);
     }
     sortChildrenByTitle();
 }
 
-KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record, const QStringList &groupsAround,
-                                                 qsizetype &room)
+// Those that are this group's own: a copy's are its children.
+QHash<QString, KDRBookmarkPtr> WayfoldBookmarkABGroup::membersByCard() const
+{
+    QHash<QString, KDRBookmarkPtr> members;
+    for (const KDRBookmarkPtr &member : children()) {
+        const auto entry = member->value().value<WayfoldABEntryPtr>();
+        if (entry && !member->parent())
+            members.insert(entry->addressBookID(), member);
+    }
+    return members;
+}
+
+KDRBookmarkPtr WayfoldBookmarkABGroup::memberFor(const ContactRecordPtr &record, const KDRBookmarkPtr &former,
+                                                 const QStringList &around, qsizetype &room)
 {
     switch (WayfoldABEntry::EntryTypeFromAddressRecord(record)) {
     case WayfoldABEntry::Person:
     case WayfoldABEntry::Organization:
-        return WayfoldBookmarkABPerson::bookmarkWithID(record->uniqueId);
-    case WayfoldABEntry::Group: {
-        const WayfoldBookmarkABGroupPtr group = bookmarkWithID(record->uniqueId);
-        group->_groupsAround = groupsAround;
-        const qsizetype needed = std::max(record->members.size(), leastRoomOfAGroup);
-        if (needed > room)
-            return group;
-        room -= needed;
-        group->fill(room);
-        return group;
-    }
+        if (!former || former->type() != PersonType)
+            return WayfoldBookmarkABPerson::bookmarkWithID(record->uniqueId);
+        former->refresh();
+        return former;
+    case WayfoldABEntry::Group:
+        return groupFor(*record, former, around, room);
     case WayfoldABEntry::Unknown:
         break;
     }
     return nullptr;
+}
+
+KDRBookmarkPtr WayfoldBookmarkABGroup::groupFor(const ContactRecord &record, const KDRBookmarkPtr &former,
+                                                const QStringList &around, qsizetype &room)
+{
+    const qsizetype needed = std::max(record.members.size(), leastRoomOfAGroup);
+    const bool hasRoom = needed <= room;
+    const WayfoldBookmarkABGroupPtr known =
+        hasRoom ? std::dynamic_pointer_cast<WayfoldBookmarkABGroup>(former) : nullptr;
+    const WayfoldBookmarkABGroupPtr group = known ? known : bookmarkWithID(record.uniqueId);
+    group->_groupsAround = around;
+    if (!hasRoom)
+        return group;
+    room -= needed;
+    group->fill(room);
+    return group;
 }
 
 bool WayfoldBookmarkABGroup::isWithinItself() const

@@ -3,6 +3,7 @@
 #include "model/WayfoldABEntry.h"
 #include "model/WayfoldAutoFolder.h"
 
+#include <QHash>
 #include <QSet>
 #include <QStringList>
 #include <mutex>
@@ -39,7 +40,8 @@ public:
     void setValue(const QVariant &value) override;
     void setValueFromID(const QString &addressBookID);
     bool canBePersistent() const override { return true; }
-    // Looks the members up anew, sorted by title; while the contacts are the same, they are.
+    // Looks the members up anew, sorted by title. The items of those that were there stay, and while the contacts are
+    // the same all is as it was.
     bool refresh() override;
     // By the title as it is now.
     bool matches(const TextSearch &search) const override;
@@ -67,7 +69,12 @@ protected:
 private:
     void setEntry(const WayfoldABEntryPtr &entry);
     void fill(qsizetype &room);
-    static KDRBookmarkPtr memberFor(const ContactRecordPtr &record, const QStringList &groupsAround, qsizetype &room);
+    // The item for a card among the members of the last of these groups: the former one where that can stay.
+    static KDRBookmarkPtr memberFor(const ContactRecordPtr &record, const KDRBookmarkPtr &former,
+                                    const QStringList &around, qsizetype &room);
+    static KDRBookmarkPtr groupFor(const ContactRecord &record, const KDRBookmarkPtr &former, const QStringList &around,
+                                   qsizetype &room);
+    QHash<QString, KDRBookmarkPtr> membersByCard() const;
     bool isWithinItself() const;
     void appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const;
 
