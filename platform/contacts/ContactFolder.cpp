@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,6 +30,7 @@ constexpr qsizetype bytesAtOnce = 32'768; // of a file in which no card ends
 
 const QString ownCardFile = QStringLiteral("me.vcf");
 constexpr qsizetype longestName = 100; // of a file that is made here
+constexpr int mostLooks = 10'000;      // for a first card, at names and folders
 
 // Null when the file cannot be read. What is no plain file is not waited for; `errno` tells why.
 QByteArray contentsOf(const QString &path)
@@ -56,7 +58,7 @@ QString dataFolder()
 bool holdsACard(const QString &folder)
 {
     CardFolderWalk walk(folder);
-    while (!walk.isOver()) {
+    for (int looks = 0; !walk.isOver() && looks < mostLooks; ++looks) {
         walk.step();
         if (walk.file())
             return true;
@@ -92,6 +94,15 @@ QString identifierByFile(const QString &path, int number)
     return number == 1 ? path : path + u'#' + QString::number(number);
 }
 
+// Whether the system tells what changes. Otherwise Qt would list the folders again and again.
+bool canWatch()
+{
+    const int descriptor = ::inotify_init1(IN_CLOEXEC);
+    if (descriptor >= 0)
+        ::close(descriptor);
+    return descriptor >= 0;
+}
+
 bool isNamedByFile(const ContactRecord &record, const QString &path)
 {
     return record.uniqueId == path || record.uniqueId.startsWith(path + u'#');
@@ -108,7 +119,11 @@ ContactFolder::ContactFolder(const QString &folder) : _folder(Paths::standardize
     onTimeout(_slice, 0, [this] { work(); });
     onTimeout(_soon, settlingTime, [this] { check(); });
     onTimeout(_later, checkInterval, [this] { check(); });
-    QObject::connect(&_watcher, &QFileSystemWatcher::directoryChanged, &_watcher, [this] { checkSoon(); });
+    if (canWatch()) {
+        _watcher = std::make_unique<QFileSystemWatcher>();
+        QObject::connect(_watcher.get(), &QFileSystemWatcher::directoryChanged, _watcher.get(),
+                         [this] { checkSoon(); });
+    }
     check();
 }
 
@@ -154,7 +169,7 @@ ContactStore::Opening ContactFolder::opening(const ContactRecord &record, Purpos
 bool ContactFolder::canAdd() const
 {
     const QByteArray place = QFile::encodeName(absolute(_folderForNewCards));
-    return hasFolder() && ::faccessat(AT_FDCWD, place.constData(), W_OK, AT_EACCESS) == 0;
+    return _isRead && hasFolder() && ::faccessat(AT_FDCWD, place.constData(), W_OK, AT_EACCESS) == 0;
 }
 
 void ContactFolder::add(const QByteArray &vCard, const std::function<void(const QString &uniqueId)> &done)
@@ -421,7 +436,7 @@ QString ContactFolder::pathForNewCard(const QString &uniqueId) const
     const QString name = _folderForNewCards + fileNameFor(uniqueId);
     const auto isTaken = [this](const QString &path) {
         const QFileInfo file(absolute(path));
-        return file.exists() || file.isSymLink();
+        return path == ownCardFile || file.exists() || file.isSymLink();
     };
     const QString path = name + QLatin1String(".vcf");
     return isTaken(path) ? name + u'-' + QUuid::createUuid().toString(QUuid::WithoutBraces) + QLatin1String(".vcf")
@@ -460,6 +475,8 @@ QByteArray ContactFolder::textOf(const ContactRecord &record) const
 // Of a folder that is not there, the next one above it that is.
 void ContactFolder::watchFolders()
 {
+    if (!_watcher)
+        return;
     QHash<QString, quint64> wanted;
     for (auto folder = _folders.cbegin(); folder != _folders.cend(); ++folder)
         wanted.insert(folder.key().isEmpty() ? _folder : absolute(folder.key()), folder->inode);
@@ -472,15 +489,15 @@ void ContactFolder::watchFolders()
         }
         wanted.insert(above.isEmpty() ? QStringLiteral("/") : above, stamp ? stamp->inode : 0);
     }
-    QStringList present = _watcher.directories();
+    QStringList present = _watcher->directories();
     for (const QString &path : std::as_const(present)) {
         if (!wanted.contains(path) || wanted.value(path) != _watched.value(path))
-            _watcher.removePath(path);
+            _watcher->removePath(path);
     }
     _watched = wanted;
-    present = _watcher.directories();
+    present = _watcher->directories();
     for (const QString &path : std::as_const(present))
         wanted.remove(path);
     if (!wanted.isEmpty())
-        _watcher.addPaths(wanted.keys());
+        _watcher->addPaths(wanted.keys());
 }

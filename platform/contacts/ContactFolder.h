@@ -23,7 +23,8 @@ public:
     // A tilde is expanded.
     explicit ContactFolder(const QString &folder);
 
-    // The first of `~/.contacts` and `$XDG_DATA_HOME/contacts` that holds a card; null when none does.
+    // The first of `~/.contacts` and `$XDG_DATA_HOME/contacts` that holds a card; null when none does. In a folder of
+    // very many other files a card may be overlooked.
     static QString defaultFolder();
 
     QString folder() const { return _folder; }
@@ -35,6 +36,7 @@ public:
     QByteArray vCardRepresentation(const ContactRecord &record) const override;
     // The card's file, for whatever purpose.
     Opening opening(const ContactRecord &record, Purpose purpose) const override;
+    // Not before it is known which cards there are.
     bool canAdd() const override;
     // Writes a file of its own for the first card in the text: into the folder, or, when that holds cards in folders of
     // their own alone, into the first of these. A card whose identifier is there already is left as it is.
@@ -109,8 +111,8 @@ private:
     bool _mustCheckAgain = false;
     QString _folderForNewCards; // in the folder: empty, or with a slash at its end
 
-    QFileSystemWatcher _watcher;
-    QHash<QString, quint64> _watched; // inodes by paths
+    std::unique_ptr<QFileSystemWatcher> _watcher; // none: the system tells nothing
+    QHash<QString, quint64> _watched;             // inodes by paths
     QTimer _slice;
     mutable QTimer _soon;
     QTimer _later;

@@ -78,7 +78,12 @@ ContactRecordPtr ContactStore::recordForUniqueId(const QString &uniqueId) const
         return record;
     if (const QString address = mailAddressOf(uniqueId); !address.isEmpty())
         return recordForAddress(uniqueId, address);
-    return _known && state() == Loading ? _known->record(uniqueId) : nullptr;
+    return knownRecord(uniqueId);
+}
+
+ContactRecordPtr ContactStore::knownRecord(const QString &uniqueId) const
+{
+    return _known && mayLackCards() ? _known->record(uniqueId) : nullptr;
 }
 
 std::vector<ContactRecordPtr> ContactStore::recordsContainingSubstring(const QString &text) const
@@ -189,8 +194,12 @@ void ContactStore::clear()
 void ContactStore::tellChange(bool here)
 {
     _generation = nextGeneration();
-    if (_known && state() == Ready)
-        _known->refresh([this](const QString &uniqueId) { return _index.record(uniqueId); });
+    if (_known && state() == Ready) {
+        _known->refresh([this](const QString &uniqueId) {
+            const ContactRecordPtr record = _index.record(uniqueId);
+            return record ? record : knownRecord(uniqueId);
+        });
+    }
     if (here || !isReading())
         postChange(here);
     else if (!_notice.isActive())

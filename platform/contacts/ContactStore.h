@@ -45,8 +45,8 @@ public:
     // Not owned; null for the empty one. Told as a change from outside.
     static void setSharedAddressBook(ContactStore *store);
 
-    // Keeps the cards that are asked for in this file, and answers from it while the store is loading: what is not
-    // there yet is shown as it was last known. See KnownContacts.
+    // Keeps the cards that are asked for in this file, and answers from it while not all have come: what is not there
+    // yet is shown as it was last known. See KnownContacts.
     void rememberIn(const QString &path);
 
     virtual State state() const { return Absent; }
@@ -54,7 +54,7 @@ public:
     // one after a change.
     quint64 generation() const { return _generation; }
 
-    // None: there is no such card. While the store is loading, the card may be the one that was there the last time.
+    // None: there is no such card. While not all cards have come, it may be the one that was there the last time.
     ContactRecordPtr recordForUniqueId(const QString &uniqueId) const;
     // The people and organizations of whom first name, last name, organization, home page or an e-mail address contains
     // the text, as StringRules::containsIgnoringCase has it, in the store's order.
@@ -95,11 +95,15 @@ protected:
     void tellChange(bool here);
     // Whether many changes may be on their way, one soon after the other.
     virtual bool isReading() const { return state() == Loading; }
+    // Whether there may be cards that have not come: not yet, or because they cannot be had. They are answered as they
+    // were last known.
+    virtual bool mayLackCards() const { return state() == Loading; }
     const ContactIndex &index() const { return _index; }
 
 private:
     std::vector<ContactRecordPtr> membersThatAreGroups(const ContactRecord &group, bool areGroups) const;
     void postChange(bool here);
+    ContactRecordPtr knownRecord(const QString &uniqueId) const;
 
     ContactIndex _index;
     std::unique_ptr<KnownContacts> _known; // none: nothing is kept

@@ -280,9 +280,10 @@ void DesktopAddressBooks::update()
         const bool isOtherFirst = b->identifier() == firstIdentifier;
         return isFirst == isOtherFirst ? a->identifier() < b->identifier() : isFirst;
     });
-    const bool isSame = _areKnown && books == _books;
+    const bool isSame = _haveCome && books == _books;
     _books = std::move(books);
     _areKnown = true;
+    _haveCome = true;
     if (!isSame)
         Q_EMIT changed();
 }

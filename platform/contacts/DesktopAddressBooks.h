@@ -25,6 +25,8 @@ public:
     bool isServiceThere() const { return _isThere; }
     // Whether the service has said which books there are, or failed to.
     bool areKnown() const { return _areKnown; }
+    // Whether the service has said so at least once.
+    bool haveCome() const { return _haveCome; }
     // The default one first, then by their identifiers.
     const std::vector<std::shared_ptr<DesktopAddressBook>> &books() const { return _books; }
 
@@ -50,4 +52,5 @@ private:
     QTimer _update;
     bool _isThere = true;
     bool _areKnown = false;
+    bool _haveCome = false;
 };

@@ -32,6 +32,7 @@ struct DesktopContacts::Shelf
     int round = 0;         // of the cards that have come since the book began last
     bool isLoading = true; // more is to come
     bool hasEnded = false; // once at least
+    bool hasCome = false;  // whole, once at least
 };
 
 struct DesktopContacts::Step
@@ -219,6 +220,7 @@ void DesktopContacts::takeEnd(const Step &step)
     Shelf &shelf = *step.shelf;
     const bool isFirst = std::exchange(shelf.isLoading, false); // services say it again after later changes
     shelf.hasEnded = true;
+    shelf.hasCome = shelf.hasCome || step.isWhole;
     if (isFirst && step.isWhole) { // what was there before, and has not come again, was removed meanwhile
         for (auto one = shelf.cards.cbegin(); one != shelf.cards.cend(); ++one) {
             if (one->round != shelf.round)
@@ -260,6 +262,12 @@ bool DesktopContacts::isReading() const
 {
     return !_steps->empty() ||
            std::any_of(_shelves.cbegin(), _shelves.cend(), [](const ShelfPtr &shelf) { return shelf->isLoading; });
+}
+
+bool DesktopContacts::mayLackCards() const
+{
+    return !_books->haveCome() ||
+           std::any_of(_shelves.cbegin(), _shelves.cend(), [](const ShelfPtr &shelf) { return !shelf->hasCome; });
 }
 
 void DesktopContacts::tellState()

@@ -57,6 +57,7 @@ private:
 
     void settle();
     bool isReading() const override;
+    bool mayLackCards() const override;
     void tellState();
 
     std::shared_ptr<Adding> addingOf(const QString &uniqueId) const;

@@ -19,6 +19,7 @@ void FetchedCards::forget(const QString &uniqueId)
     _underWay.remove(uniqueId);
     if (_isWaiting.remove(uniqueId))
         _waiting.removeOne(uniqueId);
+    fetchNext(); // whoever was to answer may be gone
 }
 
 void FetchedCards::fetchNext()

@@ -12,7 +12,7 @@
 
 namespace
 {
-constexpr int writeDelay = 2000;                // milliseconds
+constexpr int writeDelay = 2000;                        // milliseconds
 constexpr qint64 largestFile = qint64(8) * 1024 * 1024; // bytes
 const QString recordsKey = QStringLiteral("Records");
 

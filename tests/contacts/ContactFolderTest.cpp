@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QTest>
 #include <QUuid>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -115,6 +116,7 @@ protected:
 private Q_SLOTS:
     void defaultFolderIsTheFirstWithCards_data();
     void defaultFolderIsTheFirstWithCards();
+    void defaultFolderIsNotSearchedForEver();
     void stateWhileThereIsNoFolder();
     void folderThatComesLater();
     void folderMayStartAtTheHome();
@@ -135,6 +137,7 @@ private Q_SLOTS:
     void largeFileIsReadInSlices();
     void largeFileOfNoCardsIsReadInSlices();
     void changeInPlaceIsSeen();
+    void changesAreSeenWhereTheSystemTellsNone();
     void changeOfOneFileReadsNoOther();
     void touchedFileIsToldAndKept();
     void renamedFileKeepsItsCard();
@@ -157,6 +160,8 @@ private Q_SLOTS:
     void addedCardWithOddIdentifier_data();
     void addedCardWithOddIdentifier();
     void addedCardTakesNoOthersFile();
+    void addedCardDoesNotBecomeTheOwnOne();
+    void nothingIsAddedBeforeAllIsRead();
     void addedCardThatIsThereIsLeftAlone();
     void cardThatWasRemovedCanBeAddedAtOnce();
     void addedCardsComeToTheOthers();
@@ -241,6 +246,18 @@ void ContactFolderTest::defaultFolderIsTheFirstWithCards()
     qputenv("XDG_DATA_HOME", before);
     QCOMPARE(answer, folder.isNull() ? QString() : _home->path(folder));
     QCOMPARE(answer.isNull(), folder.isNull());
+}
+
+// A folder's own files are looked at before those of the folders in it.
+void ContactFolderTest::defaultFolderIsNotSearchedForEver()
+{
+    _home->write(".contacts/inner/a.vcf", personCard("a", "Ada"));
+    for (int i = 0; i < 9000; ++i)
+        _home->write(".contacts/" + QString::number(i), "");
+    QCOMPARE(ContactFolder::defaultFolder(), _home->path(".contacts"));
+    for (int i = 9000; i < 10'001; ++i)
+        _home->write(".contacts/" + QString::number(i), "");
+    QVERIFY(ContactFolder::defaultFolder().isNull());
 }
 
 void ContactFolderTest::stateWhileThereIsNoFolder()
@@ -489,6 +506,42 @@ void ContactFolderTest::changeInPlaceIsSeen()
     file.write(personCard("a", "Eva")); // as long as before
     file.close();
     QVERIFY(awaitNames({"Eva"}));
+}
+
+// Counts what Qt does to find changes by itself.
+class PollingCounter : public QObject
+{
+public:
+    PollingCounter() { QCoreApplication::instance()->installEventFilter(this); }
+    int count() const { return _count; }
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        const QObject *owner = object->parent();
+        const bool isOwn = owner && QByteArray(owner->metaObject()->className()).contains("PollingFileSystem");
+        _count += isOwn && event->type() == QEvent::Timer ? 1 : 0;
+        return false;
+    }
+
+private:
+    int _count = 0;
+};
+
+void ContactFolderTest::changesAreSeenWhereTheSystemTellsNone()
+{
+    const PollingCounter polling;
+    write("a.vcf", personCard("a", "Ada"));
+    rlimit files;
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &files), 0);
+    const rlimit none = {3, files.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    _folder = std::make_unique<ContactFolder>(path(""));
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &files), 0);
+    QVERIFY(awaitNames({"Ada"}));
+    write("b.vcf", personCard("b", "Bob"));
+    QVERIFY(awaitNames({"Ada", "Bob"}));
+    QVERIFY(QFile::remove(path("a.vcf")));
+    QVERIFY(awaitNames({"Bob"}));
+    QCOMPARE(polling.count(), 0);
 }
 
 void ContactFolderTest::changeOfOneFileReadsNoOther()
@@ -765,6 +818,31 @@ void ContactFolderTest::addedCardTakesNoOthersFile()
     for (const QString &id : std::as_const(ids))
         QCOMPARE(_folder->recordForUniqueId(id)->firstName, id);
     QVERIFY(_folder->recordForUniqueId("other"));
+}
+
+void ContactFolderTest::addedCardDoesNotBecomeTheOwnOne()
+{
+    ready();
+    QString id;
+    _folder->add(personCard("me", "Foreign"), [&](const QString &added) { id = added; });
+    QCOMPARE(id, QString("me"));
+    QVERIFY(!_folder->me());
+    ready();
+    QVERIFY(_folder->recordForUniqueId("me"));
+    QVERIFY(!_folder->me());
+}
+
+// It might be there already.
+void ContactFolderTest::nothingIsAddedBeforeAllIsRead()
+{
+    write("a.vcf", personCard("id", "Ada"));
+    _folder = std::make_unique<ContactFolder>(path(""));
+    QVERIFY(!_folder->canAdd());
+    QString id = "not called";
+    _folder->add(personCard("id", "Ada"), [&](const QString &added) { id = added; });
+    QVERIFY(id.isNull());
+    QTRY_VERIFY_WITH_TIMEOUT(_folder->canAdd(), patience);
+    QCOMPARE(names(), QStringList{"Ada"});
 }
 
 void ContactFolderTest::addedCardThatIsThereIsLeftAlone()

@@ -14,10 +14,15 @@ namespace
 class OpenContacts : public MemoryContacts
 {
 public:
+    bool lacksCards = false;
+
     using ContactStore::clear;
     using ContactStore::put;
     using ContactStore::remove;
     using ContactStore::tellChange;
+
+protected:
+    bool mayLackCards() const override { return lacksCards || MemoryContacts::mayLackCards(); }
 };
 
 ContactRecordPtr shared(const ContactRecord &record)
@@ -66,6 +71,7 @@ private Q_SLOTS:
     void knownGroupIsShownWithItsMembers();
     void knownCardIsNotShownOtherwise_data();
     void knownCardIsNotShownOtherwise();
+    void knownCardIsShownWhereCardsCannotBeHad();
     void knownCardIsNotSearched();
     void cardThatCameCountsMoreThanTheKnownOne();
     void removedCardIsForgotten();
@@ -414,6 +420,28 @@ void ContactStoreTest::knownCardIsNotShownOtherwise()
     QVERIFY(!_store->recordForUniqueId("a"));
     _store->presentState = ContactStore::Loading;
     QVERIFY(_store->recordForUniqueId("a"));
+}
+
+// As those of an address book that is out of reach, in contacts of which all others have come.
+void ContactStoreTest::knownCardIsShownWhereCardsCannotBeHad()
+{
+    _store->rememberIn(knownFile());
+    for (const char *id : {"a", "b"})
+        _store->set(MemoryContacts::person(id, "Ada", "Lovelace"));
+    QVERIFY(_store->recordForUniqueId("a") && _store->recordForUniqueId("b"));
+    for (int start = 0; start < 2; ++start) {
+        _store = std::make_unique<OpenContacts>();
+        _store->lacksCards = true;
+        _store->rememberIn(knownFile());
+        _store->set(MemoryContacts::person("b", "Ada", "King"));
+        QVERIFY(_store->recordForUniqueId("a"));
+        QCOMPARE(_store->recordForUniqueId("b")->lastName, QString("King"));
+    }
+    _store->lacksCards = false;
+    QVERIFY(!_store->recordForUniqueId("a"));
+    _store->tellChange(false);
+    _store->lacksCards = true;
+    QVERIFY(!_store->recordForUniqueId("a")); // forgotten
 }
 
 void ContactStoreTest::knownCardIsNotSearched()

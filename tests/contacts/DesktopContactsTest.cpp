@@ -242,6 +242,7 @@ private Q_SLOTS:
     void defaultBookCountsFirst();
     void bookThatIsSwitchedOff();
     void bookThatIsRemoved();
+    void bookThatCannotBeHadIsShownAsItWasKnown();
     void diedFactoryComesBack();
     void diedRegistryComesBack();
     void whatIsTheSameIsNotToldAgain();
@@ -374,6 +375,39 @@ void DesktopContactsTest::bookThatIsRemoved()
     program().removeBook("other-book");
     QTRY_VERIFY_WITH_TIMEOUT(!store().recordForUniqueId(bob), 30'000);
     QTRY_COMPARE(store().state(), ContactStore::Ready);
+}
+
+void DesktopContactsTest::bookThatCannotBeHadIsShownAsItWasKnown()
+{
+    const QString known = session->path("home/known.plist");
+    program().makeBook("far-book");
+    program().open("far-book");
+    program().write(identified(personCard("Bob"), "far"));
+    QVERIFY(awaited("far"));
+    const auto remember = [this, &known] { store().rememberIn(known); };
+    remember();
+    QVERIFY(store().recordForUniqueId("far"));
+    program().forgetService();
+    desktop().end();
+    session->endServices();
+    QFile source(qgetenv("XDG_CONFIG_HOME") + "/evolution/sources/far-book.source");
+    QVERIFY(source.open(QIODevice::ReadWrite));
+    const QByteArray settings = source.readAll();
+    QVERIFY(settings.contains("BackendName=local"));
+    source.resize(0);
+    source.seek(0);
+    source.write(QByteArray(settings).replace("BackendName=local", "BackendName=nowhere"));
+    source.close();
+    for (int start = 0; start < 2; ++start) {
+        desktop().restart();
+        remember();
+        QVERIFY(isReady());
+        QCOMPARE(nameOf("far"), QString("Bob"));
+        QTest::qWait(300); // what else comes of the failure has come
+        QCOMPARE(nameOf("far"), QString("Bob"));
+    }
+    program().enableBook("far-book", false);
+    QTRY_VERIFY_WITH_TIMEOUT(!store().recordForUniqueId("far"), 30'000);
 }
 
 void DesktopContactsTest::diedFactoryComesBack()

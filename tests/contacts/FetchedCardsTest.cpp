@@ -15,6 +15,7 @@ private Q_SLOTS:
     void forgottenCard();
     void forgottenWhileItIsFetched();
     void forgottenBeforeItIsFetched();
+    void forgottenCardsMakeRoomForOthers();
     void whatThereIsNoRoomForIsNotToldAgain();
 
 private:
@@ -111,6 +112,19 @@ void FetchedCardsTest::forgottenBeforeItIsFetched()
     cards->forget("e");
     answer("card");
     QCOMPARE(asked, QStringList({"a", "b", "c", "d"}));
+}
+
+// The book that was asked for them has gone, and will never answer.
+void FetchedCardsTest::forgottenCardsMakeRoomForOthers()
+{
+    for (const char *id : {"a", "b", "c", "d", "e", "f"})
+        cards->card(id);
+    cards->forget("b");
+    QCOMPARE(asked, QStringList({"a", "b", "c", "d", "e"}));
+    cards->forget("a");
+    QCOMPARE(asked.last(), QString("f"));
+    answer("late"); // that is what was forgotten
+    QVERIFY(told.isEmpty());
 }
 
 // Lists ask again for what they were told of: otherwise that would never end.
