@@ -4,6 +4,8 @@
 #include "model/WayfoldBookmarkABPerson.h"
 #include "platform/contacts/ContactStore.h"
 
+#include <QHash>
+
 WayfoldBookmarkAutoFolderPtr WayfoldBookmarkAutoFolder::bookmarkWithTitle(const QString &title)
 {
     auto folder = std::make_shared<WayfoldBookmarkAutoFolder>();
@@ -52,16 +54,26 @@ void WayfoldBookmarkAutoFolder::search(const WayfoldBookmarkFolderPtr &root)
     _searchedText = filterString();
 }
 
-// People and organizations alone: groups would be folders, which are not shown here.
+// People and organizations alone: groups would be folders, which are not shown here. Who was found before keeps the
+// entry, which knows the picture.
 void WayfoldBookmarkAutoFolder::searchContacts()
 {
     const quint64 generation = ContactStore::sharedAddressBook().generation();
     if (generation == _searchedGeneration && filterString() == _searchedContactsText)
         return;
+    QHash<QString, WayfoldABEntryPtr> former;
+    for (const WayfoldABEntryPtr &entry : _foundContacts)
+        former.insert(entry->addressBookID(), entry);
     _foundContacts = WayfoldABEntry::recordsContainingSubstring(filterString());
     std::erase_if(_foundContacts, [](const WayfoldABEntryPtr &entry) {
         return entry->entryType() != WayfoldABEntry::Person && entry->entryType() != WayfoldABEntry::Organization;
     });
+    for (WayfoldABEntryPtr &entry : _foundContacts) {
+        if (const WayfoldABEntryPtr known = former.value(entry->addressBookID())) {
+            known->refresh();
+            entry = known;
+        }
+    }
     _searchedGeneration = generation;
     _searchedContactsText = filterString();
 }

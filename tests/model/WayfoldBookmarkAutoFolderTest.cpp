@@ -41,6 +41,7 @@ private Q_SLOTS:
     void changedContactsAreSearched();
     void otherContactsAreSearched();
     void unchangedContactsAreKept();
+    void whoWasFoundKeepsThePicture();
 };
 
 void WayfoldBookmarkAutoFolderTest::init()
@@ -336,8 +337,32 @@ void WayfoldBookmarkAutoFolderTest::unchangedContactsAreKept()
     };
     const WayfoldABEntryPtr entry = annsEntry();
     QVERIFY(annsEntry() == entry); // found at the first search, and shown again
-    contacts.set(MemoryContacts::person("b", "Bob", QString()));
-    QVERIFY(annsEntry() != entry);
+}
+
+void WayfoldBookmarkAutoFolderTest::whoWasFoundKeepsThePicture()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("a", "Ann", "News"));
+    contacts.set(MemoryContacts::person("b", "Bob", "News"));
+    QByteArray picture;
+    QBuffer buffer(&picture);
+    buffer.open(QIODevice::WriteOnly);
+    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(&buffer, "PNG"));
+    contacts.pictures = {{"a", picture}, {"b", picture}};
+    const auto smart = WayfoldBookmarkAutoFolder::bookmarkWithTitle("news");
+    const auto show = [&smart] {
+        smart->refresh();
+        for (const KDRBookmarkPtr &item : smart->children())
+            QVERIFY(item->imageForCellSize({16, 16}));
+    };
+    show();
+    QCOMPARE(contacts.picturesAsked, QStringList({"a", "b"}));
+    contacts.set(MemoryContacts::company("b", "Zebra News"));
+    contacts.set(MemoryContacts::person("c", "Cy", QString()));
+    show();
+    QCOMPARE(contacts.picturesAsked, QStringList({"a", "b", "b"})); // whose card is another one
+    QCOMPARE(childTitles(*smart), QStringList({"Ann News", "Zebra News"}));
+    QCOMPARE(smart->childAtIndex(1)->typeDescription(), QStringLiteral("Organization"));
 }
 
 QTEST_MAIN(WayfoldBookmarkAutoFolderTest)
