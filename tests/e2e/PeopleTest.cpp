@@ -321,8 +321,7 @@ void PeopleSession::followsAGroup()
     EVENTUALLY(!hasRow(QStringLiteral("Grace Hopper")) && !hasRow(QStringLiteral("Emmy Noether")));
     QVERIFY(_other.change(group("team", "Team", {"emmy", "dorothy"})));
     EVENTUALLY(hasRow(QStringLiteral("Emmy Noether")));
-    QVERIFY(_play.chooseRow(QStringLiteral("Team")));
-    QVERIFY(Hands::press(QStringLiteral("Left")));
+    QVERIFY(Hands::press(QStringLiteral("Left"))); // a second click there could be taken for a double click
     EVENTUALLY(!hasRow(QStringLiteral("Emmy Noether")));
 }
 
@@ -478,8 +477,7 @@ void PeopleSession::relatedPeople()
     QVERIFY(!hasRow(QStringLiteral("Mary Somerville")));
     QVERIFY(expand(QStringLiteral("Related Bookmarks")));
     EVENTUALLY(hasRow(QStringLiteral("Mary Somerville")));
-    QVERIFY(_play.chooseRow(QStringLiteral("Related Bookmarks")));
-    QVERIFY(Hands::press(QStringLiteral("Left")));
+    QVERIFY(Hands::press(QStringLiteral("Left"))); // a second click there could be taken for a double click
     EVENTUALLY(!hasRow(QStringLiteral("Mary Somerville")));
 }
 
