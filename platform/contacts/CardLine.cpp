@@ -169,6 +169,11 @@ void CardLine::removeCharacterSet()
     std::erase_if(parameters, [](const Parameter &parameter) { return parameter.name == "CHARSET"; });
 }
 
+QByteArray CardLine::decodedBase64() const
+{
+    return QByteArray::fromBase64(strictBase64(value));
+}
+
 QByteArray CardLine::strictText() const
 {
     QByteArray text = isName(group) ? group + '.' + name : name;

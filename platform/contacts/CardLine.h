@@ -30,6 +30,8 @@ public:
     Encoding encoding() const;
     QByteArray characterSet() const; // as it is named; empty when it is not
     void removeCharacterSet();
+    // The bytes that a value in base64 stands for.
+    QByteArray decodedBase64() const;
     // The line in the form that the strictest reader understands alike.
     QByteArray strictText() const;
 

@@ -143,7 +143,7 @@ void readValues(const Properties &properties, QByteArrayView name, const QString
 QString nameIn(const CardProperty &property, qsizetype index)
 {
     static const QRegularExpression betweenTwo(QStringLiteral(",(?=\\S)"));
-    return cut(property.part(index).replace(betweenTwo, QStringLiteral(", ")));
+    return cut(cut(property.part(index)).replace(betweenTwo, QStringLiteral(", ")));
 }
 
 PersonName nameInParts(const Properties &properties)
@@ -269,9 +269,12 @@ QByteArray contentsOfAddress(const QByteArray &address)
     return isHere ? contentsOf(url.path(QUrl::FullyDecoded)) : QByteArray();
 }
 
-QByteArray pictureOf(const CardProperty &photo)
+QByteArray pictureOf(const CardLine &photo)
 {
-    return photo.parameter("ENCODING") == QStringLiteral("b") ? photo.value() : contentsOfAddress(photo.value());
+    if (photo.encoding() == CardLine::Base64) // megabytes of it, so nobody else is asked
+        return photo.decodedBase64();
+    const Properties properties = CardProperty::fromLines({&photo});
+    return properties.empty() ? QByteArray() : contentsOfAddress(properties.front().value());
 }
 } // namespace
 
@@ -302,8 +305,8 @@ QByteArray ContactCards::picture(const QByteArray &card)
     const std::optional<CardText::Card> first = CardText(card).next();
     if (!first)
         return {};
-    for (const CardProperty &photo : propertiesOf(first->lines, {"PHOTO"})) {
-        const QByteArray picture = pictureOf(photo);
+    for (const CardLine &line : first->lines) {
+        const QByteArray picture = line.name == "PHOTO" ? pictureOf(line) : QByteArray();
         if (!picture.isEmpty() && picture.size() <= maximumPicture)
             return picture;
     }

@@ -167,12 +167,18 @@ void ContactIndex::strikeOut(std::size_t place)
 
 void ContactIndex::closeGaps()
 {
-    std::erase_if(_entries, [](const Entry &entry) { return !entry.record; });
-    _addresses.clear();
+    std::vector<std::size_t> newPlaces(_entries.size());
+    std::size_t next = 0;
     for (std::size_t place = 0; place < _entries.size(); ++place) {
-        const ContactRecord &record = *_entries[place].record;
-        _places[record.uniqueId] = place;
-        if (!record.isGroup)
-            enterAddresses(record, place);
+        newPlaces[place] = next;
+        next += _entries[place].record ? 1 : 0;
     }
+    std::erase_if(_entries, [](const Entry &entry) { return !entry.record; });
+    for (std::size_t &place : _places)
+        place = newPlaces[place];
+    // They stay in their order, so each is put in at the end.
+    decltype(_addresses) addresses;
+    for (const auto &[hash, place] : _addresses)
+        addresses.emplace_hint(addresses.end(), hash, newPlaces[place]);
+    std::swap(_addresses, addresses);
 }
