@@ -83,10 +83,12 @@ void ItemEditors::tellCardIsNotShown(const QString &name)
 {
     Alert alert;
     alert.messageText = WayfoldToolkit::localizedString(QStringLiteral("Not Shown"));
-    alert.informativeText =
-        WayfoldToolkit::localizedString(QStringLiteral("No program could be started to show \"%@\". The card may have "
-                                                       "been deleted, or there is no program for contacts."))
-            .replace(QStringLiteral("%@"), name);
+    const QString text = name.isNull()
+                             ? QStringLiteral("This card is not in your contacts. It may have been deleted, or lie in "
+                                              "contacts that are not there at the moment.")
+                             : QStringLiteral("No program could be started to show \"%@\". The card may have been "
+                                              "deleted, or there is no program for contacts.");
+    alert.informativeText = WayfoldToolkit::localizedString(text).replace(QStringLiteral("%@"), name);
     alert.runModal(QApplication::activeWindow());
 }
 

@@ -32,7 +32,7 @@ public:
     virtual bool newEmail(const std::shared_ptr<WayfoldBookmarkEmail> &link) = 0;
     virtual bool newNote(const std::shared_ptr<WayfoldBookmarkNote> &note) = 0;
     virtual bool newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder) = 0;
-    // Nothing could be started to show, or to edit, the card of that name.
+    // Nothing could be started to show, or to edit, the card of that name. Null: there is no such card.
     virtual void tellCardIsNotShown(const QString & /*name*/) {}
     // New items for the people and groups that the user chooses from the contacts; none when that was cancelled.
     virtual std::vector<std::shared_ptr<KDRBookmark>> newPeople() = 0;

@@ -220,7 +220,7 @@ void WayfoldABEntry::openCard(ContactStore::Purpose purpose) const
     const bool isOpen = opening.command.isEmpty() ? Workspace::openURL(Url::fileURLWithPath(opening.file))
                                                   : Workspace::startProgram(opening.command);
     if (!isOpen && ItemDialogs::current())
-        ItemDialogs::current()->tellCardIsNotShown(title());
+        ItemDialogs::current()->tellCardIsNotShown(record ? title() : QString());
 }
 
 QString WayfoldABEntry::pasteboardTypeForID() const

@@ -464,6 +464,10 @@ Hier erscheinen die Seiten, die Sie besuchen.</translation>
         <translation>Es konnte kein Programm gestartet werden, das „%@“ zeigt. Vielleicht wurde die Karte gelöscht, oder es gibt kein Programm für Kontakte.</translation>
     </message>
     <message>
+        <source>This card is not in your contacts. It may have been deleted, or lie in contacts that are not there at the moment.</source>
+        <translation>Diese Karte ist nicht in Ihren Kontakten. Vielleicht wurde sie gelöscht, oder sie liegt in Kontakten, die gerade nicht da sind.</translation>
+    </message>
+    <message>
         <source>No Matches</source>
         <translation>Keine Treffer</translation>
     </message>
@@ -1057,7 +1061,7 @@ Sichern Sie die Seite mit %@, schreiben Sie mit dem Knopf unten eine Notiz, oder
 The preferences say where people come from.</source>
         <translation>Die Kontakte sind ausgeschaltet.
 
-In den Einstellungen wird gewählt, woher sie kommen.</translation>
+In den Einstellungen legen Sie fest, woher sie kommen.</translation>
     </message>
     <message>
         <source>No contacts were found on this machine.
@@ -1065,7 +1069,7 @@ In den Einstellungen wird gewählt, woher sie kommen.</translation>
 People come from the desktop's contacts or from a folder of cards. The preferences say from which.</source>
         <translation>Auf diesem Rechner wurden keine Kontakte gefunden.
 
-Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In den Einstellungen wird gewählt, woher.</translation>
+Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In den Einstellungen legen Sie fest, woher.</translation>
     </message>
     <message>
         <source>Co&amp;ntacts:</source>

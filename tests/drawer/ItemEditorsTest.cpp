@@ -51,6 +51,11 @@ void ItemEditorsTest::cardThatCannotBeShown()
     QCOMPARE(told,
              QStringList({"Not Shown", "No program could be started to show \"Ann Miller\". The card may have been "
                                        "deleted, or there is no program for contacts."}));
+    told.clear();
+    contacts.take("ann");
+    QVERIFY(open());
+    QCOMPARE(told, QStringList({"Not Shown", "This card is not in your contacts. It may have been deleted, or lie in "
+                                             "contacts that are not there at the moment."}));
 }
 
 void ItemEditorsTest::startRemovesOldCards()
