@@ -29,8 +29,9 @@ void describe(QAbstractButton *button, const char *text, const char *toolTip)
     button->setToolTip(localized(toolTip));
 }
 
-// Those that mean the list even while the keyboard is in the search field.
-bool isForTheList(const QKeyEvent &event)
+// Those that mean the list even while the keyboard is in the search field. All are selected where there is no text
+// that could be.
+bool isForTheList(const QKeyEvent &event, const QLineEdit &field)
 {
     switch (event.key()) {
     case Qt::Key_Up:
@@ -39,7 +40,7 @@ bool isForTheList(const QKeyEvent &event)
     case Qt::Key_PageDown:
         return true;
     default:
-        return event.matches(QKeySequence::SelectAll);
+        return event.matches(QKeySequence::SelectAll) && field.selectedText() == field.text();
     }
 }
 
@@ -122,6 +123,7 @@ bool KDRNewPersonController::doEdit()
     if (!_editWindow)
         return false;
     ModalDialog::attachToActiveWindow(_editWindow);
+    ModalDialog::fitIntoScreen(_editWindow);
     const bool accepted = ModalDialog::run(_editWindow) == QDialog::Accepted;
     if (_wantsPreferences)
         PreferencesWindow::show();
@@ -251,7 +253,7 @@ bool KDRNewPersonController::eventFilter(QObject *watched, QEvent *event)
     if (!announced && event->type() != QEvent::KeyPress)
         return false;
     const auto &keyEvent = static_cast<QKeyEvent &>(*event);
-    const bool toList = watched == _searchField && isForTheList(keyEvent);
+    const bool toList = watched == _searchField && isForTheList(keyEvent, *_searchField);
     const bool toField = watched == _peopleView && isTyping(keyEvent) && keyEvent.key() != Qt::Key_Space;
     if (!toList && !toField)
         return false;

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void pagesMoveInTheList();
     void shiftSelectsSeveral();
     void controlASelectsAll();
+    void controlAAndTypingSearchesAnew();
     void escapeCancels();
     void returnWithoutSelectionAddsNobody();
     void typingInTheListSearches();
@@ -520,9 +521,25 @@ void KDRNewPersonControllerTest::controlASelectsAll()
                  press(panel, Qt::Key_N);
                  QCOMPARE(rows(panel), QStringList({"Ann Lovelace", "bob Zander"}));
                  press(panel, Qt::Key_A, Qt::ControlModifier);
+                 QCOMPARE(field(panel)->selectedText(), QStringLiteral("an"));
+                 QCOMPARE(selected(panel), QStringList{"Ann Lovelace"});
+                 press(panel, Qt::Key_A, Qt::ControlModifier);
                  press(panel, Qt::Key_Return);
              }),
              QStringList({"Ann Lovelace", "bob Zander"}));
+}
+
+void KDRNewPersonControllerTest::controlAAndTypingSearchesAnew()
+{
+    addAnnBobAndZoe();
+    choose([](QDialog *panel) {
+        QTest::keyClicks(panel->focusWidget(), "ann");
+        press(panel, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(panel->focusWidget(), "zoe");
+        QCOMPARE(field(panel)->text(), QStringLiteral("zoe"));
+        QCOMPARE(rows(panel), QStringList{"Zoe Adler"});
+        panel->reject();
+    });
 }
 
 void KDRNewPersonControllerTest::escapeCancels()

@@ -10,6 +10,7 @@ class ModalDialogTest : public QObject
 private Q_SLOTS:
     void givesTheResult();
     void windowIsActiveAgain();
+    void fitsIntoTheScreen();
     void windowMayGo();
     void dialogMayGo();
 };
@@ -42,6 +43,24 @@ void ModalDialogTest::windowIsActiveAgain()
     ModalDialog::run(&dialog);
     QVERIFY(otherWasActive);
     QTRY_VERIFY(window.isActiveWindow());
+}
+
+void ModalDialogTest::fitsIntoTheScreen()
+{
+    QDialog dialog;
+    const QSize room = dialog.screen()->availableSize();
+    const QSize small = room / 2;
+    dialog.resize(small);
+    ModalDialog::fitIntoScreen(&dialog);
+    QCOMPARE(dialog.size(), small);
+    dialog.resize(small.width(), room.height());
+    ModalDialog::fitIntoScreen(&dialog);
+    QCOMPARE(dialog.width(), small.width());
+    QVERIFY(dialog.height() < room.height());
+    QVERIFY(dialog.height() > room.height() - 100);
+    dialog.setMinimumHeight(room.height() + 1);
+    ModalDialog::fitIntoScreen(&dialog);
+    QCOMPARE(dialog.height(), room.height() + 1);
 }
 
 void ModalDialogTest::windowMayGo()
