@@ -1,6 +1,7 @@
 #include "drawer/PersonCell.h"
 
 #include "drawer/PeopleModel.h"
+#include "platform/widgets/ElidedText.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -21,7 +22,7 @@ void drawLine(QPainter &painter, const QStyleOptionViewItem &option, const QRect
 {
     const QRect place = QStyle::visualRect(option.direction, option.rect, line);
     painter.drawText(place, int(Qt::AlignVCenter | QStyle::visualAlignment(option.direction, Qt::AlignLeft)),
-                     option.fontMetrics.elidedText(text.simplified(), Qt::ElideRight, place.width()));
+                     ElidedText::inWidth(text.simplified(), option.fontMetrics, Qt::ElideRight, place.width()));
 }
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "platform/widgets/TextFieldCell.h"
 
+#include "platform/widgets/ElidedText.h"
+
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QLineEdit>
@@ -65,8 +67,8 @@ void TextFieldCell::drawText(const QRectF &frame, QPainter &painter, const QStyl
     const QPalette::ColorRole role = view.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text;
     painter.setPen(view.palette.color(colorGroup(view.state), role));
     painter.setFont(_font);
-    const QString elided = painter.fontMetrics().elidedText(_stringValue.left(longestText), view.textElideMode,
-                                                            int(inner.width()), Qt::TextSingleLine);
+    const QString elided = ElidedText::inWidth(_stringValue.left(longestText), painter.fontMetrics(),
+                                               view.textElideMode, int(inner.width()));
     painter.drawText(
         inner, int(QStyle::visualAlignment(view.direction, Qt::AlignLeft | Qt::AlignVCenter)) | Qt::TextSingleLine,
         elided);

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void drawsTextInTheColourOfTheState_data();
     void drawsTextInTheColourOfTheState();
     void cutsOffWhatDoesNotFit();
+    void ellipsisFollowsTextFromRightToLeft();
     void drawsNothingWithoutRoom();
     void drawsTheBackgroundIfAsked();
     void drawsTheFocusInItsFrame();
@@ -162,6 +163,21 @@ void TextFieldCellTest::cutsOffWhatDoesNotFit()
     // An ellipsis leaves the upper half of the frame's end free, a letter cut off would not.
     QVERIFY(inkOn(image.copy(frame.right() - 4, 0, 5, 10)).isEmpty());
     QVERIFY(!inkOn(image.copy(20, 0, 50, 10)).isEmpty());
+}
+
+// In a window that is read from left to right.
+void TextFieldCellTest::ellipsisFollowsTextFromRightToLeft()
+{
+    _cell->setStringValue(QString(5000, QChar(0x05d3))); // a letter with its roof at the top
+    _view.textElideMode = Qt::ElideRight;
+    QImage image = paper();
+    QPainter painter(&image);
+    painter.setLayoutDirection(Qt::LeftToRight); // as that of a widget has it
+    _cell->drawWithFrameInView(QRectF(20, 0, 100, 20), painter, _view);
+    painter.end();
+    const QRect ink = inkOn(image);
+    QVERIFY(inkOn(image.copy(ink.left(), 0, 5, 10)).isEmpty());
+    QVERIFY(!inkOn(image.copy(ink.right() - 4, 0, 5, 10)).isEmpty());
 }
 
 void TextFieldCellTest::drawsNothingWithoutRoom()
