@@ -8,6 +8,7 @@ bool measurePageLoad(Figures &figures);
 bool measureItemFile(Figures &figures);
 bool measureMail(Figures &figures);
 bool measureContacts(Figures &figures);
+bool measureDesktopContacts(Figures &figures);
 
 // Those of the browser's files; `peers`: also what others take for the same.
 bool measureReading(Figures &figures, GeneratedFiles &files, bool peers);

@@ -1,6 +1,7 @@
 #include "benchmarks/ChildProcess.h"
 
 #include "benchmarks/ContactsBench.h"
+#include "benchmarks/DesktopContactsBench.h"
 #include "benchmarks/GeneratedFiles.h"
 #include "benchmarks/MemoryBench.h"
 #include "benchmarks/StartBench.h"
@@ -9,7 +10,23 @@
 #include <QProcess>
 #include <cstdio>
 
+namespace
+{
+using Values = std::vector<double>;
+
+std::optional<Values> valuesOf(std::optional<double> value)
+{
+    return value ? std::optional<Values>(Values{*value}) : std::nullopt;
+}
+} // namespace
+
 std::optional<double> ChildProcess::measure(const QString &name, const GeneratedFiles &files)
+{
+    const std::optional<Values> values = measureAll(name, files);
+    return values && values->size() == 1 ? std::optional<double>(values->front()) : std::nullopt;
+}
+
+std::optional<std::vector<double>> ChildProcess::measureAll(const QString &name, const GeneratedFiles &files)
 {
     QProcess child;
     child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -17,22 +34,32 @@ std::optional<double> ChildProcess::measure(const QString &name, const Generated
                                                           QString::number(files.entries()), files.folder()});
     if (!child.waitForFinished(600'000) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0)
         return {};
-    return child.readAllStandardOutput().trimmed().toDouble();
+    Values values;
+    for (const QByteArray &line : child.readAllStandardOutput().split('\n')) {
+        if (!line.isEmpty())
+            values.push_back(line.toDouble());
+    }
+    return values;
 }
 
 int ChildProcess::run(const QString &name, const GeneratedFiles &files)
 {
-    std::optional<double> answer;
+    std::optional<Values> answer;
     if (name == QLatin1String("grouped"))
-        answer = MemoryBench::bytesPerEntry(files, false);
+        answer = valuesOf(MemoryBench::bytesPerEntry(files, false));
     else if (name == QLatin1String("filtered"))
-        answer = MemoryBench::bytesPerEntry(files, true);
+        answer = valuesOf(MemoryBench::bytesPerEntry(files, true));
     else if (name == QLatin1String("contacts"))
-        answer = ContactsBench::bytesPerCard(files.folder(), files.entries());
+        answer = valuesOf(ContactsBench::bytesPerCard(files.folder(), files.entries()));
+    else if (name == QLatin1String("desktop contacts"))
+        answer = DesktopContactsBench::measure(files.entries());
+    else if (name == QLatin1String("desktop contacts' memory"))
+        answer = valuesOf(DesktopContactsBench::bytesPerCard(files.entries()));
     else if (name == QLatin1String("start"))
-        answer = StartBench::startMilliseconds(files);
+        answer = valuesOf(StartBench::startMilliseconds(files));
     if (!answer)
         return 1;
-    std::printf("%.6f\n", *answer);
+    for (const double value : *answer)
+        std::printf("%.6f\n", value);
     return 0;
 }

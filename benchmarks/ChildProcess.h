@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <optional>
+#include <vector>
 
 class GeneratedFiles;
 
@@ -10,6 +11,8 @@ namespace ChildProcess
 {
 // What the child, run over these files, answers; none when it fails.
 std::optional<double> measure(const QString &name, const GeneratedFiles &files);
-// The child's part: prints its answer. The program's exit code.
+// The same where it answers several, or nothing.
+std::optional<std::vector<double>> measureAll(const QString &name, const GeneratedFiles &files);
+// The child's part: prints its answer, each number on a line. The program's exit code.
 int run(const QString &name, const GeneratedFiles &files);
 } // namespace ChildProcess

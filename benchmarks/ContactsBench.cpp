@@ -3,45 +3,19 @@
 #include "benchmarks/Benches.h"
 #include "benchmarks/ChildProcess.h"
 #include "benchmarks/ContactPeers.h"
+#include "benchmarks/EventWork.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/GeneratedFiles.h"
 #include "benchmarks/LifelikeContacts.h"
 #include "benchmarks/MemoryBench.h"
-#include "benchmarks/Stopwatch.h"
 #include "platform/contacts/ContactFolder.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 
 namespace
 {
 constexpr int cards = 20'000;
-
-// Runs the event loop until the condition holds, and counts what it works, not what it waits.
-class Work
-{
-public:
-    void until(const std::function<bool()> &holds)
-    {
-        while (!holds()) {
-            const Stopwatch watch;
-            QCoreApplication::processEvents();
-            const double passed = watch.milliseconds();
-            _total += passed;
-            _longest = std::max(_longest, passed);
-            QThread::usleep(50);
-        }
-    }
-
-    double total() const { return _total; }
-    double longest() const { return _longest; }
-
-private:
-    double _total = 0;
-    double _longest = 0;
-};
 
 bool isReady(const ContactStore &store)
 {
@@ -54,7 +28,7 @@ void measureLoad(Figures &figures, const QString &folder)
     std::vector<double> longest;
     for (int run = -1; run < 7; ++run) {
         const ContactFolder store(folder);
-        Work work;
+        EventWork work;
         work.until([&] { return isReady(store); });
         if (run >= 0) {
             totals.push_back(work.total());
@@ -94,7 +68,7 @@ bool measureChange(Figures &figures, const ContactFolder &store)
         if (!folder.open(QIODevice::WriteOnly)) // or the change would be seen by a later check only
             return false;
         folder.remove();
-        Work work;
+        EventWork work;
         work.until([&] { return store.generation() > generation; });
         times.push_back(work.total());
     }
@@ -108,17 +82,16 @@ std::optional<double> ContactsBench::bytesPerCard(const QString &folder, int cou
     {
         const QTemporaryDir none; // what the first store of all needs does not count
         const ContactFolder store(none.path());
-        Work().until([&] { return isReady(store); });
+        EventWork().until([&] { return isReady(store); });
     }
     const double before = MemoryBench::residentSize();
     const ContactFolder store(folder);
-    Work().until([&] { return isReady(store); });
+    EventWork().until([&] { return isReady(store); });
     if (store.people().size() != std::size_t(count) || before == 0)
         return {};
     return (MemoryBench::residentSize() - before) / count;
 }
 
-// The contacts of the desktop are to be measured beside these, with the same cards.
 bool measureContacts(Figures &figures)
 {
     const QTemporaryDir home;
@@ -131,6 +104,6 @@ bool measureContacts(Figures &figures)
     if (bytes)
         figures.add(QStringLiteral("contacts_bytes_each"), *bytes, QStringLiteral("bytes"));
     const ContactFolder store(folder);
-    Work().until([&] { return isReady(store); });
+    EventWork().until([&] { return isReady(store); });
     return measureSearch(figures, store) && measureChange(figures, store) && bytes;
 }

@@ -23,11 +23,17 @@ bool reported(bool complete, const char *name)
     return complete;
 }
 
+bool measureAllContacts(Figures &figures)
+{
+    const bool folder = reported(measureContacts(figures), "contacts");
+    return reported(measureDesktopContacts(figures), "the desktop's contacts") && folder;
+}
+
 bool measureOwnFile(Figures &figures)
 {
     const bool pageLoad = reported(measurePageLoad(figures), "page load");
     const bool mail = reported(measureMail(figures), "mail address");
-    const bool contacts = reported(measureContacts(figures), "contacts");
+    const bool contacts = measureAllContacts(figures);
     return reported(measureItemFile(figures), "item file") && pageLoad && mail && contacts;
 }
 
@@ -89,7 +95,7 @@ int main(int argc, char **argv)
     Figures figures;
     bool complete = true;
     if (parser.value(only) == QLatin1String("contacts")) {
-        complete = reported(measureContacts(figures), "contacts");
+        complete = measureAllContacts(figures);
     } else {
         complete = parser.isSet(entries) || parser.isSet(only) || measureOwnFile(figures);
         complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), parser.value(only)) && complete;

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QTest>
 #include <csignal>
 #include <gio/gio.h>
@@ -34,6 +35,12 @@ GVariant *ask(const QByteArray &address, const char *method, GVariant *argument)
     return answer;
 }
 
+// The description by which a bus starts the service.
+QString installed(const char *service)
+{
+    return QString("/usr/share/dbus-1/services/") + service + ".service";
+}
+
 const char busConfiguration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
@@ -49,6 +56,12 @@ const char busConfiguration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//D
 </busconfig>
 )";
 } // namespace
+
+bool DesktopSession::isInstalled()
+{
+    return !QStandardPaths::findExecutable("dbus-daemon").isEmpty() && QFile::exists(installed(sources)) &&
+           QFile::exists(installed(books));
+}
 
 DesktopSession::DesktopSession()
 {
@@ -98,7 +111,7 @@ void DesktopSession::offerService(bool isOffered)
     for (const char *name : {sources, books}) {
         const QString file = path("services/") + name + ".service";
         QFile::remove(file);
-        if (isOffered && !QFile::copy(QString("/usr/share/dbus-1/services/") + name + ".service", file))
+        if (isOffered && !QFile::copy(installed(name), file))
             qFatal("%s is not installed", name);
     }
     if (GVariant *answer = ask(_address, "ReloadConfig", nullptr))

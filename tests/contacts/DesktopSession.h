@@ -10,6 +10,9 @@
 class DesktopSession
 {
 public:
+    // Whether all that it needs is on this machine.
+    static bool isInstalled();
+
     DesktopSession();
     ~DesktopSession();
     DesktopSession(const DesktopSession &) = delete;
