@@ -317,10 +317,10 @@ void ContactFolder::readNextCard()
             finishReading();
         return;
     }
-    const std::optional<ContactCards::Card> card = ContactCards::read(*text);
+    std::optional<ContactCards::Card> card = ContactCards::read(*text);
     if (!card)
         return;
-    auto record = std::make_shared<ContactRecord>(card->record);
+    const auto record = std::make_shared<ContactRecord>(std::move(card->record));
     if (record->uniqueId.isEmpty())
         record->uniqueId = identifierByFile(path, ++_reading->unnamed);
     if (_reading->identifiers.contains(record->uniqueId))

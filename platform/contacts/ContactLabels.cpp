@@ -18,6 +18,15 @@ bool saysNothing(const QString &type)
     return words.contains(type) || type.startsWith(QStringLiteral("x-evolution-"));
 }
 
+// One text each for all cards.
+const QStringList &plainWords()
+{
+    static const QStringList words = {QStringLiteral("car"),  QStringLiteral("main"),  QStringLiteral("home"),
+                                      QStringLiteral("work"), QStringLiteral("video"), QStringLiteral("text"),
+                                      QStringLiteral("other")};
+    return words;
+}
+
 QString ownWord(const QStringList &types)
 {
     for (const QString &type : types) {
@@ -39,9 +48,9 @@ QString ContactLabels::ofTypes(const QStringList &types)
                              : QStringLiteral("fax");
     if (has("cell") || has("iphone") || has("mobile"))
         return QStringLiteral("mobile");
-    for (const char *word : {"car", "main", "home", "work", "video", "text", "other"}) {
-        if (has(word))
-            return QLatin1String(word);
+    for (const QString &word : plainWords()) {
+        if (types.contains(word, Qt::CaseInsensitive))
+            return word;
     }
     return ownWord(types);
 }
