@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <algorithm>
 
 namespace
 {
@@ -44,12 +45,20 @@ QMessageBox::Icon iconForStyle(Alert::Style style)
     }
 }
 
-// A message box by itself is as narrow as its heading, which breaks the text below into a column.
+// A message box by itself is as narrow as its heading, which breaks the text below into a column. A question that is
+// only somewhat longer than a line is not broken at all.
 void widen(QMessageBox &box)
 {
     constexpr int characters = 48;
-    if (auto *text = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
-        text->setMinimumWidth(characters * text->fontMetrics().averageCharWidth());
+    constexpr int most = 68;
+    auto *text = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (!text)
+        return;
+    const QFontMetrics metrics = text->fontMetrics();
+    const int character = metrics.averageCharWidth();
+    const int margins = text->width() - text->contentsRect().width();
+    const int line = metrics.horizontalAdvance(text->text()) + margins + character;
+    text->setMinimumWidth(line <= most * character ? std::max(line, characters * character) : characters * character);
 }
 } // namespace
 
