@@ -248,6 +248,7 @@ private Q_SLOTS:
     void whatIsTheSameIsNotToldAgain();
     void cardsThatWentMeanwhile();
     void serviceThatComesLater();
+    void serviceThatCannotBeStarted();
     void serviceThatHangs_data();
     void serviceThatHangs();
     void storeThatGoesMeanwhile_data();
@@ -492,6 +493,39 @@ void DesktopContactsTest::serviceThatComesLater()
     session->startService(DesktopSession::sources);
     QVERIFY(awaited(ada));
     QVERIFY(isReady());
+}
+
+void DesktopContactsTest::serviceThatCannotBeStarted()
+{
+    const QString known = session->path("home/known.plist");
+    const QString ada = program().write(personCard("Ada"));
+    QVERIFY(awaited(ada));
+    store().rememberIn(known);
+    QVERIFY(store().recordForUniqueId(ada));
+    program().forgetService();
+    desktop().end();
+    session->endServices();
+    session->offerService(false);
+    const QString description = session->path("services/") + DesktopSession::sources + ".service";
+    QFile file(description);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("[D-BUS Service]\nExec=/bin/false\nName=") + DesktopSession::sources + "\n");
+    file.close();
+    const QStringList reload = {"--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                "org.freedesktop.DBus.ReloadConfig"};
+    QProcess bus;
+    bus.setStandardOutputFile(QProcess::nullDevice());
+    bus.start("dbus-send", reload);
+    QVERIFY(bus.waitForFinished());
+    QCOMPARE(bus.exitCode(), 0);
+    desktop().restart();
+    store().rememberIn(known);
+    QVERIFY(isReady()); // with what there is
+    QCOMPARE(nameOf(ada), QString("Ada"));
+    QVERIFY(store().people().empty());
+    session->offerService(true);
+    QTRY_VERIFY_WITH_TIMEOUT(!store().people().empty(), 60'000); // by itself
+    QCOMPARE(nameOf(ada), QString("Ada"));
 }
 
 void DesktopContactsTest::serviceThatHangs_data()
