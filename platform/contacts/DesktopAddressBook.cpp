@@ -232,6 +232,25 @@ void DesktopAddressBook::fetch(const QString &uniqueId, const std::function<void
                               GLater::call, GLater::with(fetched));
 }
 
+void DesktopAddressBook::list(const std::function<void(const std::optional<QStringList> &)> &done)
+{
+    if (!_connection || !_connection->client)
+        return done(std::nullopt);
+    const auto listed = [self = QPointer(this), done](GObject *source, GAsyncResult *result) {
+        GErrorOwner error;
+        GSList *identifiers = nullptr;
+        e_book_client_get_contacts_uids_finish(E_BOOK_CLIENT(source), result, &identifiers, error.out());
+        QStringList uniqueIds;
+        for (const GSList *one = identifiers; one; one = one->next)
+            uniqueIds.append(QString::fromUtf8(static_cast<const char *>(one->data)));
+        g_slist_free_full(identifiers, g_free);
+        if (self)
+            done(error ? std::nullopt : std::optional(uniqueIds));
+    };
+    e_book_client_get_contacts_uids(_connection->client.get(), allCards, _connection->cancellable.get(), GLater::call,
+                                    GLater::with(listed));
+}
+
 QByteArray DesktopAddressBook::textOf(const ContactPtr &contact)
 {
     gchar *text = e_vcard_to_string(E_VCARD(contact.get()), EVC_FORMAT_VCARD_30);

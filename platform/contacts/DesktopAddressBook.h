@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 struct _EContact;
@@ -40,6 +41,10 @@ public:
     // The whole card, null when it cannot be had; not called when this goes before.
     void fetch(const QString &uniqueId, const std::function<void(const QByteArray &vCard)> &done);
 
+    // The identifiers of all cards that the book has now; none when they cannot be had. Not called when this goes
+    // before.
+    void list(const std::function<void(const std::optional<QStringList> &uniqueIds)> &done);
+
     static QByteArray textOf(const ContactPtr &contact);
     static QString identifierOf(const ContactPtr &contact);
 
@@ -48,7 +53,8 @@ Q_SIGNALS:
     void began();
     void cardsCame(const std::vector<ContactPtr> &cards);
     void cardsWent(const QStringList &uniqueIds);
-    // `isWhole`: every card of the book has come since it began. Otherwise it failed, and may begin again.
+    // `isWhole`: every card of the book has come since it began, as far as the service says: after a change it says so
+    // too early. Otherwise it failed, and may begin again.
     void ended(bool isWhole);
 
 private:

@@ -9,9 +9,11 @@
 
 #include <QElapsedTimer>
 #include <QHash>
+#include <QSet>
 #include <QUuid>
 #include <algorithm>
 #include <deque>
+#include <optional>
 #include <utility>
 
 namespace
@@ -29,7 +31,10 @@ struct DesktopContacts::Shelf
 
     std::shared_ptr<DesktopAddressBook> book;
     QHash<QString, Place> cards;
-    int round = 0;         // of the cards that have come since the book began last
+    int round = 0; // of the cards that have come since the book began last
+    // While it is loading, of the list and of those that came: that have not come yet, and that nobody can read.
+    QSet<QString> awaited;
+    QSet<QString> unreadable;
     bool isLoading = true; // more is to come
     bool hasEnded = false; // once at least
     bool hasCome = false;  // whole, once at least
@@ -37,13 +42,14 @@ struct DesktopContacts::Shelf
 
 struct DesktopContacts::Step
 {
-    enum Kind { Begin, Come, Go, End };
+    enum Kind { Begin, Come, Go, End, List };
 
     ShelfPtr shelf;
     Kind kind;
-    DesktopAddressBook::ContactPtr contact; // that comes
-    QString uniqueId;                       // that goes
-    bool isWhole = false;                   // what ends
+    DesktopAddressBook::ContactPtr contact;    // that comes
+    QString uniqueId = {};                     // that goes
+    bool isWhole = false;                      // what ends
+    std::optional<QStringList> uniqueIds = {}; // of the list; none: it could not be had
 };
 
 struct DesktopContacts::Steps : std::deque<Step>
@@ -177,17 +183,25 @@ void DesktopContacts::take(const Step &step)
     case Step::Begin:
         ++shelf.round;
         shelf.isLoading = true;
+        shelf.awaited.clear();
+        shelf.unreadable.clear();
         break;
     case Step::Come:
         takeCard(step);
+        if (!shelf.awaited.isEmpty())
+            awaitNoMore(shelf, ContactCards::identifier(DesktopAddressBook::identifierOf(step.contact)));
         break;
     case Step::Go:
         shelf.cards.remove(step.uniqueId);
         _fetched->forget(step.uniqueId);
         _touched.append(step.uniqueId);
+        awaitNoMore(shelf, step.uniqueId);
         break;
     case Step::End:
         takeEnd(step);
+        break;
+    case Step::List:
+        takeList(step);
         break;
     }
 }
@@ -195,8 +209,10 @@ void DesktopContacts::take(const Step &step)
 void DesktopContacts::takeCard(const Step &step)
 {
     std::vector<ContactCards::Card> cards = ContactCards::read(DesktopAddressBook::textOf(step.contact));
-    if (cards.empty())
+    if (cards.empty()) {
+        step.shelf->unreadable.insert(ContactCards::identifier(DesktopAddressBook::identifierOf(step.contact)));
         return;
+    }
     ContactCards::Card &card = cards.front();
     // Asking the library costs as much as reading the card.
     const bool isOther = card.record.uniqueId.isNull() || card.text.contains("urn:uuid:");
@@ -218,17 +234,55 @@ void DesktopContacts::takeCard(const Step &step)
 void DesktopContacts::takeEnd(const Step &step)
 {
     Shelf &shelf = *step.shelf;
-    const bool isFirst = std::exchange(shelf.isLoading, false); // services say it again after later changes
-    shelf.hasEnded = true;
-    shelf.hasCome = shelf.hasCome || step.isWhole;
-    if (isFirst && step.isWhole) { // what was there before, and has not come again, was removed meanwhile
-        for (auto one = shelf.cards.cbegin(); one != shelf.cards.cend(); ++one) {
-            if (one->round != shelf.round)
-                _steps->push_front({step.shelf, Step::Go, {}, one.key()});
-        }
-    }
-    if (!step.isWhole)
+    if (!step.isWhole) {
+        endLoading(shelf, false);
         endAddingTo(step.shelf);
+    } else if (shelf.isLoading) { // services say it again after later changes
+        shelf.book->list([this, weak = std::weak_ptr(step.shelf), round = shelf.round](const auto &uniqueIds) {
+            if (const ShelfPtr listed = weak.lock(); listed && listed->book && listed->round == round)
+                enqueue({{listed, Step::List, {}, {}, true, uniqueIds}});
+        });
+    }
+}
+
+// A service that was told of a change says that all has come when it has not, so its list counts: what was there before
+// and is not any more was removed meanwhile, and what has not come yet is awaited.
+void DesktopContacts::takeList(const Step &step)
+{
+    Shelf &shelf = *step.shelf;
+    if (!shelf.isLoading)
+        return;
+    if (!step.uniqueIds)
+        return endLoading(shelf, true);
+    const bool isSecond = !shelf.awaited.isEmpty();
+    shelf.awaited.clear();
+    for (const QString &id : *step.uniqueIds)
+        shelf.awaited.insert(ContactCards::identifier(id));
+    for (auto one = shelf.cards.cbegin(); one != shelf.cards.cend(); ++one) {
+        const bool isThere = shelf.awaited.contains(one.key());
+        if (one->round == shelf.round)
+            shelf.awaited.remove(one.key());
+        else if (!isThere)
+            _steps->push_front({step.shelf, Step::Go, {}, one.key()});
+    }
+    shelf.awaited -= shelf.unreadable;
+    if (shelf.awaited.isEmpty() || isSecond)
+        endLoading(shelf, true);
+}
+
+void DesktopContacts::awaitNoMore(Shelf &shelf, const QString &uniqueId)
+{
+    if (shelf.awaited.remove(uniqueId) && shelf.awaited.isEmpty())
+        endLoading(shelf, true);
+}
+
+void DesktopContacts::endLoading(Shelf &shelf, bool isWhole)
+{
+    shelf.isLoading = false;
+    shelf.hasEnded = true;
+    shelf.hasCome = shelf.hasCome || isWhole;
+    shelf.awaited.clear();
+    shelf.unreadable.clear();
 }
 
 // Has the index hold the cards that count, of those that may be others now, and tells it.

@@ -54,6 +54,9 @@ private:
     void take(const Step &step);
     void takeCard(const Step &step);
     void takeEnd(const Step &step);
+    void takeList(const Step &step);
+    static void awaitNoMore(Shelf &shelf, const QString &uniqueId);
+    static void endLoading(Shelf &shelf, bool isWhole);
 
     void settle();
     bool isReading() const override;

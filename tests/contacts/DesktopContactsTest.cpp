@@ -247,6 +247,7 @@ private Q_SLOTS:
     void diedRegistryComesBack();
     void whatIsTheSameIsNotToldAgain();
     void cardsThatWentMeanwhile();
+    void cardsThatAreStillComing();
     void serviceThatComesLater();
     void serviceThatCannotBeStarted();
     void serviceThatHangs_data();
@@ -469,6 +470,30 @@ void DesktopContactsTest::cardsThatWentMeanwhile()
     session->offerService(true);
     QTRY_VERIFY_WITH_TIMEOUT(store().people().empty(), 60'000);
     QVERIFY(!store().recordForUniqueId(ada));
+}
+
+// After a change the service says that all cards have come, whether they have or not.
+void DesktopContactsTest::cardsThatAreStillComing()
+{
+    constexpr int count = 2000;
+    program().writeMany(count);
+    const QString ada = program().write(personCard("Ada"));
+    QTRY_COMPARE_WITH_TIMEOUT(store().people().size(), std::size_t(count + 1), 60'000);
+    program().forgetService();
+    session->signalService(DesktopSession::books, SIGKILL);
+    QTRY_VERIFY_WITH_TIMEOUT(!store().canAdd(), 30'000);
+    std::size_t least = count + 1;
+    const auto pass = connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this,
+                              [&] { least = std::min(least, store().people().size()); });
+    const QString before = program().write(personCard("Bob")); // starts the service
+    for (int i = 0, since = 0; since < 40; ++i) {
+        program().change(identified(personCard("Ada" + QByteArray::number(i)), ada.toUtf8()));
+        QCoreApplication::processEvents();
+        since += store().canAdd();
+    }
+    QVERIFY(awaited(before));
+    disconnect(pass);
+    QCOMPARE(least, std::size_t(count + 1));
 }
 
 void DesktopContactsTest::serviceThatComesLater()
