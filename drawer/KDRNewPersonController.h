@@ -3,6 +3,7 @@
 #include "model/WayfoldABEntry.h"
 #include "platform/widgets/InterfaceFile.h"
 
+#include <QAbstractButton>
 #include <QDialog>
 #include <QItemSelection>
 #include <QLabel>
