@@ -117,6 +117,7 @@ ContactFolder::ContactFolder(const QString &folder) : _folder(Paths::standardize
         QObject::connect(&timer, &QTimer::timeout, &timer, handler);
     };
     onTimeout(_slice, 0, [this] { work(); });
+    onTimeout(_closing, 0, [this] { _opened.reset(); });
     onTimeout(_soon, settlingTime, [this] { check(); });
     onTimeout(_later, checkInterval, [this] { check(); });
     if (canWatch()) {
@@ -449,21 +450,37 @@ bool ContactFolder::hasFolder() const
 }
 
 // The card as it stands in its file now; empty when it is not there.
+// Many cards may be asked for in a row, which may all lie in one file. One that is being read has the cards that came
+// from it so far.
+ContactFolder::OpenFile &ContactFolder::opened(const QString &path) const
+{
+    static const std::vector<Card> none;
+    const bool isBeingRead = _reading && _reading->file.path == path;
+    const auto known = _files.constFind(path);
+    const std::vector<Card> &cards = isBeingRead ? _reading->cards : known == _files.cend() ? none : known->cards;
+    const FileStamp stamp = FileStamp::ofFile(absolute(path)).value_or(FileStamp());
+    if (!_opened || _opened->path != path || _opened->stamp != stamp ||
+        _opened->starts.size() != qsizetype(cards.size())) {
+        _opened = std::make_unique<OpenFile>(OpenFile{path, stamp, CardText(contentsOf(absolute(path))), {}});
+        _opened->starts.reserve(qsizetype(cards.size()));
+        for (const Card &card : cards)
+            _opened->starts.insert(card.uniqueId, card.start);
+    }
+    _closing.start();
+    return *_opened;
+}
+
 QByteArray ContactFolder::textOf(const ContactRecord &record) const
 {
     const QString path = _paths.value(record.uniqueId);
     if (path.isNull())
         return {};
-    // A file that is being read has the cards that came from it so far.
-    const bool isBeingRead = _reading && _reading->file.path == path;
-    const std::vector<Card> cards = isBeingRead ? _reading->cards : _files.value(path).cards;
-    const auto card = std::find_if(cards.cbegin(), cards.cend(),
-                                   [&record](const Card &one) { return one.uniqueId == record.uniqueId; });
-    if (card == cards.cend())
+    OpenFile &file = opened(path);
+    const auto start = file.starts.constFind(record.uniqueId);
+    if (start == file.starts.cend())
         return {};
-    CardText text(contentsOf(absolute(path)));
-    text.setPosition(card->start);
-    const std::optional<CardText::Card> found = text.next();
+    file.text.setPosition(*start);
+    const std::optional<CardText::Card> found = file.text.next();
     const std::optional<ContactCards::Card> now = found ? ContactCards::read(*found) : std::nullopt;
     const bool isThere = now && (now->record.uniqueId == record.uniqueId ||
                                  (now->record.uniqueId.isEmpty() && isNamedByFile(record, path)));

@@ -67,6 +67,14 @@ private:
         QSet<QString> identifiers; // of these
         int unnamed = 0;
     };
+    // One that cards are being handed out from.
+    struct OpenFile
+    {
+        QString path;
+        FileStamp stamp;
+        CardText text;
+        QHash<QString, qsizetype> starts; // by identifier
+    };
 
     void check();
     void checkSoon() const;
@@ -89,6 +97,7 @@ private:
     QString absolute(const QString &path) const { return _folder + QLatin1Char('/') + path; }
     bool hasFolder() const;
     QString pathForNewCard(const QString &uniqueId) const;
+    OpenFile &opened(const QString &path) const;
     QByteArray textOf(const ContactRecord &record) const;
 
     const QString _folder;
@@ -102,9 +111,10 @@ private:
     CardFolderWalk::Folders _folders;                // as the last walk found them
     std::vector<CardFolderWalk::File> _changedFiles; // still to be read, the next one last
     std::unique_ptr<Reading> _reading;
-    std::vector<ContactRecordPtr> _entered; // still to be put
-    QStringList _left;                      // identifiers, still to be removed
-    QStringList _goneFiles;                 // whose cards are still to be left
+    mutable std::unique_ptr<OpenFile> _opened; // the last one, until the event loop runs
+    std::vector<ContactRecordPtr> _entered;    // still to be put
+    QStringList _left;                         // identifiers, still to be removed
+    QStringList _goneFiles;                    // whose cards are still to be left
     quint64 _walks = 0;
     qint64 _walkingTime = 0;  // milliseconds, of the last walk
     bool _hasChanged = false; // since the walk began
@@ -115,5 +125,6 @@ private:
     QHash<QString, quint64> _watched;             // inodes by paths
     QTimer _slice;
     mutable QTimer _soon;
+    mutable QTimer _closing;
     QTimer _later;
 };

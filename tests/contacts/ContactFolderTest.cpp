@@ -2,6 +2,7 @@
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
 #include "tests/contacts/StoreCases.h"
+#include "tests/support/BytesRead.h"
 #include "tests/support/LoggedMessages.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -154,6 +155,7 @@ private Q_SLOTS:
     void folderThatCannotBeReadKeepsItsCards();
     void cardWhoseFileIsGoneIsMissedAtOnce();
     void pictureAndCardOfOneInManyInAFile();
+    void manyCardsOfAFileReadItOnce();
     void opensTheFile();
     void ownCardIsThatOfItsFile();
     void addedCardHasAFileOfItsOwn();
@@ -735,6 +737,29 @@ void ContactFolderTest::pictureAndCardOfOneInManyInAFile()
         QVERIFY(_folder->vCardRepresentation(*record).contains("FN:Card" + QByteArray::number(i) + "\r\n"));
         QCOMPARE(_folder->vCardRepresentation(*record).count("BEGIN:VCARD"), 1);
     }
+}
+
+// As when many people are dragged, whose cards all lie in one file.
+void ContactFolderTest::manyCardsOfAFileReadItOnce()
+{
+    QByteArray text;
+    for (int i = 0; i < 500; ++i)
+        text += personCard("id-" + QByteArray::number(i), "Card" + QByteArray::number(i));
+    write("all.vcf", text);
+    ready();
+    const qint64 before = bytesRead();
+    QVERIFY(before > 0);
+    for (int i = 0; i < 500; ++i) {
+        const QByteArray id = "id-" + QByteArray::number(i);
+        const QByteArray card = _folder->vCardRepresentation(*_folder->recordForUniqueId(QString::fromLatin1(id)));
+        QVERIFY(card.contains("UID:" + id + "\r\n"));
+    }
+    QVERIFY(bytesRead() - before < 2 * text.size());
+
+    // Not even for a moment is what has changed handed out as it was.
+    write("all.vcf", text.replace("Card499", "Changed meanwhile"));
+    const ContactRecordPtr last = _folder->recordForUniqueId("id-499");
+    QVERIFY(_folder->vCardRepresentation(*last).contains("FN:Changed"));
 }
 
 void ContactFolderTest::opensTheFile()
