@@ -10,10 +10,14 @@
 #include "platform/contacts/ContactStore.h"
 #include "platform/widgets/Alert.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTimer>
 #include <algorithm>
 
 namespace
 {
+constexpr int sliceOfAdding = 8; // milliseconds
 const QString dueNotification = QStringLiteral("StrangersQuestionDueNotification");
 
 QString localized(const char *key)
@@ -89,14 +93,60 @@ QString otherWay(const std::vector<Stranger> &strangers)
 }
 } // namespace
 
-// What the contacts answered, one by one.
-struct StrangersQuestion::Adding
+// Cards that are being added, and what the contacts answered, one by one. A card may mean a file to be written, so the
+// event loop runs between them; what becomes of the question meanwhile changes nothing.
+struct StrangersQuestion::Adding : std::enable_shared_from_this<Adding>
 {
+    void addSome();
+    void addNext();
+    void answered(const Stranger &stranger, const KDRBookmarkPtr &contact);
+
+    std::vector<Stranger> strangers;
+    std::size_t next = 0;
     std::size_t unanswered = 0;
     Replacements replacements;
     QStringList refused;
+    QPointer<StrangersQuestion> question;
     QPointer<WayfoldOutlineView> view;
 };
+
+void StrangersQuestion::Adding::addSome()
+{
+    QElapsedTimer time;
+    time.start();
+    while (next < strangers.size() && !time.hasExpired(sliceOfAdding))
+        addNext();
+    if (next < strangers.size())
+        QTimer::singleShot(0, qApp, [adding = shared_from_this()] { adding->addSome(); });
+}
+
+// Who has come into the contacts meanwhile is not added once more.
+void StrangersQuestion::Adding::addNext()
+{
+    const Stranger &stranger = strangers[next++];
+    if (const KDRBookmarkPtr contact = Stranger::contactMeantBy(stranger.card)) {
+        answered(stranger, contact);
+        return;
+    }
+    const auto done = [adding = shared_from_this(), stranger](const QString &uniqueId) {
+        adding->answered(stranger, uniqueId.isNull() ? nullptr : WayfoldBookmarkABPerson::bookmarkWithID(uniqueId));
+    };
+    ContactStore::sharedAddressBook().add(stranger.card.text, done);
+}
+
+// None: the card could not be added.
+void StrangersQuestion::Adding::answered(const Stranger &stranger, const KDRBookmarkPtr &contact)
+{
+    if (contact)
+        replacements.emplace_back(stranger.standIn, contact);
+    else
+        refused.append(Stranger::nameOn(stranger.card.record));
+    if (--unanswered > 0)
+        return;
+    replace(replacements, view);
+    if (question)
+        question->refuse(refused);
+}
 
 StrangersQuestion::StrangersQuestion()
 {
@@ -191,35 +241,14 @@ void StrangersQuestion::ask(const std::vector<Stranger> &strangers)
     }
 }
 
-// Who has come into the contacts while the question was there is not added once more.
 void StrangersQuestion::add(const std::vector<Stranger> &strangers)
 {
     const auto adding = std::make_shared<Adding>();
+    adding->strangers = strangers;
+    adding->unanswered = strangers.size();
+    adding->question = this;
     adding->view = _view;
-    std::vector<Stranger> unknown;
-    for (const Stranger &stranger : strangers) {
-        if (const KDRBookmarkPtr contact = Stranger::contactMeantBy(stranger.card))
-            adding->replacements.emplace_back(stranger.standIn, contact);
-        else
-            unknown.push_back(stranger);
-    }
-    if (unknown.empty())
-        replace(adding->replacements, _view);
-    adding->unanswered = unknown.size();
-    for (const Stranger &stranger : unknown) {
-        const auto done = [adding, stranger, question = QPointer(this)](const QString &uniqueId) {
-            if (uniqueId.isNull())
-                adding->refused.append(Stranger::nameOn(stranger.card.record));
-            else
-                adding->replacements.emplace_back(stranger.standIn, WayfoldBookmarkABPerson::bookmarkWithID(uniqueId));
-            if (--adding->unanswered > 0)
-                return;
-            replace(adding->replacements, adding->view);
-            if (question)
-                question->refuse(adding->refused);
-        };
-        ContactStore::sharedAddressBook().add(stranger.card.text, done);
-    }
+    adding->addSome();
 }
 
 // All at once, with one saving. Those that were selected are so afterwards.

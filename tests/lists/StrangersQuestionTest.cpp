@@ -5,6 +5,7 @@
 #include "tests/lists/ListStage.h"
 
 #include <QMessageBox>
+#include <QThread>
 
 namespace
 {
@@ -26,12 +27,15 @@ public:
     bool isOpen = true;
     bool isSlow = false;
     QStringList refused; // addresses
+    std::function<void()> onAdd;
     std::vector<std::function<void()>> answers;
 
     bool canAdd() const override { return isOpen; }
     void add(const QByteArray &vCard, const std::function<void(const QString &uniqueId)> &done) override
     {
         added.push_back(vCard);
+        if (onAdd)
+            onAdd();
         const auto answer = [this, vCard, done] {
             ContactRecord record = ContactCards::read(vCard).at(0).record;
             const QString address = record.emails.empty() ? QString() : record.emails[0].value;
@@ -139,6 +143,7 @@ private Q_SLOTS:
     void movedMeanwhile();
     void knownMeanwhile();
     void addedLater();
+    void manyAreAddedInSlices();
     void refused();
     void refusedInPart();
     void selectionIsLeftAlone();
@@ -448,6 +453,32 @@ void StrangersQuestionTest::addedLater()
     QCOMPARE(root()->childAtIndex(1)->uuid(), QStringLiteral("added Bob"));
     QCOMPARE(root()->childAtIndex(2)->uuid(), QStringLiteral("added Cy"));
     QCOMPARE(user.asked.size(), 1U);
+}
+
+// Cards may take their time to be written: the event loop runs between them, and the list goes on, or away.
+void StrangersQuestionTest::manyAreAddedInSlices()
+{
+    int passes = 0;
+    QTimer everyPass;
+    connect(&everyPass, &QTimer::timeout, this, [&passes] { ++passes; });
+    everyPass.start(0);
+    QSet<int> passesOfCards;
+    _contacts->onAdd = [&] {
+        passesOfCards.insert(passes);
+        QThread::msleep(20); // longer than a frame
+        if (_contacts->added.size() == 2)
+            QTimer::singleShot(0, this, [this] { _pad.reset(); });
+    };
+    QByteArray cards;
+    for (int i = 0; i < 5; ++i)
+        cards += card("Bob", "bob" + QString::number(i) + "@a.org");
+    User user("Add");
+    QVERIFY(drop(cards));
+    QTRY_COMPARE(_contacts->added.size(), 5U);
+    QVERIFY(passesOfCards.size() > 1);
+    QTRY_VERIFY(!_pad);
+    for (unsigned i = 1; i <= 5; ++i)
+        QTRY_COMPARE(root()->childAtIndex(i)->type(), KDRBookmark::PersonType);
 }
 
 void StrangersQuestionTest::refused()
