@@ -5,6 +5,7 @@
 #include "platform/base/PlatformNotifications.h"
 #include "platform/files/Bundle.h"
 #include "tests/drawer/DrawerStage.h"
+#include "tests/support/MemoryContacts.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -65,6 +66,9 @@ private Q_SLOTS:
     void closingTheWindowOfAClosedDrawer();
     void closingTheWindowDuringAnAlert();
     void closingTheWindowDuringADialogKeepsWhatWasTyped();
+    void closingTheWindowWhilePeopleAreChosen();
+    void endOfTheQuestionAboutStrangers_data();
+    void endOfTheQuestionAboutStrangers();
     void windowVanishes();
     void missingInterfaceFile();
 
@@ -606,6 +610,72 @@ void KDRDrawerControllerTest::closingTheWindowDuringADialogKeepsWhatWasTyped()
     QVERIFY(_stage->savedFile().contains("Typed"));
     QVERIFY(_stage->savedFile().contains("many words"));
     QVERIFY(DrawerStage::store().bookmarkRoot()->childWithTitle(QStringLiteral("a.org")));
+}
+
+void KDRDrawerControllerTest::closingTheWindowWhilePeopleAreChosen()
+{
+    MemoryContacts contacts;
+    contacts.set(MemoryContacts::person("ann", "Ann", "Miller"));
+    openWindow(QRectF(100, 100, 800, 600), true);
+    controller()->setScratchDrawerLabelUsingFrame(QStringLiteral("a.org"), _window->frontWebView->frame);
+    drawer()->open();
+    const QPointer<KDRDrawerController> alive = controller();
+    DrawerStage::whenDialogOpens<QDialog>(this, [&](QDialog *panel) {
+        QTest::keyClicks(panel->findChild<QLineEdit *>(), QStringLiteral("ann"));
+        _window->close();
+        QCoreApplication::processEvents();
+        QTest::keyClick(panel, Qt::Key_Return);
+    });
+    controller()->handleNewPersonRequest(nullptr);
+    QTRY_VERIFY(!alive);
+    QVERIFY(_stage->savedFile().contains("<string>ann</string>"));
+    QVERIFY(DrawerStage::store().bookmarkRoot()->childWithTitle(QStringLiteral("a.org")));
+}
+
+void KDRDrawerControllerTest::endOfTheQuestionAboutStrangers_data()
+{
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<bool>("isAdded");
+    QTest::newRow("the window closes, then Add") << "window" << true;
+    QTest::newRow("the browser quits") << "quit" << false;
+    QTest::newRow("other contacts") << "contacts" << false;
+}
+
+void KDRDrawerControllerTest::endOfTheQuestionAboutStrangers()
+{
+    QFETCH(QString, end);
+    QFETCH(bool, isAdded);
+    const QByteArray card = "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Bob\r\nN:;Bob;;;\r\nEMAIL:bob@a.org\r\nEND:VCARD\r\n";
+    MemoryContacts contacts;
+    contacts.addedAs = {{QString::fromUtf8(card), QStringLiteral("added Bob")}};
+    openWindow(QRectF(100, 100, 800, 600), true);
+    drawer()->open();
+    const QPointer<KDRDrawerController> alive = controller();
+    bool isOver = false;
+    DrawerStage::whenDialogOpens<QMessageBox>(this, [&](QMessageBox *box) {
+        isOver = true;
+        if (end == u"window") {
+            _window->close();
+        } else if (end == u"quit") {
+            QApplication::closeAllWindows(); // as it does first
+            return;
+        } else {
+            ContactStore::setSharedAddressBook(nullptr);
+        }
+        QCoreApplication::processEvents();
+        QVERIFY(alive);
+        if (end == u"contacts") // to which nothing can be added
+            DrawerStage::whenDialogOpens<QMessageBox>(this, [](QMessageBox *told) { told->accept(); });
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    QMimeData data;
+    data.setData(QStringLiteral("text/vcard"), card);
+    QVERIFY(list().outlineDataSource()->outlineViewAcceptDrop(list(), data, {nullptr, -1}));
+    QTRY_VERIFY(isOver && !QApplication::activeModalWidget());
+    QTRY_VERIFY(!alive || end != u"window");
+    QCOMPARE(_stage->savedFile().contains("added Bob"), isAdded);
+    QCOMPARE(_stage->savedFile().contains("mailto:bob@a.org"), !isAdded);
+    QCOMPARE(contacts.added.size(), isAdded ? 1U : 0U);
 }
 
 // Without a word, which hosts should not do: nothing that is asked of the controller then may fail.

@@ -90,6 +90,7 @@ private Q_SLOTS:
     void textWhenEmpty_data();
     void textWhenEmpty();
     void loadingEnds();
+    void searchedWhileLoading();
     void contactsGoAway();
     void buttonOpensThePreferences();
     void nobodyFound();
@@ -853,6 +854,20 @@ void KDRNewPersonControllerTest::loadingEnds()
         QTRY_VERIFY(shownText(panel).startsWith("There is nobody"));
         panel->reject();
     });
+}
+
+// Who is searched for before he comes is selected when he does.
+void KDRNewPersonControllerTest::searchedWhileLoading()
+{
+    _contacts->presentState = ContactStore::Loading;
+    QCOMPARE(choose([this](QDialog *panel) {
+                 press(panel, Qt::Key_A);
+                 _contacts->presentState = ContactStore::Ready;
+                 addAnnBobAndZoe();
+                 QTRY_COMPARE(selected(panel), QStringList{"Ann Lovelace"});
+                 press(panel, Qt::Key_Return);
+             }),
+             QStringList{"Ann Lovelace"});
 }
 
 void KDRNewPersonControllerTest::contactsGoAway()
