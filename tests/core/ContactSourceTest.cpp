@@ -29,6 +29,13 @@ public:
         record->uniqueId = QStringLiteral("a");
         put({record});
     }
+    void addGroup()
+    {
+        auto record = std::make_shared<ContactRecord>();
+        record->uniqueId = QStringLiteral("g");
+        record->isGroup = true;
+        put({record});
+    }
     void tell() { tellChange(false); }
 
     const QString name;
@@ -211,7 +218,7 @@ void ContactSourceTest::emptyDesktopStaysWithoutCards()
 void ContactSourceTest::desktopStaysWhile_data()
 {
     QTest::addColumn<QString>("reason");
-    for (const char *reason : {"chosen", "loading", "somebody"})
+    for (const char *reason : {"chosen", "loading", "somebody", "a group"})
         QTest::newRow(reason) << QString::fromLatin1(reason);
 }
 
@@ -229,6 +236,8 @@ void ContactSourceTest::desktopStaysWhile()
         desktop.present = ContactStore::Loading;
     if (reason == u"somebody")
         desktop.add();
+    if (reason == u"a group")
+        desktop.addGroup();
     letItTell();
     QCOMPARE(shown(), QStringLiteral("desktop"));
     if (reason != u"loading")

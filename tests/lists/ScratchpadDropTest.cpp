@@ -134,6 +134,7 @@ private Q_SLOTS:
     void cardsOfOtherPrograms();
     void cardsOfStrangers_data();
     void cardsOfStrangers();
+    void cardOfAStrangerWhereLastNamesStandFirst();
     void sameCardTwice();
     void cardOfAGroup();
     void whatIsNoCard_data();
@@ -593,9 +594,10 @@ void ScratchpadDropTest::contactsThatNobodyKnows()
 void ScratchpadDropTest::contactsThatMayStillCome()
 {
     ListStage::contacts().presentState = ContactStore::Loading;
-    setList(PasteboardTypes::ABPeopleUIDs, {QStringLiteral("late-comer")});
+    setList(PasteboardTypes::ABPeopleUIDs, {QString(), QStringLiteral("late-comer")});
     QVERIFY(drop({nullptr, 0}));
     QCOMPARE(first()->uuid(), QStringLiteral("late-comer"));
+    QVERIFY(ListStage::store().bookmarkRoot()->childAtIndex(1) == _a); // an empty identifier is nobody's
     QCOMPARE(first()->title(), QStringLiteral("Invalid"));
     ListStage::contacts().presentState = ContactStore::Ready;
     ListStage::contacts().set(MemoryContacts::person(QStringLiteral("late-comer"), QStringLiteral("Late"), QString()));
@@ -1125,6 +1127,7 @@ void ScratchpadDropTest::cardsOfOtherPrograms_data()
     QTest::newRow("by its present name") << Formats{{"text/vcard", both}};
     QTest::newRow("by its old name") << Formats{{"text/x-vcard", both}};
     QTest::newRow("by its first name") << Formats{{"text/directory", both}};
+    QTest::newRow("in capital letters") << Formats{{"TEXT/X-VCARD", both}};
     QTest::newRow("with its character set") << Formats{{"text/x-vcard;charset=utf-8", both}};
     QTest::newRow("with the address book that it comes from")
         << Formats{{"text/x-source-vcard", "1700000000.1234.0@host\n" + both}, {"text/x-vcard", both}};
@@ -1192,6 +1195,14 @@ void ScratchpadDropTest::cardsOfStrangers()
     QVERIFY(drop({nullptr, 0}));
     QCOMPARE(QStringLiteral("%1 %2").arg(int(first()->type())).arg(first()->title()), made);
     QCOMPARE(first()->valueAsString(), value.isNull() ? QString::fromUtf8(card) : value);
+}
+
+void ScratchpadDropTest::cardOfAStrangerWhereLastNamesStandFirst()
+{
+    ListStage::contacts().ordering = ContactRecord::LastNameFirst;
+    _data->setData(QStringLiteral("text/vcard"), ListStage::card("", "Bob", "Brown", "bob@a.org"));
+    QVERIFY(drop({nullptr, 0}));
+    QCOMPARE(first()->title(), QStringLiteral("Brown Bob"));
 }
 
 void ScratchpadDropTest::sameCardTwice()

@@ -437,6 +437,8 @@ void WayfoldOutlineViewDataSourceTest::desktopTypesOfGroups()
     const auto choir = ListStage::group("Choir");
     const std::unique_ptr<QMimeData> data(pad.source->outlineViewWriteItems(pad.view, {friends, choir}));
     QCOMPARE(data->text(), QStringLiteral("Friends\nChoir"));
+    QCOMPARE(PropertyList::fromData(data->data(QStringLiteral("ABGroupsUIDsPboardType"))).toList(),
+             QVariantList({friends->uuid(), choir->uuid()}));
     QVERIFY(!data->hasUrls());
     QVERIFY(!data->hasFormat("text/vcard"));
 }

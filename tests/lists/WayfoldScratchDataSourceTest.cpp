@@ -193,8 +193,9 @@ void WayfoldScratchDataSourceTest::buttonsHaveImagesAndToolTips()
     QCOMPARE(_pad->deleteItemButton.toolTip(), QStringLiteral("Delete Item"));
     QCOMPARE(_pad->editItemButton.toolTip(), QStringLiteral("Edit Item"));
     QCOMPARE(_pad->switchbackButton.toolTip(), QStringLiteral("Show Previous Site List"));
-    for (const QToolButton *button : {&_pad->newSubfolderButton, &_pad->newNoteButton, &_pad->newEmailButton,
-                                      &_pad->deleteItemButton, &_pad->editItemButton, &_pad->switchbackButton}) {
+    for (const QToolButton *button :
+         {&_pad->newSubfolderButton, &_pad->newNoteButton, &_pad->newEmailButton, &_pad->newPersonButton,
+          &_pad->deleteItemButton, &_pad->editItemButton, &_pad->switchbackButton}) {
         QVERIFY2(!button->icon().isNull(), qPrintable(button->toolTip()));
         QCOMPARE(button->iconSize(), QSize(16, 16));
     }
