@@ -623,6 +623,8 @@ void ContactCardsTest::readsTextForms_data()
     row("soft line ends", QByteArray(two).replace("N:Müller", "N;ENCODING=QUOTED-PRINTABLE:M=C3=\n=BC=\nl=\nler"));
     row("soft line ends behind a folded head",
         QByteArray(two).replace("N:Müller", "N;X-A=b;ENCO\n DING=QUOTED-PRINTABLE:M=C3=\n=BC=\nl=\nler"));
+    row("a colon in the quotes of a folded head",
+        QByteArray(two).replace("FN:Bob", "FN;X-A=\"a:\n b\";ENCODING=QUOTED-PRINTABLE:Bo=\nb"));
     row("a folded head behind a picture", QByteArray(two).replace("FN:Bob", "PHOTO;ENCODING=b:SGVs\nFN;X-A=\n b:Bob"));
     row("a folded head in a picture that is none",
         QByteArray(two).replace("FN:Bob", "NOTE;ENCO\n DING=b:\xff\nFN;X-A=\n b:Bob"));
