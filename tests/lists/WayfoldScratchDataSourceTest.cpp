@@ -150,6 +150,7 @@ private Q_SLOTS:
     void editOfAPersonOpensTheCard();
     void editOfAGroupOpensTheCard();
     void groupShownAsASiteFollowsTheContacts();
+    void groupWithinAGroupIsEdited();
     void groupShownAsASiteTakesNothing();
     void contactsThatComeAndGo();
     void contactsThatAreSwitchedOff();
@@ -995,6 +996,19 @@ void WayfoldScratchDataSourceTest::groupShownAsASiteFollowsTheContacts()
 }
 
 // The user may choose none in the preferences, and others again.
+void WayfoldScratchDataSourceTest::groupWithinAGroupIsEdited()
+{
+    const auto inner = ListStage::group("Inner", {ListStage::person("Ann")});
+    const auto outer = ListStage::group("Outer");
+    ListStage::contacts().set(MemoryContacts::group(outer->uuid(), "Outer", {inner->uuid()}));
+    _pad->showItems({outer});
+    _pad->view.expandItem(outer);
+    QCOMPARE(ListStage::rows(_pad->view), QStringList({"Outer", "-Inner"}));
+    _pad->view.selectIndividualRow(1);
+    QVERIFY(_pad->editItemButton.isEnabled());
+    QVERIFY(!_pad->deleteItemButton.isEnabled());
+}
+
 // What would be put into it would be gone with its next change.
 void WayfoldScratchDataSourceTest::groupShownAsASiteTakesNothing()
 {
