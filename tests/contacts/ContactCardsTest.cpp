@@ -601,6 +601,7 @@ void ContactCardsTest::readsTextForms_data()
     row("empty lines", QByteArray(two).replace("\n", "\n\n"));
     row("lines of blanks", QByteArray(two).replace("\n", "\n \n"));
     row("blanks at the ends", QByteArray(two).replace("\n", " \n"));
+    row("many blanks behind an end", QByteArray(two).replace("END:VCARD", QByteArray("END:VCARD").leftJustified(200)));
     row("small letters", QByteArray(two).replace("BEGIN:VCARD", "begin:vCard").replace("END:VCARD", "end:vcard"));
     row("other text around",
         "Hello:\nUID:9\n" + QByteArray(two).replace("END:VCARD\n", "END:VCARD\nEND:VCARD\nFN:x\n"));
@@ -797,6 +798,8 @@ void ContactCardsTest::leavesOutWhatIsNoCard_data()
     QTest::newRow("a calendar") << QByteArray("BEGIN:VCALENDAR\r\nUID:1\r\nEND:VCALENDAR\r\n");
     QTest::newRow("beginning alone") << QByteArray("BEGIN:VCARD");
     QTest::newRow("end alone") << QByteArray("END:VCARD\r\n");
+    QTest::newRow("more blanks behind the end than are looked at")
+        << "BEGIN:VCARD\r\nFN:Ann\r\n" + QByteArray("END:VCARD").leftJustified(201) + "\r\n";
     QTest::newRow("never ended") << QByteArray("BEGIN:VCARD\r\nFN:Ann\r\n");
     QTest::newRow("empty") << card("");
     QTest::newRow("nothing in it") << card("VERSION:3.0\r\nNOTE:x");
