@@ -217,28 +217,22 @@ void StrangersQuestion::ask(const std::vector<Stranger> &strangers)
         textAbout(namesOf(strangers), localized("\"%@\" is not in your contacts. Do you want to add the card?"),
                   localized("%u people are not in your contacts. Do you want to add their cards?"));
     alert.defaultButton = localized("Add");
-    alert.alternateButton = otherWay(strangers); // when the window goes as well
-    alert.otherButton = localized("Cancel");
-    switch (alert.runModal(_view ? _view->window() : nullptr)) {
-    case Alert::NSAlertDefaultReturn:
+    alert.alternateButton = otherWay(strangers); // for Escape, and when the window goes, as well
+    if (alert.runModal(_view ? _view->window() : nullptr) == Alert::NSAlertDefaultReturn)
         add(strangers);
-        break;
-    case Alert::NSAlertAlternateReturn: {
-        Replacements gone;
-        for (const Stranger &stranger : strangers) {
-            if (!isInList(stranger.standIn))
-                gone.emplace_back(stranger.standIn, stranger.standIn);
-        }
-        replace(gone, _view);
-        break;
+    else
+        putBack(strangers);
+}
+
+// What the folder that held it took along when it went, while the question was asked.
+void StrangersQuestion::putBack(const std::vector<Stranger> &strangers)
+{
+    Replacements gone;
+    for (const Stranger &stranger : strangers) {
+        if (!isInList(stranger.standIn))
+            gone.emplace_back(stranger.standIn, stranger.standIn);
     }
-    default: {
-        std::vector<KDRBookmarkPtr> standIns;
-        for (const Stranger &stranger : strangers)
-            standIns.push_back(stranger.standIn);
-        KDRDrawerBundle::sharedInstance().deleteBookmarks(standIns);
-    }
-    }
+    replace(gone, _view);
 }
 
 void StrangersQuestion::add(const std::vector<Stranger> &strangers)

@@ -30,6 +30,7 @@ private:
     void later();
     void proceed();
     void ask(const std::vector<Stranger> &strangers);
+    void putBack(const std::vector<Stranger> &strangers);
     void add(const std::vector<Stranger> &strangers);
     void refuse(const QStringList &names);
     static void replace(const Replacements &replacements, WayfoldOutlineView *view);

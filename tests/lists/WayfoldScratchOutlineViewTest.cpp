@@ -832,8 +832,8 @@ void WayfoldScratchOutlineViewTest::newItems()
             _pad->view.selectItem(item);
     }
     QMenu menu;
-    for (const char *action : {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
-                               "handleNewPersonRequest:"}) {
+    for (const char *action :
+         {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:", "handleNewPersonRequest:"}) {
         QAction *item = addItem(menu, action);
         QCOMPARE(_pad->view.validateMenuItem(item), enabled);
         QCOMPARE(item->text(), QString::fromLatin1(action)); // unchanged
