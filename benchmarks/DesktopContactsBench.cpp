@@ -9,7 +9,7 @@
 #include "benchmarks/LifelikeContacts.h"
 #include "benchmarks/MemoryBench.h"
 #include "platform/contacts/DesktopContacts.h"
-#include "tests/contacts/DesktopSession.h"
+#include "tests/platform/contacts/DesktopSession.h"
 
 #include <cstdio>
 

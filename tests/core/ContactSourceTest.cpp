@@ -5,7 +5,7 @@
 #include "platform/base/PlatformNotifications.h"
 #include "platform/contacts/KnownContacts.h"
 #include "platform/files/UserDefaults.h"
-#include "tests/contacts/DesktopSession.h"
+#include "tests/platform/contacts/DesktopSession.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/contacts/ContactsElsewhere.h"
+#include "tests/platform/contacts/ContactsElsewhere.h"
 
 #include <QObject>
 #include <memory>

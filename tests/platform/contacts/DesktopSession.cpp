@@ -1,4 +1,4 @@
-#include "tests/contacts/DesktopSession.h"
+#include "tests/platform/contacts/DesktopSession.h"
 
 #include <QDir>
 #include <QFile>

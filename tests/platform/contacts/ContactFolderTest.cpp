@@ -1,7 +1,7 @@
 #include "platform/contacts/ContactFolder.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
-#include "tests/contacts/StoreCases.h"
+#include "tests/platform/contacts/StoreCases.h"
 #include "tests/support/BytesRead.h"
 #include "tests/support/LoggedMessages.h"
 #include "tests/support/TemporaryHome.h"

@@ -21,7 +21,7 @@ namespace
 {
 QString folder()
 {
-    return qEnvironmentVariable("WAYFOLD_SOURCE") + QStringLiteral("/tests/contacts");
+    return qEnvironmentVariable("WAYFOLD_SOURCE") + QStringLiteral("/tests/platform/contacts");
 }
 
 QStringList sampleNames()

@@ -1,4 +1,4 @@
-#include "tests/contacts/StoreCases.h"
+#include "tests/platform/contacts/StoreCases.h"
 
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"

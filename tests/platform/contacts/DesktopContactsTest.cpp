@@ -2,8 +2,8 @@
 
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
-#include "tests/contacts/DesktopSession.h"
-#include "tests/contacts/StoreCases.h"
+#include "tests/platform/contacts/DesktopSession.h"
+#include "tests/platform/contacts/StoreCases.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
