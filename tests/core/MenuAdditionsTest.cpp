@@ -641,8 +641,8 @@ void MenuAdditionsTest::aboutItem()
 void MenuAdditionsTest::otherItemsAskTheList()
 {
     const auto window = _fresh->openWindow();
-    const QStringList actions = {"handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:",
-                                 "handleNewPersonRequest:"};
+    const QStringList actions = {
+        "handleNewSubFolderRequest:", "handleNewNoteRequest:", "handleNewEmailRequest:", "handleNewPersonRequest:"};
     for (const QString &action : actions) {
         for (bool answer : {true, false}) {
             controller().calls.clear();
