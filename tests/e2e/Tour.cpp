@@ -579,7 +579,22 @@ public:
 private Q_SLOTS:
     void openIt();
     void leave();
+
+private:
+    bool clickUntilItOpens(const QString &button) const;
 };
+
+// The drawer has just opened by itself, and a busy window manager may still move it while the hand is on its way.
+bool PanelSession::clickUntilItOpens(const QString &button) const
+{
+    for (int clicks = 0; clicks < 3; ++clicks) {
+        if (!Hands::clickOn(Play::drawerButton(_window, button)))
+            return false;
+        if (Stage::eventually([] { return bool(Eyes::dialog()); }))
+            return true;
+    }
+    return false;
+}
 
 void PanelSession::openIt()
 {
@@ -588,9 +603,7 @@ void PanelSession::openIt()
     EVENTUALLY(Play::isDrawerOpen(_window)); // the site is known
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Ines Okafor")));
     Stage::settle();
-    QVERIFY(Hands::clickOn(Play::drawerButton(_window, isGerman ? QStringLiteral("Neuer Personen-Link")
-                                                                : QStringLiteral("New Person Link"))));
-    EVENTUALLY(Eyes::dialog());
+    QVERIFY(clickUntilItOpens(isGerman ? QStringLiteral("Neuer Personen-Link") : QStringLiteral("New Person Link")));
     auto *people = Eyes::firstOf<QListView>(Eyes::dialog());
     EVENTUALLY(people && people->model()->rowCount() == contacts().size());
     QVERIFY(Hands::press(QStringLiteral("Down")));
