@@ -505,14 +505,26 @@ private Q_SLOTS:
     void leave() { QVERIFY(quit()); }
 };
 
+// The tour goes on where a click comes to nothing, and says so.
+static bool openPanel(const BrowserWindow *window, const QString &button)
+{
+    for (int clicks = 0; clicks < 3; ++clicks) {
+        if (!Hands::clickOn(Play::drawerButton(window, button)))
+            return false;
+        if (Stage::eventually([] { return bool(Eyes::dialog()); }))
+            return true;
+        qWarning("a click on the button for people opened nothing");
+    }
+    return false;
+}
+
 void PeopleSession::choosePeople()
 {
     QVERIFY(_play.visit(news));
     QVERIFY(focus());
     EVENTUALLY(Play::scratchRows(_window).contains(story));
     for (const QString &who : {QStringLiteral("fernhill observ"), QStringLiteral("walk"), QStringLiteral("yusuf")}) {
-        QVERIFY(Hands::clickOn(Play::drawerButton(_window, QStringLiteral("New Person Link"))));
-        EVENTUALLY(Eyes::dialog());
+        QVERIFY(openPanel(_window, QStringLiteral("New Person Link")));
         auto *people = Eyes::firstOf<QListView>(Eyes::dialog());
         EVENTUALLY(people && people->model()->rowCount() == contacts().size());
         if (who == QLatin1String("yusuf"))
@@ -579,22 +591,7 @@ public:
 private Q_SLOTS:
     void openIt();
     void leave();
-
-private:
-    bool clickUntilItOpens(const QString &button) const;
 };
-
-// The drawer has just opened by itself, and a busy window manager may still move it while the hand is on its way.
-bool PanelSession::clickUntilItOpens(const QString &button) const
-{
-    for (int clicks = 0; clicks < 3; ++clicks) {
-        if (!Hands::clickOn(Play::drawerButton(_window, button)))
-            return false;
-        if (Stage::eventually([] { return bool(Eyes::dialog()); }))
-            return true;
-    }
-    return false;
-}
 
 void PanelSession::openIt()
 {
@@ -603,7 +600,7 @@ void PanelSession::openIt()
     EVENTUALLY(Play::isDrawerOpen(_window)); // the site is known
     EVENTUALLY(Play::scratchRows(_window).contains(QLatin1String("Ines Okafor")));
     Stage::settle();
-    QVERIFY(clickUntilItOpens(isGerman ? QStringLiteral("Neuer Personen-Link") : QStringLiteral("New Person Link")));
+    QVERIFY(openPanel(_window, isGerman ? QStringLiteral("Neuer Personen-Link") : QStringLiteral("New Person Link")));
     auto *people = Eyes::firstOf<QListView>(Eyes::dialog());
     EVENTUALLY(people && people->model()->rowCount() == contacts().size());
     QVERIFY(Hands::press(QStringLiteral("Down")));
