@@ -505,7 +505,8 @@ private Q_SLOTS:
     void leave() { QVERIFY(quit()); }
 };
 
-// The tour goes on where a click comes to nothing, and says so.
+// The last frames of the drawer's slide look open already, but it makes no items before it is: such a click comes to
+// nothing. The tour says so and clicks again.
 static bool openPanel(const BrowserWindow *window, const QString &button)
 {
     for (int clicks = 0; clicks < 3; ++clicks) {
