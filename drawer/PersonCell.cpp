@@ -53,7 +53,6 @@ void PersonCell::paint(QPainter *painter, const QStyleOptionViewItem &option, co
     const int top = text.top() + (text.height() - (note.isEmpty() ? height : 2 * height)) / 2;
     const bool isSelected = row.state.testFlag(QStyle::State_Selected);
     painter->save();
-    painter->setFont(row.font);
     painter->setPen(row.palette.color(QPalette::Active, isSelected ? QPalette::HighlightedText : QPalette::Text));
     drawLine(*painter, row, QRect(text.left(), top, text.width(), height), name);
     painter->setOpacity(quietOpacity);

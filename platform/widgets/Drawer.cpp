@@ -75,6 +75,8 @@ Drawer::Drawer(QWidget *parent) : QFrame(parent), _body(new QWidget(this)), _gri
     connect(&_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant &value) {
         _shown = value.toReal();
         layOut();
+        if (_state == Opening && _shown < 1 && looksOpen())
+            finishSlide();
     });
     connect(&_slide, &QVariantAnimation::finished, this, &Drawer::slideEnded);
     connect(_grip, &DrawerGrip::grabbed, this, [this] { _widthWhenGrabbed = contentWidth(); });
@@ -271,6 +273,20 @@ void Drawer::slideTo(qreal goal)
     _slide.setEndValue(goal);
     _slide.setDuration(time);
     _slide.start();
+}
+
+bool Drawer::looksOpen() const
+{
+    const int whole = openWidth();
+    return qRound(whole * _shown) == whole;
+}
+
+// A click on what looks open must find it open, so the slide does not go on for what no pixel shows.
+void Drawer::finishSlide()
+{
+    _slide.stop();
+    _shown = 1;
+    slideEnded();
 }
 
 void Drawer::slideEnded()

@@ -93,6 +93,8 @@ private:
     void showWith(const HostWindow &window);
 
     void slideTo(qreal goal);
+    bool looksOpen() const;
+    void finishSlide();
     void slideEnded();
     bool closeAtOnce();
     int slideTime() const;

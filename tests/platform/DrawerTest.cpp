@@ -55,6 +55,7 @@ private Q_SLOTS:
     void openAndCloseAreIdempotent();
     void toggles();
     void slidesOut();
+    void isOpenOnceItLooksOpen();
     void turnsRoundWhileClosing();
     void turnsRoundWhileOpening();
     void followsTheDesktopsWishForAnimations();
@@ -237,6 +238,17 @@ void DrawerTest::slidesOut()
     QCOMPARE(_drawer->state(), Drawer::Closing);
     QTRY_COMPARE(_drawer->state(), Drawer::Closed);
     QVERIFY(!_drawer->isVisible());
+}
+
+// A hand goes by what it sees.
+void DrawerTest::isOpenOnceItLooksOpen()
+{
+    _drawer->setSlideDuration(2000);
+    _drawer->open();
+    while (_drawer->width() < 200)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QCOMPARE(_drawer->state(), Drawer::Open);
+    QCOMPARE(_posted, QStringList({"WillOpen", "DidOpen"}));
 }
 
 void DrawerTest::turnsRoundWhileClosing()

@@ -4,31 +4,18 @@
 //
 //     wayfold-drag-source text/x-vcard=FILE text/uri-list=FILE...
 
+#include "tests/e2e/neighbour/NeighbourWindow.h"
+
 #include <QApplication>
 #include <QDrag>
 #include <QFile>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QWidget>
-#include <cstdio>
 
 namespace
 {
-void write(const char *line)
+class DragSource : public NeighbourWindow
 {
-    std::printf("%s\n", line);
-    std::fflush(stdout);
-}
-
-class DragSource : public QWidget
-{
-public:
-    DragSource() : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::WindowStaysOnTopHint)
-    {
-        setAttribute(Qt::WA_ShowWithoutActivating);
-        setGeometry(0, 0, 160, 120);
-    }
-
 protected:
     void mouseMoveEvent(QMouseEvent *event) override
     {
@@ -47,15 +34,6 @@ protected:
         connect(drag, &QObject::destroyed, this, [] { write("over"); }); // nobody asks for the data any more
         drag->exec(Qt::CopyAction);
     }
-    void paintEvent(QPaintEvent *event) override
-    {
-        QWidget::paintEvent(event);
-        if (!std::exchange(_isPainted, true))
-            write("ready");
-    }
-
-private:
-    bool _isPainted = false;
 };
 } // namespace
 

@@ -1,37 +1,26 @@
 // Another program of the desktop: a small window in the upper left corner of the screen that takes whatever is dropped
 // on it, and writes the dropped text and addresses to its standard output, a line each; of cards all lines.
 
+#include "tests/e2e/neighbour/NeighbourWindow.h"
+
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QMimeData>
 #include <QUrl>
-#include <QWidget>
-#include <cstdio>
 
 namespace
 {
-void write(const QByteArray &line)
-{
-    std::printf("%s\n", line.constData());
-    std::fflush(stdout);
-}
-
 void writeCard(const QByteArray &origin, const QByteArray &card)
 {
     for (const QByteArray &line : card.split('\n'))
-        write(origin + ": " + line.trimmed());
+        NeighbourWindow::write(origin + ": " + line.trimmed());
 }
 
-class DropTarget : public QWidget
+class DropTarget : public NeighbourWindow
 {
 public:
-    DropTarget() : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::WindowStaysOnTopHint)
-    {
-        setAcceptDrops(true);
-        setAttribute(Qt::WA_ShowWithoutActivating);
-        setGeometry(0, 0, 160, 120);
-    }
+    DropTarget() { setAcceptDrops(true); }
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override
@@ -57,15 +46,6 @@ protected:
         }
         write("dropped");
     }
-    void paintEvent(QPaintEvent *event) override
-    {
-        QWidget::paintEvent(event);
-        if (!std::exchange(_isPainted, true))
-            write("ready");
-    }
-
-private:
-    bool _isPainted = false;
 };
 } // namespace
 
