@@ -4,7 +4,7 @@
 //
 //     wayfold-drag-source text/x-vcard=FILE text/uri-list=FILE...
 
-#include "tests/e2e/neighbour/NeighbourWindow.h"
+#include "NeighbourWindow.h"
 
 #include <QApplication>
 #include <QDrag>

@@ -1,7 +1,7 @@
 // Another program of the desktop: a small window in the upper left corner of the screen that takes whatever is dropped
 // on it, and writes the dropped text and addresses to its standard output, a line each; of cards all lines.
 
-#include "tests/e2e/neighbour/NeighbourWindow.h"
+#include "NeighbourWindow.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
