@@ -9,8 +9,6 @@
 
 namespace
 {
-constexpr std::size_t rowsOfASlice = 1000;
-
 bool comesBefore(const PeopleRows::RowPtr &a, const PeopleRows::RowPtr &b)
 {
     const int order = a->order.compare(b->order);

@@ -24,10 +24,12 @@ public:
     };
 
     using RowPtr = std::shared_ptr<const Row>;
+    static constexpr std::size_t rowsOfASlice = 1000;
 
     // Begins with what the store has now.
     void takeFrom(const ContactStore &store);
-    // A slice; true when that was the last one.
+    // A slice, after the last of them the order of all; true when that is done. What fits into one slice is done at
+    // once.
     bool makeSome();
     // Puts what was made in place of what was there before.
     void takeOver();

@@ -2,6 +2,7 @@
 
 #include "core/PreferencesWindow.h"
 #include "drawer/PeopleModel.h"
+#include "drawer/PersonCell.h"
 #include "model/WayfoldBookmarkABGroup.h"
 #include "model/WayfoldBookmarkABPerson.h"
 #include "tests/drawer/DialogStage.h"
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void picturesOfWhoIsSeen();
     void pictureOfACardThatChanges();
     void pictureIsMadeOnce();
+    void rowsAreDrawnWithTheirNotes();
     void toolTipsTellAll();
 
     // Search
@@ -244,8 +246,9 @@ void KDRNewPersonControllerTest::notesTellMore()
     ContactRecord damaged = MemoryContacts::person("7", "G", "G", {"only@g.org"});
     damaged.primaryEmail = 7;
     _contacts->set(damaged);
+    _contacts->set(MemoryContacts::person("8", "H", "H", {"one@h.org", "two@h.org"}));
     choose([](QDialog *panel) {
-        const QStringList notes = {"second@a.org", "Engines", "info@c.org", "", "Group", "", "only@g.org"};
+        const QStringList notes = {"second@a.org", "Engines", "info@c.org", "", "Group", "", "only@g.org", "one@h.org"};
         QCOMPARE(rows(panel, PeopleModel::NoteRole), notes);
         QCOMPARE(rows(panel, Qt::AccessibleDescriptionRole), notes);
         panel->reject();
@@ -328,6 +331,13 @@ void KDRNewPersonControllerTest::pictureIsMadeOnce()
         QCOMPARE(_contacts->picturesAsked.count("a"), asked);
         panel->reject();
     });
+}
+
+void KDRNewPersonControllerTest::rowsAreDrawnWithTheirNotes()
+{
+    addAnnBobAndZoe();
+    const KDRNewPersonController controller;
+    QVERIFY(dynamic_cast<PersonCell *>(list(controller.editWindow())->itemDelegate()));
 }
 
 void KDRNewPersonControllerTest::toolTipsTellAll()
