@@ -35,12 +35,11 @@ std::shared_ptr<Image> ContactPicture::fromData(const QByteArray &file)
                             : ItemImages::neverCached(Image::imageWithPicture(picture.copy(middleOf(picture.size()))));
 }
 
-QByteArray ContactPicture::toPng(const std::shared_ptr<Image> &image)
+QByteArray ContactPicture::toPng(const Image &image)
 {
     QBuffer file;
-    if (!image || !file.open(QIODevice::WriteOnly))
-        return {};
-    const QIcon icon = image->icon();
+    file.open(QIODevice::WriteOnly);
+    const QIcon icon = image.icon();
     icon.pixmap(icon.actualSize(QSize(maximumSide, maximumSide), QIcon::Normal), 1.0).save(&file, "PNG");
     return file.data();
 }

@@ -10,6 +10,5 @@ namespace ContactPicture
 {
 // From the file of a picture (PNG, JPEG, ...), of which the middle is shown; none when it is none.
 std::shared_ptr<Image> fromData(const QByteArray &file);
-// As a PNG file; empty for none.
-QByteArray toPng(const std::shared_ptr<Image> &image);
+QByteArray toPng(const Image &image);
 } // namespace ContactPicture

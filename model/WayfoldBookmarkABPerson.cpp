@@ -196,7 +196,7 @@ void WayfoldBookmarkABPerson::encodeWithCoder(KeyedArchiver &coder) const
     KDRBookmark::encodeWithCoder(coder);
     coder.encodeObjectForKey(_addressBookEntry, entryCoderKey);
     if (_localImage)
-        coder.encodeValueForKey(ContactPicture::toPng(_localImage), localImageCoderKey);
+        coder.encodeValueForKey(ContactPicture::toPng(*_localImage), localImageCoderKey);
     coder.encodeValueForKey(_triedLocalImage, triedLocalImageCoderKey);
 }
 

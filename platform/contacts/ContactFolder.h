@@ -13,7 +13,8 @@
 //
 // The folder is read in slices while the event loop runs. What changes in it is seen at once where the system tells it,
 // and otherwise within some seconds, by the files' stamps. A file that is there but cannot be read, or that holds no
-// card at the moment, keeps the cards that it had; so does a folder that has vanished, until it is there again.
+// card at the moment, keeps the cards that it had; so does a folder that has vanished, until it is there again. Of one
+// that has not been there yet the cards are answered as they were last known.
 //
 // A card without identifier gets one from its file: "friends/ada.vcf", and "friends/ada.vcf#2" for the second one. Of
 // cards that have the same identifier, one is shown. The user's own card is the one in the file `me.vcf` of the folder.
@@ -46,6 +47,7 @@ public:
 
 protected:
     bool isReading() const override { return _walk != nullptr; }
+    bool mayLackCards() const override { return !_isRead; }
 
 private:
     struct Card

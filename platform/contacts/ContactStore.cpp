@@ -74,9 +74,10 @@ ContactRecordPtr ContactStore::recordForUniqueId(const QString &uniqueId) const
     ContactRecordPtr record = _index.record(uniqueId);
     if (record && _known)
         _known->note(record);
-    if (record || state() == Absent)
+    if (record)
         return record;
-    if (const QString address = mailAddressOf(uniqueId); !address.isEmpty())
+    const QString address = state() == Absent ? QString() : mailAddressOf(uniqueId);
+    if (!address.isEmpty())
         return recordForAddress(uniqueId, address);
     return knownRecord(uniqueId);
 }

@@ -201,8 +201,7 @@ void DesktopAddressBook::add(const QByteArray &vCard, const QString &uniqueId,
         GErrorOwner error;
         gchar *given = nullptr;
         e_book_client_add_contact_finish(E_BOOK_CLIENT(source), result, &given, error.out());
-        const QString id = QString::fromUtf8(given);
-        g_free(given);
+        const QString id = QString::fromUtf8(GTextOwner(given).get());
         if (!self)
             return;
         if (error)
@@ -253,10 +252,8 @@ void DesktopAddressBook::list(const std::function<void(const std::optional<QStri
 
 QByteArray DesktopAddressBook::textOf(const ContactPtr &contact)
 {
-    gchar *text = e_vcard_to_string(E_VCARD(contact.get()), EVC_FORMAT_VCARD_30);
-    QByteArray copy(text);
-    g_free(text);
-    return copy;
+    const GTextOwner text(e_vcard_to_string(E_VCARD(contact.get()), EVC_FORMAT_VCARD_30));
+    return text.get();
 }
 
 QString DesktopAddressBook::identifierOf(const ContactPtr &contact)

@@ -14,6 +14,12 @@ struct GObjectRelease
 template <class Type>
 using GObjectOwner = std::unique_ptr<Type, GObjectRelease>;
 
+struct GMemoryRelease
+{
+    void operator()(void *memory) const { g_free(memory); }
+};
+using GTextOwner = std::unique_ptr<gchar, GMemoryRelease>;
+
 // A call of GIO's that ends later, as its callback and that one's data:
 //
 //     g_something(object, cancellable, GLater::call, GLater::with([](GObject *source, GAsyncResult *result) { ... }));

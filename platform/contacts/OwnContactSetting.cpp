@@ -44,8 +44,7 @@ QString OwnContactSetting::uniqueId() const
 {
     if (!_settings)
         return {};
-    gchar *value = g_settings_get_string(_settings->settings.get(), key);
-    const QString id = QString::fromUtf8(value);
-    g_free(value);
+    const GTextOwner value(g_settings_get_string(_settings->settings.get(), key));
+    const QString id = QString::fromUtf8(value.get());
     return id.isEmpty() ? QString() : id;
 }

@@ -1,9 +1,11 @@
 #include "platform/contacts/ContactFolder.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
+#include "platform/contacts/KnownContacts.h"
 #include "tests/platform/contacts/StoreCases.h"
 #include "tests/support/BytesRead.h"
 #include "tests/support/LoggedMessages.h"
+#include "tests/support/MemoryContacts.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QDir>
@@ -120,6 +122,7 @@ private Q_SLOTS:
     void defaultFolderIsNotSearchedForEver();
     void stateWhileThereIsNoFolder();
     void folderThatComesLater();
+    void lastKnownWhileThereIsNoFolder();
     void folderMayStartAtTheHome();
     void readsOnTheFly();
     void cardsStandInTheOrderOfTheirNames();
@@ -284,6 +287,27 @@ void ContactFolderTest::folderThatComesLater()
     QTRY_COMPARE_WITH_TIMEOUT(_folder->state(), ContactStore::Ready, patience);
     _home->write("not/there/yet/b.vcf", personCard("b", "Bob"));
     QVERIFY(awaitNames({"Ada", "Bob"}));
+}
+
+// Say because it lies on a disk that is not mounted.
+void ContactFolderTest::lastKnownWhileThereIsNoFolder()
+{
+    const QString memory = _home->path("known.plist");
+    const auto ada = std::make_shared<ContactRecord>(MemoryContacts::person("a", "Ada", "Lovelace"));
+    KnownContacts(memory).note(ada);
+    _folder = std::make_unique<ContactFolder>(_home->path("disk/cards"));
+    _folder->rememberIn(memory);
+    QTest::qWait(50); // it has been looked for
+    QCOMPARE(_folder->state(), ContactStore::Absent);
+    const ContactRecordPtr known = _folder->recordForUniqueId("a");
+    QVERIFY(known);
+    QCOMPARE(known->lastName, "Lovelace");
+    QVERIFY(_folder->people().empty());
+
+    _home->write("disk/cards/b.vcf", personCard("b", "Bob"));
+    QVERIFY(awaitNames({"Bob"}));
+    QTRY_COMPARE_WITH_TIMEOUT(_folder->state(), ContactStore::Ready, patience);
+    QVERIFY(!_folder->recordForUniqueId("a"));
 }
 
 void ContactFolderTest::folderMayStartAtTheHome()
