@@ -93,6 +93,14 @@ QNetworkRequest requestFor(const QUrl &address)
     return request;
 }
 
+// A connection that ends early is not always told as an error.
+bool isWhole(const QNetworkReply &reply, qsizetype size)
+{
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    return reply.isFinished() && reply.error() == QNetworkReply::NoError &&
+           (!length.isValid() || size == length.toLongLong());
+}
+
 std::optional<QByteArray> fetch(const QUrl &address, const WebFetch::Limits &limits)
 {
     QNetworkAccessManager manager;
@@ -107,7 +115,7 @@ std::optional<QByteArray> fetch(const QUrl &address, const WebFetch::Limits &lim
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     QTimer::singleShot(limits.time, Qt::PreciseTimer, reply.get(), &QNetworkReply::abort);
     loop.exec(); // also ends with the application
-    return reply->isFinished() && reply->error() == QNetworkReply::NoError ? std::optional(contents) : std::nullopt;
+    return isWhole(*reply, contents.size()) ? std::optional(contents) : std::nullopt;
 }
 } // namespace
 
