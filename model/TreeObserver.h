@@ -43,5 +43,7 @@ public:
     virtual void moved(WayfoldBookmarkFolder & /*folder*/, const std::vector<int> & /*from*/) {}
     // All children are others now, in one step: those of lazy folders, which nobody has asked for yet, among them.
     virtual void replaced(WayfoldBookmarkFolder & /*folder*/) {}
+    // The item still has what it had. Not told of an appearance.
+    virtual void willChange(KDRBookmark & /*item*/, Field /*field*/) {}
     virtual void changed(KDRBookmark & /*item*/, Field /*field*/) {}
 };
