@@ -8,6 +8,7 @@
 #include "benchmarks/Figures.h"
 #include "benchmarks/GeneratedFiles.h"
 #include "benchmarks/Scale.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QApplication>

@@ -3,7 +3,6 @@
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
 #include "model/TextSearch.h"
-#include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/StringRules.h"
 
 #include <QUuid>
@@ -86,10 +85,16 @@ void KDRBookmark::setTimestamp(const CalendarDate &timestamp)
     _timestamp = timestamp.isValid() ? timestamp.toMSecsSinceEpoch() : noTimestamp;
 }
 
+WayfoldBookmarkFolderPtr KDRBookmark::parent() const
+{
+    const KDRBookmarkPtr parent = _parent.lock();
+    return parent ? parent->asFolder() : nullptr;
+}
+
 void KDRBookmark::setParent(const KDRBookmarkPtr &parent)
 {
-    if (const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(parent))
-        _parent = folder;
+    if (parent && parent->isFolder())
+        _parent = parent;
 }
 
 void KDRBookmark::setValue(const QVariant &value)
@@ -106,7 +111,7 @@ bool KDRBookmark::isChildOf(const KDRBookmarkPtr &item) const
 {
     if (!item)
         return false;
-    for (WayfoldBookmarkFolderPtr folder = parent(); folder; folder = folder->parent()) {
+    for (KDRBookmarkPtr folder = _parent.lock(); folder; folder = folder->_parent.lock()) {
         if (folder == item)
             return true;
     }
@@ -115,19 +120,19 @@ bool KDRBookmark::isChildOf(const KDRBookmarkPtr &item) const
 
 int KDRBookmark::childIsAtIndex() const
 {
-    const WayfoldBookmarkFolderPtr folder = parent();
+    const KDRBookmarkPtr folder = _parent.lock();
     return folder ? folder->indexOfChild(*this) : -1;
 }
 
 bool KDRBookmark::acceptsDroppedItems() const
 {
-    const WayfoldBookmarkFolderPtr folder = parent();
+    const KDRBookmarkPtr folder = _parent.lock();
     return !folder || folder->acceptsDroppedItems();
 }
 
 bool KDRBookmark::canBePersistent() const
 {
-    const WayfoldBookmarkFolderPtr folder = parent();
+    const KDRBookmarkPtr folder = _parent.lock();
     return !folder || folder->canBePersistent();
 }
 

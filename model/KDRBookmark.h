@@ -78,7 +78,7 @@ public:
     qint64 timestampInMilliseconds() const { return _timestamp; }
     void setTimestampInMilliseconds(qint64 timestamp) { _timestamp = timestamp; }
     // The folder that adopted this item last, whether or not it still holds it. None once that folder is gone.
-    std::shared_ptr<WayfoldBookmarkFolder> parent() const { return _parent.lock(); }
+    WayfoldBookmarkFolderPtr parent() const;
     // Anything but a folder, none included, is ignored: only another folder takes an item away from its parent.
     void setParent(const KDRBookmarkPtr &parent);
 
@@ -86,6 +86,8 @@ public:
     // The kind's English word; null when it has none.
     virtual QString typeDescription() const { return {}; }
     virtual bool isFolder() const { return false; }
+    // This item as a folder; none when it is not.
+    virtual WayfoldBookmarkFolderPtr asFolder() { return nullptr; }
     // What the item holds: a Url for links, a QString for notes and folders; invalid when the kind holds nothing.
     virtual QVariant value() const { return {}; }
     virtual QString valueAsString() const { return {}; }
@@ -100,6 +102,9 @@ public:
     bool isChildOf(const KDRBookmarkPtr &item) const;
     // The position in the parent; -1 without a parent, or when the parent no longer holds the item.
     int childIsAtIndex() const;
+    // The position among a folder's children of that very item, else of the first equal to it; -1 when there is
+    // neither.
+    virtual int indexOfChild(const KDRBookmark & /*child*/) const { return -1; }
 
     virtual bool acceptsDroppedItems() const;
     // Whether the item belongs into the item file.
@@ -162,6 +167,6 @@ private:
     mutable bool _isUUIDDue = false;
     // Of title and searched text; null until the item is searched for the first time.
     mutable QByteArray _searchForm;
-    std::weak_ptr<WayfoldBookmarkFolder> _parent;
+    std::weak_ptr<KDRBookmark> _parent;
     qint64 _timestamp = noTimestamp;
 };

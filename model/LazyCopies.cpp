@@ -5,6 +5,16 @@
 
 #include <algorithm>
 
+KDRBookmarkPtr LazyCopies::copyOf(const WayfoldBookmarkFolder &folder)
+{
+    if (folder.lazyChildren() && folder.lazyChildren()->copies())
+        return folder.copy();
+    WayfoldBookmarkFolderPtr copy = folder.copyWithoutChildren();
+    if (!folder.isEmpty())
+        copy->setLazyChildren(std::make_shared<LazyCopies>(folder.children()));
+    return copy;
+}
+
 LazyCopies::LazyCopies(std::vector<KDRBookmarkPtr> items)
     : _items(std::move(items))
     , _hasFolders(std::any_of(_items.begin(), _items.end(), [](const auto &item) { return item->isFolder(); }))
@@ -13,7 +23,7 @@ LazyCopies::LazyCopies(std::vector<KDRBookmarkPtr> items)
 KDRBookmarkPtr LazyCopies::makeChild(unsigned index, const WayfoldBookmarkFolderPtr &folder)
 {
     const WayfoldBookmarkFolderPtr original = WayfoldBookmarkFolder::fromItem(_items[index]);
-    KDRBookmarkPtr copy = original ? original->lazyCopy() : _items[index]->copy();
+    KDRBookmarkPtr copy = original ? copyOf(*original) : _items[index]->copy();
     copy->setParent(folder);
     return copy;
 }

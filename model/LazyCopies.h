@@ -7,6 +7,9 @@
 class LazyCopies : public LazyChildren
 {
 public:
+    // A copy of the folder whose children are such copies.
+    static KDRBookmarkPtr copyOf(const WayfoldBookmarkFolder &folder);
+
     explicit LazyCopies(std::vector<KDRBookmarkPtr> items);
 
     unsigned count() override { return unsigned(_items.size()); }

@@ -25,6 +25,7 @@ public:
     // Replaces the contents by copies of what the search string finds below `root`, folders left out.
     virtual void refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root);
 
+    bool isAutoFolder() const override { return true; }
     bool acceptsDroppedItems() const override { return false; }
     bool canBePersistent() const override { return false; }
     std::shared_ptr<Image> imageForCellSize(const QSizeF &size) override;

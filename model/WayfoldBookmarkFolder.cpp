@@ -5,16 +5,9 @@
 #include "model/ItemDialogs.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
-#include "model/LazyCopies.h"
+#include "model/ItemKinds.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
-#include "model/WayfoldBookmarkABGroup.h"
-#include "model/WayfoldBookmarkABPerson.h"
-#include "model/WayfoldBookmarkAutoFolder.h"
-#include "model/WayfoldBookmarkNote.h"
-#include "model/WayfoldBookmarkURL.h"
-#include "model/WayfoldHistoryAutoFolder.h"
-#include "model/WayfoldHistoryURL.h"
 #include "platform/base/Log.h"
 #include "platform/base/StringRules.h"
 #include "platform/files/PropertyList.h"
@@ -25,19 +18,6 @@ namespace
 {
 const QString filterStringCoderKey = QStringLiteral("_filterString");
 const QString childrenCoderKey = QStringLiteral("_children");
-
-bool isFolderType(const QString &type)
-{
-    return type == ItemDictionary::listType || type == QLatin1String("BookmarksBar") ||
-           type == QLatin1String("BookmarksMenu");
-}
-
-// The item, or none when nothing names it in a list.
-template <class Item>
-std::shared_ptr<Item> unlessUntitled(std::shared_ptr<Item> item)
-{
-    return item->title().isEmpty() ? nullptr : item;
-}
 
 // Most lists are sorted again and again and have little to move.
 template <class Item, class Compare>
@@ -144,7 +124,12 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::newViaDialog()
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::fromItem(const KDRBookmarkPtr &item)
 {
-    return item && item->isFolder() ? std::static_pointer_cast<WayfoldBookmarkFolder>(item) : nullptr;
+    return item ? item->asFolder() : nullptr;
+}
+
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::asFolder()
+{
+    return std::static_pointer_cast<WayfoldBookmarkFolder>(shared_from_this());
 }
 
 void WayfoldBookmarkFolder::init()
@@ -313,17 +298,11 @@ void WayfoldBookmarkFolder::setLazyChildren(const std::shared_ptr<LazyChildren> 
     _lazy = children;
 }
 
-KDRBookmarkPtr WayfoldBookmarkFolder::lazyCopy() const
+WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::copyWithoutChildren() const
 {
-    if (_lazy && _lazy->copies())
-        return copy();
-    KDRBookmarkPtr made = makeNew();
-    KDRBookmark::copyTo(*made);
-    auto &folder = static_cast<WayfoldBookmarkFolder &>(*made);
-    folder.setFilterString(filterString());
-    if (!isEmpty())
-        folder.setLazyChildren(std::make_shared<LazyCopies>(children()));
-    return made;
+    const KDRBookmarkPtr copy = makeNew();
+    copyFieldsTo(*copy);
+    return copy->asFolder();
 }
 
 const std::vector<KDRBookmarkPtr> &WayfoldBookmarkFolder::children() const
@@ -410,44 +389,30 @@ void WayfoldBookmarkFolder::addAutoFolders()
 {
     if (!WayfoldDefaults::sharedInstance().createAutoFolders())
         return;
-    const auto bookmarks = WayfoldBookmarkAutoFolder::bookmarkWithTitle(
-        WayfoldToolkit::localizedString(QStringLiteral("Related Bookmarks")));
-    const auto history =
-        WayfoldHistoryAutoFolder::bookmarkWithTitle(WayfoldToolkit::localizedString(QStringLiteral("Related History")));
-    bookmarks->setFilterString(filterString());
-    history->setFilterString(filterString());
-    addChild(bookmarks);
-    addChild(history);
+    for (const WayfoldBookmarkFolderPtr &folder : ItemKinds::current().autoFolders()) {
+        folder->setFilterString(filterString());
+        addChild(folder);
+    }
 }
 
 void WayfoldBookmarkFolder::removeAutoFolders()
 {
-    std::erase_if(ownChildren(),
-                  [](const KDRBookmarkPtr &item) { return dynamic_cast<const WayfoldAutoFolder *>(item.get()); });
+    std::erase_if(ownChildren(), [](const KDRBookmarkPtr &item) {
+        return item->isFolder() && static_cast<const WayfoldBookmarkFolder &>(*item).isAutoFolder();
+    });
 }
 
 void WayfoldBookmarkFolder::parseBookmarkDictionaryInsert(const QVariantMap &dictionary, bool insert)
 {
-    const QString type = ItemDictionary::string(dictionary, ItemDictionary::typeKey);
-    if (isFolderType(type)) {
-        if (insert)
-            addChild(unlessUntitled(bookmarkFromDictionary(dictionary)));
-        else
-            loadFromDictionary(dictionary);
-    } else if (type == ItemDictionary::leafType) {
-        addChild(unlessUntitled(WayfoldBookmarkURL::bookmarkFromDictionary(dictionary)));
-    } else if (type == ItemDictionary::noteType) {
-        addChild(unlessUntitled(WayfoldBookmarkNote::bookmarkFromDictionary(dictionary)));
-    } else if (type == ItemDictionary::personType) {
-        addChild(WayfoldBookmarkABPerson::bookmarkFromDictionary(dictionary)); // is never untitled
-    } else if (type == ItemDictionary::groupType) {
-        addChild(WayfoldBookmarkABGroup::bookmarkFromDictionary(dictionary));
-    }
+    if (!insert && ItemKinds::current().isFolder(dictionary))
+        loadFromDictionary(dictionary);
+    else
+        addChild(ItemKinds::current().itemFromDictionary(dictionary));
 }
 
 void WayfoldBookmarkFolder::parseHistoryDictionary(const QVariantMap &dictionary)
 {
-    addChild(unlessUntitled(WayfoldHistoryURL::bookmarkFromDictionary(dictionary)));
+    addChild(ItemKinds::current().itemFromHistoryDictionary(dictionary));
 }
 
 bool WayfoldBookmarkFolder::writeDictionaryFile(const QString &path) const
@@ -638,11 +603,16 @@ bool WayfoldBookmarkFolder::isSameKindAs(const KDRBookmark &other) const
     return other.isFolder();
 }
 
-void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
+void WayfoldBookmarkFolder::copyFieldsTo(KDRBookmark &copy) const
 {
     KDRBookmark::copyTo(copy);
+    static_cast<WayfoldBookmarkFolder &>(copy).setFilterString(filterString());
+}
+
+void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
+{
+    copyFieldsTo(copy);
     auto &folder = static_cast<WayfoldBookmarkFolder &>(copy);
-    folder.setFilterString(filterString());
     if (_lazy && (folder._lazy = _lazy->copies()))
         return;
     folder._children.reserve(children().size());

@@ -46,8 +46,8 @@ public:
     bool isEmpty() const { return _lazy ? _lazy->isEmpty() : _children.empty(); }
     // Gives an empty folder children that are made when they are asked for.
     void setLazyChildren(const std::shared_ptr<LazyChildren> &children);
-    // A copy whose children are copies made when they are asked for (see LazyCopies).
-    KDRBookmarkPtr lazyCopy() const;
+    // With all else that the folder has.
+    WayfoldBookmarkFolderPtr copyWithoutChildren() const;
     // Null when they are, or have become, ordinary ones.
     const std::shared_ptr<LazyChildren> &lazyChildren() const { return _lazy; }
     // The children that somebody may know: all but the lazy ones that nobody has asked for yet.
@@ -82,8 +82,7 @@ public:
     // The last child for an index past it; none when there are no children.
     KDRBookmarkPtr childAtIndex(unsigned index) const;
     KDRBookmarkPtr lastChild() const;
-    // The position of that very item, else of the first equal to it; -1 when there is neither.
-    int indexOfChild(const KDRBookmark &child) const;
+    int indexOfChild(const KDRBookmark &child) const override;
     // In one walk over the tree, this folder included: the first item of each identifier that is there.
     QHash<QString, KDRBookmarkPtr> itemsWithUUIDs(const QStringList &uuids);
     // The first direct child of exactly that title.
@@ -105,6 +104,9 @@ public:
     Type type() const override { return FolderType; }
     QString typeDescription() const override { return QStringLiteral("Subfolder"); }
     bool isFolder() const override { return true; }
+    WayfoldBookmarkFolderPtr asFolder() override;
+    // Whether it is a smart folder.
+    virtual bool isAutoFolder() const { return false; }
     QVariant value() const override { return title(); }
     QString valueAsString() const override { return title(); }
     KDRBookmarkPtr findByUUID(const QString &uuid) override;
@@ -141,6 +143,8 @@ private:
     const KDRBookmarkPtr &madeChild(unsigned index) const;
     std::vector<KDRBookmarkPtr> &ownChildren();
     void keepMadeFolders();
+    // All but the children.
+    void copyFieldsTo(KDRBookmark &copy) const;
     void walkFor(UUIDSearch &search);
     std::vector<KDRBookmarkPtr> itemsThatMayBe(const UUIDSearch &search);
 

@@ -5,8 +5,7 @@
 #include "model/ItemDialogs.h"
 #include "model/ItemDictionary.h"
 #include "model/ItemImages.h"
-#include "model/WayfoldBookmarkEmail.h"
-#include "model/WayfoldBookmarkFile.h"
+#include "model/ItemKinds.h"
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
 
@@ -14,9 +13,9 @@
 
 namespace
 {
-bool isMailAddress(const Url &url)
+Url addressIn(const QVariantMap &dictionary)
 {
-    return url.scheme() == QLatin1String("mailto");
+    return Url::URLWithString(ItemDictionary::string(dictionary, ItemDictionary::urlStringKey));
 }
 
 std::shared_ptr<Image> siteIconForAddress(const QString &address)
@@ -52,11 +51,7 @@ WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitle(const QString &title
 
 WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitleAndURL(const QString &title, const Url &url)
 {
-    if (url.isFileURL())
-        return WayfoldBookmarkFile::bookmarkWithTitleAndURL(title, url);
-    if (isMailAddress(url))
-        return WayfoldBookmarkEmail::bookmarkWithTitleAndURL(title, url);
-    auto link = std::make_shared<WayfoldBookmarkURL>();
+    WayfoldBookmarkURLPtr link = ItemKinds::current().linkForURL(url);
     link->setTitle(title);
     link->setURL(url);
     return link;
@@ -64,12 +59,8 @@ WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkWithTitleAndURL(const QString 
 
 WayfoldBookmarkURLPtr WayfoldBookmarkURL::bookmarkFromDictionary(const QVariantMap &dictionary)
 {
-    auto link = std::make_shared<WayfoldBookmarkURL>(Blank());
+    WayfoldBookmarkURLPtr link = ItemKinds::current().linkForURL(addressIn(dictionary));
     link->loadFromDictionary(dictionary);
-    if (link->_url.isFileURL())
-        return WayfoldBookmarkFile::bookmarkFromDictionary(dictionary);
-    if (isMailAddress(link->_url))
-        return WayfoldBookmarkEmail::bookmarkFromDictionary(dictionary);
     return link;
 }
 
@@ -107,7 +98,7 @@ void WayfoldBookmarkURL::loadFromDictionary(const QVariantMap &dictionary)
 {
     using namespace ItemDictionary;
     const QVariantMap uriDictionary = ItemDictionary::dictionary(dictionary, uriDictionaryKey);
-    initWithTitleAndURL(string(uriDictionary, uriTitleKey), Url::URLWithString(string(dictionary, urlStringKey)));
+    initWithTitleAndURL(string(uriDictionary, uriTitleKey), addressIn(dictionary));
     const QString storedUUID = string(dictionary, uuidKey);
     if (!storedUUID.isEmpty())
         setUUID(storedUUID);

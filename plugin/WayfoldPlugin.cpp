@@ -2,7 +2,7 @@
 
 #include "core/KDRDrawerBundle.h"
 #include "drawer/DrawerRoom.h"
-#include "model/ItemClasses.h"
+#include "model/ItemCodec.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/PlatformNotifications.h"
@@ -11,7 +11,7 @@
 HostObserver *WayfoldPlugin::load(HostApplication *host)
 {
     setCurrentHost(host);
-    registerItemClasses();
+    ItemCodec::install();
     installDrawerRoom();
     _contacts = std::make_unique<ContactSource>();
     NotificationCenter::defaultCenter().addObserver(

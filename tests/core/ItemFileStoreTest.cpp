@@ -3,6 +3,7 @@
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldBookmarkNote.h"
 #include "tests/platform/StatusChange.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/LoggedMessages.h"
 #include "tests/support/TemporaryHome.h"
 

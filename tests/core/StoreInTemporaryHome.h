@@ -9,6 +9,7 @@
 #include "platform/files/UserDefaults.h"
 #include "tests/core/FakeSiteDrawer.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QtTest>

@@ -15,6 +15,7 @@
 #include "platform/files/UserDefaults.h"
 #include "platform/widgets/Workspace.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QtTest>

@@ -3,6 +3,7 @@
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/PropertyList.h"
 #include "tests/fuzz/FuzzedFile.h"
+#include "tests/support/InstalledKinds.h"
 
 #include <algorithm>
 

@@ -6,6 +6,7 @@
 #include "model/HistoryRecords.h"
 #include "model/TextSearch.h"
 #include "model/WayfoldHistoryURL.h"
+#include "tests/support/InstalledKinds.h"
 
 #include <QRandomGenerator>
 #include <QTest>

@@ -18,6 +18,7 @@
 #include "platform/widgets/Workspace.h"
 #include "tests/core/FakeSiteDrawer.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/MemoryContacts.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -7,6 +7,7 @@
 #include "model/WayfoldHistoryURL.h"
 #include "platform/files/PropertyList.h"
 #include "platform/files/XmlPropertyListReader.h"
+#include "tests/support/InstalledKinds.h"
 
 #include <QFile>
 #include <optional>

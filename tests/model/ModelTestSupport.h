@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/settings/WayfoldDefaults.h"
-#include "model/ItemClasses.h"
 #include "model/ItemDialogs.h"
 #include "model/ItemImages.h"
 #include "model/SmartFolderSources.h"
@@ -11,6 +10,7 @@
 #include "model/WayfoldBookmarkNote.h"
 #include "model/WayfoldHistoryURL.h"
 #include "platform/files/UserDefaults.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QLocale>
@@ -25,7 +25,6 @@ public:
         UserDefaults::standardUserDefaults().reset();
         WayfoldDefaults::sharedInstance().loadDefaults();
         ItemImages::reset();
-        registerItemClasses();
     }
     ~FreshHome()
     {
