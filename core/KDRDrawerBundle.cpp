@@ -119,6 +119,7 @@ void KDRDrawerBundle::start()
         this, [this](const Notification &notification) { checkSafariFiles(notification); },
         Notifications::TagSafariFilesNotification);
 
+    followSettings();
     installHooks();
     tagSafariFiles();
 
@@ -127,6 +128,19 @@ void KDRDrawerBundle::start()
         tagSafariFilesNextEvent();
     });
     _timer.start(betweenChecks);
+}
+
+void KDRDrawerBundle::followSettings()
+{
+    SettingsFollower::Reactions reactions;
+    reactions.reloadLists = [this] { updateAllDrawerContentsExceptFor(nullptr); };
+    reactions.regroupHistory = [this] {
+        WayfoldToolkit::postDelayedNotificationNameObject(Notifications::SafariHistoryFileModNotification, this);
+    };
+    reactions.addSmartFolders = [this] { addSmartFoldersToTopLevel(); };
+    reactions.removeSmartFolders = [this] { removeSmartFoldersFromTopLevel(); };
+    reactions.showShortcuts = [this] { showStoredShortcuts(); };
+    _settingsFollower.emplace(std::move(reactions));
 }
 
 void KDRDrawerBundle::installHooks()

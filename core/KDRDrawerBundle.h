@@ -2,6 +2,7 @@
 
 #include "core/ItemFileStore.h"
 #include "core/Retries.h"
+#include "core/SettingsFollower.h"
 #include "model/BookmarkReader.h"
 #include "model/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
@@ -167,6 +168,8 @@ private:
 
     void start();
     void installHooks();
+    void followSettings();
+    void showStoredShortcuts();
     void takeAway(const ItemPtr &item);
 
     QPointer<QWidget> _menuInterface; // holds both containers
@@ -190,4 +193,5 @@ private:
     bool _prefsWindowOpen = false;
     QMenu *_wayfoldMenu = nullptr;
     QTimer _timer;
+    std::optional<SettingsFollower> _settingsFollower;
 };

@@ -145,15 +145,19 @@ QMenu *submenuOfFirstItem(const QMenu *container)
 }
 
 // Tags are numbered from 0; the first that is missing ends the list.
-void applyStoredShortcuts(const QMenu *menu)
+void forEachStoredShortcut(const QMenu *menu, const std::function<void(QAction *, const QString &, unsigned)> &visit)
 {
     const WayfoldDefaults &settings = WayfoldDefaults::sharedInstance();
-    for (unsigned tag = 0; QAction *item = MenuItem::itemWithTag(menu, int(tag)); ++tag) {
-        const QString key = settings.shortcutKeyForItem(tag);
-        const unsigned modifierMask = settings.shortcutModifierMaskForItem(tag);
+    for (unsigned tag = 0; QAction *item = MenuItem::itemWithTag(menu, int(tag)); ++tag)
+        visit(item, settings.shortcutKeyForItem(tag), settings.shortcutModifierMaskForItem(tag));
+}
+
+void applyStoredShortcuts(const QMenu *menu)
+{
+    forEachStoredShortcut(menu, [](QAction *item, const QString &key, unsigned modifierMask) {
         if (!key.isEmpty() && modifierMask != 0)
             MenuItem::setKeyEquivalent(item, key, modifierMask);
-    }
+    });
 }
 
 void setTargetOfItems(const QMenu *menu, MenuItemTarget *target)
@@ -207,6 +211,17 @@ void KDRDrawerBundle::loadMenuAdditions()
     new MenuKeyFilter(_wayfoldMenu);
     setTargetOfItems(_mainMenuRef, this);
     moveIntoMainMenu(_mainMenuRef);
+}
+
+// Those that were taken away, too.
+void KDRDrawerBundle::showStoredShortcuts()
+{
+    if (!_wayfoldMenu)
+        return;
+    forEachStoredShortcut(_wayfoldMenu, [](QAction *item, const QString &key, unsigned modifierMask) {
+        const bool hasShortcut = !key.isEmpty() && modifierMask != 0;
+        MenuItem::setKeyEquivalent(item, hasShortcut ? key : QStringLiteral(""), hasShortcut ? modifierMask : 0);
+    });
 }
 
 bool KDRDrawerBundle::validateMenuItem(QAction *item)

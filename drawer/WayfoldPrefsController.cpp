@@ -514,6 +514,9 @@ void WayfoldPrefsController::observeWindow()
                                 PlatformNotifications::kABDatabaseChangedExternallyNotification})
         NotificationCenter::defaultCenter().addObserver(
             this, [this](const Notification & /*notification*/) { showContactsInUse(); }, name);
+    NotificationCenter::defaultCenter().addObserver(
+        this, [this](const Notification & /*notification*/) { showSettings(); },
+        WayfoldDefaults::changedElsewhereNotification);
 }
 
 // What belongs to a window does not come to the front in its place. Nor does no window at all: another application is

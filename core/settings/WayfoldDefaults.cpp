@@ -1,6 +1,9 @@
 #include "core/settings/WayfoldDefaults.h"
 
+#include "core/settings/SettingKeys.h"
+#include "core/settings/WayfoldToolkit.h"
 #include "platform/base/StringRules.h"
+#include "platform/files/DictionaryMerge.h"
 #include "platform/files/UserDefaults.h"
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
@@ -11,27 +14,13 @@
 #include <QFontInfo>
 #include <limits>
 
+using namespace SettingKeys;
+
 const QString WayfoldDefaults::domainName = QStringLiteral("org.wayfold.Wayfold");
+const QString WayfoldDefaults::changedElsewhereNotification = QStringLiteral("SettingsChangedElsewhereNotification");
 
 namespace
 {
-const QString DefaultDrawerContentWidth = QStringLiteral("WayfoldDefaultDrawerContentWidth");
-const QString AutoFocusOnSiteChange = QStringLiteral("WayfoldAutoFocusOnSiteChange");
-const QString ShowBookmarkIcons = QStringLiteral("WayfoldShowBookmarkIcons");
-const QString OpenDrawerForKnownSite = QStringLiteral("WayfoldOpenDrawerForKnownSite");
-const QString OpenDrawerOnNewWindow = QStringLiteral("WayfoldOpenDrawerOnNewWindow");
-const QString CloseDrawerForUnknownSite = QStringLiteral("WayfoldCloseDrawerForUnknownSite");
-const QString HistoryGroupingKey = QStringLiteral("WayfoldHistoryGroupingKey");
-const QString ListViewFontName = QStringLiteral("WayfoldListViewFontName");
-const QString ListViewFontSize = QStringLiteral("WayfoldListViewFontSize");
-const QString ConfirmItemDelete = QStringLiteral("WayfoldConfirmItemDelete");
-const QString MenuItemShortcuts = QStringLiteral("WayfoldMenuItemShortcuts");
-const QString DefaultFirstTab = QStringLiteral("WayfoldDefaultFirstTab");
-const QString CreateAutoFolders = QStringLiteral("WayfoldCreateAutoFolders");
-const QString ShowFavIcons = QStringLiteral("WayfoldShowFavIcons");
-const QString SourceOfContacts = QStringLiteral("WayfoldContactSource");
-const QString FolderOfContacts = QStringLiteral("WayfoldContactFolder");
-
 // The forms in which settings are stored, the same that a property list gives back.
 const QVariant storedOff = qlonglong(0);
 const QVariant storedOn = qlonglong(1);
@@ -175,6 +164,11 @@ WayfoldDefaults &WayfoldDefaults::sharedInstance()
     static WayfoldDefaults *const instance = [] {
         auto *defaults = new WayfoldDefaults;
         defaults->loadDefaults();
+        UserDefaults *store = &UserDefaults::standardUserDefaults();
+        QObject::connect(store, &UserDefaults::domainChangedElsewhere, store, [defaults](const QString &name) {
+            if (name == domainName)
+                defaults->followDomain();
+        });
         return defaults;
     }();
     return *instance;
@@ -183,7 +177,12 @@ WayfoldDefaults &WayfoldDefaults::sharedInstance()
 void WayfoldDefaults::loadDefaults()
 {
     _prefs = UserDefaults::standardUserDefaults().persistentDomainForName(domainName);
+    fillInDefaults();
+    writeDefaults();
+}
 
+void WayfoldDefaults::fillInDefaults()
+{
     setDefaultForKey(250.0, DefaultDrawerContentWidth);
     setDefaultForKey(storedOff, AutoFocusOnSiteChange);
     setDefaultForKey(storedOn, ShowBookmarkIcons);
@@ -204,7 +203,6 @@ void WayfoldDefaults::loadDefaults()
     setDefaultForKey(QStringLiteral("0"), DefaultFirstTab);
     setDefaultForKey(storedOn, CreateAutoFolders);
     setDefaultForKey(_prefs.value(ShowBookmarkIcons), ShowFavIcons);
-    writeDefaults();
 }
 
 void WayfoldDefaults::writeDefaults()
@@ -212,6 +210,30 @@ void WayfoldDefaults::writeDefaults()
     UserDefaults &store = UserDefaults::standardUserDefaults();
     store.removePersistentDomainForName(domainName);
     store.setPersistentDomainForName(_prefs, domainName);
+    _domain = _prefs;
+}
+
+// Shortcuts that only the host has yet stay as they are here. Nothing is written: the others would have to follow.
+void WayfoldDefaults::followDomain()
+{
+    const QVariantMap before = _prefs;
+    const QVariantMap domain = UserDefaults::standardUserDefaults().persistentDomainForName(domainName);
+    _prefs = mergedDictionary(_domain, _prefs, domain);
+    _domain = domain;
+    fillInDefaults();
+    QVariantMap known = before;
+    known.insert(_prefs);
+    for (auto entry = known.cbegin(); entry != known.cend(); ++entry) {
+        if (before.value(entry.key()) != _prefs.value(entry.key()))
+            _keysChangedElsewhere.insert(entry.key());
+    }
+    if (!_keysChangedElsewhere.isEmpty())
+        WayfoldToolkit::postNotificationNameObject(changedElsewhereNotification, this);
+}
+
+QSet<QString> WayfoldDefaults::takeKeysChangedElsewhere()
+{
+    return std::exchange(_keysChangedElsewhere, {});
 }
 
 bool WayfoldDefaults::autoFocusOnSiteChange() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFont>
+#include <QSet>
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
@@ -13,6 +14,9 @@ class WayfoldDefaults
 public:
     // The domain's name.
     static const QString domainName;
+    // Posted as soon as possible after another process has changed settings, which count here already; object: the one
+    // instance.
+    static const QString changedElsewhereNotification;
 
     // The one instance; the first call loads it.
     static WayfoldDefaults &sharedInstance();
@@ -20,6 +24,9 @@ public:
     // Reads the domain, fills in a default for whatever it lacks, and writes it back. May be called again.
     void loadDefaults();
     void writeDefaults();
+    // The keys (see SettingKeys) of what other processes have changed since this was last asked. The store asks, and
+    // has the lists, the menu and the contacts follow.
+    QSet<QString> takeKeysChangedElsewhere();
 
     // On only when the stored value is exactly 1 (as a number or as text).
     bool autoFocusOnSiteChange() const;
@@ -91,6 +98,8 @@ public:
 private:
     WayfoldDefaults() = default;
 
+    void fillInDefaults();
+    void followDomain();
     void setDefaultForKey(const QVariant &value, const QString &key);
     float floatForKey(const QString &key) const;
     bool boolForKey(const QString &key) const;
@@ -104,4 +113,7 @@ private:
 
     // Every setting by its key, the shortcut table among them.
     QVariantMap _prefs;
+    // The domain as it was last read or written.
+    QVariantMap _domain;
+    QSet<QString> _keysChangedElsewhere;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/base/Log.h"
 #include "platform/files/DiskFlush.h"
+#include "platform/files/Paths.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,16 +19,6 @@
 namespace
 {
 constexpr char ending[] = ".saving-";
-
-// The path of what the last of the links leads to, be it there or not.
-QString behindLinks(const QString &path)
-{
-    constexpr int mostLinks = 40; // the system follows no more; they may go round in a ring
-    QFileInfo file(path);
-    for (int links = 0; links < mostLinks && file.isSymLink(); ++links)
-        file = QFileInfo(file.symLinkTarget());
-    return file.filePath();
-}
 
 bool writeAll(QFile &file, const QByteArray &contents)
 {
@@ -66,7 +57,7 @@ QString replaceFile(const QString &path, const QByteArray &contents)
 
     // Where the file system has files without a name, this one gets its name when it is asked for: a save that is cut
     // off before leaves nothing behind.
-    const QString target = behindLinks(path);
+    const QString target = Paths::behindLinks(path);
     QTemporaryFile file(target + QLatin1String(ending) + QLatin1String("XXXXXX"));
     if (!file.open())
         return file.errorString();
@@ -87,7 +78,7 @@ QString replaceFile(const QString &path, const QByteArray &contents)
 
 void removeAbandonedSaves(const QString &path)
 {
-    const QFileInfo target(behindLinks(path));
+    const QFileInfo target(Paths::behindLinks(path));
     const QRegularExpression form(QRegularExpression::anchoredPattern(
         QRegularExpression::escape(target.fileName() + QLatin1String(ending)) + QLatin1String("[A-Za-z]{6}")));
     const QFileInfoList files = target.dir().entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);

@@ -1,6 +1,7 @@
 #include "platform/files/Paths.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 QString Paths::homeDirectory()
 {
@@ -27,4 +28,13 @@ QString Paths::standardized(const QString &path)
     while (clean.startsWith(QLatin1String("/../")))
         clean.remove(0, 3);
     return clean == QLatin1String("/..") ? QStringLiteral("/") : clean;
+}
+
+QString Paths::behindLinks(const QString &path)
+{
+    constexpr int mostLinks = 40; // the system follows no more; they may go round in a ring
+    QFileInfo file(path);
+    for (int links = 0; links < mostLinks && file.isSymLink(); ++links)
+        file = QFileInfo(file.symLinkTarget());
+    return file.filePath();
 }

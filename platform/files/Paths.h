@@ -11,4 +11,6 @@ QString homeDirectory();
 QString expandingTilde(const QString &path);
 // The tilde expanded, "." and ".." and doubled slashes resolved by text alone (links are not followed).
 QString standardized(const QString &path);
+// The path of what the last of the links leads to, be it there or not; the path itself where there is no link.
+QString behindLinks(const QString &path);
 } // namespace Paths

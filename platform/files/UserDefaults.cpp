@@ -1,6 +1,8 @@
 #include "platform/files/UserDefaults.h"
 
 #include "platform/base/Log.h"
+#include "platform/files/DictionaryMerge.h"
+#include "platform/files/FileLock.h"
 #include "platform/files/FileReplacement.h"
 #include "platform/files/KeptCopy.h"
 #include "platform/files/Paths.h"
@@ -11,10 +13,15 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace std::chrono_literals;
+
 namespace
 {
-constexpr int writeDelay = 500;       // milliseconds
-constexpr int retryDelay = 30 * 1000; // after a write that failed
+constexpr auto writeDelay = 500ms;
+constexpr auto delayAfterBusyLock = 250ms;
+constexpr auto delayAfterFailure = 30s;
+constexpr auto betweenLooks = 1s;
+constexpr auto patienceAtTheEnd = 500ms; // with others' locks
 
 QString pathOfDomain(const QString &name)
 {
@@ -32,11 +39,12 @@ UserDefaults::UserDefaults()
 {
     _writeTimer.setSingleShot(true);
     connect(&_writeTimer, &QTimer::timeout, this, &UserDefaults::synchronize);
+    connect(&_lookTimer, &QTimer::timeout, this, &UserDefaults::lookForChanges);
 }
 
 UserDefaults::~UserDefaults()
 {
-    synchronize();
+    writeBeforeTheEnd();
 }
 
 QVariantMap UserDefaults::persistentDomainForName(const QString &name)
@@ -61,17 +69,55 @@ bool UserDefaults::hasPersistentDomainForName(const QString &name)
 
 bool UserDefaults::synchronize()
 {
+    QStringList changedElsewhere;
+    const WriteResult result = writeChanges(&changedElsewhere, std::nullopt);
+    if (result != Written && QCoreApplication::instance() && !QCoreApplication::closingDown())
+        _writeTimer.start(result == Busy ? delayAfterBusyLock : delayAfterFailure);
+    tell(changedElsewhere);
+    return result == Written;
+}
+
+// Of the results of several domains, the one counts that is to be tried again the soonest.
+UserDefaults::WriteResult UserDefaults::writeChanges(QStringList *changedElsewhere,
+                                                     std::optional<QDeadlineTimer> lastMoment)
+{
     _writeTimer.stop();
-    bool isAllWritten = true;
+    WriteResult result = Written;
     for (auto domain = _domains.begin(); domain != _domains.end(); ++domain) {
         if (!domain->isChanged)
             continue;
-        domain->isChanged = !writeDomain(*domain, domain.key());
-        isAllWritten = isAllWritten && !domain->isChanged;
+        const QVariantMap before = domain->values;
+        const WriteResult written = writeDomain(*domain, domain.key(), lastMoment);
+        if (written != Written && result != Busy)
+            result = written;
+        if (domain->values != before)
+            changedElsewhere->append(domain->name);
     }
-    if (!isAllWritten && QCoreApplication::instance() && !QCoreApplication::closingDown())
-        _writeTimer.start(retryDelay);
-    return isAllWritten;
+    return result;
+}
+
+// Nobody is told any more. A lock that is still held then is passed over: the file is replaced whole, and what its
+// holder is about to write is a smaller loss than what the user has set here.
+void UserDefaults::writeBeforeTheEnd()
+{
+    QStringList changedElsewhere;
+    writeChanges(&changedElsewhere, QDeadlineTimer(patienceAtTheEnd));
+}
+
+void UserDefaults::lookForChanges()
+{
+    QStringList changed;
+    for (auto domain = _domains.begin(); domain != _domains.end(); ++domain) {
+        if (readAgain(*domain, domain.key()))
+            changed.append(domain->name);
+    }
+    tell(changed);
+}
+
+void UserDefaults::tell(const QStringList &changedElsewhere)
+{
+    for (const QString &name : changedElsewhere)
+        Q_EMIT domainChangedElsewhere(name);
 }
 
 void UserDefaults::reset()
@@ -88,11 +134,34 @@ UserDefaults::Domain &UserDefaults::domainNamed(const QString &name)
         return *known;
     removeAbandonedSaves(path);
     Domain domain;
-    PropertyList::Reading reading;
-    domain.values = PropertyList::readDictionaryFile(path, &reading);
-    domain.exists = reading.ok;
-    domain.mustKeepFile = !reading.isWhole && QFileInfo::exists(path);
+    domain.name = name;
+    readAgain(domain, path);
+    if (QCoreApplication::instance() && !_lookTimer.isActive())
+        _lookTimer.start(betweenLooks);
     return *_domains.insert(path, domain);
+}
+
+bool UserDefaults::readAgain(Domain &domain, const QString &path)
+{
+    const std::optional<FileStamp> stamp = FileStamp::ofFile(path);
+    if (stamp && domain.stamp && stamp->hasContentsOf(*domain.stamp))
+        return false;
+    domain.stamp = stamp;
+    domain.mustKeepFile = false;
+    if (!stamp)
+        return false;
+    PropertyList::Reading reading;
+    const QVariantMap theirs = PropertyList::readDictionaryFile(path, &reading);
+    domain.mustKeepFile = !reading.isWhole;
+    if (reading.isPassing)
+        domain.stamp.reset(); // to be read at the next look
+    if (!reading.ok)
+        return false;
+    const QVariantMap before = domain.values;
+    domain.values = mergedDictionary(domain.known, domain.values, theirs);
+    domain.known = theirs;
+    domain.exists = domain.isChanged ? domain.exists || !domain.values.isEmpty() : true;
+    return domain.values != before;
 }
 
 void UserDefaults::setDomain(const QVariantMap &values, bool exists, const QString &name)
@@ -104,26 +173,44 @@ void UserDefaults::setDomain(const QVariantMap &values, bool exists, const QStri
     QCoreApplication *application = QCoreApplication::instance();
     if (!application)
         return; // written when this goes
-    connect(application, &QCoreApplication::aboutToQuit, this, &UserDefaults::synchronize, Qt::UniqueConnection);
-    if (!_writeTimer.isActive() || _writeTimer.remainingTime() > writeDelay)
+    connect(application, &QCoreApplication::aboutToQuit, this, &UserDefaults::writeBeforeTheEnd, Qt::UniqueConnection);
+    if (!_writeTimer.isActive() || _writeTimer.remainingTimeAsDuration() > writeDelay)
         _writeTimer.start(writeDelay);
 }
 
-bool UserDefaults::writeDomain(Domain &domain, const QString &path)
+UserDefaults::WriteResult UserDefaults::writeDomain(Domain &domain, const QString &path,
+                                                    std::optional<QDeadlineTimer> lastMoment)
+{
+    if (domain.exists && !QDir().mkpath(QFileInfo(path).path())) {
+        qCWarning(logFiles).noquote() << "Could not make the folder of" << path;
+        return Failed;
+    }
+    FileLock lock(path);
+    const auto patience = lastMoment ? std::chrono::milliseconds(lastMoment->remainingTime()) : 0ms;
+    if (lock.lockWithin(patience) == FileLock::Busy) {
+        if (!lastMoment)
+            return Busy;
+        qCWarning(logFiles).noquote() << "Writing" << path << "although another process has it locked";
+    }
+    readAgain(domain, path);
+    if (!replaceFileOf(domain, path))
+        return Failed;
+    domain.isChanged = false;
+    domain.known = domain.values;
+    domain.stamp = FileStamp::ofFile(path);
+    return Written;
+}
+
+bool UserDefaults::replaceFileOf(Domain &domain, const QString &path)
 {
     if (domain.mustKeepFile && keepCopyOfFile(path).isNull())
         return false;
     domain.mustKeepFile = false;
-    if (!domain.exists) {
-        QFile file(path);
-        if (!file.exists() || file.remove())
-            return true;
-        qCWarning(logFiles).noquote() << "Could not remove" << path << "-" << file.errorString();
-        return false;
-    }
-    if (!QDir().mkpath(QFileInfo(path).path())) {
-        qCWarning(logFiles).noquote() << "Could not make the folder of" << path;
-        return false;
-    }
-    return PropertyList::writeFile(domain.values, path);
+    if (domain.exists)
+        return PropertyList::writeFile(domain.values, path);
+    QFile file(path);
+    if (!file.exists() || file.remove())
+        return true;
+    qCWarning(logFiles).noquote() << "Could not remove" << path << "-" << file.errorString();
+    return false;
 }

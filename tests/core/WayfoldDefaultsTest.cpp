@@ -1,9 +1,11 @@
 #include "core/settings/WayfoldDefaults.h"
 
+#include "platform/base/NotificationCenter.h"
 #include "platform/files/PropertyList.h"
 #include "platform/files/UserDefaults.h"
 #include "platform/widgets/MenuItem.h"
 #include "tests/support/FakeHost.h"
+#include "tests/support/OtherProcess.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QFontDatabase>
@@ -167,6 +169,13 @@ private Q_SLOTS:
     void hostBoolean();
     void hostObject();
     void noHostHasNoSettings();
+
+    void changeByAnotherProcessCounts();
+    void changeByAnotherProcessIsTold();
+    void changeByAnotherProcessIsNotWrittenOver();
+    void settingThatAnotherProcessTookAwayHasItsDefault();
+    void shortcutOfAnotherProcessCounts();
+    void shortcutThatOnlyTheHostHasStays();
 
 private:
     std::optional<TemporaryHome> _home;
@@ -760,6 +769,103 @@ void WayfoldDefaultsTest::noHostHasNoSettings()
 {
     QVERIFY(!WayfoldDefaults::fetchPrefObjectForKey(QStringLiteral("TabbedBrowsing")).isValid());
     QVERIFY(!WayfoldDefaults::tabbedBrowsingEnabled());
+}
+
+void WayfoldDefaultsTest::changeByAnotherProcessCounts()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    OtherProcess::changeSetting(QStringLiteral("WayfoldConfirmItemDelete"), qlonglong(0));
+    QVERIFY(defaults().confirmItemDelete());
+    QTRY_VERIFY(!defaults().confirmItemDelete()); // by itself
+    // Also what is found when something else is written.
+    OtherProcess::changeSetting(QStringLiteral("WayfoldAutoFocusOnSiteChange"), qlonglong(1));
+    defaults().setCreateAutoFolders(false);
+    QVERIFY(store.synchronize());
+    QVERIFY(defaults().autoFocusOnSiteChange());
+}
+
+void WayfoldDefaultsTest::changeByAnotherProcessIsTold()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    defaults().takeKeysChangedElsewhere();
+    int told = 0;
+    NotificationCenter::defaultCenter().addObserver(
+        &told, [&told](const Notification &notification) { told += notification.object == &defaults() ? 1 : 0; },
+        WayfoldDefaults::changedElsewhereNotification);
+    defaults().setConfirmItemDelete(false);
+    QVERIFY(store.synchronize());
+    store.lookForChanges();
+    QVERIFY(defaults().takeKeysChangedElsewhere().isEmpty());
+
+    OtherProcess::changeSetting(QStringLiteral("WayfoldListViewFontSize"), 20.0);
+    OtherProcess::changeSetting(QStringLiteral("WayfoldListViewFontName"), QStringLiteral("Serif"));
+    OtherProcess::changeSetting(QStringLiteral("SomethingOfAnotherVersion"), 1);
+    store.lookForChanges();
+    QTRY_COMPARE(told, 1);
+    NotificationCenter::defaultCenter().removeObserver(&told);
+    QCOMPARE(defaults().takeKeysChangedElsewhere(),
+             (QSet<QString>{QStringLiteral("WayfoldListViewFontSize"), QStringLiteral("WayfoldListViewFontName"),
+                            QStringLiteral("SomethingOfAnotherVersion")}));
+    QVERIFY(defaults().takeKeysChangedElsewhere().isEmpty());
+    QCOMPARE(defaults().listViewFontSize(), 20.0F);
+}
+
+void WayfoldDefaultsTest::changeByAnotherProcessIsNotWrittenOver()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    OtherProcess::changeSetting(QStringLiteral("WayfoldConfirmItemDelete"), qlonglong(0));
+    defaults().setDefaultDrawerContentWidth(300); // before anybody has looked at the file
+    QVERIFY(store.synchronize());
+    defaults().setShowFavicons(false);
+    QVERIFY(store.synchronize());
+    UserDefaults later;
+    const QVariantMap stored = later.persistentDomainForName(WayfoldDefaults::domainName);
+    QCOMPARE(stored.value(QStringLiteral("WayfoldConfirmItemDelete")), QVariant(0));
+    QCOMPARE(stored.value(QStringLiteral("WayfoldDefaultDrawerContentWidth")), QVariant(300.0));
+    QCOMPARE(stored.value(QStringLiteral("WayfoldShowFavIcons")), QVariant(0));
+}
+
+void WayfoldDefaultsTest::settingThatAnotherProcessTookAwayHasItsDefault()
+{
+    defaults().setListViewFontSize(20);
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    OtherProcess::changeSetting(QStringLiteral("WayfoldListViewFontSize"), QVariant());
+    store.lookForChanges();
+    QCOMPARE(defaults().listViewFontSize(), 12.0F);
+}
+
+void WayfoldDefaultsTest::shortcutOfAnotherProcessCounts()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 4);
+    defaults().writeDefaults();
+    QVariantMap theirs = WayfoldDefaults::defaultMenuItemShortcuts();
+    theirs.insert(QStringLiteral("5_KEY"), QStringLiteral("F"));
+    OtherProcess::changeSetting(shortcutsKey, theirs);
+    QVERIFY(store.synchronize());
+    QCOMPARE(defaults().shortcutKeyForItem(4), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutKeyForItem(5), QStringLiteral("F"));
+}
+
+void WayfoldDefaultsTest::shortcutThatOnlyTheHostHasStays()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    defaults().setShortcutKeyForItem(QStringLiteral("P"), 4); // leaves the domain alone
+    QVariantMap theirs = WayfoldDefaults::defaultMenuItemShortcuts();
+    theirs.insert(QStringLiteral("5_KEY"), QStringLiteral("F"));
+    OtherProcess::changeSetting(shortcutsKey, theirs);
+    store.lookForChanges();
+    QCOMPARE(defaults().shortcutKeyForItem(4), QStringLiteral("P"));
+    QCOMPARE(defaults().shortcutKeyForItem(5), QStringLiteral("F"));
+    QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("4_KEY")).toString(), QStringLiteral("O"));
+    defaults().setConfirmItemDelete(false);
+    QCOMPARE(domain().value(shortcutsKey).toMap().value(QStringLiteral("4_KEY")).toString(), QStringLiteral("P"));
 }
 
 QTEST_MAIN(WayfoldDefaultsTest)

@@ -11,6 +11,7 @@
 #include "platform/widgets/MenuItem.h"
 #include "tests/drawer/DrawerStage.h"
 #include "tests/support/MemoryContacts.h"
+#include "tests/support/OtherProcess.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -181,6 +182,8 @@ private Q_SLOTS:
     void closingClosesTheFontPanel();
     void windowOfTheDrawerMayGo();
     void missingInterfaceFile();
+
+    void settingsOfAnotherProcessAreShown();
 
     // For everybody
     void controlsAreNamed();
@@ -1463,6 +1466,21 @@ void WayfoldPrefsControllerTest::missingInterfaceFile()
 }
 
 // ---- For everybody
+
+void WayfoldPrefsControllerTest::settingsOfAnotherProcessAreShown()
+{
+    UserDefaults &store = UserDefaults::standardUserDefaults();
+    QVERIFY(store.synchronize());
+    _window = open();
+    QVERIFY(button("confirmDeletesField")->isChecked());
+    OtherProcess::changeSetting(QStringLiteral("WayfoldConfirmItemDelete"), qlonglong(0));
+    OtherProcess::changeSetting(QStringLiteral("WayfoldHistoryGroupingKey"), QStringLiteral("2"));
+    store.lookForChanges();
+    QTRY_VERIFY(!button("confirmDeletesField")->isChecked());
+    QCOMPARE(selectedTag("historyGroupingOptions"), 2);
+    QVERIFY(!settings().confirmItemDelete()); // showing it stores nothing
+    QVERIFY(settings().showBookmarkIcons());
+}
 
 void WayfoldPrefsControllerTest::controlsAreNamed()
 {
