@@ -57,10 +57,13 @@ bool ItemFileStore::keepWhatWouldBeLost()
     const bool holdsWhatWeKnow = stamp && _stamp && stamp->hasContentsOf(*_stamp) && !_holdsMore;
     if (stamp && !holdsWhatWeKnow) {
         qCWarning(logFiles) << _path << "holds what is not in the list; it is kept aside before it is written over";
-        if (keepCopyOfFile(_path).isNull()) {
+        const QString copy = keepCopyOfFile(_path);
+        if (copy.isNull()) {
             qCWarning(logFiles) << _path << "is not written, since it could not be kept";
             return false;
         }
+        if (copyKept)
+            copyKept(copy);
     }
     _stamp = stamp;
     _holdsMore = false;

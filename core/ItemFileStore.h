@@ -4,6 +4,7 @@
 #include "platform/files/FileStamp.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -29,6 +30,9 @@ public:
     bool isSaveOwed() const { return _retries.isOwed(); }
     // Called once a second: tries an owed save again, see Retries. Nothing happens while none is owed.
     void retrySave(const WayfoldBookmarkFolder &root);
+
+    // Told the path of each copy that was kept.
+    std::function<void(const QString &copy)> copyKept;
 
 private:
     bool write(const WayfoldBookmarkFolder &root);

@@ -3,6 +3,7 @@
 #include "core/KDRLocationMonitor.h"
 #include "core/KDRWebView.h"
 #include "core/Notifications.h"
+#include "core/RestorePanel.h"
 #include "core/SiteDrawer.h"
 #include "core/SiteDrawerFactory.h"
 #include "core/settings/WayfoldDefaults.h"
@@ -93,7 +94,12 @@ void KDRDrawerBundle::releaseSharedInstance()
     shared = nullptr;
 }
 
-KDRDrawerBundle::KDRDrawerBundle() : _provisionalBookmarkRoot(std::make_shared<WayfoldBookmarkFolder>()) {}
+KDRDrawerBundle::KDRDrawerBundle()
+    : _provisionalBookmarkRoot(std::make_shared<WayfoldBookmarkFolder>())
+    , _itemFileMessages(_messages, {[this] { saveBookmarkFile(); }, &RestorePanel::show})
+{
+    _itemFile.copyKept = [this](const QString &copy) { _itemFileMessages.keptAside(copy); };
+}
 
 KDRDrawerBundle::~KDRDrawerBundle()
 {
@@ -125,6 +131,8 @@ void KDRDrawerBundle::start()
 
     QObject::connect(&_timer, &QTimer::timeout, &_timer, [this] {
         _itemFile.retrySave(*_bookmarkRoot);
+        if (!_itemFile.isSaveOwed())
+            _itemFileMessages.saved();
         tagSafariFilesNextEvent();
     });
     _timer.start(betweenChecks);
@@ -186,7 +194,14 @@ bool KDRDrawerBundle::loadBookmarkFile()
 
 bool KDRDrawerBundle::saveBookmarkFile()
 {
-    return _bookmarkRoot && _itemFile.save(*_bookmarkRoot);
+    if (!_bookmarkRoot)
+        return false;
+    const bool saved = _itemFile.save(*_bookmarkRoot);
+    if (saved)
+        _itemFileMessages.saved();
+    else
+        _itemFileMessages.saveFailed(_itemFile.path());
+    return saved;
 }
 
 KDRDrawerBundle::FolderPtr KDRDrawerBundle::newProvisionalBookmarkWithTitle(const QString &title)

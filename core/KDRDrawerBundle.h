@@ -1,6 +1,8 @@
 #pragma once
 
+#include "core/ItemFileMessages.h"
 #include "core/ItemFileStore.h"
+#include "core/Messages.h"
 #include "core/Retries.h"
 #include "core/SettingsFollower.h"
 #include "model/BookmarkReader.h"
@@ -74,6 +76,9 @@ public:
     // Writes the item file, see ItemFileStore::save. When that fails it is tried again from time to time, and once more
     // when the host quits; otherwise nothing is saved then.
     bool saveBookmarkFile();
+
+    // What every window's drawer tells the user of.
+    Messages &messages() { return _messages; }
 
     // ---- Provisional items: site folders that are shown but not saved
 
@@ -179,6 +184,8 @@ private:
     FolderPtr _provisionalBookmarkRoot;
     std::vector<std::weak_ptr<HostWindow>> _windowTracker;
     ItemFileStore _itemFile;
+    Messages _messages;
+    ItemFileMessages _itemFileMessages;
     QMenu *_contextualMenu = nullptr;
     std::optional<FileStamp> _safariBookmarkFileModDate;
     Retries _safariBookmarkRetries;

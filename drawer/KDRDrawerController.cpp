@@ -4,6 +4,7 @@
 #include "core/Notifications.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "drawer/KDRDrawer.h"
+#include "drawer/MessageBar.h"
 #include "drawer/WayfoldBookmarkTextCell.h"
 #include "drawer/WayfoldTabView.h"
 #include "lists/ListSearch.h"
@@ -22,6 +23,7 @@
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QVBoxLayout>
 #include <algorithm>
 
 namespace
@@ -69,6 +71,11 @@ KDRDrawer *KDRDrawerController::drawer() const
 WayfoldTabView *KDRDrawerController::tabView() const
 {
     return _tabView;
+}
+
+MessageBar *KDRDrawerController::messageBar() const
+{
+    return _messageBar;
 }
 
 WayfoldScratchOutlineView *KDRDrawerController::scratchOutlineView() const
@@ -122,6 +129,11 @@ void KDRDrawerController::loadInterface()
     connectScratchpad(interface);
     connectBookmarks(interface);
     connectHistory(interface);
+    if (auto *layout = interface.outlet<QVBoxLayout>(QStringLiteral("drawerLayout"))) {
+        // Above the lists, but behind them for Tab: what comes first gets the keyboard with the window.
+        _messageBar = new MessageBar(&KDRDrawerBundle::sharedInstance().messages(), _drawerView);
+        layout->insertWidget(0, _messageBar);
+    }
     if (_tabView) {
         _tabView->willSelectTab = [this](const QString &identifier) { tabViewWillSelectTab(identifier); };
         _tabView->awakeFromNib();

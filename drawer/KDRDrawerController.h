@@ -10,6 +10,7 @@
 
 class InterfaceFile;
 class KDRDrawer;
+class MessageBar;
 class WayfoldBookmarkDataSource;
 class WayfoldBookmarkOutlineView;
 class WayfoldHistoryDataSource;
@@ -35,6 +36,7 @@ public:
     // Null when the interface file is missing.
     KDRDrawer *drawer() const;
     WayfoldTabView *tabView() const;
+    MessageBar *messageBar() const;
     WayfoldScratchOutlineView *scratchOutlineView() const;
     WayfoldBookmarkOutlineView *bookmarkOutlineView() const;
     WayfoldHistoryOutlineView *historyOutlineView() const;
@@ -115,6 +117,7 @@ private:
     QPointer<WayfoldHistoryOutlineView> _historyOutlineView;
     std::unique_ptr<WayfoldHistoryDataSource> _historyDataSource;
     QPointer<WayfoldTabView> _tabView;
+    QPointer<MessageBar> _messageBar;
     std::weak_ptr<HostFrame> _currentWebFrame;
     QRectF _parentWindowOriginalFrame;
     QRectF _parentWindowNewFrame;

@@ -47,6 +47,14 @@ bool Workspace::openURL(const Url &url)
     return QDesktopServices::openUrl(QUrl::fromEncoded(url.absoluteString().toLatin1()));
 }
 
+bool Workspace::showFile(const QString &path)
+{
+    QFileInfo folder(QFileInfo(path).absolutePath());
+    while (!folder.isDir() && !folder.isRoot())
+        folder.setFile(folder.absolutePath());
+    return openURL(Url::fileURLWithPath(folder.filePath()));
+}
+
 bool Workspace::startProgram(const QStringList &command)
 {
     if (command.isEmpty())

@@ -13,6 +13,8 @@ namespace Workspace
 {
 // Hands the address to whatever program opens it; false when there is none.
 bool openURL(const Url &url);
+// Shows the folder that the file lies in, or the nearest one above it that is there; false when nothing shows folders.
+bool showFile(const QString &path);
 // Starts a program, its name or path and then its arguments, that goes on without this one: it runs in the home
 // directory, and what it prints goes nowhere. False when it could not be started.
 bool startProgram(const QStringList &command);

@@ -1167,5 +1167,81 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
         <source>Looking for contacts...</source>
         <translation>Die Kontakte werden gesucht...</translation>
     </message>
+    <message>
+        <source>Close this message</source>
+        <translation>Diese Meldung schließen</translation>
+    </message>
+    <message>
+        <source>Close Message</source>
+        <translation>Meldung schließen</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Your last changes could not be saved; Wayfold keeps them and goes on trying.</source>
+        <translation>Ihre letzten Änderungen konnten nicht gespeichert werden; Wayfold behält sie und versucht es weiter.</translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <translation>Erneut versuchen</translation>
+    </message>
+    <message>
+        <source>Save your changes now</source>
+        <translation>Ihre Änderungen jetzt speichern</translation>
+    </message>
+    <message>
+        <source>Show File</source>
+        <translation>Datei zeigen</translation>
+    </message>
+    <message>
+        <source>Show where the file lies</source>
+        <translation>Zeigen, wo die Datei liegt</translation>
+    </message>
+    <message>
+        <source>Your changes are saved now.</source>
+        <translation>Ihre Änderungen sind jetzt gespeichert.</translation>
+    </message>
+    <message>
+        <source>Your file held something that the lists do not have, so a copy of it was kept.</source>
+        <translation>Ihre Datei enthielt etwas, das in den Listen fehlt; deshalb wurde eine Kopie von ihr behalten.</translation>
+    </message>
+    <message>
+        <source>Restore...</source>
+        <translation>Wiederherstellen...</translation>
+    </message>
+    <message>
+        <source>Look at what earlier files hold</source>
+        <translation>Ansehen, was frühere Dateien enthalten</translation>
+    </message>
+    <message>
+        <source>Another program has changed your items: %@.</source>
+        <translation>Ein anderes Programm hat Ihre Einträge geändert: %@.</translation>
+    </message>
+    <message>
+        <source>%u added</source>
+        <translation>%u hinzugefügt</translation>
+    </message>
+    <message>
+        <source>%u changed</source>
+        <translation>%u geändert</translation>
+    </message>
+    <message>
+        <source>%u deleted</source>
+        <translation>%u gelöscht</translation>
+    </message>
+    <message>
+        <source>Today's backup could not be made; your items themselves are not concerned.</source>
+        <translation>Die heutige Sicherung war nicht möglich; Ihre Einträge selbst sind davon nicht betroffen.</translation>
+    </message>
 </context>
 </TS>

@@ -117,6 +117,10 @@ private Q_SLOTS:
     void saveThatFailsAnswersFalse();
     void saveThatFailedIsTriedAgain();
     void saveThatFailedIsTriedAgainAtQuit();
+    void saveThatFailsIsSaid();
+    void saveThatWorksLaterIsSaid();
+    void keptCopyIsSaid();
+    void startSaysNothing();
 
     // Provisional items
     void newProvisionalFolder();
@@ -441,6 +445,60 @@ void KDRDrawerBundleTest::saveThatFailedIsTriedAgainAtQuit()
 }
 
 // ---- Provisional items
+
+void KDRDrawerBundleTest::saveThatFailsIsSaid()
+{
+    const QString path = _fresh->home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"));
+    QVERIFY(QDir().mkpath(path)); // a folder in the place of the file
+    Messages &messages = _fresh->store().messages();
+    QVERIFY(!_fresh->store().saveBookmarkFile());
+    QVERIFY(messages.current());
+    QCOMPARE(messages.current()->subject, Messages::NotSaved);
+
+    // The user tries again, in vain and then not.
+    const auto tryAgain = [&messages] {
+        const auto act = messages.current()->buttons.at(0).act;
+        act();
+    };
+    tryAgain();
+    QCOMPARE(messages.current()->subject, Messages::NotSaved);
+    QVERIFY(QDir().rmdir(path));
+    tryAgain();
+    QCOMPARE(messages.current()->subject, Messages::SavedAgain);
+    QVERIFY(!messages.about(Messages::NotSaved));
+    QVERIFY(QFileInfo(path).isFile());
+}
+
+void KDRDrawerBundleTest::saveThatWorksLaterIsSaid()
+{
+    const QString path = _fresh->home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"));
+    QVERIFY(QDir().mkpath(path));
+    QVERIFY(!_fresh->store().saveBookmarkFile());
+    QVERIFY(QDir().rmdir(path));
+    const Messages &messages = _fresh->store().messages();
+    QTRY_VERIFY(messages.about(Messages::SavedAgain));
+    QVERIFY(!messages.about(Messages::NotSaved));
+    QVERIFY(QFileInfo(path).isFile());
+}
+
+void KDRDrawerBundleTest::keptCopyIsSaid()
+{
+    const QString path = QStringLiteral("Library/Wayfold/Bookmarks.plist");
+    _fresh->home.write(path, "no property list");
+    const Messages &messages = _fresh->store().messages();
+    QVERIFY(!messages.current());
+    QVERIFY(_fresh->store().saveBookmarkFile());
+    QVERIFY(messages.current());
+    QCOMPARE(messages.current()->subject, Messages::KeptAside);
+}
+
+void KDRDrawerBundleTest::startSaysNothing()
+{
+    const Messages &messages = _fresh->store().messages();
+    QVERIFY(!messages.current());
+    QVERIFY(_fresh->store().saveBookmarkFile());
+    QVERIFY(!messages.current());
+}
 
 void KDRDrawerBundleTest::newProvisionalFolder()
 {

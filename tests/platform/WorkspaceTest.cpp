@@ -35,6 +35,8 @@ private Q_SLOTS:
     void opensThroughTheDesktop();
     void handsAddressesToTheTestsHandler();
     void doesNotOpenNone();
+    void showsTheFolderOfAFile_data();
+    void showsTheFolderOfAFile();
     void startsPrograms();
     void tellsOfProgramsThatCannotBeStarted();
     void handsProgramsToTheTestsHandler();
@@ -87,6 +89,36 @@ void WorkspaceTest::doesNotOpenNone()
 }
 
 // Where it runs, with which arguments, and where it prints, is told by what it writes there.
+void WorkspaceTest::showsTheFolderOfAFile_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("file") << "a b/there"
+                          << "a b";
+    QTest::newRow("missing file") << "a b/missing"
+                                  << "a b";
+    QTest::newRow("folder") << "a b/folder"
+                            << "a b";
+    QTest::newRow("missing folder") << "a b/gone/away/missing"
+                                    << "a b";
+}
+
+void WorkspaceTest::showsTheFolderOfAFile()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, folder);
+    _home.write(QStringLiteral("a b/there"), "x");
+    _home.write(QStringLiteral("a b/folder/x"), "x");
+    QStringList opened;
+    Workspace::setURLHandler([&opened](const Url &url) {
+        opened.append(url.absoluteString());
+        return true;
+    });
+    QVERIFY(Workspace::showFile(_home.path(path)));
+    QCOMPARE(opened, QStringList{Url::fileURLWithPath(_home.path(folder)).absoluteString()});
+    QVERIFY(opened.constFirst().contains(QStringLiteral("a%20b")));
+}
+
 void WorkspaceTest::startsPrograms()
 {
     const QString script = QStringLiteral("set -- \"$@\" $(readlink /proc/$$/fd/1 /proc/$$/fd/2);"
