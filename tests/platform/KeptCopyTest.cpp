@@ -44,6 +44,23 @@ private Q_SLOTS:
     void isOnTheDisk();
     void cannotBeFlushed_data();
     void cannotBeFlushed();
+
+    void newestTwentyStay();
+    void oneOfEachDayStaysForAMonth();
+    void otherFilesAreLeftAlone_data();
+    void otherFilesAreLeftAlone();
+    void newOneStaysWhenTheClockWasAhead();
+    void copiesOfTheSameSecondAreInOrder();
+    void copyThatFailsRemovesNothing();
+    void whatCouldNotBeWrittenIsKept();
+    void isTold();
+
+private:
+    static QString copyAt(const QDateTime &time) { return "file.kept-" + time.toString("yyyyMMdd-HHmmss"); }
+    static QStringList copies(const TemporaryHome &home)
+    {
+        return QDir(home.path()).entryList({"file.kept-*"}, QDir::AllEntries | QDir::Hidden, QDir::Name);
+    }
 };
 
 void KeptCopyTest::isOnTheDisk()
@@ -170,6 +187,176 @@ void KeptCopyTest::directoryThatTakesNoFile()
     QVERIFY(messages.contain("Could not keep a copy"));
     QCOMPARE(home.read(name), "contents");
     QCOMPARE(QDir(home.path()).entryList(QDir::Files).size(), 1);
+}
+
+void KeptCopyTest::newestTwentyStay()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    // Of one day long ago, of which nothing else stays.
+    QStringList names;
+    for (int minute = 0; minute < 25; ++minute)
+        names.append(copyAt(QDateTime(QDate(2020, 2, 29), QTime(23, minute, 0))));
+    for (const QString &name : names)
+        home.write(name, "old");
+    const QString copy = keepCopyOfFile(home.path("file"));
+    QCOMPARE(copies(home), names.mid(6) + QStringList(QFileInfo(copy).fileName()));
+    QVERIFY(messages.contain("Removed " + home.path(names.constFirst())));
+}
+
+void KeptCopyTest::oneOfEachDayStaysForAMonth()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    QStringList staying;
+    const QDate today = QDate::currentDate();
+    for (int days = 1; days <= 70; ++days) {
+        const QDate day = today.addDays(-days);
+        for (int hour = 0; hour < 3; ++hour)
+            home.write(copyAt(QDateTime(day, QTime(hour + 10, 0, 0))), "old");
+    }
+    for (int days = 1; today.addDays(-days) > today.addMonths(-1); ++days) {
+        const QDate day = today.addDays(-days);
+        // The new one and nineteen others are the newest: six days, and the last copy of the seventh.
+        for (int hour = days < 7 ? 0 : 2; hour < 3; ++hour)
+            staying.prepend(copyAt(QDateTime(day, QTime(12 - hour + (days < 7 ? 0 : 2), 0, 0))));
+    }
+    staying.append(QFileInfo(keepCopyOfFile(home.path("file"))).fileName());
+    staying.sort();
+    QCOMPARE(copies(home), staying);
+}
+
+void KeptCopyTest::otherFilesAreLeftAlone_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"file.kept-20200101-000000.txt",
+                             "file.kept-20200101-000000~",
+                             "file.kept-20200101-000000-1",
+                             "file.kept-20200101-000000-02",
+                             "file.kept-20200101-000000-2-2",
+                             "file.kept-20200101-000000-",
+                             "file.kept-20200101-000000-99999999999",
+                             "file.kept-20201301-000000",
+                             "file.kept-20210229-000000",
+                             "file.kept-20200101-250000",
+                             "file.kept-20200101-0000000",
+                             "file.kept-2020101-000000",
+                             "file.kept-",
+                             "file.kept-mine",
+                             "file.kept",
+                             "File.kept-20200101-000000",
+                             "file.KEPT-20200101-000000",
+                             "file2.kept-20200101-000000",
+                             "afile.kept-20200101-000000",
+                             "xfile.kept-20200101-000000",
+                             ".file.kept-20200101-000000",
+                             "fileXkept-20200101-000000",
+                             "file.kept-\u0662\u0660\u0662\u0660\u0660\u0661\u0660\u0661-000000"})
+        QTest::newRow(name) << QString::fromUtf8(name);
+}
+
+void KeptCopyTest::otherFilesAreLeftAlone()
+{
+    QFETCH(QString, name);
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    home.write(name, "mine");
+    for (int minute = 0; minute < 30; ++minute)
+        home.write(copyAt(QDateTime(QDate(2020, 2, 1), QTime(12, minute, 0))), "old");
+    // Of the right name, but no files.
+    QVERIFY(QDir(home.path()).mkdir("file.kept-20190101-000000"));
+    QVERIFY(QFile::link(home.path(name), home.path("file.kept-20190101-000001")));
+    QVERIFY(!keepCopyOfFile(home.path("file")).isNull());
+    QCOMPARE(home.read(name), "mine");
+    QVERIFY(QFileInfo(home.path("file.kept-20190101-000000")).isDir());
+    QVERIFY(QFileInfo(home.path("file.kept-20190101-000001")).isSymLink());
+}
+
+void KeptCopyTest::newOneStaysWhenTheClockWasAhead()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    QStringList ahead;
+    for (int minute = 0; minute < 30; ++minute)
+        ahead.append(copyAt(QDateTime(QDate::currentDate().addYears(3), QTime(12, minute, 0))));
+    for (const QString &name : ahead)
+        home.write(name, "ahead");
+    QStringList now;
+    for (int i = 0; i < 19; ++i) // all of them, though the others are newer by their names
+        now.append(QFileInfo(keepCopyOfFile(home.path("file"))).fileName());
+    for (const QString &name : now)
+        QVERIFY2(QFileInfo::exists(home.path(name)), qPrintable(name));
+    QCOMPARE(copies(home).size(), 19 + 20);
+    QVERIFY(!QFileInfo::exists(home.path(ahead.constFirst())));
+    QVERIFY(QFileInfo::exists(home.path(ahead.constLast())));
+}
+
+void KeptCopyTest::copiesOfTheSameSecondAreInOrder()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    const QString second = copyAt(QDateTime(QDate(2020, 2, 1), QTime(12, 0, 0)));
+    home.write(second, "1");
+    for (int number = 2; number <= 25; ++number)
+        home.write(second + '-' + QString::number(number), QByteArray::number(number));
+    QVERIFY(!keepCopyOfFile(home.path("file")).isNull());
+    QCOMPARE(copies(home).size(), 20);
+    QVERIFY(!QFileInfo::exists(home.path(second)));
+    QVERIFY(!QFileInfo::exists(home.path(second + "-6")));
+    QVERIFY(QFileInfo::exists(home.path(second + "-7")));
+    QVERIFY(QFileInfo::exists(home.path(second + "-25")));
+}
+
+void KeptCopyTest::copyThatFailsRemovesNothing()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    for (int minute = 0; minute < 30; ++minute)
+        home.write(copyAt(QDateTime(QDate(2020, 2, 1), QTime(12, minute, 0))), "old");
+    QVERIFY(keepCopyOfFile(home.path("file")).isNull());
+    QCOMPARE(copies(home).size(), 30);
+    // Nor does one in a folder that is no folder, or cannot be listed.
+    QVERIFY(keepCopyOfFile(home.path("missing/file")).isNull());
+}
+
+void KeptCopyTest::whatCouldNotBeWrittenIsKept()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    QVERIFY(QDir(home.path()).mkdir("file"));
+    const QString copy = keepBesideFile(home.path("file"), "notes");
+    QVERIFY(copy.startsWith(home.path("file.kept-")));
+    QCOMPARE(home.read(QFileInfo(copy).fileName()), "notes");
+    QVERIFY(keepBesideFile(home.path("missing/file"), "notes").isNull());
+    QVERIFY(messages.contain("Could not keep a copy"));
+}
+
+void KeptCopyTest::isTold()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    QStringList told;
+    const auto note = [&](const QString &path, const QString &copy) {
+        QCOMPARE(path, home.path("file"));
+        QCOMPARE(home.read(QFileInfo(copy).fileName()), "a");
+        told.append(copy);
+        removeKeptCopyObserver(&told); // as somebody who goes right then
+    };
+    addKeptCopyObserver(&told, note);
+    const QString copy = keepCopyOfFile(home.path("file"));
+    QCOMPARE(told, QStringList(copy));
+    QVERIFY(!keepCopyOfFile(home.path("file")).isNull());
+    QCOMPARE(told.size(), 1);
+    addKeptCopyObserver(&told, note);
+    QVERIFY(keepCopyOfFile(home.path("missing")).isNull());
+    QCOMPARE(told.size(), 1);
+    removeKeptCopyObserver(&told);
 }
 
 QTEST_GUILESS_MAIN(KeptCopyTest)
