@@ -11,7 +11,7 @@ struct OutlineModel::Row
     Row *parent = nullptr; // none: the invisible root
     OutlineItemPtr item;
     Row *nextWithItem = nullptr;
-    int index = 0;  // among its siblings
+    int index = 0;  // among its siblings, once these are numbered
     int before = 0; // when open: the rows shown below those open siblings that come before it
     bool asked = false;
     bool expandable = false;
@@ -23,9 +23,19 @@ struct OutlineModel::Branch
 {
     std::vector<std::unique_ptr<Row>> children; // null until somebody asks for one
     std::vector<Row *> open;                    // the expanded ones, ascending
+    std::size_t numbered = 0;                   // how many of the children, from the first, know their index
     int shown = 0;                              // the rows shown below when this branch is open
     bool isMade = false;                        // by the source, as it is asked
     bool areLeaves = false;                     // what is made so; false: not known
+};
+
+// What the source has changed, and the rows that have not followed yet.
+struct OutlineModel::Change
+{
+    std::vector<Row *> behind;
+    int index;
+    int inserted;
+    int removed;
 };
 
 struct OutlineModel::Reload
@@ -80,7 +90,7 @@ OutlineModel::Row *OutlineModel::rowOf(const QModelIndex &index) const
 
 QModelIndex OutlineModel::indexOf(const Row &row) const
 {
-    return row.parent ? createIndex(row.index, 0, row.parent) : QModelIndex();
+    return row.parent ? createIndex(indexInParent(row), 0, row.parent) : QModelIndex();
 }
 
 // The caller has counted the parent's children and asks for one of them.
@@ -97,7 +107,18 @@ OutlineModel::Row &OutlineModel::childOf(Row &parent, int index) const
 
 OutlineItemPtr OutlineModel::fetch(const Row &parent, int index) const
 {
-    return _source ? _source->outlineViewChildOfItem(_view, index, parent.item) : nullptr;
+    const int place = placeInSource(parent, index);
+    return _source && place >= 0 ? _source->outlineViewChildOfItem(_view, place, parent.item) : nullptr;
+}
+
+// Where the source has the child now; -1 when it is gone.
+int OutlineModel::placeInSource(const Row &parent, int index) const
+{
+    const bool isBehind =
+        _change && std::find(_change->behind.begin(), _change->behind.end(), &parent) != _change->behind.end();
+    if (!isBehind || index < _change->index)
+        return index;
+    return index < _change->index + _change->removed ? -1 : index + _change->inserted - _change->removed;
 }
 
 void OutlineModel::ask(Row &row) const
@@ -105,7 +126,7 @@ void OutlineModel::ask(Row &row) const
     if (row.asked)
         return;
     ask(*row.parent);
-    adopt(row, fetch(*row.parent, row.index));
+    adopt(row, fetch(*row.parent, indexInParent(row)));
 }
 
 void OutlineModel::adopt(Row &row, OutlineItemPtr item) const
@@ -150,11 +171,15 @@ OutlineModel::Row *OutlineModel::rowsWithItem(const OutlineItemPtr &item) const
     return item ? _rowsByItem.value(item.get()) : nullptr;
 }
 
-// The row's item is gone; only asked for while the table is there.
+// The row's item is gone.
 void OutlineModel::disown(Row &row) const
 {
     if (!row.item)
         return;
+    if (!_hasTable) {
+        row.item.reset();
+        return;
+    }
     const auto found = _rowsByItem.find(row.item.get());
     Row **link = &*found;
     while (*link != &row)
@@ -163,6 +188,17 @@ void OutlineModel::disown(Row &row) const
     if (!*found)
         _rowsByItem.erase(found);
     row.item.reset();
+}
+
+void OutlineModel::disownBelow(Row &row) const
+{
+    disown(row);
+    if (!row.branch)
+        return;
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (child)
+            disownBelow(*child);
+    }
 }
 
 int OutlineModel::countInSource(const Row &row) const
@@ -180,6 +216,7 @@ void OutlineModel::count(Row &row) const
     const int children = countInSource(row);
     row.branch = std::make_unique<Branch>();
     row.branch->children.resize(std::size_t(children));
+    row.branch->numbered = row.branch->children.size();
     row.branch->shown = children;
     askHowMade(row);
 }
@@ -236,9 +273,28 @@ void OutlineModel::sumUpFrom(Row *row)
         sumUp(*row);
 }
 
+// Rows that come or go change the index of those behind them, which are numbered again when somebody asks.
+void OutlineModel::number(const Row &parent)
+{
+    if (!parent.branch)
+        return;
+    Branch &branch = *parent.branch;
+    for (; branch.numbered < branch.children.size(); ++branch.numbered) {
+        if (Row *child = branch.children[branch.numbered].get())
+            child->index = int(branch.numbered);
+    }
+}
+
+int OutlineModel::indexInParent(const Row &row)
+{
+    number(*row.parent);
+    return row.index;
+}
+
 // How many rows are shown between the parent's row and this one.
 int OutlineModel::placeInParent(const Row &row)
 {
+    number(*row.parent);
     const std::vector<Row *> &open = row.parent->branch->open;
     const auto next = std::lower_bound(open.begin(), open.end(), row.index,
                                        [](const Row *sibling, int index) { return sibling->index < index; });
@@ -272,6 +328,7 @@ QModelIndex OutlineModel::indexAtRow(int row) const
     Row *parent = _root.get();
     int place = row;
     while (true) {
+        number(*parent);
         const std::vector<Row *> &open = parent->branch->open;
         const auto next = std::upper_bound(open.begin(), open.end(), place,
                                            [](int at, const Row *child) { return at < child->index + child->before; });
@@ -385,14 +442,27 @@ void OutlineModel::appendExpansions(const Row &row, std::vector<OutlineExpansion
     if (!row.branch)
         return;
     for (const std::unique_ptr<Row> &child : row.branch->children) {
-        if (!child || !child->branch || !child->expandable)
-            continue;
-        const std::size_t own = expansions.size();
-        expansions.push_back({child->item, child->expanded});
-        appendExpansions(*child, expansions);
-        if (!child->expanded && expansions.size() == own + 1)
-            expansions.pop_back();
+        if (child)
+            appendExpansionsOf(*child, expansions);
     }
+}
+
+void OutlineModel::appendExpansionsOf(const Row &row, std::vector<OutlineExpansion> &expansions)
+{
+    if (!row.branch || !row.expandable)
+        return;
+    const std::size_t own = expansions.size();
+    expansions.push_back({row.item, row.expanded});
+    appendExpansions(row, expansions);
+    if (!row.expanded && expansions.size() == own + 1)
+        expansions.pop_back();
+}
+
+std::vector<OutlineExpansion> OutlineModel::expansionsOf(const QModelIndex &index) const
+{
+    std::vector<OutlineExpansion> expansions;
+    appendExpansionsOf(*rowOf(index), expansions);
+    return expansions;
 }
 
 void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
@@ -402,6 +472,7 @@ void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
         return;
     count(row);
     row.expanded = expanded;
+    number(*row.parent);
     std::vector<Row *> &open = row.parent->branch->open;
     const auto place = std::lower_bound(open.begin(), open.end(), row.index,
                                         [](const Row *sibling, int at) { return sibling->index < at; });
@@ -418,19 +489,9 @@ void OutlineModel::setExpanded(const QModelIndex &index, bool expanded)
 
 QModelIndexList OutlineModel::reloadItem(const OutlineItemPtr &item, bool reloadChildren)
 {
-    std::vector<Row *> rows;
-    bool sameShape = true;
-    for (Row *row = rowsWithItem(item); row; row = row->nextWithItem) {
-        rows.push_back(row);
-        sameShape = sameShape && row->expandable == _source->outlineViewIsItemExpandable(_view, item);
-    }
-    if (rows.empty())
+    if (!reloadChildren && changeItem(item))
         return {};
-    if (!reloadChildren && sameShape) {
-        for (const Row *row : rows)
-            Q_EMIT dataChanged(indexOf(*row), indexOf(*row));
-        return {};
-    }
+    std::vector<Row *> rows = rowsShowing(item);
 
     // A row below another one that shows the same item is reloaded with that one.
     const auto isInner = [&item](const Row *row) {
@@ -463,6 +524,19 @@ void OutlineModel::forgetRemovedRows()
     _removed.clear();
 }
 
+bool OutlineModel::changeItem(const OutlineItemPtr &item)
+{
+    const std::vector<Row *> rows = rowsShowing(item);
+    const bool isSameShape = std::all_of(rows.begin(), rows.end(), [&](const Row *row) {
+        return row->expandable == _source->outlineViewIsItemExpandable(_view, item);
+    });
+    if (!isSameShape)
+        return false;
+    for (const Row *row : rows)
+        Q_EMIT dataChanged(indexOf(*row), indexOf(*row));
+    return true;
+}
+
 void OutlineModel::collectExpanded(const Row &row, Reload &reload)
 {
     if (!row.branch)
@@ -484,13 +558,18 @@ void OutlineModel::refresh(Row &row, Reload &reload)
     if (!row.branch)
         return;
     replaceChildren(row, reload);
+    for (const std::unique_ptr<Row> &child : row.branch->children) {
+        if (child && !reload.fresh.count(child.get()))
+            refresh(*child, reload);
+    }
+    collectOpen(row);
+}
+
+void OutlineModel::collectOpen(Row &row)
+{
     row.branch->open.clear();
     for (const std::unique_ptr<Row> &child : row.branch->children) {
-        if (!child)
-            continue;
-        if (!reload.fresh.count(child.get()))
-            refresh(*child, reload);
-        if (child->expanded)
+        if (child && child->expanded)
             row.branch->open.push_back(child.get());
     }
     sumUp(row);
@@ -501,18 +580,19 @@ void OutlineModel::replaceChildren(Row &row, Reload &reload)
 {
     std::vector<std::unique_ptr<Row>> old = std::move(row.branch->children);
     row.branch->children = std::vector<std::unique_ptr<Row>>(std::size_t(countInSource(row)));
+    row.branch->numbered = row.branch->children.size();
     askHowMade(row);
     if (row.branch->isMade)
         placeAmongMade(row, old);
     else
-        placeInSource(row, old, reload);
+        placeAsAsked(row, old, reload);
     for (std::unique_ptr<Row> &child : old) {
         if (child)
             bury(std::move(child), reload);
     }
 }
 
-void OutlineModel::placeInSource(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload)
+void OutlineModel::placeAsAsked(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload)
 {
     std::unordered_multimap<const OutlineItem *, std::size_t> places;
     for (std::size_t i = 0; i < old.size(); ++i) {
@@ -609,6 +689,144 @@ void OutlineModel::movePersistentIndexes(const Reload &reload)
     for (const Row *row : reload.persistentRows)
         moved.append(reload.dead.count(row) ? QModelIndex() : indexOf(*row));
     changePersistentIndexList(reload.persistent, moved);
+}
+
+// --- Row by row -----------------------------------------------------------------------------------------------------
+
+int OutlineModel::depth(const Row &row)
+{
+    int depth = 0;
+    for (const Row *above = row.parent; above; above = above->parent)
+        ++depth;
+    return depth;
+}
+
+// Those that were asked. The deepest come first, since what changes in one of them may take those below it away.
+std::vector<OutlineModel::Row *> OutlineModel::rowsShowing(const OutlineItemPtr &item) const
+{
+    if (!item)
+        return {_root.get()};
+    std::vector<Row *> rows;
+    for (Row *row = rowsWithItem(item); row; row = row->nextWithItem)
+        rows.push_back(row);
+    std::stable_sort(rows.begin(), rows.end(), [](const Row *a, const Row *b) { return depth(*a) > depth(*b); });
+    return rows;
+}
+
+bool OutlineModel::isLoaded(const OutlineItemPtr &item) const
+{
+    const std::vector<Row *> rows = rowsShowing(item);
+    return std::any_of(rows.begin(), rows.end(), [](const Row *row) { return row->branch != nullptr; });
+}
+
+void OutlineModel::learnExpandable(Row &row)
+{
+    if (!row.parent || row.expandable == _source->outlineViewIsItemExpandable(_view, row.item))
+        return;
+    row.expandable = !row.expandable;
+    Q_EMIT dataChanged(indexOf(row), indexOf(row));
+}
+
+// The rows that are to follow a change: they have counted their children before it. When one of them is not where the
+// change would find it, all of them are compared with the source, and none is left.
+std::vector<OutlineModel::Row *> OutlineModel::rowsInStep(const OutlineItemPtr &item, int index, int more)
+{
+    std::vector<Row *> rows = rowsShowing(item);
+    for (Row *row : rows)
+        learnExpandable(*row);
+    std::erase_if(rows, [](const Row *row) { return !row->branch; });
+    const bool areInStep = std::all_of(rows.begin(), rows.end(), [&](const Row *row) {
+        const int count = int(row->branch->children.size());
+        return count + more == countInSource(*row) && index + std::max(0, -more) <= count;
+    });
+    if (areInStep)
+        return rows;
+    rearrangeChildren(item);
+    return {};
+}
+
+void OutlineModel::insertChildren(const OutlineItemPtr &item, int index, const std::vector<OutlineItemPtr> &children)
+{
+    Change change{rowsInStep(item, index, int(children.size())), index, int(children.size()), 0};
+    _change = &change;
+    while (!change.behind.empty() && !children.empty())
+        insertRows(*change.behind.front(), change, children);
+    _change = nullptr;
+}
+
+void OutlineModel::insertRows(Row &row, Change &change, const std::vector<OutlineItemPtr> &children)
+{
+    const int index = change.index;
+    Branch &branch = *row.branch;
+    beginInsertRows(indexOf(row), index, index + int(children.size()) - 1);
+    std::vector<std::unique_ptr<Row>> rows(children.size());
+    branch.children.insert(branch.children.begin() + index, std::make_move_iterator(rows.begin()),
+                           std::make_move_iterator(rows.end()));
+    branch.numbered = std::min(branch.numbered, std::size_t(index));
+    std::erase(change.behind, &row);
+    for (std::size_t i = 0; i < children.size(); ++i)
+        adopt(childOf(row, index + int(i)), children[i]);
+    _allShownAsked = _allShownAsked && !branch.isMade;
+    askHowMade(row);
+    sumUpFrom(&row);
+    endInsertRows();
+}
+
+void OutlineModel::removeChildren(const OutlineItemPtr &item, int index, int count)
+{
+    Change change{rowsInStep(item, index, -count), index, 0, count};
+    _change = &change;
+    while (!change.behind.empty() && count > 0)
+        removeRows(*change.behind.front(), change);
+    _change = nullptr;
+}
+
+void OutlineModel::removeRows(Row &row, Change &change)
+{
+    const int index = change.index;
+    const int count = change.removed;
+    Branch &branch = *row.branch;
+    beginRemoveRows(indexOf(row), index, index + count - 1);
+    const auto first = branch.children.begin() + index;
+    std::vector<std::unique_ptr<Row>> gone(std::make_move_iterator(first), std::make_move_iterator(first + count));
+    branch.children.erase(first, first + count);
+    branch.numbered = std::min(branch.numbered, std::size_t(index));
+    std::erase(change.behind, &row);
+    for (const std::unique_ptr<Row> &child : gone) {
+        if (child && child->expanded)
+            std::erase(branch.open, child.get());
+        if (child)
+            disownBelow(*child);
+    }
+    _allShownAsked = _allShownAsked && !branch.isMade;
+    askHowMade(row);
+    sumUpFrom(&row);
+    endRemoveRows();
+}
+
+void OutlineModel::rearrangeChildren(const OutlineItemPtr &item)
+{
+    for (Row *row : rowsShowing(item)) {
+        if (row->item != item)
+            continue; // it has gone with another one
+        learnExpandable(*row);
+        if (row->branch)
+            rearrange(*row);
+    }
+}
+
+// What is still there keeps its row; what is below it is left alone.
+void OutlineModel::rearrange(Row &row)
+{
+    Reload reload;
+    Q_EMIT layoutAboutToBeChanged({indexOf(row)});
+    collectPersistent(reload);
+    replaceChildren(row, reload);
+    collectOpen(row);
+    sumUpFrom(row.parent);
+    _allShownAsked = false;
+    movePersistentIndexes(reload);
+    Q_EMIT layoutChanged({indexOf(row)});
 }
 
 // --- What Qt asks ---------------------------------------------------------------------------------------------------

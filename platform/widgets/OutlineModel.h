@@ -35,8 +35,20 @@ public:
     // rows that show the same items stay the same rows, at their new places. Answers the rows that are new, but whose
     // items stood expanded in another row there before, folders before their contents.
     QModelIndexList reloadItem(const OutlineItemPtr &item, bool reloadChildren);
-    // The view has laid itself out again after `reloadItem` and holds no index of a row that is gone.
+    // The view has laid itself out again and holds no index of a row that is gone.
     void forgetRemovedRows();
+
+    // What the source has changed already, told to every row that shows the item (none: the root). Children who are
+    // not told right, since the source is further on by now, are compared with what it has.
+
+    // New children side by side, the first of them at `index`.
+    void insertChildren(const OutlineItemPtr &item, int index, const std::vector<OutlineItemPtr> &children);
+    void removeChildren(const OutlineItemPtr &item, int index, int count);
+    // They stand in another order, or are others.
+    void rearrangeChildren(const OutlineItemPtr &item);
+    // How the row looks. False when it can be opened only now, or no more: that takes a reload.
+    bool changeItem(const OutlineItemPtr &item);
+
     // The view tells which rows are open.
     void setExpanded(const QModelIndex &index, bool expanded);
 
@@ -51,11 +63,15 @@ public:
     // The same for many, in their order; not valid for one that has no row.
     QModelIndexList indexesOfItems(const std::vector<OutlineItemPtr> &items) const;
     bool isExpanded(const QModelIndex &index) const;
+    // Whether any row that shows the item (none: the root) has asked for its children.
+    bool isLoaded(const OutlineItemPtr &item) const;
     // Of the rows that are shown, from the top to the bottom.
     std::vector<OutlineItemPtr> expandedItems() const;
     // Those, with what stands open in closed folders and comes back when they are opened, and these folders themselves;
     // all before their contents.
     std::vector<OutlineExpansion> expansions() const;
+    // The same for a row and what is below it.
+    std::vector<OutlineExpansion> expansionsOf(const QModelIndex &index) const;
 
     QModelIndex index(int row, int column, const QModelIndex &parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex &index) const override;
@@ -70,12 +86,14 @@ private:
     struct Row;
     struct Branch;
     struct Reload;
+    struct Change;
 
     Row *rowOf(const QModelIndex &index) const;
     QModelIndex indexOf(const Row &row) const;
     bool isExpandable(const QModelIndex &index) const;
     Row &childOf(Row &parent, int index) const;
     OutlineItemPtr fetch(const Row &parent, int index) const;
+    int placeInSource(const Row &parent, int index) const;
     void ask(Row &row) const;
     void adopt(Row &row, OutlineItemPtr item) const;
     void enter(Row &row) const;
@@ -92,15 +110,27 @@ private:
     static int shownBelow(const Row &row);
     static void sumUp(Row &row);
     static void sumUpFrom(Row *row);
+    static void number(const Row &parent);
+    static int indexInParent(const Row &row);
     static int placeInParent(const Row &row);
     static int flatRow(const Row &row);
 
     static void appendExpanded(const Row &row, std::vector<OutlineItemPtr> &items);
     static void appendExpansions(const Row &row, std::vector<OutlineExpansion> &expansions);
+    static void appendExpansionsOf(const Row &row, std::vector<OutlineExpansion> &expansions);
+    static int depth(const Row &row);
+    std::vector<Row *> rowsShowing(const OutlineItemPtr &item) const;
+    void learnExpandable(Row &row);
+    std::vector<Row *> rowsInStep(const OutlineItemPtr &item, int index, int more);
+    void insertRows(Row &row, Change &change, const std::vector<OutlineItemPtr> &children);
+    void removeRows(Row &row, Change &change);
+    void rearrange(Row &row);
+    void disownBelow(Row &row) const;
     static void collectExpanded(const Row &row, Reload &reload);
     void refresh(Row &row, Reload &reload);
+    static void collectOpen(Row &row);
     void replaceChildren(Row &row, Reload &reload);
-    void placeInSource(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload);
+    void placeAsAsked(Row &row, std::vector<std::unique_ptr<Row>> &old, Reload &reload);
     void placeAmongMade(Row &row, std::vector<std::unique_ptr<Row>> &old);
     void collectPersistent(Reload &reload) const;
     void bury(std::unique_ptr<Row> row, Reload &reload);
@@ -116,5 +146,6 @@ private:
     mutable QHash<const OutlineItem *, Row *> _rowsByItem; // rows with the same item are chained
     mutable bool _hasTable = false;
     mutable bool _allShownAsked = false;
+    const Change *_change = nullptr; // that not all rows have followed yet
     std::vector<std::unique_ptr<Row>> _removed;
 };

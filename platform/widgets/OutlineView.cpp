@@ -19,6 +19,8 @@
 #include <QToolTip>
 #include <QtMath>
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
 
 namespace
 {
@@ -27,6 +29,7 @@ constexpr int springMilliseconds = 700; // until a folder under a drag opens
 constexpr int indicatorHeight = 2;
 constexpr std::size_t mostRowsInDragPicture = 8;
 constexpr int widestDragPicture = 260;
+constexpr qsizetype mostRangesKept = 32; // Qt walks over all ranges of a selection for each row that goes
 
 // What the drag allows of what was answered: a copy may be made by a source that knows only links, and a move may
 // become a copy, but nothing is moved away that was to be copied.
@@ -37,6 +40,30 @@ Qt::DropAction allowed(Qt::DropAction answer, Qt::DropActions possible)
     if (possible.testFlag(Qt::CopyAction))
         return Qt::CopyAction;
     return answer == Qt::CopyAction && possible.testFlag(Qt::LinkAction) ? Qt::LinkAction : Qt::IgnoreAction;
+}
+
+// Whether the row goes with these children of the parent: as one of them, or below one.
+bool goes(QModelIndex index, const QModelIndex &parent, int first, int last)
+{
+    while (index.isValid() && index.parent() != parent)
+        index = index.parent();
+    return index.isValid() && index.row() >= first && index.row() <= last;
+}
+
+// The place of the first of those that have kept their order, as most have; -1 when there are none.
+int firstInOrder(const std::vector<int> &rows)
+{
+    std::vector<int> length(rows.size(), 1); // of the longest ascending row of numbers that begins there
+    int first = -1;
+    for (int i = int(rows.size()) - 1; i >= 0; --i) {
+        for (std::size_t next = std::size_t(i) + 1; next < rows.size(); ++next) {
+            if (rows[next] > rows[std::size_t(i)])
+                length[std::size_t(i)] = std::max(length[std::size_t(i)], length[next] + 1);
+        }
+        if (first < 0 || length[std::size_t(i)] >= length[std::size_t(first)])
+            first = i;
+    }
+    return first;
 }
 } // namespace
 
@@ -60,6 +87,10 @@ OutlineView::OutlineView(QWidget *parent)
 
     _model->setParent(this);
     setItemDelegate(new OutlineDelegate(*this));
+    // Before Qt's own, which change the selection.
+    connect(_model, &QAbstractItemModel::rowsAboutToBeInserted, this, &OutlineView::keepPlace);
+    connect(_model, &QAbstractItemModel::rowsAboutToBeRemoved, this, &OutlineView::rowsWillGo);
+    connect(_model, &QAbstractItemModel::layoutAboutToBeChanged, this, &OutlineView::keepPlace);
     setModel(_model);
     header()->setStretchLastSection(true);
     connect(this, &QTreeView::expanded, this, [this](const QModelIndex &index) { _model->setExpanded(index, true); });
@@ -81,6 +112,7 @@ OutlineViewDataSource *OutlineView::outlineDataSource() const
 
 void OutlineView::setOutlineDataSource(OutlineViewDataSource *source)
 {
+    dropHeld();
     ++_quiet;
     _model->setDataSource(source);
     --_quiet;
@@ -90,8 +122,9 @@ void OutlineView::setOutlineDataSource(OutlineViewDataSource *source)
 
 void OutlineView::reloadData()
 {
-    const bool hadSelection = selectionModel()->hasSelection();
+    const bool hadSelection = selectionModel()->hasSelection() || !_heldSelection.empty() || _selectionIsOther;
     endDropTracking();
+    dropHeld();
     ++_quiet;
     _model->reload();
     --_quiet;
@@ -105,6 +138,8 @@ void OutlineView::reloadItem(const OutlineItemPtr &item, bool reloadChildren)
         reloadData();
         return;
     }
+    if (!reloadChildren && _model->changeItem(item))
+        return;
     const std::vector<OutlineItemPtr> selected = selectedItems();
     ++_quiet;
     const QModelIndexList reopened = _model->reloadItem(item, reloadChildren);
@@ -113,7 +148,7 @@ void OutlineView::reloadItem(const OutlineItemPtr &item, bool reloadChildren)
     for (const QModelIndex &index : reopened)
         expand(index);
     --_quiet;
-    _model->forgetRemovedRows();
+    executeDelayedItemsLayout();
     if (selectedItems() != selected)
         tellSelectionDidChange();
 }
@@ -163,6 +198,11 @@ bool OutlineView::isExpandable(const OutlineItemPtr &item) const
     return source && item && source->outlineViewIsItemExpandable(const_cast<OutlineView &>(*this), item);
 }
 
+bool OutlineView::isLoaded(const OutlineItemPtr &item) const
+{
+    return _model->isLoaded(item);
+}
+
 bool OutlineView::isItemExpanded(const OutlineItemPtr &item) const
 {
     const QModelIndex index = _model->indexOfItem(item);
@@ -207,6 +247,22 @@ void OutlineView::expandItems(const std::vector<OutlineItemPtr> &items)
 void OutlineView::collapseItem(const OutlineItemPtr &item)
 {
     collapse(_model->indexOfItem(item));
+}
+
+void OutlineView::restoreExpansions(const std::vector<OutlineExpansion> &expansions)
+{
+    std::vector<OutlineItemPtr> folders;
+    std::unordered_set<const OutlineItem *> open;
+    for (const auto &[item, isOpen] : expansions) {
+        folders.push_back(item);
+        if (isOpen)
+            open.insert(item.get());
+    }
+    expandItems(folders); // what is in a closed one can be opened only while that is open
+    for (auto each = expansions.crbegin(); each != expansions.crend(); ++each) {
+        if (!open.count(each->item.get())) // an item may have an open and a closed row
+            collapseItem(each->item);
+    }
 }
 
 // What cannot be seen any more is not selected any more, and the keyboard stays where it can be seen.
@@ -254,10 +310,188 @@ int OutlineView::rowPixels() const
     return std::max(1, qCeil(rowHeight()));
 }
 
+// --- Row by row -----------------------------------------------------------------------------------------------------
+
+void OutlineView::insertItems(const std::vector<OutlineItemPtr> &items, int index, const OutlineItemPtr &parent)
+{
+    ++_changing;
+    _model->insertChildren(parent, index, items);
+    --_changing;
+    for (const OutlineItemPtr &item : items) {
+        const auto held = _heldExpansions.find(item.get());
+        if (held == _heldExpansions.end())
+            continue;
+        const std::vector<OutlineExpansion> expansions = std::move(held->second);
+        _heldExpansions.erase(held);
+        restoreExpansions(expansions);
+    }
+}
+
+void OutlineView::removeItems(int count, int index, const OutlineItemPtr &parent)
+{
+    ++_changing;
+    _model->removeChildren(parent, index, count);
+    --_changing;
+}
+
+void OutlineView::moveItems(const OutlineItemPtr &parent)
+{
+    ++_changing;
+    _model->rearrangeChildren(parent);
+    --_changing;
+}
+
+// Remembers what is seen; nothing of a list that stands at its very top.
+void OutlineView::keepPlace()
+{
+    setDropIndicator(QRect());
+    const int top = verticalScrollBar()->value();
+    if (!_place.empty() || top == 0)
+        return;
+    for (int row = top / rowPixels(); row < numberOfRows(); ++row) {
+        const int y = row * rowPixels() - top;
+        if (y >= viewport()->height())
+            break;
+        _place.push_back({_model->indexAtRow(row), y});
+    }
+}
+
+// Scrolls to where what was seen stands as before. A row that went elsewhere by itself takes nothing along.
+void OutlineView::restorePlace()
+{
+    std::vector<int> rows;
+    std::vector<int> ys;
+    for (const SeenRow &seen : _place) {
+        const int row = seen.index.isValid() ? _model->rowOfIndex(seen.index) : -1;
+        if (row < 0)
+            continue;
+        rows.push_back(row);
+        ys.push_back(seen.y);
+    }
+    const int first = firstInOrder(rows);
+    if (first >= 0)
+        verticalScrollBar()->setValue(rows[std::size_t(first)] * rowPixels() - ys[std::size_t(first)]);
+}
+
+void OutlineView::doItemsLayout()
+{
+    QTreeView::doItemsLayout();
+    restorePlace();
+    if (_changing > 0)
+        return; // and will be laid out once more
+    _place.clear();
+    _model->forgetRemovedRows();
+}
+
+// While these rows are still there, and before Qt takes them out of the selection.
+void OutlineView::rowsWillGo(const QModelIndex &parent, int first, int last)
+{
+    keepPlace();
+    holdSelection(parent, first, last);
+    holdCurrentRow(parent, first, last);
+    holdExpansions(parent, first, last);
+    _settleTimer.start(0, this);
+}
+
+// A selection of many ranges is put aside as a whole: for Qt, each row that goes is a walk over all of them.
+void OutlineView::holdSelection(const QModelIndex &parent, int first, int last)
+{
+    const QItemSelection selection = selectionModel()->selection();
+    if (selection.size() > mostRangesKept) {
+        const std::vector<OutlineItemPtr> items = selectedItems();
+        _heldSelection.insert(_heldSelection.end(), items.begin(), items.end());
+        selectionModel()->select(QItemSelection(), QItemSelectionModel::Clear);
+        return;
+    }
+    for (const QItemSelectionRange &range : selection) {
+        const bool isHere = range.parent() == parent;
+        if (!isHere && !goes(range.parent(), parent, first, last))
+            continue;
+        const int top = isHere ? std::max(range.top(), first) : range.top();
+        const int bottom = isHere ? std::min(range.bottom(), last) : range.bottom();
+        for (int row = top; row <= bottom; ++row)
+            _heldSelection.push_back(_model->itemOfIndex(_model->index(row, 0, range.parent())));
+    }
+}
+
+// The keyboard goes on at its place, which is known once all rows have gone. Until then it stands nowhere, and Qt does
+// not lay the list out for each of them.
+void OutlineView::holdCurrentRow(const QModelIndex &parent, int first, int last)
+{
+    const QModelIndex current = _heldCurrent.isValid() ? QModelIndex(_heldCurrent) : currentIndex();
+    if (!current.isValid() || !goes(current, parent, first, last))
+        return;
+    const QModelIndex after = _model->index(last + 1, 0, parent);
+    const int top = _model->rowOfIndex(_model->index(first, 0, parent));
+    QModelIndex above = parent;
+    QModelIndex next = after;
+    while (!next.isValid() && above.isValid()) {
+        next = _model->index(above.row() + 1, 0, above.parent());
+        above = above.parent();
+    }
+    _heldCurrent = next.isValid() ? next : _model->indexAtRow(top - 1);
+    const QSignalBlocker quiet(selectionModel());
+    selectionModel()->clearCurrentIndex();
+}
+
+void OutlineView::holdExpansions(const QModelIndex &parent, int first, int last)
+{
+    for (int row = first; row <= last; ++row) {
+        const QModelIndex index = _model->index(row, 0, parent);
+        const std::vector<OutlineExpansion> expansions = _model->expansionsOf(index);
+        if (!expansions.empty())
+            _heldExpansions[_model->itemOfIndex(index).get()] = expansions;
+    }
+}
+
+void OutlineView::selectHeld()
+{
+    if (_heldSelection.empty())
+        return;
+    const std::vector<OutlineItemPtr> held = std::exchange(_heldSelection, {});
+    const QModelIndexList indexes = _model->indexesOfItems(held);
+    QModelIndexList found;
+    for (std::size_t i = 0; i < held.size(); ++i) {
+        if (indexes[qsizetype(i)].isValid())
+            found.append(indexes[qsizetype(i)]);
+        else
+            _heldSelection.push_back(held[i]); // it may still come
+    }
+    ++_changing;
+    selectIndexes(found);
+    --_changing;
+}
+
+void OutlineView::dropHeld()
+{
+    _settleTimer.stop();
+    _place.clear();
+    _heldSelection.clear();
+    _heldExpansions.clear();
+    _heldCurrent = QPersistentModelIndex();
+    _selectionIsOther = false;
+}
+
+// The end of the pass, or whatever looks at the list before that.
+void OutlineView::settle()
+{
+    if (!_settleTimer.isActive())
+        return;
+    _settleTimer.stop();
+    selectHeld();
+    _heldSelection.clear();
+    _heldExpansions.clear();
+    if (const QModelIndex current = std::exchange(_heldCurrent, QPersistentModelIndex()); current.isValid())
+        makeCurrent(current);
+    if (std::exchange(_selectionIsOther, false))
+        tellSelectionDidChange();
+}
+
 // --- Selection ------------------------------------------------------------------------------------------------------
 
 int OutlineView::selectedRow() const
 {
+    const_cast<OutlineView *>(this)->selectHeld();
     int last = -1;
     for (const QItemSelectionRange &range : selectionModel()->selection())
         last = std::max(last, _model->rowOfIndex(range.bottomRight()));
@@ -266,6 +500,7 @@ int OutlineView::selectedRow() const
 
 std::vector<int> OutlineView::selectedRows() const
 {
+    const_cast<OutlineView *>(this)->selectHeld();
     std::vector<int> rows;
     for (const QItemSelectionRange &range : selectionModel()->selection()) {
         for (int i = range.top(); i <= range.bottom(); ++i) {
@@ -297,20 +532,28 @@ void OutlineView::selectRowExtending(int row, bool extend)
     const QModelIndex index = _model->indexAtRow(row);
     if (!index.isValid())
         return;
+    if (extend)
+        selectHeld();
+    _heldSelection.clear();
+    _heldCurrent = QPersistentModelIndex();
     selectionModel()->setCurrentIndex(index,
                                       extend ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
 }
 
-// Rows that follow each other become one range: the selection's own bookkeeping takes quadratic time in its ranges.
 void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
 {
-    if (items.empty())
-        return;
+    selectHeld();
     QModelIndexList indexes = _model->indexesOfItems(items);
     indexes.removeIf([](const QModelIndex &index) { return !index.isValid(); });
     if (indexes.isEmpty())
         return;
-    const QModelIndex last = indexes.last();
+    selectIndexes(indexes);
+    makeCurrent(indexes.last());
+}
+
+// Rows that follow each other become one range: the selection's own bookkeeping takes quadratic time in its ranges.
+void OutlineView::selectIndexes(QModelIndexList indexes)
+{
     std::sort(indexes.begin(), indexes.end());
     QItemSelection selection;
     for (qsizetype first = 0, next = 0; first < indexes.size(); first = next) {
@@ -322,12 +565,11 @@ void OutlineView::selectRowsOfItems(const std::vector<OutlineItemPtr> &items)
         selection.append(QItemSelectionRange(indexes[first], indexes[next - 1]));
     }
     selectionModel()->select(selection, QItemSelectionModel::Select);
-    makeCurrent(last);
 }
 
 int OutlineView::currentRow() const
 {
-    return _model->rowOfIndex(currentIndex());
+    return _model->rowOfIndex(_heldCurrent.isValid() ? QModelIndex(_heldCurrent) : currentIndex());
 }
 
 void OutlineView::setCurrentRow(int row)
@@ -341,6 +583,7 @@ void OutlineView::setCurrentRow(int row)
 // not at all.
 void OutlineView::makeCurrent(const QModelIndex &index)
 {
+    _heldCurrent = QPersistentModelIndex();
     const bool scrolls = hasAutoScroll();
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
@@ -349,6 +592,7 @@ void OutlineView::makeCurrent(const QModelIndex &index)
 
 void OutlineView::deselectAll()
 {
+    _heldSelection.clear();
     clearSelection();
 }
 
@@ -367,8 +611,12 @@ void OutlineView::scrollRowToVisible(int row)
 void OutlineView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
-    if (_quiet == 0)
+    if (_changing > 0) {
+        _selectionIsOther = _selectionIsOther || !selected.isEmpty() || !deselected.isEmpty();
+        _settleTimer.start(0, this);
+    } else if (_quiet == 0) {
         tellSelectionDidChange();
+    }
 }
 
 void OutlineView::tellSelectionDidChange()
@@ -381,6 +629,7 @@ void OutlineView::tellSelectionDidChange()
 
 void OutlineView::keyPressEvent(QKeyEvent *event)
 {
+    settle();
     QTreeView::keyPressEvent(event);
     // A list that got the keyboard stands on its first row without selecting it; a key that would go there selects it.
     static constexpr Qt::Key steps[] = {Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
@@ -402,6 +651,7 @@ QMenu *OutlineView::menuForEvent(QContextMenuEvent * /*event*/)
 
 bool OutlineView::viewportEvent(QEvent *event)
 {
+    settle();
     if (event->type() != QEvent::ToolTip)
         return QTreeView::viewportEvent(event);
     const auto *help = static_cast<QHelpEvent *>(event);
@@ -613,6 +863,10 @@ void OutlineView::dropEvent(QDropEvent *event)
 
 void OutlineView::timerEvent(QTimerEvent *event)
 {
+    if (event->timerId() == _settleTimer.timerId()) {
+        settle();
+        return;
+    }
     if (event->timerId() != _springTimer.timerId()) {
         QTreeView::timerEvent(event);
         return;

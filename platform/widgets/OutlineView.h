@@ -3,9 +3,11 @@
 #include "platform/widgets/OutlineItem.h"
 
 #include <QBasicTimer>
+#include <QPersistentModelIndex>
 #include <QTreeView>
 #include <functional>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 class OutlineModel;
@@ -36,6 +38,20 @@ public:
     // was expanded or selected there stays so as long as it is still there. None reloads everything.
     void reloadItem(const OutlineItemPtr &item, bool reloadChildren);
 
+    // What the source has changed already, row by row, in every row that shows the item (`parent` none: the root). What
+    // is seen, selected and open stays, and so does the row of the keyboard; a list that stands at its very top shows
+    // what comes in there. What goes and comes back within one pass of the event loop, at another place, is selected
+    // and open as it was. The source is told of a selection that has changed by this once, at the end of the pass.
+
+    // New children of the parent, side by side, the first of them at `index`.
+    void insertItems(const std::vector<OutlineItemPtr> &items, int index, const OutlineItemPtr &parent);
+    // So many of the parent's children, from the one that was at `index`.
+    void removeItems(int count, int index, const OutlineItemPtr &parent);
+    // The parent's children stand in another order.
+    void moveItems(const OutlineItemPtr &parent);
+    // How the item is shown.
+    void changeItem(const OutlineItemPtr &item) { reloadItem(item, false); }
+
     int numberOfRows() const;
     // None past the end or for a negative row.
     OutlineItemPtr itemAtRow(int row) const;
@@ -49,6 +65,8 @@ public:
     int levelForRow(int row) const;
 
     bool isExpandable(const OutlineItemPtr &item) const;
+    // Whether any row that shows the item (none: the root) has asked for what lies below it.
+    bool isLoaded(const OutlineItemPtr &item) const;
     // Whether the first row that shows the item is expanded; so for the other two operations.
     bool isItemExpanded(const OutlineItemPtr &item) const;
     // Of the rows, from the top to the bottom.
@@ -60,6 +78,8 @@ public:
     // The same for many, all at once; those that come to be shown when others are expanded too, whatever their order.
     void expandItems(const std::vector<OutlineItemPtr> &items);
     void collapseItem(const OutlineItemPtr &item);
+    // Opens and closes folders, those in closed ones too, as they stood.
+    void restoreExpansions(const std::vector<OutlineExpansion> &expansions);
 
     // The last of the selected rows, which is the one that counts where one is asked for; -1 when there is none.
     int selectedRow() const;
@@ -114,8 +134,26 @@ protected:
     void timerEvent(QTimerEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+    void doItemsLayout() override;
 
 private:
+    // A row that is seen, and how far below the upper edge, in pixels.
+    struct SeenRow
+    {
+        QPersistentModelIndex index;
+        int y;
+    };
+
+    void keepPlace();
+    void restorePlace();
+    void rowsWillGo(const QModelIndex &parent, int first, int last);
+    void holdSelection(const QModelIndex &parent, int first, int last);
+    void holdCurrentRow(const QModelIndex &parent, int first, int last);
+    void holdExpansions(const QModelIndex &parent, int first, int last);
+    void selectHeld();
+    void dropHeld();
+    void settle();
+    void selectIndexes(QModelIndexList indexes);
     void rowsWereCollapsed(const QModelIndex &index);
     void tellSelectionDidChange();
     void makeCurrent(const QModelIndex &index);
@@ -135,8 +173,18 @@ private:
     std::unique_ptr<TextFieldCell> _dataCell;
     std::optional<qreal> _rowHeight;
     int _quiet = 0;                 // while positive, selection changes are not passed on
+    int _changing = 0;              // while positive, rows come and go
     const QObject *_drag = nullptr; // the latest, until its data has been handed over
     QRect _dropIndicator;
     QBasicTimer _springTimer; // opens the folder that a drag rests on
     OutlineItemPtr _springItem;
+
+    // Until the rows are laid out again.
+    std::vector<SeenRow> _place;
+    // Until the end of this pass of the event loop.
+    QBasicTimer _settleTimer;
+    std::vector<OutlineItemPtr> _heldSelection; // what is to be selected as soon as it has a row
+    std::unordered_map<const OutlineItem *, std::vector<OutlineExpansion>> _heldExpansions; // of rows that have gone
+    QPersistentModelIndex _heldCurrent; // where the keyboard goes when its row has gone
+    bool _selectionIsOther = false;     // and the source does not know
 };

@@ -10,6 +10,7 @@
 #include "platform/widgets/DrawerGrip.h"
 #include "tests/drawer/DrawerStage.h"
 #include "tests/support/BrowserFiles.h"
+#include "tests/support/ModelChecks.h"
 
 #include <QAbstractButton>
 #include <QAccessible>

@@ -4,6 +4,7 @@
 #include "lists/WayfoldHistoryOutlineView.h"
 #include "tests/drawer/DrawerStage.h"
 #include "tests/support/BrowserFiles.h"
+#include "tests/support/ModelChecks.h"
 
 #include <QLineEdit>
 #include <QTabBar>

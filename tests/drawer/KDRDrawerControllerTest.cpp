@@ -6,6 +6,7 @@
 #include "platform/files/Bundle.h"
 #include "tests/drawer/DrawerStage.h"
 #include "tests/support/MemoryContacts.h"
+#include "tests/support/ModelChecks.h"
 
 #include <QAbstractButton>
 #include <QAction>

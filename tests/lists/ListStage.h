@@ -20,6 +20,7 @@
 #include "tests/support/FakeHost.h"
 #include "tests/support/InstalledKinds.h"
 #include "tests/support/MemoryContacts.h"
+#include "tests/support/ModelChecks.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QToolButton>

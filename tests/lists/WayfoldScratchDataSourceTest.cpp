@@ -870,6 +870,8 @@ void WayfoldScratchDataSourceTest::peopleShowTheirNewNames()
 
 void WayfoldScratchDataSourceTest::unseenGroupsAreUpToDateWhenOpened()
 {
+    const ModelChecks::Pause unchecked;
+    _pad.emplace(*_stage);
     const auto ann = ListStage::person("Ann");
     const auto friends = ListStage::group("Friends", {ann});
     const auto closed = ListStage::folder("closed", {friends});
@@ -1178,6 +1180,8 @@ void WayfoldScratchDataSourceTest::keyOpensUnseenSmartFolders()
 
 void WayfoldScratchDataSourceTest::closedSmartFoldersWaitForOutsideChanges()
 {
+    const ModelChecks::Pause unchecked;
+    _pad.emplace(*_stage);
     const auto smart = std::make_shared<RefreshedFolder>();
     smart->initWithTitle(QStringLiteral("Smart"));
     smart->found = ListStage::link("Found");

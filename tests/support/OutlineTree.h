@@ -3,6 +3,8 @@
 #include "platform/widgets/OutlineViewDataSource.h"
 #include "platform/widgets/TextFieldCell.h"
 
+#include "tests/support/ModelChecks.h"
+
 #include <QHash>
 #include <QMimeData>
 #include <QStringList>
