@@ -5,6 +5,7 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "lists/WayfoldOutlineViewDelegate.h"
+#include "platform/base/NotificationQueue.h"
 
 #include <QContextMenuEvent>
 #include <QDrag>
@@ -63,6 +64,9 @@ ListMenuTarget &listMenuTarget()
     return target;
 }
 
+// To itself, so that nothing is loaded anew while the mouse is held down or a dialog runs.
+const QString listIsStale = QStringLiteral("WayfoldListIsStale");
+
 QString localized(const char *key)
 {
     return WayfoldToolkit::localizedString(QString::fromLatin1(key));
@@ -80,6 +84,13 @@ bool opensAny(const QKeyEvent &event)
 {
     const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     return isReturn && !(event.modifiers() & ~Qt::KeypadModifier);
+}
+
+QStringList without(QStringList texts, const QStringList &others)
+{
+    texts.removeIf(
+        [known = QSet(others.cbegin(), others.cend())](const QString &text) { return known.contains(text); });
+    return texts;
 }
 
 bool isAddressBookItem(const KDRBookmark &item)
@@ -114,6 +125,7 @@ WayfoldOutlineView::WayfoldOutlineView(QWidget *parent) : OutlineView(parent) {}
 WayfoldOutlineView::~WayfoldOutlineView()
 {
     NotificationCenter::defaultCenter().removeObserver(this);
+    NotificationQueue::defaultQueue().dequeueNotificationsForObject(this);
 }
 
 // --- Appearance -----------------------------------------------------------------------------------------------------
@@ -129,6 +141,13 @@ void WayfoldOutlineView::initialize()
     NotificationCenter::defaultCenter().addObserver(
         this, [this](const Notification &notification) { handleChangeOfFontNotify(notification); },
         Notifications::ListViewFontChangeNotification);
+    NotificationCenter::defaultCenter().addObserver(
+        this,
+        [this](const Notification & /*notification*/) {
+            if (isVisible())
+                catchUp();
+        },
+        listIsStale, this);
 }
 
 void WayfoldOutlineView::handleChangeOfFontNotify(const Notification & /*notification*/)
@@ -197,8 +216,29 @@ void WayfoldOutlineView::changeWhenSeen(std::function<void()> change)
 
 void WayfoldOutlineView::catchUp()
 {
+    if (_isStale)
+        reloadReplacedData();
     if (const std::function<void()> change = std::exchange(_waitingChange, {}))
         change();
+}
+
+void WayfoldOutlineView::replaceContentsOfItem(const OutlineItemPtr &folder)
+{
+    if (_isStale || !isLoaded(folder))
+        return;
+    _isStale = true;
+    NotificationQueue::defaultQueue().enqueueNotification({listIsStale, this}, NotificationQueue::NSPostASAP);
+}
+
+// The very items are open and selected still, and a copy in a smart folder that has the same identifier stays as it is.
+// Those that were made anew, in smart folders and groups, are not.
+void WayfoldOutlineView::reloadReplacedData()
+{
+    const QStringList selected = getSelectedItemsUUIDList();
+    const QStringList expanded = getExpandedItemsUUIDList();
+    reloadData();
+    reexpandItemsFromUUIDList(without(expanded, getExpandedItemsUUIDList()));
+    reselectItemsFromUUIDList(without(selected, getSelectedItemsUUIDList()));
 }
 
 QMenu *WayfoldOutlineView::defaultMenu()
@@ -261,10 +301,13 @@ void WayfoldOutlineView::reloadData()
     const std::vector<OutlineExpansion> expanded = hasMemory ? std::vector<OutlineExpansion>() : expansions();
     const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
     const ListPlace place = hasMemory ? *std::exchange(_savedPlace, std::nullopt) : ListPlace(*this);
+    _isStale = false;
 
     OutlineView::reloadData();
     removeAllToolTips();
-    restore(expanded);
+    for (const auto &[item, isOpen] : expanded)
+        std::static_pointer_cast<KDRBookmark>(item)->ensureUpToDate();
+    restoreExpansions(expanded);
     selectRowsOfItems({selected.cbegin(), selected.cend()});
     if (const std::optional<QStringList> uuids = std::exchange(_savedUUIDExpansions, std::nullopt))
         reexpandItemsFromUUIDList(*uuids);
@@ -294,25 +337,6 @@ void WayfoldOutlineView::expandUpToDate(const std::vector<OutlineItemPtr> &items
     for (const OutlineItemPtr &item : items)
         std::static_pointer_cast<KDRBookmark>(item)->ensureUpToDate();
     expandItems(items);
-}
-
-// What is in a closed folder can be opened only while the folder is open.
-void WayfoldOutlineView::restore(const std::vector<OutlineExpansion> &expansions)
-{
-    QSet<const OutlineItem *> open;
-    std::vector<OutlineItemPtr> folders;
-    for (const auto &[item, isOpen] : expansions) {
-        if (!std::static_pointer_cast<KDRBookmark>(item)->isFolder())
-            continue;
-        folders.push_back(item);
-        if (isOpen)
-            open.insert(item.get());
-    }
-    expandUpToDate(folders);
-    for (auto each = expansions.crbegin(); each != expansions.crend(); ++each) {
-        if (!open.contains(each->item.get())) // an item may have an open and a closed row
-            collapseItem(each->item);
-    }
 }
 
 QStringList WayfoldOutlineView::getExpandedItemsUUIDList() const

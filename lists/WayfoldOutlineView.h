@@ -54,8 +54,14 @@ public:
     // Makes a change to what stands in the list. While the list cannot be seen, in a tab behind another or in a closed
     // drawer, the change waits until it can; of several, only the last is made.
     void changeWhenSeen(std::function<void()> change);
-    // Makes the change that waits, if there is one, at once.
+    // Makes the change that waits, if there is one, at once, and shows what was replaced.
     void catchUp();
+    // All that the folder (none: the root) holds is other items now. The list is loaded anew for that once, at the end
+    // of this pass of the event loop or when it can be seen; what has the same identifiers is open and selected as
+    // before.
+    void replaceContentsOfItem(const OutlineItemPtr &folder);
+    // Loads the list anew without memory, for items of which some may be others by the same identifiers.
+    void reloadReplacedData();
 
     // ---- Reload with memory
 
@@ -133,11 +139,11 @@ private:
     bool validateOpenInTabsItem(QAction *item) const;
     std::vector<KDRBookmarkPtr> expandedFolders() const;
     void expandUpToDate(const std::vector<OutlineItemPtr> &items);
-    void restore(const std::vector<OutlineExpansion> &expansions);
     void reselectCurrentRow(const QStringList &uuids);
 
     WayfoldOutlineViewDelegate *_delegate = nullptr;
     std::function<void()> _waitingChange;
+    bool _isStale = false; // it shows items that have been replaced
     int _tooltipRects = 0; // rows, from the top, that have a tool tip
     QString _placeholderText;
     std::optional<QFont> _listViewFont;

@@ -81,13 +81,6 @@ void refresh(const KDRBookmarkPtr &item)
         refresh(child);
 }
 
-QStringList without(QStringList texts, const QStringList &others)
-{
-    texts.removeIf(
-        [known = QSet(others.cbegin(), others.cend())](const QString &text) { return known.contains(text); });
-    return texts;
-}
-
 // Whether the list below that folder shows the contacts as they are now, in whichever window; from now on it does.
 bool noteContactsFollowed(const WayfoldBookmarkFolder &root)
 {
@@ -396,15 +389,9 @@ void WayfoldScratchDataSource::followOutsideChanges()
 {
     if (!_scratchBookmarkRoot)
         return;
-    const QStringList selected = _scratchOutlineView->getSelectedItemsUUIDList();
-    const QStringList expanded = _scratchOutlineView->getExpandedItemsUUIDList();
     noteContactsFollowed(*_scratchBookmarkRoot);
     refresh(_scratchBookmarkRoot);
-    _scratchOutlineView->reloadData();
-    // The very items are open and selected still, and a copy in a smart folder that has the same identifier stays as it
-    // is. Those that were made anew, in groups above all, are not.
-    _scratchOutlineView->reexpandItemsFromUUIDList(without(expanded, _scratchOutlineView->getExpandedItemsUUIDList()));
-    _scratchOutlineView->reselectItemsFromUUIDList(without(selected, _scratchOutlineView->getSelectedItemsUUIDList()));
+    _scratchOutlineView->reloadReplacedData();
 }
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
