@@ -42,11 +42,23 @@ ItemFileMessages::ItemFileMessages(Messages &messages, Commands commands)
 
 void ItemFileMessages::saveFailed(const QString &path)
 {
+    sayNotSaved(localized("Your last changes could not be saved; Wayfold keeps them and goes on trying."), path);
+}
+
+void ItemFileMessages::fileIsLocked(const QString &path)
+{
+    sayNotSaved(
+        localized("Another program does not let go of your file; Wayfold keeps your last changes and goes on trying."),
+        path);
+}
+
+void ItemFileMessages::sayNotSaved(const QString &text, const QString &path)
+{
     _isSaveOwed = true;
     _messages.clear(Messages::SavedAgain);
     _messages.say({Messages::NotSaved,
                    Messages::Error,
-                   localized("Your last changes could not be saved; Wayfold keeps them and goes on trying."),
+                   text,
                    {{localized("Try Again"), localized("Save your changes now"), _commands.save}, showFile(path)}});
 }
 

@@ -27,6 +27,8 @@ public:
 
     // The file at that path could not be written, although the user has changed something.
     void saveFailed(const QString &path);
+    // The same, since another program has it locked and does not let go.
+    void fileIsLocked(const QString &path);
     // Told at each success; says so only when the save before it had failed.
     void saved();
     // A copy was kept, since the file held what the lists do not.
@@ -38,6 +40,8 @@ public:
     void backupMade();
 
 private:
+    void sayNotSaved(const QString &text, const QString &path);
+
     Messages &_messages;
     Commands _commands;
     bool _isSaveOwed = false;

@@ -98,7 +98,15 @@ KDRDrawerBundle::KDRDrawerBundle()
     : _provisionalBookmarkRoot(std::make_shared<WayfoldBookmarkFolder>())
     , _itemFileMessages(_messages, {[this] { saveBookmarkFile(); }, &RestorePanel::show})
 {
-    _itemFile.copyKept = [this](const QString &copy) { _itemFileMessages.keptAside(copy); };
+    ItemFileStore::Listeners listeners;
+    listeners.saved = [this] { _itemFileMessages.saved(); };
+    listeners.notSaved = [this] { _itemFileMessages.saveFailed(_itemFile.path()); };
+    listeners.locked = [this] { _itemFileMessages.fileIsLocked(_itemFile.path()); };
+    listeners.canTryAgain = [this] { _itemFile.tryAgain(*_bookmarkRoot); };
+    listeners.copyKept = [this](const QString &copy) { _itemFileMessages.keptAside(copy); };
+    listeners.backupMade = [this] { _itemFileMessages.backupMade(); };
+    listeners.backupFailed = [this](const QString &folder) { _itemFileMessages.backupFailed(folder); };
+    _itemFile.setListeners(std::move(listeners));
 }
 
 KDRDrawerBundle::~KDRDrawerBundle()
@@ -131,8 +139,6 @@ void KDRDrawerBundle::start()
 
     QObject::connect(&_timer, &QTimer::timeout, &_timer, [this] {
         _itemFile.retrySave(*_bookmarkRoot);
-        if (!_itemFile.isSaveOwed())
-            _itemFileMessages.saved();
         tagSafariFilesNextEvent();
     });
     _timer.start(betweenChecks);
@@ -194,14 +200,7 @@ bool KDRDrawerBundle::loadBookmarkFile()
 
 bool KDRDrawerBundle::saveBookmarkFile()
 {
-    if (!_bookmarkRoot)
-        return false;
-    const bool saved = _itemFile.save(*_bookmarkRoot);
-    if (saved)
-        _itemFileMessages.saved();
-    else
-        _itemFileMessages.saveFailed(_itemFile.path());
-    return saved;
+    return _bookmarkRoot && _itemFile.save(*_bookmarkRoot);
 }
 
 KDRDrawerBundle::FolderPtr KDRDrawerBundle::newProvisionalBookmarkWithTitle(const QString &title)
@@ -390,8 +389,7 @@ void KDRDrawerBundle::safariWindowBecameKey(const Notification &notification)
 void KDRDrawerBundle::safariWillTerminate(const Notification & /*notification*/)
 {
     _terminating = true;
-    if (_itemFile.isSaveOwed())
-        saveBookmarkFile();
+    _itemFile.saveAtQuit(*_bookmarkRoot);
 }
 
 void KDRDrawerBundle::updateDrawerForFrame(const std::shared_ptr<HostFrame> &frame)

@@ -424,6 +424,11 @@ bool WayfoldBookmarkFolder::writeDictionaryFile(const QString &path) const
     return PropertyList::writeFile(createDictionary(true), path);
 }
 
+QByteArray WayfoldBookmarkFolder::dictionaryFileContents() const
+{
+    return isTooDeepToBeSaved() ? QByteArray() : PropertyList::toXml(createDictionary(true));
+}
+
 // Of each folder the file holds a dictionary and a list, one inside the other. What is not saved may be as deep as it
 // likes, and is not looked at: that would make all the entries of "Related History".
 bool WayfoldBookmarkFolder::isTooDeepToBeSaved() const

@@ -100,6 +100,8 @@ public:
     void parseHistoryDictionary(const QVariantMap &dictionary);
     // False, with the reason in the log, when the file could not be written; the old one is whole then.
     bool writeDictionaryFile(const QString &path) const;
+    // What that writes; empty when there is no such form, as for folders that are nested too deep to be read again.
+    QByteArray dictionaryFileContents() const;
 
     Type type() const override { return FolderType; }
     QString typeDescription() const override { return QStringLiteral("Subfolder"); }

@@ -29,12 +29,6 @@ struct Copy
     bool isNewerThan(const Copy &other) const { return std::pair(time, number) > std::pair(other.time, other.number); }
 };
 
-std::vector<std::pair<const void *, KeptCopyHandler>> &observers()
-{
-    static std::vector<std::pair<const void *, KeptCopyHandler>> list;
-    return list;
-}
-
 // A name that nothing has yet, not even a link that leads nowhere.
 QString freeName(const QString &path)
 {
@@ -121,9 +115,6 @@ QString finish(const QString &path, const QString &copy, const QString &reason)
     }
     qCWarning(logFiles).noquote() << "Kept a copy of" << path << "as" << copy;
     removeSurplus(path, copy);
-    const auto told = observers(); // who is told may go
-    for (const auto &[observer, handler] : told)
-        handler(path, copy);
     return copy;
 }
 } // namespace
@@ -149,14 +140,4 @@ QString keepBesideFile(const QString &path, const QByteArray &contents)
 {
     const QString copy = freeName(path);
     return finish(path, copy, replaceFile(copy, contents));
-}
-
-void addKeptCopyObserver(const void *observer, KeptCopyHandler handler)
-{
-    observers().emplace_back(observer, std::move(handler));
-}
-
-void removeKeptCopyObserver(const void *observer)
-{
-    std::erase_if(observers(), [observer](const auto &entry) { return entry.first == observer; });
 }

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <functional>
 
 // Copies of a file beside itself, `<name>.kept-<yyyyMMdd>-<HHmmss>` (local time; "-2", "-3" ... behind it when that
 // name is taken), made before something in it would be lost. The newest twenty of a file stay, and the last of each day
@@ -14,9 +13,3 @@
 QString keepCopyOfFile(const QString &path);
 // The same for what could not be written into the file.
 QString keepBesideFile(const QString &path, const QByteArray &contents);
-
-// Who is told of each copy that was made, right then: the path of the file, and of the copy. `observer` names the
-// registration for removal, and is never looked into.
-using KeptCopyHandler = std::function<void(const QString &path, const QString &copy)>;
-void addKeptCopyObserver(const void *observer, KeptCopyHandler handler);
-void removeKeptCopyObserver(const void *observer);

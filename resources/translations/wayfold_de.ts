@@ -1192,6 +1192,10 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
         <translation>Ihre letzten Änderungen konnten nicht gespeichert werden; Wayfold behält sie und versucht es weiter.</translation>
     </message>
     <message>
+        <source>Another program does not let go of your file; Wayfold keeps your last changes and goes on trying.</source>
+        <translation>Ein anderes Programm gibt Ihre Datei nicht frei; Wayfold behält Ihre letzten Änderungen und versucht es weiter.</translation>
+    </message>
+    <message>
         <source>Try Again</source>
         <translation>Erneut versuchen</translation>
     </message>

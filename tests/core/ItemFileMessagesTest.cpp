@@ -29,6 +29,7 @@ private Q_SLOTS:
 
     void failedSaveIsAnError();
     void failedSaveCanBeTriedAgain();
+    void lockedFileIsAnError();
     void fileCanBeShown();
     void laterSuccessIsSaidAndGoesByItself();
     void successIsNotSaidOtherwise();
@@ -78,6 +79,22 @@ void ItemFileMessagesTest::failedSaveCanBeTriedAgain()
     _file->saveFailed(QStringLiteral("/home/a/Bookmarks.plist"));
     current().buttons.at(0).act();
     QCOMPARE(_saves, 1);
+}
+
+void ItemFileMessagesTest::lockedFileIsAnError()
+{
+    _file->fileIsLocked(QStringLiteral("/home/a/Bookmarks.plist"));
+    QCOMPARE(current().subject, Messages::NotSaved);
+    QCOMPARE(current().kind, Messages::Error);
+    QCOMPARE(current().text, QStringLiteral("Another program does not let go of your file; Wayfold keeps your last "
+                                            "changes and goes on trying."));
+    QCOMPARE(titles(), QStringList({QStringLiteral("Try Again"), QStringLiteral("Show File")}));
+    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    _file->fileIsLocked(QStringLiteral("/home/a/Bookmarks.plist"));
+    QVERIFY(current().text.startsWith(QStringLiteral("Ein anderes Programm gibt Ihre Datei nicht frei;")));
+    _file->saved();
+    QCOMPARE(current().subject, Messages::SavedAgain);
+    QVERIFY(!_messages->about(Messages::NotSaved));
 }
 
 void ItemFileMessagesTest::fileCanBeShown()

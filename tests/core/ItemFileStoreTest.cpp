@@ -1,7 +1,10 @@
 #include "core/ItemFileStore.h"
 
+#include "core/Backups.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldBookmarkNote.h"
+#include "platform/files/FileLock.h"
+#include "platform/files/PropertyList.h"
 #include "tests/platform/StatusChange.h"
 #include "tests/support/InstalledKinds.h"
 #include "tests/support/LoggedMessages.h"
@@ -12,8 +15,11 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QtTest>
+#include <csignal>
 #include <optional>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -71,6 +77,27 @@ private Q_SLOTS:
     void copyIsLogged();
     void directoryIsNoFile();
 
+    void lockedFileIsNotWritten();
+    void lockIsLetGo();
+    void lockIsTriedAgainSoon();
+    void lockThatIsNeverLetGoIsTold();
+    void lockOfADeadProgramIsTakenOver();
+    void lockIsThatOfTheFileBehindTheLink();
+    void lockThatCannotBeMadeIsNoObstacle();
+    void fullDisk();
+    void fileThatAFolderReplaced();
+    void fileThatALinkReplaced();
+    void failureAfterALockIsTold();
+
+    void quitWaitsForALock();
+    void whatCannotBeWrittenAtQuitIsKept_data();
+    void whatCannotBeWrittenAtQuitIsKept();
+    void nothingIsOwedNothingIsSavedAtQuit();
+
+    void firstSaveOfADayIsBackedUp();
+    void onlyWhatWasReadWholeIsBackedUp();
+    void failedBackupHindersNothing();
+
 private:
     QStringList keptCopies() const
     {
@@ -87,8 +114,32 @@ private:
         return root;
     }
 
+    // The calls of its listeners, but for those of saves and backups that worked.
+    void listen()
+    {
+        const auto note = [this](const char *call) {
+            return [this, call] { _told.append(QString::fromLatin1(call)); };
+        };
+        ItemFileStore::Listeners listeners;
+        listeners.notSaved = note("not saved");
+        listeners.locked = note("locked");
+        listeners.canTryAgain = [this] { _file.tryAgain(*_root); };
+        listeners.copyKept = [this](const QString &copy) { _told.append(QFileInfo(copy).fileName()); };
+        listeners.backupFailed = [this](const QString &folder) {
+            _told.append(QStringLiteral("no backup in ") + folder);
+        };
+        _file.setListeners(std::move(listeners));
+    }
+    QString todaysBackup() const
+    {
+        return _home->path(QStringLiteral("Wayfold/Backups/Bookmarks-%1.plist")
+                               .arg(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"))));
+    }
+
     std::optional<TemporaryHome> _home;
     ItemFileStore _file;
+    QStringList _told;
+    WayfoldBookmarkFolderPtr _root = treeWith(QStringLiteral("Milk")); // what is saved when a lock is tried again
 };
 
 void ItemFileStoreTest::init()
@@ -97,6 +148,8 @@ void ItemFileStoreTest::init()
     QVERIFY(QDir().mkpath(_home->path(QStringLiteral("Wayfold"))));
     _file = ItemFileStore();
     _file.setPath(_home->path(name));
+    _told.clear();
+    listen();
 }
 
 void ItemFileStoreTest::missingFileIsWritten()
@@ -430,6 +483,287 @@ void ItemFileStoreTest::directoryIsNoFile()
     QVERIFY(!_file.load());
     QVERIFY(!_file.save(*treeWith(QStringLiteral("Milk"))));
     QVERIFY(QFileInfo(_home->path(name)).isDir());
+}
+
+void ItemFileStoreTest::lockedFileIsNotWritten()
+{
+    _home->write(name, fileWith(note("Bread")));
+    QVERIFY(_file.load());
+    FileLock lock(_home->path(name));
+    QCOMPARE(lock.tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    QVERIFY(_file.isSaveOwed());
+    QCOMPARE(_home->read(name), fileWith(note("Bread")));
+    QVERIFY(_told.isEmpty()); // it may be free in a moment
+}
+
+void ItemFileStoreTest::lockIsLetGo()
+{
+    const QString folder = _home->path(QStringLiteral("Wayfold"));
+    QVERIFY(_file.save(*_root));
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList(QStringLiteral("Bookmarks.plist")));
+    _home->write(name, "unreadable");
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*_root));
+    QVERIFY(!QFileInfo::exists(_home->path(name + QStringLiteral(".lock"))));
+}
+
+void ItemFileStoreTest::lockIsTriedAgainSoon()
+{
+    auto lock = std::make_unique<FileLock>(_home->path(name));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    lock.reset();
+    QTRY_VERIFY(_home->read(name).contains("Milk")); // though nobody counts the seconds
+    QVERIFY(!_file.isSaveOwed());
+    QVERIFY(_told.isEmpty());
+}
+
+void ItemFileStoreTest::lockThatIsNeverLetGoIsTold()
+{
+    const LoggedMessages messages;
+    auto lock = std::make_unique<FileLock>(_home->path(name));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    QTRY_COMPARE(_told, QStringList(QStringLiteral("locked")));
+    for (int again = 0; again < 5; ++again)
+        _file.tryAgain(*_root);
+    QVERIFY(!_file.save(*_root));
+    QCOMPARE(_told.size(), 1); // once
+    QVERIFY(!QFileInfo::exists(_home->path(name)));
+    lock.reset();
+    QTRY_VERIFY(_home->read(name).contains("Milk"));
+
+    // Another time it is told again.
+    lock = std::make_unique<FileLock>(_home->path(name));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    QCOMPARE(_told.size(), 1);
+    QTRY_COMPARE(_told.size(), 2);
+}
+
+void ItemFileStoreTest::lockOfADeadProgramIsTakenOver()
+{
+    const pid_t child = ::fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+        FileLock lock(_home->path(name));
+        lock.tryLock();
+        ::raise(SIGKILL);
+    }
+    QCOMPARE(::waitpid(child, nullptr, 0), child);
+    QVERIFY(QFileInfo::exists(_home->path(name + QStringLiteral(".lock"))));
+    QVERIFY(_file.save(*_root));
+    QVERIFY(!QFileInfo::exists(_home->path(name + QStringLiteral(".lock"))));
+}
+
+// As in two homes that have one item file.
+void ItemFileStoreTest::lockIsThatOfTheFileBehindTheLink()
+{
+    _home->write(QStringLiteral("shared/Bookmarks.plist"), fileWith(note("Bread")));
+    QVERIFY(QFile::link(_home->path(QStringLiteral("shared/Bookmarks.plist")), _home->path(name)));
+    QVERIFY(_file.load());
+    auto lock = std::make_unique<FileLock>(_home->path(QStringLiteral("shared/Bookmarks.plist")));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    lock.reset();
+    QVERIFY(_file.save(*_root));
+    QVERIFY(_home->read(QStringLiteral("shared/Bookmarks.plist")).contains("Milk"));
+    QVERIFY(QFileInfo(_home->path(name)).isSymLink());
+    QVERIFY(keptCopies().isEmpty());
+    QVERIFY(QFileInfo::exists(todaysBackup())); // in this home
+}
+
+void ItemFileStoreTest::lockThatCannotBeMadeIsNoObstacle()
+{
+    // The name leaves room for that of a temporary file, but somebody has put a folder in the lock's place.
+    QVERIFY(QDir().mkpath(_home->path(name + QStringLiteral(".lock/full"))));
+    QVERIFY(!_file.save(*_root) || _home->read(name).contains("Milk"));
+    QTRY_VERIFY(!_file.isSaveOwed() || !_told.isEmpty()); // it is saved, or the user is told
+}
+
+void ItemFileStoreTest::fullDisk()
+{
+    const LoggedMessages messages;
+    _home->write(name, fileWith(note("Bread")));
+    QVERIFY(_file.load());
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit before;
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit full = {0, before.rlim_max}; // to this process, the disk is full when files may not grow
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &full), 0);
+    const bool isSaved = _file.save(*_root);
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    QVERIFY(!isSaved);
+    QCOMPARE(_home->read(name), fileWith(note("Bread")));
+    QCOMPARE(_told, QStringList({QStringLiteral("no backup in ") + _home->path(QStringLiteral("Wayfold/Backups")),
+                                 QStringLiteral("not saved")}));
+    QVERIFY(!QFileInfo::exists(todaysBackup()));
+    QCOMPARE(QDir(_home->path(QStringLiteral("Wayfold/Backups"))).entryList(QDir::Files), QStringList());
+    for (int second = 0; second < 2; ++second)
+        _file.retrySave(*_root);
+    QVERIFY(!_file.isSaveOwed());
+    QVERIFY(_home->read(name).contains("Milk"));
+    QVERIFY(QFileInfo::exists(todaysBackup()));
+}
+
+void ItemFileStoreTest::fileThatAFolderReplaced()
+{
+    const LoggedMessages messages;
+    _home->write(name, fileWith(note("Bread")));
+    QVERIFY(_file.load());
+    QVERIFY(QFile::remove(_home->path(name)));
+    QVERIFY(QDir().mkpath(_home->path(name)));
+    QVERIFY(!_file.save(*_root));
+    QCOMPARE(_told, QStringList(QStringLiteral("not saved")));
+    QVERIFY(QDir().rmdir(_home->path(name)));
+    for (int second = 0; second < 2; ++second)
+        _file.retrySave(*_root);
+    QVERIFY(_home->read(name).contains("Milk"));
+}
+
+void ItemFileStoreTest::fileThatALinkReplaced()
+{
+    const LoggedMessages messages;
+    _home->write(name, fileWith(note("Bread")));
+    QVERIFY(_file.load());
+    // What the link leads to is another file, which is kept.
+    _home->write(QStringLiteral("elsewhere/Bookmarks.plist"), fileWith(note("Salt")));
+    QVERIFY(QFile::remove(_home->path(name)));
+    QVERIFY(QFile::link(_home->path(QStringLiteral("elsewhere/Bookmarks.plist")), _home->path(name)));
+    QVERIFY(_file.save(*_root));
+    QCOMPARE(keptContents(0), fileWith(note("Salt")));
+    QVERIFY(_home->read(QStringLiteral("elsewhere/Bookmarks.plist")).contains("Milk"));
+    // A link into nowhere leads to a file that can be made, or not.
+    QVERIFY(QFile::remove(_home->path(name)));
+    QVERIFY(QFile::link(_home->path(QStringLiteral("nowhere/Bookmarks.plist")), _home->path(name)));
+    _told.clear();
+    QVERIFY(!_file.save(*_root));
+    QCOMPARE(_told, QStringList(QStringLiteral("not saved")));
+    QVERIFY(QFileInfo(_home->path(name)).isSymLink());
+    QVERIFY(QDir().mkpath(_home->path(QStringLiteral("nowhere"))));
+    QVERIFY(_file.save(*_root));
+    QVERIFY(_home->read(QStringLiteral("nowhere/Bookmarks.plist")).contains("Milk"));
+}
+
+void ItemFileStoreTest::failureAfterALockIsTold()
+{
+    const LoggedMessages messages;
+    QVERIFY(QDir().mkpath(_home->path(name)));
+    auto lock = std::make_unique<FileLock>(_home->path(name));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    lock.reset();
+    QTRY_COMPARE(_told, QStringList(QStringLiteral("not saved")));
+    QVERIFY(_file.isSaveOwed());
+}
+
+void ItemFileStoreTest::quitWaitsForALock()
+{
+    auto lock = std::make_unique<FileLock>(_home->path(name));
+    QCOMPARE(lock->tryLock(), FileLock::Locked);
+    QVERIFY(!_file.save(*_root));
+    // Another process lets go while this one waits: one that is stopped by its parent's word cannot be waited for.
+    lock.reset();
+    const pid_t child = ::fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+        FileLock own(_home->path(name));
+        while (own.tryLock() != FileLock::Locked)
+            ::usleep(100);
+        _home->write(QStringLiteral("locked"), "");
+        ::usleep(100 * 1000);
+        own.~FileLock();
+        ::_exit(0);
+    }
+    while (!QFileInfo::exists(_home->path(QStringLiteral("locked"))))
+        ::usleep(100);
+    _file.saveAtQuit(*_root);
+    QCOMPARE(::waitpid(child, nullptr, 0), child);
+    QVERIFY(_home->read(name).contains("Milk") || !keptCopies().isEmpty()); // on a busy machine it takes too long
+    QVERIFY(_home->read(name).contains("Milk") == keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::whatCannotBeWrittenAtQuitIsKept_data()
+{
+    QTest::addColumn<bool>("isLocked");
+    QTest::newRow("locked") << true;
+    QTest::newRow("a folder in its place") << false;
+}
+
+void ItemFileStoreTest::whatCannotBeWrittenAtQuitIsKept()
+{
+    QFETCH(bool, isLocked);
+    const LoggedMessages messages;
+    FileLock lock(_home->path(name));
+    if (isLocked) {
+        _home->write(name, fileWith(note("Bread")));
+        QVERIFY(_file.load());
+        QCOMPARE(lock.tryLock(), FileLock::Locked);
+    } else {
+        QVERIFY(QDir().mkpath(_home->path(name)));
+    }
+    QVERIFY(!_file.save(*_root));
+    _file.saveAtQuit(*_root);
+    QCOMPARE(keptCopies().size(), 1);
+    const auto kept = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(
+        _home->path(QStringLiteral("Wayfold/") + keptCopies().constFirst()));
+    QCOMPARE(kept->childCount(), 1U);
+    QCOMPARE(kept->childAtIndex(0)->title(), QStringLiteral("Milk"));
+    if (isLocked)
+        QCOMPARE(_home->read(name), fileWith(note("Bread")));
+}
+
+void ItemFileStoreTest::nothingIsOwedNothingIsSavedAtQuit()
+{
+    _file.saveAtQuit(*_root);
+    QVERIFY(QDir(_home->path(QStringLiteral("Wayfold"))).isEmpty());
+}
+
+void ItemFileStoreTest::firstSaveOfADayIsBackedUp()
+{
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*_root)); // there was nothing before
+    QVERIFY(!QFileInfo::exists(todaysBackup()));
+    _home->write(name, fileWith(note("Bread")));
+    QVERIFY(_file.load());
+    QVERIFY(!QFileInfo::exists(todaysBackup())); // reading alone makes none
+    QVERIFY(_file.save(*_root));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Salt"))));
+    QFile backup(todaysBackup());
+    QVERIFY(backup.open(QIODevice::ReadOnly));
+    QCOMPARE(backup.readAll(), fileWith(note("Bread")));
+    QVERIFY(keptCopies().isEmpty());
+}
+
+void ItemFileStoreTest::onlyWhatWasReadWholeIsBackedUp()
+{
+    const LoggedMessages messages;
+    _home->write(name, fileWith(note("Bread")).left(200));
+    QVERIFY(!_file.load());
+    QVERIFY(_file.save(*_root)); // kept aside instead
+    QVERIFY(!QFileInfo::exists(todaysBackup()));
+    _home->write(name, fileWith(note("Theirs")));
+    QVERIFY(_file.save(*_root)); // nobody has read it
+    QVERIFY(!QFileInfo::exists(todaysBackup()));
+    QVERIFY(_file.save(*treeWith(QStringLiteral("Salt"))));
+    QVERIFY(QFileInfo::exists(todaysBackup())); // of what was written here
+}
+
+void ItemFileStoreTest::failedBackupHindersNothing()
+{
+    const LoggedMessages messages;
+    _home->write(name, fileWith(note("Bread")));
+    _home->write(QStringLiteral("Wayfold/Backups"), "a file where the folder belongs");
+    QVERIFY(_file.load());
+    const QString told = QStringLiteral("no backup in ") + _home->path(QStringLiteral("Wayfold/Backups"));
+    QVERIFY(_file.save(*_root));
+    QVERIFY(_file.save(*_root));
+    QCOMPARE(_told, QStringList(told)); // once a day
+    QVERIFY(_home->read(name).contains("Milk"));
+    QVERIFY(QFile::remove(_home->path(QStringLiteral("Wayfold/Backups"))));
+    QVERIFY(_file.save(*_root));
+    QVERIFY(QFileInfo::exists(todaysBackup()));
 }
 
 QTEST_GUILESS_MAIN(ItemFileStoreTest)

@@ -53,7 +53,6 @@ private Q_SLOTS:
     void copiesOfTheSameSecondAreInOrder();
     void copyThatFailsRemovesNothing();
     void whatCouldNotBeWrittenIsKept();
-    void isTold();
 
 private:
     static QString copyAt(const QDateTime &time) { return "file.kept-" + time.toString("yyyyMMdd-HHmmss"); }
@@ -334,29 +333,6 @@ void KeptCopyTest::whatCouldNotBeWrittenIsKept()
     QCOMPARE(home.read(QFileInfo(copy).fileName()), "notes");
     QVERIFY(keepBesideFile(home.path("missing/file"), "notes").isNull());
     QVERIFY(messages.contain("Could not keep a copy"));
-}
-
-void KeptCopyTest::isTold()
-{
-    const TemporaryHome home;
-    const LoggedMessages messages;
-    home.write("file", "a");
-    QStringList told;
-    const auto note = [&](const QString &path, const QString &copy) {
-        QCOMPARE(path, home.path("file"));
-        QCOMPARE(home.read(QFileInfo(copy).fileName()), "a");
-        told.append(copy);
-        removeKeptCopyObserver(&told); // as somebody who goes right then
-    };
-    addKeptCopyObserver(&told, note);
-    const QString copy = keepCopyOfFile(home.path("file"));
-    QCOMPARE(told, QStringList(copy));
-    QVERIFY(!keepCopyOfFile(home.path("file")).isNull());
-    QCOMPARE(told.size(), 1);
-    addKeptCopyObserver(&told, note);
-    QVERIFY(keepCopyOfFile(home.path("missing")).isNull());
-    QCOMPARE(told.size(), 1);
-    removeKeptCopyObserver(&told);
 }
 
 QTEST_GUILESS_MAIN(KeptCopyTest)
