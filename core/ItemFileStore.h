@@ -15,9 +15,9 @@
 class WayfoldBookmarkFolder;
 
 // The user's own file on disk, which may have other writers. A save locks it, looks whether it is still what was read
-// or written last, writes it and lets go; whatever it holds that the tree in memory does not (it could not be read,
-// some entries are of kinds unknown here, another program has changed it) is copied aside before it is first written
-// over. Before the first save of a day it is backed up.
+// or written last, writes it and lets go; whatever it holds that the tree in memory does not (it could not be read, or
+// not as a whole; another program has changed it) is copied aside before it is first written over. Before the first
+// save of a day it is backed up.
 class ItemFileStore
 {
 public:

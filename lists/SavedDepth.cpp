@@ -3,6 +3,8 @@
 #include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/PropertyList.h"
 
+#include <algorithm>
+
 namespace
 {
 // A folder's dictionary and the list of its children; any other item's dictionary and the one with its title.
@@ -25,22 +27,28 @@ int levelsDownTo(const WayfoldBookmarkFolder &folder)
     return levels;
 }
 
+// Of the item alone, with what is kept for others.
+int ownLevels(const KDRBookmark &item)
+{
+    return std::max(levelsOfAnItem, 1 + item.depthOfUnknown());
+}
+
 // Counted generation by generation, so that no depth can exhaust the stack.
 int levelsOf(const KDRBookmark &item)
 {
-    int levels = levelsOfAnItem;
+    int levels = ownLevels(item);
+    int levelsAbove = 0;
     Folders generation;
     appendSavedFolder(item, generation);
     while (!generation.empty()) {
-        bool hasChildren = false;
+        levelsAbove += levelsOfAnItem;
         Folders next;
         for (const WayfoldBookmarkFolder *folder : generation) {
             for (const KDRBookmarkPtr &child : folder->children()) {
-                hasChildren = true;
+                levels = std::max(levels, levelsAbove + ownLevels(*child));
                 appendSavedFolder(*child, next);
             }
         }
-        levels += hasChildren ? levelsOfAnItem : 0;
         generation = std::move(next);
     }
     return levels;

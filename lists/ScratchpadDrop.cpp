@@ -4,6 +4,7 @@
 #include "lists/PageTitle.h"
 #include "lists/PasteboardTypes.h"
 #include "lists/SavedDepth.h"
+#include "model/ItemDictionary.h"
 #include "model/WayfoldAutoFolder.h"
 #include "model/WayfoldBookmarkABGroup.h"
 #include "model/WayfoldBookmarkABPerson.h"
@@ -50,10 +51,12 @@ KDRBookmarkPtr linkFromDictionary(const QVariantMap &dictionary)
     return link;
 }
 
-KDRBookmarkPtr itemFromDictionary(const QVariantMap &dictionary)
+// A folder or a link, whatever the dictionary calls it, and from now on by that name.
+KDRBookmarkPtr itemFromDictionary(QVariantMap dictionary)
 {
-    return dictionary.contains(QStringLiteral("Children")) ? folderFromDictionary(dictionary)
-                                                           : linkFromDictionary(dictionary);
+    const bool isFolder = dictionary.contains(ItemDictionary::childrenKey);
+    dictionary.insert(ItemDictionary::typeKey, isFolder ? ItemDictionary::listType : ItemDictionary::leafType);
+    return isFolder ? folderFromDictionary(dictionary) : linkFromDictionary(dictionary);
 }
 
 // What comes out of a smart folder into one that is saved. A visited page has no dictionary, so it would be gone with

@@ -16,37 +16,43 @@
 
 namespace
 {
-using Maker = KDRBookmarkPtr (*)(const QVariantMap &);
+// What a word stands for.
+struct Kind
+{
+    KDRBookmarkPtr (*make)(const QVariantMap &) = nullptr; // null: unknown
+    QString (*title)(const QVariantMap &) = nullptr;       // null: it always has one
+};
 
 template <class Item>
-KDRBookmarkPtr anyItem(const QVariantMap &dictionary)
+KDRBookmarkPtr make(const QVariantMap &dictionary)
 {
     return Item::bookmarkFromDictionary(dictionary);
 }
 
-// None when nothing names the item in a list.
-template <class Item>
-KDRBookmarkPtr titledItem(const QVariantMap &dictionary)
+QString folderTitle(const QVariantMap &dictionary)
 {
-    KDRBookmarkPtr item = Item::bookmarkFromDictionary(dictionary);
-    return item->title().isEmpty() ? nullptr : item;
+    return ItemDictionary::string(dictionary, ItemDictionary::titleKey);
 }
 
-// Null for an unknown kind.
-Maker makerFor(const QVariantMap &dictionary)
+QString leafTitle(const QVariantMap &dictionary)
 {
-    // The browser names two of its folders by words of their own. People and groups always have a title, and it is not
-    // asked for yet: the contacts may still be coming.
-    static const QHash<QString, Maker> makers{
-        {ItemDictionary::listType, titledItem<WayfoldBookmarkFolder>},
-        {QStringLiteral("BookmarksBar"), titledItem<WayfoldBookmarkFolder>},
-        {QStringLiteral("BookmarksMenu"), titledItem<WayfoldBookmarkFolder>},
-        {ItemDictionary::leafType, titledItem<WayfoldBookmarkURL>},
-        {ItemDictionary::noteType, titledItem<WayfoldBookmarkNote>},
-        {ItemDictionary::personType, anyItem<WayfoldBookmarkABPerson>},
-        {ItemDictionary::groupType, anyItem<WayfoldBookmarkABGroup>},
+    return ItemDictionary::string(ItemDictionary::dictionary(dictionary, ItemDictionary::uriDictionaryKey),
+                                  ItemDictionary::uriTitleKey);
+}
+
+Kind kindOf(const QVariantMap &dictionary)
+{
+    static const Kind folder{make<WayfoldBookmarkFolder>, folderTitle};
+    static const QHash<QString, Kind> kinds{
+        {ItemDictionary::listType, folder},
+        {QStringLiteral("BookmarksBar"), folder}, // so the browser names two of its own
+        {QStringLiteral("BookmarksMenu"), folder},
+        {ItemDictionary::leafType, {make<WayfoldBookmarkURL>, leafTitle}},
+        {ItemDictionary::noteType, {make<WayfoldBookmarkNote>, leafTitle}},
+        {ItemDictionary::personType, {make<WayfoldBookmarkABPerson>}},
+        {ItemDictionary::groupType, {make<WayfoldBookmarkABGroup>}},
     };
-    return makers.value(ItemDictionary::string(dictionary, ItemDictionary::typeKey));
+    return kinds.value(ItemDictionary::string(dictionary, ItemDictionary::typeKey));
 }
 
 template <class... Items>
@@ -67,18 +73,24 @@ void ItemCodec::install()
 
 bool ItemCodec::isFolder(const QVariantMap &dictionary) const
 {
-    return makerFor(dictionary) == Maker(titledItem<WayfoldBookmarkFolder>);
+    return kindOf(dictionary).make == make<WayfoldBookmarkFolder>;
+}
+
+bool ItemCodec::isItem(const QVariantMap &dictionary) const
+{
+    const Kind kind = kindOf(dictionary);
+    return kind.make && (!kind.title || !kind.title(dictionary).isEmpty());
 }
 
 KDRBookmarkPtr ItemCodec::itemFromDictionary(const QVariantMap &dictionary) const
 {
-    const Maker make = makerFor(dictionary);
-    return make ? make(dictionary) : nullptr;
+    return isItem(dictionary) ? kindOf(dictionary).make(dictionary) : nullptr;
 }
 
 KDRBookmarkPtr ItemCodec::itemFromHistoryDictionary(const QVariantMap &dictionary) const
 {
-    return titledItem<WayfoldHistoryURL>(dictionary);
+    WayfoldHistoryURLPtr entry = WayfoldHistoryURL::bookmarkFromDictionary(dictionary);
+    return entry->title().isEmpty() ? nullptr : entry;
 }
 
 WayfoldBookmarkURLPtr ItemCodec::linkForURL(const Url &url) const

@@ -10,6 +10,7 @@ public:
     static void install();
 
     bool isFolder(const QVariantMap &dictionary) const override;
+    bool isItem(const QVariantMap &dictionary) const override;
     std::shared_ptr<KDRBookmark> itemFromDictionary(const QVariantMap &dictionary) const override;
     std::shared_ptr<KDRBookmark> itemFromHistoryDictionary(const QVariantMap &dictionary) const override;
     std::shared_ptr<WayfoldBookmarkURL> linkForURL(const Url &url) const override;

@@ -23,7 +23,9 @@ public:
 
     // Whether the dictionary stands for a folder; its title does not matter.
     virtual bool isFolder(const QVariantMap &dictionary) const = 0;
-    // None for an unknown kind, and for an item that has no title to show.
+    // Whether the dictionary makes an item: it is of a known kind, and has a title to show.
+    virtual bool isItem(const QVariantMap &dictionary) const = 0;
+    // None when it does not.
     virtual std::shared_ptr<KDRBookmark> itemFromDictionary(const QVariantMap &dictionary) const = 0;
     // Of an entry of the browser's history file; none without a title or an address.
     virtual std::shared_ptr<KDRBookmark> itemFromHistoryDictionary(const QVariantMap &dictionary) const = 0;

@@ -10,6 +10,8 @@
 
 namespace
 {
+const QString unknownKeysCoderKey = QStringLiteral("_unknownKeys");
+
 QString freshUUID()
 {
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
@@ -36,6 +38,7 @@ void KDRBookmark::init()
     _parent.reset();
     _timestamp = QDateTime::currentMSecsSinceEpoch();
     _isUUIDDue = true;
+    _unknownKeys = {};
 }
 
 void KDRBookmark::initWithTitle(const QString &title)
@@ -183,6 +186,18 @@ void KDRBookmark::loadFromDictionary(const QVariantMap &dictionary)
     Q_UNUSED(dictionary)
 }
 
+void KDRBookmark::keepUnknown(const QVariantMap &dictionary)
+{
+    QVariantMap used;
+    writeToDictionaryForSaving(used, true);
+    keepUnknownKeys(dictionary, used);
+}
+
+void KDRBookmark::keepUnknownKeys(const QVariantMap &dictionary, const QVariantMap &used)
+{
+    _unknownKeys = UnknownKeys(dictionary, used);
+}
+
 void KDRBookmark::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
 {
     Q_UNUSED(dictionary)
@@ -193,6 +208,7 @@ QVariantMap KDRBookmark::createDictionary(bool forSaving) const
 {
     QVariantMap dictionary;
     writeToDictionaryForSaving(dictionary, forSaving);
+    _unknownKeys.addTo(dictionary);
     return dictionary;
 }
 
@@ -229,6 +245,7 @@ void KDRBookmark::encodeWithCoder(KeyedArchiver &coder) const
 {
     coder.encodeValueForKey(title(), QStringLiteral("_title"));
     coder.encodeValueForKey(uuid(), QStringLiteral("_uuid"));
+    coder.encodeValueForKey(_unknownKeys.archived(), unknownKeysCoderKey);
 }
 
 void KDRBookmark::initWithCoder(const KeyedUnarchiver &coder)
@@ -237,6 +254,7 @@ void KDRBookmark::initWithCoder(const KeyedUnarchiver &coder)
     setTitle(coder.decodeStringForKey(QStringLiteral("_title")));
     setUUID(coder.decodeStringForKey(QStringLiteral("_uuid")));
     _timestamp = noTimestamp;
+    _unknownKeys = UnknownKeys::fromArchive(coder.decodeValueForKey(unknownKeysCoderKey));
 }
 
 KDRBookmarkPtr KDRBookmark::makeNew() const
@@ -255,4 +273,5 @@ void KDRBookmark::copyTo(KDRBookmark &copy) const
     copy.setTitle(title());
     copy.setUUID(uuid());
     copy._timestamp = _timestamp;
+    copy._unknownKeys = _unknownKeys;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/UnknownKeys.h"
 #include "platform/base/CalendarDate.h"
 #include "platform/base/KeyedArchiver.h"
 #include "platform/widgets/OutlineItem.h"
@@ -128,6 +129,11 @@ public:
 
     // (Re)initialises the item; what is missing or of another type counts as none.
     virtual void loadFromDictionary(const QVariantMap &dictionary);
+    // Keeps what the dictionary, which the item was read from, or agrees with by now, says beyond what the item has of
+    // it. It is written back, and goes with copies and archives.
+    virtual void keepUnknown(const QVariantMap &dictionary);
+    // How many dictionaries and lists of that lie one in another below the item's own dictionary.
+    virtual int depthOfUnknown() const { return _unknownKeys.depth(); }
     // `forSaving`: for the item file, so folders leave out what does not belong there.
     virtual void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const;
     QVariantMap createDictionary(bool forSaving) const;
@@ -154,6 +160,8 @@ protected:
     // A blank item of this item's class.
     virtual KDRBookmarkPtr makeNew() const;
     virtual bool isSameKindAs(const KDRBookmark &other) const;
+    // `used`: what the item writes itself.
+    void keepUnknownKeys(const QVariantMap &dictionary, const QVariantMap &used);
     // What a search looks at beside the title; none for most kinds. `searchedTextChanged` when it is another.
     virtual QString searchedText() const { return {}; }
     void searchedTextChanged() { _searchForm = QByteArray(); }
@@ -169,4 +177,5 @@ private:
     mutable QByteArray _searchForm;
     std::weak_ptr<KDRBookmark> _parent;
     qint64 _timestamp = noTimestamp;
+    UnknownKeys _unknownKeys;
 };

@@ -183,6 +183,7 @@ void WayfoldBookmarkABGroup::loadFromDictionary(const QVariantMap &dictionary)
     const QString storedUUID = string(dictionary, uuidKey);
     if (!storedUUID.isEmpty())
         setUUID(storedUUID);
+    keepUnknown(dictionary);
 }
 
 void WayfoldBookmarkABGroup::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const

@@ -46,6 +46,7 @@ public:
     // By the title as it is now.
     bool matches(const TextSearch &search) const override;
     void loadFromDictionary(const QVariantMap &dictionary) override;
+    void keepUnknown(const QVariantMap &dictionary) override { KDRBookmark::keepUnknown(dictionary); }
     void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
     bool isEqual(const KDRBookmark &other) const override;
     using KDRBookmark::isEqual;

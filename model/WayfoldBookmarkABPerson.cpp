@@ -132,6 +132,7 @@ void WayfoldBookmarkABPerson::loadFromDictionary(const QVariantMap &dictionary)
     const QString storedUUID = string(dictionary, uuidKey);
     if (!storedUUID.isEmpty())
         setUUID(storedUUID);
+    keepUnknown(dictionary);
 }
 
 void WayfoldBookmarkABPerson::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const

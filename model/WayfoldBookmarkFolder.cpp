@@ -18,6 +18,7 @@ namespace
 {
 const QString filterStringCoderKey = QStringLiteral("_filterString");
 const QString childrenCoderKey = QStringLiteral("_children");
+const QString unknownEntriesCoderKey = QStringLiteral("_unknownEntries");
 
 // Most lists are sorted again and again and have little to move.
 template <class Item, class Compare>
@@ -27,41 +28,21 @@ void sort(std::vector<Item> &items, Compare isLess)
         std::stable_sort(items.begin(), items.end(), isLess);
 }
 
-// Every entry that a folder's dictionary lists, at every depth.
-unsigned deepEntryCount(const QVariantMap &dictionary)
+// A list in which each place is one.
+QVariantList archivedPlaces(const UnknownEntries::Places &places)
 {
-    const QVariantList entries = ItemDictionary::list(dictionary, ItemDictionary::childrenKey);
-    unsigned count = unsigned(entries.size());
-    for (const QVariant &entry : entries)
-        count += deepEntryCount(entry.toMap());
-    return count;
+    QVariantList archived;
+    for (const QVariantList &place : places)
+        archived.append(QVariant(place));
+    return archived;
 }
 
-bool isContained(const QVariant &value, const QVariant &other);
-
-bool isContainedInDictionary(const QVariantMap &dictionary, const QVariantMap &other)
+UnknownEntries::Places placesFromArchive(const QVariantList &archived)
 {
-    for (auto entry = dictionary.begin(); entry != dictionary.end(); ++entry) {
-        if (!isContained(entry.value(), other.value(entry.key())))
-            return false;
-    }
-    return true;
-}
-
-// Whether the other holds all that the value holds. Empty texts stand for none, there is nothing in them to lose.
-bool isContained(const QVariant &value, const QVariant &other)
-{
-    if (value.typeId() == QMetaType::QString && value.toString().isEmpty())
-        return true;
-    if (value.typeId() != other.typeId())
-        return false;
-    if (value.typeId() == QMetaType::QVariantMap)
-        return isContainedInDictionary(value.toMap(), other.toMap());
-    if (value.typeId() != QMetaType::QVariantList)
-        return value == other;
-    const QVariantList values = value.toList();
-    const QVariantList others = other.toList();
-    return std::equal(values.begin(), values.end(), others.begin(), others.end(), isContained);
+    UnknownEntries::Places places;
+    for (const QVariant &place : archived)
+        places.push_back(place.toList());
+    return places;
 }
 } // namespace
 
@@ -101,17 +82,11 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkFromDictionaryFile(const
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::readDictionaryFile(const QString &path, ItemFileReading *reading)
 {
-    ItemFileReading result;
     PropertyList::Reading file;
     const QVariantMap dictionary = PropertyList::readDictionaryFile(path, &file);
-    result.readable = file.ok;
-    WayfoldBookmarkFolderPtr folder = bookmarkFromDictionary(dictionary);
-    if (!reading)
-        return folder;
-    result.skippedEntries = int(deepEntryCount(dictionary) - folder->deepChildCount());
-    result.complete = file.isWhole && isContainedInDictionary(dictionary, folder->createDictionary(true));
-    *reading = result;
-    return folder;
+    if (reading)
+        *reading = {file.ok, file.isWhole};
+    return bookmarkFromDictionary(dictionary);
 }
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::newViaDialog()
@@ -138,6 +113,7 @@ void WayfoldBookmarkFolder::init()
     removeAllChildren();
     _lastIconCellSize = QSizeF(0, 0);
     _filterString = QString();
+    _unknownEntries.reset();
 }
 
 void WayfoldBookmarkFolder::initFromDictionary(const QVariantMap &dictionary)
@@ -529,21 +505,70 @@ void WayfoldBookmarkFolder::loadFromDictionary(const QVariantMap &dictionary)
     const QVariantList entries = list(dictionary, childrenKey);
     for (const QVariant &entry : entries)
         parseBookmarkDictionaryInsert(entry.toMap(), true);
+    keepUnknown(dictionary);
 }
 
-void WayfoldBookmarkFolder::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
+void WayfoldBookmarkFolder::keepUnknown(const QVariantMap &dictionary)
+{
+    QVariantMap used;
+    writeFieldsTo(used);
+    const QVariant entries = dictionary.value(ItemDictionary::childrenKey);
+    // A list is looked at entry by entry; anything else stands where there are no children.
+    used.insert(ItemDictionary::childrenKey,
+                entries.typeId() == QMetaType::QVariantList ? entries : QVariant(QVariantList()));
+    keepUnknownKeys(dictionary, used);
+    keepUnknownEntries(ItemDictionary::list(dictionary, ItemDictionary::childrenKey));
+}
+
+void WayfoldBookmarkFolder::keepUnknownEntries(const QVariantList &entries)
+{
+    const ItemKinds &kinds = ItemKinds::current();
+    UnknownEntries unknown;
+    std::vector<KDRBookmarkPtr>::const_iterator child = children().begin();
+    for (const QVariant &entry : entries) {
+        if (!kinds.isItem(entry.toMap())) {
+            unknown.addEntry(entry);
+            continue;
+        }
+        child =
+            std::find_if(child, _children.cend(), [](const KDRBookmarkPtr &item) { return item->canBePersistent(); });
+        if (child != _children.cend())
+            unknown.addItem(*child++);
+    }
+    _unknownEntries = unknown.isEmpty() ? nullptr : std::make_unique<UnknownEntries>(std::move(unknown));
+}
+
+int WayfoldBookmarkFolder::depthOfUnknown() const
+{
+    const int depthOfEntries = _unknownEntries ? _unknownEntries->depth() + 1 : 0;
+    return std::max(KDRBookmark::depthOfUnknown(), depthOfEntries);
+}
+
+UnknownEntries::Places WayfoldBookmarkFolder::unknownPlaces() const
+{
+    return _unknownEntries ? _unknownEntries->placesAmong(children()) : UnknownEntries::Places(childCount() + 1);
+}
+
+void WayfoldBookmarkFolder::writeFieldsTo(QVariantMap &dictionary) const
 {
     using namespace ItemDictionary;
-    QVariantList entries;
-    for (const KDRBookmarkPtr &item : children()) {
-        if (!forSaving || item->canBePersistent())
-            entries.append(item->createDictionary(forSaving));
-    }
     dictionary.insert(typeKey, listType);
     dictionary.insert(uuidKey, textOrEmpty(uuid()));
     dictionary.insert(titleKey, textOrEmpty(title()));
     dictionary.insert(searchStringKey, textOrEmpty(_filterString));
-    dictionary.insert(childrenKey, entries);
+}
+
+void WayfoldBookmarkFolder::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const
+{
+    const UnknownEntries::Places unknown = unknownPlaces();
+    QVariantList entries = unknown[0];
+    for (std::size_t i = 0; i < children().size(); ++i) {
+        if (!forSaving || _children[i]->canBePersistent())
+            entries.append(_children[i]->createDictionary(forSaving));
+        entries.append(unknown[i + 1]);
+    }
+    writeFieldsTo(dictionary);
+    dictionary.insert(ItemDictionary::childrenKey, entries);
 }
 
 bool WayfoldBookmarkFolder::isEqual(const KDRBookmark &other) const
@@ -586,6 +611,8 @@ void WayfoldBookmarkFolder::encodeWithCoder(KeyedArchiver &coder) const
     KDRBookmark::encodeWithCoder(coder);
     coder.encodeValueForKey(_filterString, filterStringCoderKey);
     coder.encodeObjectsForKey({children().begin(), children().end()}, childrenCoderKey);
+    if (_unknownEntries)
+        coder.encodeValueForKey(archivedPlaces(_unknownEntries->placesAmong(children())), unknownEntriesCoderKey);
 }
 
 void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
@@ -596,6 +623,9 @@ void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
         if (auto item = std::dynamic_pointer_cast<KDRBookmark>(object))
             appendWithoutParent(item);
     }
+    const QVariantList places = coder.decodeValueForKey(unknownEntriesCoderKey).toList();
+    if (!places.isEmpty())
+        _unknownEntries = std::make_unique<UnknownEntries>(placesFromArchive(places), _children);
 }
 
 KDRBookmarkPtr WayfoldBookmarkFolder::makeNew() const
@@ -623,6 +653,8 @@ void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
     folder._children.reserve(children().size());
     for (const KDRBookmarkPtr &item : children())
         folder.addChild(item->copy());
+    if (_unknownEntries)
+        folder._unknownEntries = std::make_unique<UnknownEntries>(unknownPlaces(), folder._children);
 }
 
 void WayfoldBookmarkFolder::appendWithoutParent(const KDRBookmarkPtr &child)

@@ -3,6 +3,7 @@
 #include "model/ItemFileReading.h"
 #include "model/KDRBookmark.h"
 #include "model/LazyChildren.h"
+#include "model/UnknownEntries.h"
 
 #include <QHash>
 #include <functional>
@@ -94,7 +95,7 @@ public:
     void removeAutoFolders();
 
     // Reads a dictionary of any kind, and appends the item that it stands for. Without `insert` a folder's dictionary
-    // replaces this folder's contents instead. Unknown kinds and items without a title are left out.
+    // replaces this folder's contents instead. Nothing comes of unknown kinds and items without a title.
     void parseBookmarkDictionaryInsert(const QVariantMap &dictionary, bool insert);
     // Appends an entry of the browser's history file, unless it has no title or no address.
     void parseHistoryDictionary(const QVariantMap &dictionary);
@@ -116,6 +117,9 @@ public:
     // Refreshes the folders among the direct children.
     bool refresh() override;
     void loadFromDictionary(const QVariantMap &dictionary) override;
+    // The entries that make no item, too; those that make one stand for the children, in order.
+    void keepUnknown(const QVariantMap &dictionary) override;
+    int depthOfUnknown() const override;
     void writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const override;
     // A folder without a search string of its own equals none, not even itself.
     bool isEqual(const KDRBookmark &other) const override;
@@ -147,6 +151,10 @@ private:
     void keepMadeFolders();
     // All but the children.
     void copyFieldsTo(KDRBookmark &copy) const;
+    void writeFieldsTo(QVariantMap &dictionary) const;
+    void keepUnknownEntries(const QVariantList &entries);
+    // Around each child, in order; none where nothing is unknown.
+    UnknownEntries::Places unknownPlaces() const;
     void walkFor(UUIDSearch &search);
     std::vector<KDRBookmarkPtr> itemsThatMayBe(const UUIDSearch &search);
 
@@ -155,4 +163,5 @@ private:
     std::shared_ptr<LazyChildren> _lazy;
     QSizeF _lastIconCellSize = QSizeF(0, 0);
     QString _filterString;
+    std::unique_ptr<UnknownEntries> _unknownEntries; // null: there are none
 };

@@ -79,6 +79,7 @@ void WayfoldBookmarkNote::loadFromDictionary(const QVariantMap &dictionary)
     const QString storedUUID = string(dictionary, uuidKey);
     if (!storedUUID.isEmpty())
         setUUID(storedUUID);
+    keepUnknown(dictionary);
 }
 
 void WayfoldBookmarkNote::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const

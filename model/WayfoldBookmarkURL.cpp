@@ -102,6 +102,7 @@ void WayfoldBookmarkURL::loadFromDictionary(const QVariantMap &dictionary)
     const QString storedUUID = string(dictionary, uuidKey);
     if (!storedUUID.isEmpty())
         setUUID(storedUUID);
+    keepUnknown(dictionary);
 }
 
 void WayfoldBookmarkURL::writeToDictionaryForSaving(QVariantMap &dictionary, bool forSaving) const

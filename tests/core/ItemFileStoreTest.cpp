@@ -59,8 +59,8 @@ private Q_SLOTS:
     void ownChangesAreWrittenWithoutCopy();
     void unreadableFileIsKept_data();
     void unreadableFileIsKept();
-    void fileWithSkippedEntriesIsKept_data();
-    void fileWithSkippedEntriesIsKept();
+    void unknownContentStaysInTheFile_data();
+    void unknownContentStaysInTheFile();
     void fileThatIsNotReadWholeIsKept_data();
     void fileThatIsNotReadWholeIsKept();
     void fileChangedByAnotherProgramIsKept();
@@ -233,7 +233,7 @@ void ItemFileStoreTest::unreadableFileIsKept()
     QVERIFY(_home->read(name).contains("Bread"));
 }
 
-void ItemFileStoreTest::fileWithSkippedEntriesIsKept_data()
+void ItemFileStoreTest::unknownContentStaysInTheFile_data()
 {
     QTest::addColumn<QByteArray>("children");
     QTest::addColumn<unsigned>("entriesRead");
@@ -247,7 +247,8 @@ void ItemFileStoreTest::fileWithSkippedEntriesIsKept_data()
                                  << 1U;
 }
 
-void ItemFileStoreTest::fileWithSkippedEntriesIsKept()
+// It is written back, so nothing has to be kept aside.
+void ItemFileStoreTest::unknownContentStaysInTheFile()
 {
     QFETCH(QByteArray, children);
     QFETCH(unsigned, entriesRead);
@@ -255,11 +256,16 @@ void ItemFileStoreTest::fileWithSkippedEntriesIsKept()
     const auto root = _file.load();
     QVERIFY(root);
     QCOMPARE(root->childCount(), entriesRead);
+    const QVariant before = PropertyList::readFile(_home->path(name));
+    root->addChild(WayfoldBookmarkNote::bookmarkWithTitle(QStringLiteral("Bread")));
     QVERIFY(_file.save(*root));
-    QCOMPARE(keptCopies().size(), 1);
-    QCOMPARE(keptContents(0), fileWith(children));
+    QVERIFY(keptCopies().isEmpty());
+    QVERIFY(_home->read(name).contains("Bread"));
+    root->removeChild(root->lastChild());
     QVERIFY(_file.save(*root));
-    QCOMPARE(keptCopies().size(), 1);
+    QVariantMap after = PropertyList::readDictionaryFile(_home->path(name));
+    QCOMPARE(after.take(QStringLiteral("SearchString")), QVariant(QStringLiteral(""))); // was missing
+    QCOMPARE(QVariant(after), before);
 }
 
 void ItemFileStoreTest::fileThatIsNotReadWholeIsKept_data()

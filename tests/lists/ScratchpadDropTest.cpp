@@ -2,6 +2,7 @@
 
 #include "lists/CardFiles.h"
 #include "lists/PasteboardTypes.h"
+#include "lists/SavedDepth.h"
 #include "lists/WayfoldBookmarkOutlineView.h"
 #include "lists/WayfoldHistoryDataSource.h"
 #include "lists/WayfoldHistoryOutlineView.h"
@@ -104,6 +105,8 @@ private Q_SLOTS:
     void dictionaries();
     void dictionariesOfNothing();
     void dictionariesWithoutATitle();
+    void dictionariesOfUnknownKinds();
+    void unknownValuesTooDeepToBeSaved();
     void pagesKnownByTheirAddressesAlone();
     void severalVisits();
     void foldersOfVisits();
@@ -738,6 +741,56 @@ void ScratchpadDropTest::dictionariesWithoutATitle()
     QCOMPARE(saved->childAtIndex(0)->valueAsString(), QStringLiteral("http://a/b"));
     QCOMPARE(ListStage::titles(WayfoldBookmarkFolder::fromItem(saved->childAtIndex(1))),
              QStringList{QStringLiteral("In it")});
+}
+
+// What they call themselves does not keep them from being read again; what else they say stays.
+void ScratchpadDropTest::dictionariesOfUnknownKinds()
+{
+    QVariantMap link = ListStage::link(QStringLiteral("Link"), QStringLiteral("http://a/b"))->createDictionary(false);
+    QVariantMap folder =
+        ListStage::folder(QStringLiteral("Tree"), {ListStage::note(QStringLiteral("In it"))})->createDictionary(false);
+    for (QVariantMap *dictionary : {&link, &folder}) {
+        dictionary->insert(QStringLiteral("WebBookmarkType"), QStringLiteral("Newer"));
+        dictionary->insert(QStringLiteral("Colour"), QStringLiteral("red"));
+    }
+    setList(PasteboardTypes::BookmarkDictionaryList, {link, folder});
+    QVERIFY(drop({nullptr, 0}));
+    const auto saved = WayfoldBookmarkFolder::bookmarkFromDictionaryFile(ListStage::store().bookmarkFilePath());
+    QCOMPARE(ListStage::titles(saved).mid(0, 2), QStringList({QStringLiteral("Link"), QStringLiteral("Tree")}));
+    for (const unsigned index : {0U, 1U}) {
+        const QVariantMap dictionary = saved->childAtIndex(index)->createDictionary(true);
+        QCOMPARE(dictionary.value(QStringLiteral("Colour")), QVariant(QStringLiteral("red")));
+    }
+}
+
+// Beside the item's own dictionary and the list around it there is room for this many.
+void ScratchpadDropTest::unknownValuesTooDeepToBeSaved()
+{
+    const auto nested = [](int depth) {
+        QVariant value = 1;
+        for (int i = 0; i < depth; ++i)
+            value = QVariantList{value};
+        return value;
+    };
+    const auto root = ListStage::store().bookmarkRoot();
+    for (const bool isEntry : {false, true}) {
+        const int fitting = PropertyList::maximumDepth - (isEntry ? 4 : 3);
+        for (const int depth : {fitting, fitting + 1}) {
+            QVariantMap dictionary = ListStage::folder(QStringLiteral("Deep"))->createDictionary(false);
+            if (isEntry)
+                dictionary.insert(QStringLiteral("Children"), QVariantList{nested(depth)});
+            else
+                dictionary.insert(QStringLiteral("Unknown"), nested(depth));
+            setList(PasteboardTypes::BookmarkDictionaryList, {dictionary});
+            QCOMPARE(drop({nullptr, 0}), depth == fitting);
+            QVERIFY(ListStage::store().saveBookmarkFile());
+        }
+        // Below another folder there is no room for it.
+        const KDRBookmarkPtr deep = root->childAtIndex(0)->copy();
+        QVERIFY(SavedDepth::fits(*root, *deep));
+        QVERIFY(!SavedDepth::fits(*_folder, *deep));
+        QVERIFY(!SavedDepth::fits(*root, *ListStage::folder(QStringLiteral("Outer"), {deep})));
+    }
 }
 
 void ScratchpadDropTest::pagesKnownByTheirAddressesAlone()

@@ -74,6 +74,20 @@ QVariant comparable(const QVariant &value)
     return value.typeId() == QMetaType::QVariantMap ? QVariant(map) : value;
 }
 
+// Item files keep what is unknown, too; the browser's bookmarks are only looked at.
+QVariantMap knownOf(const KDRBookmark &item)
+{
+    QVariantMap dictionary;
+    item.writeToDictionaryForSaving(dictionary, false);
+    if (item.type() != KDRBookmark::FolderType)
+        return dictionary;
+    QVariantList children;
+    for (const KDRBookmarkPtr &child : static_cast<const WayfoldBookmarkFolder &>(item).children())
+        children.append(knownOf(*child));
+    dictionary.insert("Children", children);
+    return dictionary;
+}
+
 QVariant treeOf(const std::shared_ptr<const BookmarkRecords> &records)
 {
     return records ? comparable(BookmarkItems::treeOf(records)->createDictionary(false)) : QVariant();
@@ -109,7 +123,7 @@ private:
             value = PropertyList::readFile(path());
         if (value.typeId() != QMetaType::QVariantMap)
             return {};
-        return comparable(WayfoldBookmarkFolder::bookmarkFromDictionary(value.toMap())->createDictionary(false));
+        return comparable(knownOf(*WayfoldBookmarkFolder::bookmarkFromDictionary(value.toMap())));
     }
     // The reader that has read others, and one that has not, say what the general way says.
     void check(BookmarkReader &reader, const QByteArray &contents)
