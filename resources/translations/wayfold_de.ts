@@ -1247,5 +1247,9 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
         <source>Today's backup could not be made; your items themselves are not concerned.</source>
         <translation>Die heutige Sicherung war nicht möglich; Ihre Einträge selbst sind davon nicht betroffen.</translation>
     </message>
+    <message>
+        <source>%1 (from %2, %3)</source>
+        <translation>%1 (von %2, %3)</translation>
+    </message>
 </context>
 </TS>
