@@ -334,11 +334,26 @@ void OutlineView::removeItems(int count, int index, const OutlineItemPtr &parent
     --_changing;
 }
 
-void OutlineView::moveItems(const OutlineItemPtr &parent)
+// Those that are about to go may be moved to the end first.
+void OutlineView::moveItems(const std::vector<int> &from, const OutlineItemPtr &parent)
 {
+    QPersistentModelIndex moved = placeOfCurrentRow();
+    while (moved.isValid() && _model->itemOfIndex(moved.parent()) != parent)
+        moved = moved.parent();
+    const int before = moved.row();
     ++_changing;
     _model->rearrangeChildren(parent);
     --_changing;
+    int below = -1;
+    for (int row = 0; row < std::min(moved.row(), int(from.size())); ++row) {
+        const int place = from[std::size_t(row)];
+        if (place > before && (below < 0 || place < from[std::size_t(below)]))
+            below = row;
+    }
+    if (below < 0)
+        return;
+    _leftBehind = _model->index(below, 0, moved.parent());
+    _settleTimer.start(0, this);
 }
 
 // Remembers what is seen; nothing of a list that stands at its very top.
@@ -418,20 +433,24 @@ void OutlineView::holdSelection(const QModelIndex &parent, int first, int last)
 // not lay the list out for each of them.
 void OutlineView::holdCurrentRow(const QModelIndex &parent, int first, int last)
 {
-    const QModelIndex current = _heldCurrent.isValid() ? QModelIndex(_heldCurrent) : currentIndex();
+    const QModelIndex current = placeOfCurrentRow();
     if (!current.isValid() || !goes(current, parent, first, last))
         return;
-    const QModelIndex after = _model->index(last + 1, 0, parent);
     const int top = _model->rowOfIndex(_model->index(first, 0, parent));
-    QModelIndex above = parent;
-    QModelIndex next = after;
-    while (!next.isValid() && above.isValid()) {
+    QModelIndex next = goes(_leftBehind, parent, first, last) ? QModelIndex() : QModelIndex(_leftBehind);
+    if (!next.isValid())
+        next = _model->index(last + 1, 0, parent);
+    for (QModelIndex above = parent; !next.isValid() && above.isValid(); above = above.parent())
         next = _model->index(above.row() + 1, 0, above.parent());
-        above = above.parent();
-    }
     _heldCurrent = next.isValid() ? next : _model->indexAtRow(top - 1);
+    _leftBehind = QPersistentModelIndex();
     const QSignalBlocker quiet(selectionModel());
     selectionModel()->clearCurrentIndex();
+}
+
+QModelIndex OutlineView::placeOfCurrentRow() const
+{
+    return _heldCurrent.isValid() ? QModelIndex(_heldCurrent) : currentIndex();
 }
 
 void OutlineView::holdExpansions(const QModelIndex &parent, int first, int last)
@@ -469,6 +488,7 @@ void OutlineView::dropHeld()
     _heldSelection.clear();
     _heldExpansions.clear();
     _heldCurrent = QPersistentModelIndex();
+    _leftBehind = QPersistentModelIndex();
     _selectionIsOther = false;
 }
 
@@ -481,6 +501,7 @@ void OutlineView::settle()
     selectHeld();
     _heldSelection.clear();
     _heldExpansions.clear();
+    _leftBehind = QPersistentModelIndex();
     if (const QModelIndex current = std::exchange(_heldCurrent, QPersistentModelIndex()); current.isValid())
         makeCurrent(current);
     if (std::exchange(_selectionIsOther, false))
@@ -569,7 +590,7 @@ void OutlineView::selectIndexes(QModelIndexList indexes)
 
 int OutlineView::currentRow() const
 {
-    return _model->rowOfIndex(_heldCurrent.isValid() ? QModelIndex(_heldCurrent) : currentIndex());
+    return _model->rowOfIndex(placeOfCurrentRow());
 }
 
 void OutlineView::setCurrentRow(int row)

@@ -47,8 +47,8 @@ public:
     void insertItems(const std::vector<OutlineItemPtr> &items, int index, const OutlineItemPtr &parent);
     // So many of the parent's children, from the one that was at `index`.
     void removeItems(int count, int index, const OutlineItemPtr &parent);
-    // The parent's children stand in another order.
-    void moveItems(const OutlineItemPtr &parent);
+    // The parent's children stand in another order: the one at place i now was at `from[i]` before.
+    void moveItems(const std::vector<int> &from, const OutlineItemPtr &parent);
     // How the item is shown.
     void changeItem(const OutlineItemPtr &item) { reloadItem(item, false); }
 
@@ -149,6 +149,7 @@ private:
     void rowsWillGo(const QModelIndex &parent, int first, int last);
     void holdSelection(const QModelIndex &parent, int first, int last);
     void holdCurrentRow(const QModelIndex &parent, int first, int last);
+    QModelIndex placeOfCurrentRow() const;
     void holdExpansions(const QModelIndex &parent, int first, int last);
     void selectHeld();
     void dropHeld();
@@ -186,5 +187,6 @@ private:
     std::vector<OutlineItemPtr> _heldSelection; // what is to be selected as soon as it has a row
     std::unordered_map<const OutlineItem *, std::vector<OutlineExpansion>> _heldExpansions; // of rows that have gone
     QPersistentModelIndex _heldCurrent; // where the keyboard goes when its row has gone
+    QPersistentModelIndex _leftBehind;  // the row that stood below its row, before this was moved down
     bool _selectionIsOther = false;     // and the source does not know
 };
