@@ -36,8 +36,8 @@ void KDRBookmark::init()
 {
     setTitle(QString());
     _parent.reset();
-    _timestamp = QDateTime::currentMSecsSinceEpoch();
-    _isUUIDDue = true;
+    setTimestampInMilliseconds(QDateTime::currentMSecsSinceEpoch());
+    changeField(TreeObserver::Field::Identifier, [this] { _isUUIDDue = true; });
     _unknownKeys = {};
 }
 
@@ -49,8 +49,12 @@ void KDRBookmark::initWithTitle(const QString &title)
 
 void KDRBookmark::setTitle(const QString &title)
 {
-    _title = title;
-    searchedTextChanged();
+    if (ItemDictionary::isSameText(title, _title))
+        return;
+    changeField(TreeObserver::Field::Title, [this, title] {
+        _title = title;
+        searchedTextChanged();
+    });
 }
 
 KDRBookmarkPtr KDRBookmark::initializeFromDictionary(const QVariantMap &dictionary)
@@ -74,8 +78,12 @@ QString KDRBookmark::uuid() const
 
 void KDRBookmark::setUUID(const QString &uuid)
 {
-    _uuid = uuid;
-    _isUUIDDue = false;
+    if (!_isUUIDDue && ItemDictionary::isSameText(uuid, _uuid))
+        return;
+    changeField(TreeObserver::Field::Identifier, [this, uuid] {
+        _uuid = uuid;
+        _isUUIDDue = false;
+    });
 }
 
 CalendarDate KDRBookmark::timestamp() const
@@ -85,7 +93,13 @@ CalendarDate KDRBookmark::timestamp() const
 
 void KDRBookmark::setTimestamp(const CalendarDate &timestamp)
 {
-    _timestamp = timestamp.isValid() ? timestamp.toMSecsSinceEpoch() : noTimestamp;
+    setTimestampInMilliseconds(timestamp.isValid() ? timestamp.toMSecsSinceEpoch() : noTimestamp);
+}
+
+void KDRBookmark::setTimestampInMilliseconds(qint64 timestamp)
+{
+    if (timestamp != _timestamp)
+        changeField(TreeObserver::Field::Timestamp, [this, timestamp] { _timestamp = timestamp; });
 }
 
 WayfoldBookmarkFolderPtr KDRBookmark::parent() const
@@ -98,6 +112,46 @@ void KDRBookmark::setParent(const KDRBookmarkPtr &parent)
 {
     if (parent && parent->isFolder())
         _parent = parent;
+}
+
+bool KDRBookmark::hasListeners() const
+{
+    if (!TreeTelling::isAnybodyListening())
+        return false;
+    const KDRBookmark *each = this;
+    while (each && each->ownListeners().empty())
+        each = each->_holder;
+    return each;
+}
+
+TreeTelling::Listeners KDRBookmark::listeners() const
+{
+    TreeTelling::Listeners all;
+    for (const KDRBookmark *each = this; each; each = each->_holder)
+        all.insert(all.end(), each->ownListeners().begin(), each->ownListeners().end());
+    return all;
+}
+
+void KDRBookmark::tellWhile(TreeObserver::Field field, const std::function<void()> &apply)
+{
+    TreeTelling::settle(); // which may take the item out of its folder
+    TreeTelling::Change change;
+    change.kind = TreeTelling::Kind::Field;
+    change.field = field;
+    change.items = {shared_from_this()};
+    change.listeners = listeners();
+    TreeTelling::make(std::move(change), apply);
+}
+
+const TreeTelling::Listeners &KDRBookmark::ownListeners() const
+{
+    static const TreeTelling::Listeners none;
+    return none;
+}
+
+void KDRBookmark::tellAppearanceChanged()
+{
+    changeField(TreeObserver::Field::Appearance, [] {});
 }
 
 void KDRBookmark::setValue(const QVariant &value)
@@ -253,7 +307,7 @@ void KDRBookmark::initWithCoder(const KeyedUnarchiver &coder)
     init();
     setTitle(coder.decodeStringForKey(QStringLiteral("_title")));
     setUUID(coder.decodeStringForKey(QStringLiteral("_uuid")));
-    _timestamp = noTimestamp;
+    setTimestampInMilliseconds(noTimestamp);
     _unknownKeys = UnknownKeys::fromArchive(coder.decodeValueForKey(unknownKeysCoderKey));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/TreeTelling.h"
 #include "model/UnknownKeys.h"
 #include "platform/base/CalendarDate.h"
 #include "platform/base/KeyedArchiver.h"
@@ -9,6 +10,7 @@
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -77,11 +79,14 @@ public:
     // The same in milliseconds since 1970, GMT, which takes no calendar.
     static constexpr qint64 noTimestamp = std::numeric_limits<qint64>::min();
     qint64 timestampInMilliseconds() const { return _timestamp; }
-    void setTimestampInMilliseconds(qint64 timestamp) { _timestamp = timestamp; }
+    void setTimestampInMilliseconds(qint64 timestamp);
     // The folder that adopted this item last, whether or not it still holds it. None once that folder is gone.
     WayfoldBookmarkFolderPtr parent() const;
     // Anything but a folder, none included, is ignored: only another folder takes an item away from its parent.
     void setParent(const KDRBookmarkPtr &parent);
+    // Of the folders that hold this item the one that took it in last: through it the item tells what changes. Null
+    // when that one has given it away again.
+    const KDRBookmark *holder() const { return _holder; }
 
     virtual Type type() const { return NoType; }
     // The kind's English word; null when it has none.
@@ -165,10 +170,29 @@ protected:
     // What a search looks at beside the title; none for most kinds. `searchedTextChanged` when it is another.
     virtual QString searchedText() const { return {}; }
     void searchedTextChanged() { _searchForm = QByteArray(); }
+    // Those who are told of what changes in this item, from its own up to the root's.
+    bool hasListeners() const;
+    TreeTelling::Listeners listeners() const;
+    virtual const TreeTelling::Listeners &ownListeners() const;
+    // Said by the folder that holds the item: see holder().
+    static void setHolder(KDRBookmark &item, KDRBookmark *holder) { item._holder = holder; }
+    // Changes a field by `apply`, and tells of it. Who sets what the field has already is not to call this.
+    template <class Apply>
+    void changeField(TreeObserver::Field field, Apply apply)
+    {
+        if (hasListeners())
+            tellWhile(field, apply);
+        else
+            apply();
+    }
+    // What is shown of the item, and kept elsewhere, is another.
+    void tellAppearanceChanged();
     // Gives the fields of this item to a new one of the same class.
     virtual void copyTo(KDRBookmark &copy) const;
 
 private:
+    void tellWhile(TreeObserver::Field field, const std::function<void()> &apply);
+
     QString _title;
     // Made on demand: it takes time, and most items of a large list are never asked.
     mutable QString _uuid;
@@ -176,6 +200,7 @@ private:
     // Of title and searched text; null until the item is searched for the first time.
     mutable QByteArray _searchForm;
     std::weak_ptr<KDRBookmark> _parent;
+    KDRBookmark *_holder = nullptr;
     qint64 _timestamp = noTimestamp;
     UnknownKeys _unknownKeys;
 };

@@ -7,12 +7,14 @@ class KDRBookmark;
 class WayfoldBookmarkFolder;
 
 // Is told what changes in the tree below a folder while it observes that folder (WayfoldBookmarkFolder::addObserver).
-// Folders tell of their children, items of their own fields. An event goes from the folder (the item's parent) up to
-// the root, and each folder on the way tells its observers.
+// Folders tell of their children, items of their own fields. An event goes from the folder (for a field: from the item
+// itself when it is a folder, else from the one that holds it) up to the root, and each folder on the way tells its
+// observers.
 //
-// An observer may change the tree while it is being told: that change is told after the one that is under way, with
-// both of its halves, so a "will" is then told when the tree has changed already. It may also cease to observe, or
-// cease to be.
+// An observer may change the tree while it is being told: that change is told after the one that is under way. The
+// others find the tree at each event as they were told; who makes the change is told of it, with both of its halves,
+// when he has returned, and to him a "will" then comes when the tree has changed already. An observer may also cease to
+// observe, or cease to be.
 class TreeObserver
 {
 public:

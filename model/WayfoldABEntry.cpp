@@ -165,13 +165,19 @@ QString WayfoldABEntry::summaryText() const
            section(record->emails, record->primaryEmail, QStringLiteral("email"));
 }
 
+bool WayfoldABEntry::mayHaveAnotherImage() const
+{
+    return _picturedGeneration != ContactStore::sharedAddressBook().generation() &&
+           (!_picture || fetchAddressBookRecord() != _picturedRecord);
+}
+
 std::shared_ptr<Image> WayfoldABEntry::image()
 {
     const ContactRecordPtr record = fetchAddressBookRecord();
     if (!record || !isPersonOrOrganization())
         return nullptr;
     const ContactStore &store = ContactStore::sharedAddressBook();
-    if (_picturedGeneration != store.generation() && (!_picture || record != _picturedRecord)) {
+    if (mayHaveAnotherImage()) {
         _picturedRecord = record;
         _picturedGeneration = store.generation();
         _picture = ContactPicture::fromData(store.imageData(*record));

@@ -55,6 +55,8 @@ public:
     // The picture of a person or an organization, square; one for all for the user's own card without a picture; else
     // none. The store is asked once for the picture of a card, and again after a change when there was none.
     std::shared_ptr<Image> image();
+    // Whether image() would ask the store.
+    bool mayHaveAnotherImage() const;
     // A group's people and organizations, then the groups in it; empty for all else.
     std::vector<ContactRecordPtr> groupMembers() const;
     // Null for groups, and for those who have none.

@@ -3,6 +3,8 @@
 #include "core/settings/WayfoldDefaults.h"
 #include "model/ItemImages.h"
 
+#include <QHash>
+
 WayfoldAutoFolderPtr WayfoldAutoFolder::bookmarkWithTitle(const QString &title)
 {
     auto folder = std::make_shared<WayfoldAutoFolder>();
@@ -38,9 +40,7 @@ void WayfoldAutoFolder::setFilterString(const QString &filterString)
 
 void WayfoldAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFolderPtr &root)
 {
-    const std::vector<KDRBookmarkPtr> found = matchesBelow(root);
-    removeAllChildren();
-    appendCopiesOfLeaves(found, *this);
+    collect(copiesOfLeaves(matchesBelow(root)));
 }
 
 std::shared_ptr<Image> WayfoldAutoFolder::imageForCellSize(const QSizeF &size)
@@ -70,10 +70,30 @@ std::vector<KDRBookmarkPtr> WayfoldAutoFolder::matchesBelow(const WayfoldBookmar
     return root ? root->bookmarksWithSubstring(filterString()) : std::vector<KDRBookmarkPtr>();
 }
 
-void WayfoldAutoFolder::appendCopiesOfLeaves(const std::vector<KDRBookmarkPtr> &items, WayfoldBookmarkFolder &folder)
+std::vector<KDRBookmarkPtr> WayfoldAutoFolder::copiesOfLeaves(const std::vector<KDRBookmarkPtr> &items)
 {
+    std::vector<KDRBookmarkPtr> copies;
     for (const KDRBookmarkPtr &item : items) {
         if (!item->isFolder())
-            folder.addChild(item->copy());
+            copies.push_back(item->copy());
     }
+    return copies;
+}
+
+void WayfoldAutoFolder::collect(const std::vector<KDRBookmarkPtr> &items)
+{
+    QHash<QString, KDRBookmarkPtr> former;
+    for (const KDRBookmarkPtr &item : madeChildren())
+        former.insert(item->uuid(), item);
+    std::vector<KDRBookmarkPtr> collected;
+    collected.reserve(items.size());
+    for (const KDRBookmarkPtr &item : items) {
+        const KDRBookmarkPtr known = former.take(item->uuid());
+        const bool isKnown = known && known->type() == item->type() && known->isEqual(item) &&
+                             known->timestampInMilliseconds() == item->timestampInMilliseconds();
+        if (isKnown)
+            known->refresh();
+        collected.push_back(isKnown ? known : item);
+    }
+    setChildren(collected, Parent::ThisFolder);
 }

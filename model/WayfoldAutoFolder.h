@@ -36,8 +36,10 @@ protected:
     bool isSameKindAs(const KDRBookmark &other) const override;
     // What the search string finds in that tree; nothing in none.
     std::vector<KDRBookmarkPtr> matchesBelow(const WayfoldBookmarkFolderPtr &root) const;
-    // Appends a copy of every item that is no folder.
-    static void appendCopiesOfLeaves(const std::vector<KDRBookmarkPtr> &items, WayfoldBookmarkFolder &folder);
+    // A copy of every item that is no folder.
+    static std::vector<KDRBookmarkPtr> copiesOfLeaves(const std::vector<KDRBookmarkPtr> &items);
+    // Replaces the contents. What is equal to something that is there is that, so that its row stays.
+    void collect(const std::vector<KDRBookmarkPtr> &items);
 
 private:
     bool _loaded = false;

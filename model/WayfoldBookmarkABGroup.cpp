@@ -85,8 +85,13 @@ void WayfoldBookmarkABGroup::setValueFromID(const QString &addressBookID)
 // The members were another's.
 void WayfoldBookmarkABGroup::setEntry(const WayfoldABEntryPtr &entry)
 {
-    _addressBookEntry = entry;
     _filledGeneration = 0;
+    if (entry == _addressBookEntry)
+        return;
+    changeField(TreeObserver::Field::Value, [this, entry] {
+        _addressBookEntry = entry;
+        _shownRecord = entry ? entry->fetchAddressBookRecord() : nullptr;
+    });
 }
 
 // The subgroups were filled with the rest, so they are not refreshed once more: twice at each level would double the
@@ -105,19 +110,29 @@ void WayfoldBookmarkABGroup::fill(qsizetype &room)
     if (generation != 0 && generation == _filledGeneration)
         return;
     _filledGeneration = generation;
-    const QHash<QString, KDRBookmarkPtr> former = membersByCard();
-    removeAllChildren();
+    refreshEntry();
+    std::vector<KDRBookmarkPtr> members;
+    if (_addressBookEntry && !isWithinItself()) {
+        const QHash<QString, KDRBookmarkPtr> former = membersByCard();
+        const QStringList around = _groupsAround + QStringList(_addressBookEntry->addressBookID());
+        for (const ContactRecordPtr &record : _addressBookEntry->groupMembers()) {
+            if (const KDRBookmarkPtr member = memberFor(record, former.value(record->uniqueId), around, room))
+                members.push_back(member);
+        }
+    }
+    setChildren(sortedByTitle(members), Parent::Same);
+}
+
+void WayfoldBookmarkABGroup::refreshEntry()
+{
     if (!_addressBookEntry)
         return;
     _addressBookEntry->refresh();
-    if (isWithinItself())
-        return;
-    const QStringList around = _groupsAround + QStringList(_addressBookEntry->addressBookID());
-    for (const ContactRecordPtr &record : _addressBookEntry->groupMembers()) {
-        if (const KDRBookmarkPtr member = memberFor(record, former.value(record->uniqueId), around, room))
-            appendWithoutParent(member);
-    }
-    sortChildrenByTitle();
+    const ContactRecordPtr record = _addressBookEntry->fetchAddressBookRecord();
+    const bool isAnother = _shownRecord.owner_before(record) || record.owner_before(_shownRecord);
+    _shownRecord = record;
+    if (isAnother)
+        tellAppearanceChanged();
 }
 
 // Those that are this group's own: a copy's are its children.

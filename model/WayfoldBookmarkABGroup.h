@@ -70,6 +70,7 @@ protected:
 private:
     void setEntry(const WayfoldABEntryPtr &entry);
     void fill(qsizetype &room);
+    void refreshEntry();
     // The item for a card among the members of the last of these groups: the former one where that can stay.
     static KDRBookmarkPtr memberFor(const ContactRecordPtr &record, const KDRBookmarkPtr &former,
                                     const QStringList &around, qsizetype &room);
@@ -80,7 +81,8 @@ private:
     void appendEmailAddresses(QStringList &addresses, QSet<QString> &known) const;
 
     WayfoldABEntryPtr _addressBookEntry;
-    quint64 _filledGeneration = 0; // of the contacts; 0: not filled
-    QStringList _groupsAround;     // identifiers, of the groups in which this one is a member
-    std::mutex _updateLock;
+    quint64 _filledGeneration = 0;                   // of the contacts; 0: not filled
+    QStringList _groupsAround;                       // identifiers, of the groups in which this one is a member
+    std::weak_ptr<const ContactRecord> _shownRecord; // the card as it was when it was filled last
+    std::recursive_mutex _updateLock;                // who is told of a change may refresh it once more
 };

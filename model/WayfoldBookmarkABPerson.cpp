@@ -102,9 +102,14 @@ void WayfoldBookmarkABPerson::setValueFromID(const QString &addressBookID)
 // The picture was another's.
 void WayfoldBookmarkABPerson::setEntry(const WayfoldABEntryPtr &entry)
 {
-    _addressBookEntry = entry;
     _localImage.reset();
     _triedLocalImage = false;
+    if (entry == _addressBookEntry)
+        return;
+    changeField(TreeObserver::Field::Value, [this, entry] {
+        _addressBookEntry = entry;
+        _shownRecord = addressBookRecord();
+    });
 }
 
 QString WayfoldBookmarkABPerson::tooltipText() const
@@ -114,9 +119,16 @@ QString WayfoldBookmarkABPerson::tooltipText() const
 
 bool WayfoldBookmarkABPerson::refresh()
 {
-    if (_addressBookEntry)
-        _addressBookEntry->refresh();
-    _triedLocalImage = false; // the entry knows whether there may be another picture
+    if (!_addressBookEntry)
+        return true;
+    _addressBookEntry->refresh();
+    // The entry knows whether there may be another picture.
+    const bool hadPicture = std::exchange(_triedLocalImage, false);
+    const ContactRecordPtr record = addressBookRecord();
+    const bool isAnother = _shownRecord.owner_before(record) || record.owner_before(_shownRecord);
+    _shownRecord = record;
+    if (isAnother || (hadPicture && _addressBookEntry->mayHaveAnotherImage()))
+        tellAppearanceChanged();
     return true;
 }
 

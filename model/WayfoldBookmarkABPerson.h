@@ -65,6 +65,7 @@ private:
     void setEntry(const WayfoldABEntryPtr &entry);
 
     WayfoldABEntryPtr _addressBookEntry;
+    std::weak_ptr<const ContactRecord> _shownRecord; // the card as it was at the last refresh
     std::shared_ptr<Image> _localImage;
     bool _triedLocalImage = false;
 };

@@ -33,11 +33,10 @@ void WayfoldBookmarkAutoFolder::refreshFromBookmarkRoot(const WayfoldBookmarkFol
     if (!sources || sources->bookmarksMayChange() || !isSearched(root))
         search(root);
     searchContacts();
-    removeAllChildren();
-    appendCopiesOfLeaves(found(), *this);
+    std::vector<KDRBookmarkPtr> items = copiesOfLeaves(found());
     for (const WayfoldABEntryPtr &entry : _foundContacts)
-        addChild(WayfoldBookmarkABPerson::bookmarkWithRecord(entry));
-    sortChildrenByTitle();
+        items.push_back(WayfoldBookmarkABPerson::bookmarkWithRecord(entry));
+    collect(sortedByTitle(items));
 }
 
 // A tree that has gone is another one than none.

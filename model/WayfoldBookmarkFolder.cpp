@@ -13,9 +13,14 @@
 #include "platform/files/PropertyList.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace
 {
+// Children that come or go in more pieces than this are brought together first, or the time would grow with the square
+// of their number.
+constexpr int mostRuns = 16;
+
 const QString filterStringCoderKey = QStringLiteral("_filterString");
 const QString childrenCoderKey = QStringLiteral("_children");
 const QString unknownEntriesCoderKey = QStringLiteral("_unknownEntries");
@@ -26,6 +31,52 @@ void sort(std::vector<Item> &items, Compare isLess)
 {
     if (!std::is_sorted(items.begin(), items.end(), isLess))
         std::stable_sort(items.begin(), items.end(), isLess);
+}
+
+// As titleComparator() does, with the form that it compares made once of each title.
+std::vector<int> orderByTitle(const std::vector<KDRBookmarkPtr> &items)
+{
+    std::vector<std::pair<QString, int>> entries;
+    entries.reserve(items.size());
+    for (const KDRBookmarkPtr &item : items)
+        entries.emplace_back(StringRules::comparisonForm(item->title()), int(entries.size()));
+    sort(entries, [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::vector<int> order;
+    order.reserve(entries.size());
+    for (const auto &entry : entries)
+        order.push_back(entry.second);
+    return order;
+}
+
+std::vector<KDRBookmarkPtr> inOrder(const std::vector<KDRBookmarkPtr> &items, const std::vector<int> &order)
+{
+    std::vector<KDRBookmarkPtr> ordered;
+    ordered.reserve(items.size());
+    for (const int index : order)
+        ordered.push_back(items[std::size_t(index)]);
+    return ordered;
+}
+
+using Places = QHash<const KDRBookmark *, int>;
+
+int countRuns(const std::vector<KDRBookmarkPtr> &items, const std::function<bool(const KDRBookmarkPtr &)> &isOne)
+{
+    int runs = 0;
+    bool isWithin = false;
+    for (const KDRBookmarkPtr &item : items) {
+        const bool wasWithin = std::exchange(isWithin, isOne(item));
+        runs += int(isWithin && !wasWithin);
+    }
+    return runs;
+}
+
+Places placesOf(const std::vector<KDRBookmarkPtr> &items)
+{
+    Places places;
+    places.reserve(qsizetype(items.size()));
+    for (const KDRBookmarkPtr &item : items)
+        places.insert(item.get(), int(places.size()));
+    return places;
 }
 
 // A list in which each place is one.
@@ -49,16 +100,26 @@ UnknownEntries::Places placesFromArchive(const QVariantList &archived)
 WayfoldBookmarkFolder::~WayfoldBookmarkFolder()
 {
     // Folders that nobody else holds are emptied before they go, so that a deep tree is not released by recursion.
-    std::vector<KDRBookmarkPtr> released = std::move(_children);
+    TreeTelling::countListeners(-int(_listeners.size()));
+    std::vector<KDRBookmarkPtr> released;
+    takeChildren(released);
     while (!released.empty()) {
         const KDRBookmarkPtr item = std::move(released.back());
         released.pop_back();
         if (!item || item.use_count() > 1 || !item->isFolder())
             continue;
-        auto &folder = static_cast<WayfoldBookmarkFolder &>(*item);
-        std::move(folder._children.begin(), folder._children.end(), std::back_inserter(released));
-        folder._children.clear();
+        static_cast<WayfoldBookmarkFolder &>(*item).takeChildren(released);
     }
+}
+
+void WayfoldBookmarkFolder::takeChildren(std::vector<KDRBookmarkPtr> &taken)
+{
+    for (KDRBookmarkPtr &item : _children) {
+        if (item)
+            letGo(item);
+        taken.push_back(std::move(item));
+    }
+    _children.clear();
 }
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::bookmarkWithTitle(const QString &title)
@@ -112,7 +173,7 @@ void WayfoldBookmarkFolder::init()
     KDRBookmark::init();
     removeAllChildren();
     _lastIconCellSize = QSizeF(0, 0);
-    _filterString = QString();
+    WayfoldBookmarkFolder::setFilterString(QString());
     _unknownEntries.reset();
 }
 
@@ -129,24 +190,34 @@ QString WayfoldBookmarkFolder::filterString() const
 
 void WayfoldBookmarkFolder::setFilterString(const QString &filterString)
 {
-    _filterString = filterString;
+    if (!ItemDictionary::isSameText(filterString, _filterString))
+        changeField(TreeObserver::Field::SearchString, [this, filterString] { _filterString = filterString; });
 }
+
+// --- Changing what is held ------------------------------------------------------------------------------------------
 
 void WayfoldBookmarkFolder::addChild(const KDRBookmarkPtr &child)
 {
-    if (!child)
-        return;
-    child->setParent(weak_from_this().lock());
-    ownChildren().push_back(child);
+    addChildAtIndex(child, std::numeric_limits<int>::max());
 }
 
 void WayfoldBookmarkFolder::addChildAtIndex(const KDRBookmarkPtr &child, int index)
 {
-    if (!child)
-        return;
-    child->setParent(weak_from_this().lock());
-    std::vector<KDRBookmarkPtr> &children = ownChildren();
-    children.insert(children.begin() + std::clamp(index, 0, int(children.size())), child);
+    const KDRBookmarkPtr added = child; // the argument may be one of the references that move
+    if (added)
+        insert({&added, 1}, index, Parent::ThisFolder);
+}
+
+void WayfoldBookmarkFolder::addChildrenAtIndex(const std::vector<KDRBookmarkPtr> &children, int index)
+{
+    const std::vector<KDRBookmarkPtr> added = children;
+    if (!added.empty())
+        insert(added, index, Parent::ThisFolder);
+}
+
+void WayfoldBookmarkFolder::appendWithoutParent(const KDRBookmarkPtr &child)
+{
+    insert({&child, 1}, std::numeric_limits<int>::max(), Parent::Same);
 }
 
 bool WayfoldBookmarkFolder::removeChild(const KDRBookmarkPtr &child)
@@ -154,15 +225,23 @@ bool WayfoldBookmarkFolder::removeChild(const KDRBookmarkPtr &child)
     if (!child)
         return false;
     const KDRBookmarkPtr removed = child; // the argument may be one of the references that go
-    if (std::erase(ownChildren(), removed) > 0)
-        return true;
-    return std::erase_if(_children, [&](const KDRBookmarkPtr &item) { return removed->isEqual(item); }) > 0;
+    return removeWhere([&](const KDRBookmarkPtr &item) { return item == removed; }) ||
+           removeWhere([&](const KDRBookmarkPtr &item) { return removed->isEqual(item); });
+}
+
+void WayfoldBookmarkFolder::removeChildren(const std::vector<KDRBookmarkPtr> &children)
+{
+    const Places removed = placesOf(children);
+    removeWhere([&](const KDRBookmarkPtr &item) { return removed.contains(item.get()); });
 }
 
 void WayfoldBookmarkFolder::removeAllChildren()
 {
-    _lazy.reset();
-    _children.clear();
+    settle();
+    if (_lazy)
+        replace({}, nullptr, Parent::Same);
+    else if (!_children.empty())
+        removeRun({0, int(_children.size())});
 }
 
 void WayfoldBookmarkFolder::removeAllLeafChildren()
@@ -183,8 +262,15 @@ void WayfoldBookmarkFolder::removeAllButKnownFolders()
 
 void WayfoldBookmarkFolder::keepMadeFolders()
 {
-    std::erase_if(_children, [](const KDRBookmarkPtr &item) { return !item || !item->isFolder(); });
-    _lazy.reset();
+    const auto isLeaf = [](const KDRBookmarkPtr &item) { return !item->isFolder(); };
+    if (!_lazy) {
+        removeWhere(isLeaf);
+        return;
+    }
+    settle();
+    std::vector<KDRBookmarkPtr> made = madeChildren();
+    std::erase_if(made, isLeaf);
+    replace(std::move(made), nullptr, Parent::Same);
 }
 
 void WayfoldBookmarkFolder::removeEmptySubfolders()
@@ -194,7 +280,7 @@ void WayfoldBookmarkFolder::removeEmptySubfolders()
     };
     forEachFolder([&](WayfoldBookmarkFolder &folder) {
         if (std::any_of(folder._children.begin(), folder._children.end(), isEmptyFolder))
-            std::erase_if(folder.ownChildren(), isEmptyFolder);
+            folder.removeWhere(isEmptyFolder);
     });
 }
 
@@ -202,36 +288,265 @@ void WayfoldBookmarkFolder::removeEmptySubfolders()
 // before the folders that it holds by then.
 void WayfoldBookmarkFolder::forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit)
 {
-    std::vector<WayfoldBookmarkFolder *> pending = {this};
+    visit(*this);
+    std::vector<KDRBookmarkPtr> pending = madeFolders();
     while (!pending.empty()) {
-        WayfoldBookmarkFolder &folder = *pending.back();
+        const KDRBookmarkPtr item = std::move(pending.back());
         pending.pop_back();
+        auto &folder = static_cast<WayfoldBookmarkFolder &>(*item);
         visit(folder);
-        for (const KDRBookmarkPtr &item : folder._children) {
-            if (item && item->isFolder())
-                pending.push_back(static_cast<WayfoldBookmarkFolder *>(item.get()));
-        }
+        const std::vector<KDRBookmarkPtr> folders = folder.madeFolders();
+        pending.insert(pending.end(), folders.begin(), folders.end());
     }
+}
+
+std::vector<KDRBookmarkPtr> WayfoldBookmarkFolder::madeFolders() const
+{
+    std::vector<KDRBookmarkPtr> folders;
+    std::copy_if(_children.begin(), _children.end(), std::back_inserter(folders),
+                 [](const KDRBookmarkPtr &item) { return item && item->isFolder(); });
+    return folders;
 }
 
 void WayfoldBookmarkFolder::sortChildrenByTitle()
 {
-    // As titleComparator() does, with the form that it compares made once of each title.
-    using Entry = std::pair<QString, KDRBookmarkPtr>;
-    std::vector<Entry> entries;
-    entries.reserve(ownChildren().size());
-    for (KDRBookmarkPtr &item : _children)
-        entries.emplace_back(StringRules::comparisonForm(item->title()), std::move(item));
-    sort(entries, [](const Entry &a, const Entry &b) { return a.first < b.first; });
-    std::transform(entries.begin(), entries.end(), _children.begin(),
-                   [](Entry &entry) { return std::move(entry.second); });
+    settle();
+    reorder(orderByTitle(ownChildren()));
+}
+
+std::vector<KDRBookmarkPtr> WayfoldBookmarkFolder::sortedByTitle(const std::vector<KDRBookmarkPtr> &items)
+{
+    return inOrder(items, orderByTitle(items));
 }
 
 void WayfoldBookmarkFolder::sortChildrenByTimestampDescending()
 {
-    sort(ownChildren(),
-         [](const KDRBookmarkPtr &a, const KDRBookmarkPtr &b) { return a->timestampDescendingComparator(*b) < 0; });
+    settle();
+    std::vector<int> order(ownChildren().size());
+    std::iota(order.begin(), order.end(), 0);
+    sort(order, [this](int a, int b) {
+        return _children[std::size_t(a)]->timestampDescendingComparator(*_children[std::size_t(b)]) < 0;
+    });
+    reorder(order);
 }
+
+void WayfoldBookmarkFolder::hold(const KDRBookmarkPtr &item, Parent parent)
+{
+    if (parent == Parent::ThisFolder)
+        item->setParent(weak_from_this().lock());
+    setHolder(*item, this);
+}
+
+void WayfoldBookmarkFolder::letGo(const KDRBookmarkPtr &item)
+{
+    if (item->holder() == this)
+        setHolder(*item, nullptr);
+}
+
+void WayfoldBookmarkFolder::insert(std::span<const KDRBookmarkPtr> items, int index, Parent parent)
+{
+    settle();
+    const int first = std::clamp(index, 0, int(ownChildren().size()));
+    const auto apply = [this, first, parent](std::span<const KDRBookmarkPtr> added) {
+        for (const KDRBookmarkPtr &item : added)
+            hold(item, parent);
+        _children.insert(_children.begin() + first, added.begin(), added.end());
+    };
+    if (!hasListeners()) {
+        apply(items);
+        return;
+    }
+    const std::vector<KDRBookmarkPtr> added(items.begin(), items.end());
+    TreeTelling::Change change;
+    change.kind = TreeTelling::Kind::Add;
+    change.first = first;
+    change.items = added;
+    tellWhile(std::move(change), [=] { apply(added); });
+}
+
+// Whether there was any. From the last to the first, so that the others keep their places, and so that this ends even
+// when somebody puts back what he sees going.
+bool WayfoldBookmarkFolder::removeWhere(const IsOne &isOne)
+{
+    settle();
+    const std::vector<KDRBookmarkPtr> &children = ownChildren();
+    if (!hasListeners()) {
+        return std::erase_if(_children, [&](const KDRBookmarkPtr &item) {
+                   const bool goes = isOne(item);
+                   if (goes)
+                       letGo(item);
+                   return goes;
+               }) > 0;
+    }
+    if (countRuns(children, isOne) > mostRuns)
+        gatherAtEnd(isOne);
+    Run run = lastRunBefore(int(_children.size()), isOne);
+    const bool isAny = run.count > 0;
+    for (; run.count > 0; run = lastRunBefore(run.first, isOne))
+        removeRun(run);
+    return isAny;
+}
+
+void WayfoldBookmarkFolder::gatherAtEnd(const IsOne &isOne)
+{
+    std::vector<int> order(_children.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_partition(order.begin(), order.end(), [&](int index) { return !isOne(_children[std::size_t(index)]); });
+    reorder(order);
+}
+
+// None when the children have become lazy meanwhile.
+WayfoldBookmarkFolder::Run WayfoldBookmarkFolder::lastRunBefore(int end, const IsOne &isOne) const
+{
+    if (_lazy)
+        return {};
+    int last = std::min(end, int(_children.size()));
+    while (last > 0 && !isOne(_children[std::size_t(last - 1)]))
+        --last;
+    int first = last;
+    while (first > 0 && isOne(_children[std::size_t(first - 1)]))
+        --first;
+    return {first, last - first};
+}
+
+void WayfoldBookmarkFolder::removeRun(Run run)
+{
+    const auto apply = [this, run] {
+        const auto first = _children.begin() + run.first;
+        for (auto item = first; item != first + run.count; ++item)
+            letGo(*item);
+        _children.erase(first, first + run.count);
+    };
+    if (!hasListeners()) {
+        apply();
+        return;
+    }
+    TreeTelling::Change change;
+    change.kind = TreeTelling::Kind::Remove;
+    change.first = run.first;
+    change.items.assign(_children.begin() + run.first, _children.begin() + run.first + run.count);
+    tellWhile(std::move(change), apply);
+}
+
+// The child at place i is the one that was at `from[i]`.
+void WayfoldBookmarkFolder::reorder(const std::vector<int> &from)
+{
+    if (std::is_sorted(from.begin(), from.end()))
+        return;
+    const auto apply = [this, from] { _children = inOrder(_children, from); };
+    if (!hasListeners()) {
+        apply();
+        return;
+    }
+    TreeTelling::Change change;
+    change.kind = TreeTelling::Kind::Move;
+    change.from = from;
+    tellWhile(std::move(change), apply);
+}
+
+void WayfoldBookmarkFolder::replace(const std::vector<KDRBookmarkPtr> &children,
+                                    const std::shared_ptr<LazyChildren> &lazy, Parent parent)
+{
+    const auto apply = [this, children, lazy, parent] {
+        std::vector<KDRBookmarkPtr> former;
+        takeChildren(former);
+        _lazy = lazy;
+        for (const KDRBookmarkPtr &item : children)
+            hold(item, parent);
+        _children = children;
+    };
+    const bool isNothing = isEmpty() && children.empty() && (!lazy || lazy->isEmpty());
+    if (isNothing || !hasListeners()) {
+        apply();
+        return;
+    }
+    tellWhile({}, apply);
+}
+
+void WayfoldBookmarkFolder::setChildren(const std::vector<KDRBookmarkPtr> &children, Parent parent)
+{
+    settle();
+    const Places places = placesOf(children);
+    const auto stays = [&](const KDRBookmarkPtr &item) { return item && places.contains(item.get()); };
+    const bool hasTwins = places.size() < qsizetype(children.size());
+    if (_lazy || hasTwins || !hasListeners() || std::none_of(_children.begin(), _children.end(), stays)) {
+        replace(children, nullptr, parent);
+        return;
+    }
+    removeWhere([&](const KDRBookmarkPtr &item) { return !stays(item); });
+    addMissing(children, parent);
+}
+
+void WayfoldBookmarkFolder::addMissing(const std::vector<KDRBookmarkPtr> &children, Parent parent)
+{
+    const Places held = placesOf(_children);
+    const IsOne isMissing = [&](const KDRBookmarkPtr &item) { return !held.contains(item.get()); };
+    if (countRuns(children, isMissing) > mostRuns) {
+        std::vector<KDRBookmarkPtr> missing;
+        std::copy_if(children.begin(), children.end(), std::back_inserter(missing), isMissing);
+        insert(missing, std::numeric_limits<int>::max(), parent);
+        orderAs(children);
+        return;
+    }
+    orderAs(children);
+    for (auto first = children.begin(); first != children.end();) {
+        first = std::find_if(first, children.end(), isMissing);
+        const auto end = std::find_if_not(first, children.end(), isMissing);
+        if (first != end)
+            insert({first, end}, int(first - children.begin()), parent);
+        first = end;
+    }
+}
+
+// What is not among these comes last.
+void WayfoldBookmarkFolder::orderAs(const std::vector<KDRBookmarkPtr> &children)
+{
+    settle();
+    const Places places = placesOf(children);
+    std::vector<int> order(ownChildren().size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto place = [&](int index) { return places.value(_children[std::size_t(index)].get(), int(places.size())); };
+    sort(order, [&](int a, int b) { return place(a) < place(b); });
+    reorder(order);
+}
+
+// --- Telling --------------------------------------------------------------------------------------------------------
+
+void WayfoldBookmarkFolder::addObserver(TreeObserver *observer)
+{
+    const auto isThere = [observer](const auto &listener) { return listener->observer == observer; };
+    if (!observer || std::any_of(_listeners.begin(), _listeners.end(), isThere))
+        return;
+    _listeners.push_back(std::make_shared<TreeTelling::Listener>(TreeTelling::Listener{observer}));
+    TreeTelling::countListeners(1);
+}
+
+void WayfoldBookmarkFolder::removeObserver(TreeObserver *observer)
+{
+    const auto found = std::find_if(_listeners.begin(), _listeners.end(),
+                                    [observer](const auto &listener) { return listener->observer == observer; });
+    if (found == _listeners.end())
+        return;
+    (*found)->observer = nullptr; // it may still stand among those that are to be told
+    _listeners.erase(found);
+    TreeTelling::countListeners(-1);
+}
+
+// Before it looks where it is going to change. What nobody hears of can go on at any time: reading lazy children, say.
+void WayfoldBookmarkFolder::settle() const
+{
+    if (hasListeners())
+        TreeTelling::settle();
+}
+
+void WayfoldBookmarkFolder::tellWhile(TreeTelling::Change change, const std::function<void()> &apply)
+{
+    change.folder = fromItem(shared_from_this());
+    change.listeners = listeners();
+    TreeTelling::make(std::move(change), apply);
+}
+
+// --- Counting -------------------------------------------------------------------------------------------------------
 
 unsigned WayfoldBookmarkFolder::deepChildCount() const
 {
@@ -270,8 +585,8 @@ KDRBookmarkPtr WayfoldBookmarkFolder::lastChild() const
 
 void WayfoldBookmarkFolder::setLazyChildren(const std::shared_ptr<LazyChildren> &children)
 {
-    removeAllChildren();
-    _lazy = children;
+    settle();
+    replace({}, children, Parent::Same);
 }
 
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::copyWithoutChildren() const
@@ -301,9 +616,11 @@ const KDRBookmarkPtr &WayfoldBookmarkFolder::madeChild(unsigned index) const
     if (_children.empty())
         _children.resize(_lazy->count());
     KDRBookmarkPtr &child = _children[index];
-    if (!child)
+    if (!child) {
         child = _lazy->makeChild(index, std::static_pointer_cast<WayfoldBookmarkFolder>(
                                             std::const_pointer_cast<KDRBookmark>(weak_from_this().lock())));
+        setHolder(*child, const_cast<WayfoldBookmarkFolder *>(this)); // it was as good as there before
+    }
     return child;
 }
 
@@ -365,15 +682,15 @@ void WayfoldBookmarkFolder::addAutoFolders()
 {
     if (!WayfoldDefaults::sharedInstance().createAutoFolders())
         return;
-    for (const WayfoldBookmarkFolderPtr &folder : ItemKinds::current().autoFolders()) {
+    const std::vector<WayfoldBookmarkFolderPtr> folders = ItemKinds::current().autoFolders();
+    for (const WayfoldBookmarkFolderPtr &folder : folders)
         folder->setFilterString(filterString());
-        addChild(folder);
-    }
+    addChildrenAtIndex({folders.begin(), folders.end()}, std::numeric_limits<int>::max());
 }
 
 void WayfoldBookmarkFolder::removeAutoFolders()
 {
-    std::erase_if(ownChildren(), [](const KDRBookmarkPtr &item) {
+    removeWhere([](const KDRBookmarkPtr &item) {
         return item->isFolder() && static_cast<const WayfoldBookmarkFolder &>(*item).isAutoFolder();
     });
 }
@@ -486,10 +803,8 @@ void WayfoldBookmarkFolder::appendMatches(const TextSearch &search, std::vector<
 
 bool WayfoldBookmarkFolder::refresh()
 {
-    for (const KDRBookmarkPtr &item : _children) {
-        if (item && item->isFolder())
-            item->refresh();
-    }
+    for (const KDRBookmarkPtr &folder : madeFolders())
+        folder->refresh();
     return true;
 }
 
@@ -618,7 +933,7 @@ void WayfoldBookmarkFolder::encodeWithCoder(KeyedArchiver &coder) const
 void WayfoldBookmarkFolder::initWithCoder(const KeyedUnarchiver &coder)
 {
     KDRBookmark::initWithCoder(coder);
-    _filterString = coder.decodeStringForKey(filterStringCoderKey);
+    WayfoldBookmarkFolder::setFilterString(coder.decodeStringForKey(filterStringCoderKey));
     for (const std::shared_ptr<KeyedCoding> &object : coder.decodeObjectsForKey(childrenCoderKey)) {
         if (auto item = std::dynamic_pointer_cast<KDRBookmark>(object))
             appendWithoutParent(item);
@@ -655,9 +970,4 @@ void WayfoldBookmarkFolder::copyTo(KDRBookmark &copy) const
         folder.addChild(item->copy());
     if (_unknownEntries)
         folder._unknownEntries = std::make_unique<UnknownEntries>(unknownPlaces(), folder._children);
-}
-
-void WayfoldBookmarkFolder::appendWithoutParent(const KDRBookmarkPtr &child)
-{
-    ownChildren().push_back(child);
 }

@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <functional>
+#include <span>
 
 // An item that holds other items, in order. Its tree is what a list shows, and what the item file keeps:
 //
@@ -37,6 +38,11 @@ public:
     void init() override;
     void initFromDictionary(const QVariantMap &dictionary);
 
+    // The observer is told of what changes in this folder and below it, until it is removed; it has to be before it
+    // goes. Not owned. Told once, however often it was added.
+    void addObserver(TreeObserver *observer);
+    void removeObserver(TreeObserver *observer);
+
     // The text that the smart folders in this folder search for: its own search string, or its title when there is
     // none or an empty one.
     QString filterString() const;
@@ -64,8 +70,12 @@ public:
     void addChild(const KDRBookmarkPtr &child);
     // Before the child at that index: a negative one is the front, one past the last child the end.
     void addChildAtIndex(const KDRBookmarkPtr &child, int index);
+    // The same for several, side by side in that order; none is to be among them.
+    void addChildrenAtIndex(const std::vector<KDRBookmarkPtr> &children, int index);
     // Every occurrence of that very item; of items equal to it when it is not there itself. The item keeps its parent.
     bool removeChild(const KDRBookmarkPtr &child);
+    // Every occurrence of those very items, in one walk.
+    void removeChildren(const std::vector<KDRBookmarkPtr> &children);
     void removeAllChildren();
     // What remains, at every depth, is folders.
     void removeAllLeafChildren();
@@ -135,14 +145,44 @@ protected:
     KDRBookmarkPtr makeNew() const override;
     bool isSameKindAs(const KDRBookmark &other) const override;
     void copyTo(KDRBookmark &copy) const override;
+    const TreeTelling::Listeners &ownListeners() const override { return _listeners; }
     // Appends an item that is not to know this folder as its parent.
     void appendWithoutParent(const KDRBookmarkPtr &child);
+    enum class Parent { Same, ThisFolder };
+    // What the folder holds from now on; none is to be among it. What it held before and holds again is told to have
+    // moved at most; what is new keeps its parent or gets this one.
+    void setChildren(const std::vector<KDRBookmarkPtr> &children, Parent parent);
+    static std::vector<KDRBookmarkPtr> sortedByTitle(const std::vector<KDRBookmarkPtr> &items);
 
     // Loads the image anew unless it is there and this folder was last shown at that cell size: "<name>16" for cells up
     // to 32 high, "<name>" for higher ones.
     void ensureIconLoaded(std::shared_ptr<Image> &image, const QString &name, const QSizeF &size);
 
 private:
+    using IsOne = std::function<bool(const KDRBookmarkPtr &)>;
+    struct Run
+    {
+        int first = 0;
+        int count = 0;
+    };
+
+    void settle() const;
+    void tellWhile(TreeTelling::Change change, const std::function<void()> &apply);
+
+    void insert(std::span<const KDRBookmarkPtr> items, int index, Parent parent);
+    bool removeWhere(const IsOne &isOne);
+    void removeRun(Run run);
+    void gatherAtEnd(const IsOne &isOne);
+    Run lastRunBefore(int end, const IsOne &isOne) const;
+    void reorder(const std::vector<int> &from);
+    void replace(const std::vector<KDRBookmarkPtr> &children, const std::shared_ptr<LazyChildren> &lazy, Parent parent);
+    void addMissing(const std::vector<KDRBookmarkPtr> &children, Parent parent);
+    void orderAs(const std::vector<KDRBookmarkPtr> &children);
+    void takeChildren(std::vector<KDRBookmarkPtr> &taken);
+    std::vector<KDRBookmarkPtr> madeFolders() const;
+    void hold(const KDRBookmarkPtr &item, Parent parent);
+    void letGo(const KDRBookmarkPtr &item);
+
     void forEachFolder(const std::function<void(WayfoldBookmarkFolder &)> &visit);
     bool isTooDeepToBeSaved() const;
 
@@ -161,6 +201,7 @@ private:
     // As long as there are lazy ones: empty while none of them is made, then null for those that are not.
     mutable std::vector<KDRBookmarkPtr> _children;
     std::shared_ptr<LazyChildren> _lazy;
+    TreeTelling::Listeners _listeners;
     QSizeF _lastIconCellSize = QSizeF(0, 0);
     QString _filterString;
     std::unique_ptr<UnknownEntries> _unknownEntries; // null: there are none

@@ -45,7 +45,7 @@ WayfoldBookmarkNotePtr WayfoldBookmarkNote::newViaDialog()
 void WayfoldBookmarkNote::init()
 {
     KDRBookmark::init();
-    _noteText = QString();
+    setNoteText(QString());
 }
 
 void WayfoldBookmarkNote::initWithTitleAndNote(const QString &title, const QString &note)
@@ -63,7 +63,13 @@ void WayfoldBookmarkNote::initFromDictionary(const QVariantMap &dictionary)
 void WayfoldBookmarkNote::setValue(const QVariant &value)
 {
     if (!value.isValid() || value.typeId() == QMetaType::QString)
-        _noteText = StringRules::beginning(value.toString(), maximumLength);
+        setNoteText(StringRules::beginning(value.toString(), maximumLength));
+}
+
+void WayfoldBookmarkNote::setNoteText(const QString &text)
+{
+    if (!ItemDictionary::isSameText(text, _noteText))
+        changeField(TreeObserver::Field::Value, [this, text] { _noteText = text; });
 }
 
 QString WayfoldBookmarkNote::tooltipText() const

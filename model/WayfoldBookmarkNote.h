@@ -46,5 +46,7 @@ protected:
     void copyTo(KDRBookmark &copy) const override;
 
 private:
+    void setNoteText(const QString &text);
+
     QString _noteText;
 };

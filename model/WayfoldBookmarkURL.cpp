@@ -72,8 +72,12 @@ void WayfoldBookmarkURL::init()
 
 void WayfoldBookmarkURL::setURL(const Url &url)
 {
-    _url = url;
-    searchedTextChanged();
+    if (url == _url)
+        return;
+    changeField(TreeObserver::Field::Value, [this, url] {
+        _url = url;
+        searchedTextChanged();
+    });
 }
 
 void WayfoldBookmarkURL::initWithTitleAndURL(const QString &title, const Url &url)

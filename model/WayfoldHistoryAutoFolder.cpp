@@ -24,7 +24,7 @@ bool WayfoldHistoryAutoFolder::refresh()
         if (const std::shared_ptr<HistoryItems> entries = root ? HistoryItems::ofFolder(*root) : nullptr)
             matches->setLazyChildren(search().copiesOfMatches(*entries));
         else
-            appendCopiesOfLeaves(matchesBelow(root), *matches);
+            matches->addChildrenAtIndex(copiesOfLeaves(matchesBelow(root)), 0);
         sources->regroupBookmarksFromFolderIntoFolderWithGroupingStyle(matches, fromItem(shared_from_this()),
                                                                        QStringLiteral("1"));
     }
