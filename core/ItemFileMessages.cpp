@@ -81,6 +81,14 @@ void ItemFileMessages::keptAside(const QString &copy)
          {showFile(copy), {localized("Restore..."), localized("Look at what earlier files hold"), _commands.restore}}});
 }
 
+void ItemFileMessages::settingsKeptAside(const QString &copy)
+{
+    _messages.say({Messages::KeptAside,
+                   Messages::Warning,
+                   localized("Your settings could not be read whole, so a copy of their file was kept."),
+                   {showFile(copy)}});
+}
+
 void ItemFileMessages::merged(const QString &path, const Changes &changes)
 {
     if (!_messages.about(Messages::Merged))

@@ -5,7 +5,7 @@
 #include <QString>
 #include <functional>
 
-// Tells the user how it stands with the item file, and what can be done about it.
+// Tells the user how it stands with the item file and the settings', and what can be done about it.
 class ItemFileMessages
 {
 public:
@@ -33,6 +33,8 @@ public:
     void saved();
     // A copy was kept, since the file held what the lists do not.
     void keptAside(const QString &copy);
+    // The same of a file of settings, which could not be read whole.
+    void settingsKeptAside(const QString &copy);
     // What comes while an earlier merge is still shown is added to it. Nothing is said of no changes.
     void merged(const QString &path, const Changes &changes);
     // The backup could not be made in that folder.

@@ -12,6 +12,7 @@
 #include "platform/base/NotificationQueue.h"
 #include "platform/base/PlatformNotifications.h"
 #include "platform/files/Paths.h"
+#include "platform/files/UserDefaults.h"
 #include "platform/host/CurrentHost.h"
 #include "platform/host/HostApplication.h"
 #include "platform/host/HostClasses.h"
@@ -155,6 +156,8 @@ void KDRDrawerBundle::followSettings()
     reactions.removeSmartFolders = [this] { removeSmartFoldersFromTopLevel(); };
     reactions.showShortcuts = [this] { showStoredShortcuts(); };
     _settingsFollower.emplace(std::move(reactions));
+    QObject::connect(&UserDefaults::standardUserDefaults(), &UserDefaults::copyKept, &_messages,
+                     [this](const QString &copy) { _itemFileMessages.settingsKeptAside(copy); });
 }
 
 void KDRDrawerBundle::installHooks()

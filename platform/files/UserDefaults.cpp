@@ -118,6 +118,9 @@ void UserDefaults::tell(const QStringList &changedElsewhere)
 {
     for (const QString &name : changedElsewhere)
         Q_EMIT domainChangedElsewhere(name);
+    const QStringList copies = std::exchange(_untoldCopies, {});
+    for (const QString &copy : copies)
+        Q_EMIT copyKept(copy);
 }
 
 void UserDefaults::reset()
@@ -203,8 +206,11 @@ UserDefaults::WriteResult UserDefaults::writeDomain(Domain &domain, const QStrin
 
 bool UserDefaults::replaceFileOf(Domain &domain, const QString &path)
 {
-    if (domain.mustKeepFile && keepCopyOfFile(path).isNull())
+    const QString copy = domain.mustKeepFile ? keepCopyOfFile(path) : QString();
+    if (domain.mustKeepFile && copy.isNull())
         return false;
+    if (domain.mustKeepFile)
+        _untoldCopies.append(copy);
     domain.mustKeepFile = false;
     if (domain.exists)
         return PropertyList::writeFile(domain.values, path);

@@ -46,6 +46,8 @@ public:
 Q_SIGNALS:
     // Another process has changed the domain, whose values are there already.
     void domainChangedElsewhere(const QString &name);
+    // A file that could not be read whole was copied aside before it was written over.
+    void copyKept(const QString &copy);
 
 private:
     struct Domain
@@ -71,6 +73,7 @@ private:
     void tell(const QStringList &changedElsewhere);
 
     QHash<QString, Domain> _domains; // by the path of the file
+    QStringList _untoldCopies;
     QTimer _writeTimer;
     QTimer _lookTimer;
 };

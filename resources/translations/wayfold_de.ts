@@ -1196,6 +1196,10 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
         <translation>Ein anderes Programm gibt Ihre Datei nicht frei; Wayfold behält Ihre letzten Änderungen und versucht es weiter.</translation>
     </message>
     <message>
+        <source>Your settings could not be read whole, so a copy of their file was kept.</source>
+        <translation>Ihre Einstellungen konnten nicht ganz gelesen werden; eine Kopie der Datei wurde aufgehoben.</translation>
+    </message>
+    <message>
         <source>Try Again</source>
         <translation>Erneut versuchen</translation>
     </message>

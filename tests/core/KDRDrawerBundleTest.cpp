@@ -120,6 +120,7 @@ private Q_SLOTS:
     void saveThatFailsIsSaid();
     void saveThatWorksLaterIsSaid();
     void keptCopyIsSaid();
+    void keptCopyOfSettingsIsSaid();
     void startSaysNothing();
 
     // Provisional items
@@ -490,6 +491,19 @@ void KDRDrawerBundleTest::keptCopyIsSaid()
     QVERIFY(_fresh->store().saveBookmarkFile());
     QVERIFY(messages.current());
     QCOMPARE(messages.current()->subject, Messages::KeptAside);
+}
+
+void KDRDrawerBundleTest::keptCopyOfSettingsIsSaid()
+{
+    UserDefaults &settings = UserDefaults::standardUserDefaults();
+    QVERIFY(settings.synchronize());
+    const Messages &messages = _fresh->store().messages();
+    _fresh->home.write(QStringLiteral("Library/Preferences/org.wayfold.Wayfold.plist"), "no property list");
+    _fresh->settings().setConfirmItemDelete(false);
+    QVERIFY(settings.synchronize());
+    QVERIFY(messages.current());
+    QCOMPARE(messages.current()->subject, Messages::KeptAside);
+    QVERIFY(messages.current()->text.contains(QStringLiteral("settings")));
 }
 
 void KDRDrawerBundleTest::startSaysNothing()

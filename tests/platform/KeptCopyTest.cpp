@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QTest>
 #include <cerrno>
+#include <ctime>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,7 @@ private Q_SLOTS:
     void otherFilesAreLeftAlone();
     void newOneStaysWhenTheClockWasAhead();
     void copiesOfTheSameSecondAreInOrder();
+    void hourThatTheClockHasSkippedIsATime();
     void copyThatFailsRemovesNothing();
     void whatCouldNotBeWrittenIsKept();
 
@@ -309,6 +311,24 @@ void KeptCopyTest::copiesOfTheSameSecondAreInOrder()
     QVERIFY(!QFileInfo::exists(home.path(second + "-6")));
     QVERIFY(QFileInfo::exists(home.path(second + "-7")));
     QVERIFY(QFileInfo::exists(home.path(second + "-25")));
+}
+
+// A copy from elsewhere, or from before the user has moved, may be of an hour that is left out here in spring.
+void KeptCopyTest::hourThatTheClockHasSkippedIsATime()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "Europe/Berlin");
+    ::tzset();
+    home.write("file", "a");
+    for (int minute = 10; minute < 40; ++minute)
+        home.write("file.kept-20260329-02" + QString::number(minute) + "00", "old");
+    const bool isMade = !keepCopyOfFile(home.path("file")).isNull();
+    qputenv("TZ", zone);
+    ::tzset();
+    QVERIFY(isMade);
+    QCOMPARE(copies(home).size(), 20);
 }
 
 void KeptCopyTest::copyThatFailsRemovesNothing()

@@ -204,9 +204,11 @@ void UserDefaultsTest::unreadableFileIsKeptAside()
     QVERIFY(_defaults->persistentDomainForName(_name).isEmpty());
     QVERIFY(!_defaults->hasPersistentDomainForName(_name));
     _defaults->setPersistentDomainForName({{"a", 1}}, _name);
+    QSignalSpy told(_defaults.get(), &UserDefaults::copyKept);
     QVERIFY(_defaults->synchronize());
     QCOMPARE(keptCopies().size(), 1);
     QCOMPARE(_home->read("Library/Preferences/" + keptCopies().constFirst()), contents);
+    QCOMPARE(told, (QList<QVariantList>{{_home->path("Library/Preferences/" + keptCopies().constFirst())}}));
     QCOMPARE(PropertyList::readDictionaryFile(_home->path(file())).value("a"), 1);
 
     // Once is enough.
@@ -522,8 +524,8 @@ void UserDefaultsTest::lockThatIsNeverLetGo()
 
 void UserDefaultsTest::processesWriteOneFile()
 {
-    constexpr int processes = 6;
-    constexpr int rounds = 25;
+    constexpr int processes = 4;
+    constexpr int rounds = 12;
     QList<pid_t> children;
     for (int number = 0; number < processes; ++number) {
         const pid_t child = ::fork();
@@ -547,7 +549,7 @@ void UserDefaultsTest::processesWriteOneFile()
         QCOMPARE(::waitpid(child, &status, 0), child);
         QCOMPARE(status, 0);
     }
-    QCOMPARE(checkWithPython("len(d) == 156 and all(d[f'process {n}'] == 25 for n in range(6))"), QString());
+    QCOMPARE(checkWithPython("len(d) == 52 and all(d[f'process {n}'] == 12 for n in range(4))"), QString());
     QCOMPARE(QDir(_home->path("Library/Preferences")).entryList(QDir::Files), QStringList(_name + ".plist"));
 }
 
