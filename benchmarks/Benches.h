@@ -6,6 +6,7 @@ class GeneratedFiles;
 // Each measures one matter and adds its figures; false when it could not be measured, with the reason on stderr.
 bool measurePageLoad(Figures &figures);
 bool measureItemFile(Figures &figures);
+bool measureItemChanges(Figures &figures);
 bool measureMail(Figures &figures);
 bool measureContacts(Figures &figures);
 bool measureDesktopContacts(Figures &figures);
@@ -14,6 +15,7 @@ bool measureDesktopContacts(Figures &figures);
 bool measureReading(Figures &figures, GeneratedFiles &files, bool peers);
 bool measureGrouping(Figures &figures, GeneratedFiles &files, bool peers);
 bool measureFiltering(Figures &figures, GeneratedFiles &files, bool peers);
+bool measureSelection(Figures &figures, GeneratedFiles &files, bool peers);
 bool measureHistoryTab(Figures &figures, GeneratedFiles &files, bool peers);
 bool measureBookmarkTab(Figures &figures, GeneratedFiles &files, bool peers);
 bool measureMemory(Figures &figures, GeneratedFiles &files, bool peers);

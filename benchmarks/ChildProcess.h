@@ -13,6 +13,4 @@ namespace ChildProcess
 std::optional<double> measure(const QString &name, const GeneratedFiles &files);
 // The same where it answers several, or nothing.
 std::optional<std::vector<double>> measureAll(const QString &name, const GeneratedFiles &files);
-// The child's part: prints its answer, each number on a line. The program's exit code.
-int run(const QString &name, const GeneratedFiles &files);
 } // namespace ChildProcess

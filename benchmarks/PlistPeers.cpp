@@ -20,8 +20,14 @@ double plistlibMilliseconds(const QString &work, const QString &path)
                                  "    start = clock()\n"
                                  "    if sys.argv[1] == 'read':\n"
                                  "        plistlib.loads(data)\n"
-                                 "    else:\n"
+                                 "    elif sys.argv[1] == 'write':\n"
                                  "        plistlib.dump(tree, open(path + '.copy', 'wb'))\n"
+                                 "    else:\n"
+                                 "        with open(path + '.copy', 'wb') as copy:\n"
+                                 "            plistlib.dump(tree, copy)\n"
+                                 "            copy.flush()\n"
+                                 "            os.fsync(copy.fileno())\n"
+                                 "        os.replace(path + '.copy', path)\n"
                                  "    times.append(clock() - start)\n"
                                  "print(statistics.median(times[1:]) * 1000)\n";
     QProcess python;
@@ -40,6 +46,11 @@ double PlistPeers::plistlibReadMilliseconds(const QString &path)
 double PlistPeers::plistlibWriteMilliseconds(const QString &path)
 {
     return plistlibMilliseconds(QStringLiteral("write"), path);
+}
+
+double PlistPeers::plistlibSaveMilliseconds(const QString &path)
+{
+    return plistlibMilliseconds(QStringLiteral("save"), path);
 }
 
 double PlistPeers::libplistReadMilliseconds(const QString &path)

@@ -4,7 +4,7 @@
 //   wayfold-bench --scale
 
 #include "benchmarks/Benches.h"
-#include "benchmarks/ChildProcess.h"
+#include "benchmarks/ChildParts.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/GeneratedFiles.h"
 #include "benchmarks/Scale.h"
@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -26,40 +27,57 @@ bool reported(bool complete, const char *name)
 
 bool measureAllContacts(Figures &figures)
 {
-    const bool folder = reported(measureContacts(figures), "contacts");
+    const bool folder = measureContacts(figures);
     return reported(measureDesktopContacts(figures), "the desktop's contacts") && folder;
 }
 
-bool measureOwnFile(Figures &figures)
+constexpr std::pair<const char *, bool (*)(Figures &)> ownBenches[] = {
+    {"page load", measurePageLoad}, {"mail address", measureMail},        {"contacts", measureAllContacts},
+    {"item file", measureItemFile}, {"item changes", measureItemChanges},
+};
+
+constexpr std::pair<const char *, bool (*)(Figures &, GeneratedFiles &, bool)> fileBenches[] = {
+    {"reading", measureReading},        {"grouping", measureGrouping},
+    {"filtering", measureFiltering},    {"selection", measureSelection},
+    {"history tab", measureHistoryTab}, {"bookmark tab", measureBookmarkTab},
+    {"memory", measureMemory},          {"start", measureStart},
+};
+
+QString names()
 {
-    const bool pageLoad = reported(measurePageLoad(figures), "page load");
-    const bool mail = reported(measureMail(figures), "mail address");
-    const bool contacts = measureAllContacts(figures);
-    return reported(measureItemFile(figures), "item file") && pageLoad && mail && contacts;
+    QStringList names;
+    for (const auto &[name, measure] : ownBenches)
+        names.append(QLatin1String(name));
+    for (const auto &[name, measure] : fileBenches)
+        names.append(QLatin1String(name));
+    return names.join(QStringLiteral(", "));
 }
 
 // `only`: the name of the one to measure; empty: all.
-bool measureBrowserFiles(Figures &figures, int entries, bool peers, const QString &only)
+template <class Benches, class... Arguments>
+bool measure(const Benches &benches, const QString &only, Arguments &&...arguments)
 {
-    const std::pair<const char *, bool (*)(Figures &, GeneratedFiles &, bool)> benches[] = {
-        {"reading", measureReading},
-        {"grouping", measureGrouping},
-        {"filtering", measureFiltering},
-        {"history tab", measureHistoryTab},
-        {"bookmark tab", measureBookmarkTab},
-        {"memory", measureMemory},
-        {"start", measureStart},
-    };
-    const QTemporaryDir folder;
-    GeneratedFiles files(folder.path(), entries);
-    if (!reported(files.write(), "the browser's files"))
-        return false;
     bool complete = true;
-    for (const auto &[name, measure] : benches) {
+    for (const auto &[name, bench] : benches) {
         if (only.isEmpty() || only == QLatin1String(name))
-            complete = reported(measure(figures, files, peers), name) && complete;
+            complete = reported(bench(arguments...), name) && complete;
     }
     return complete;
+}
+
+bool isAmong(const auto &benches, const QString &name)
+{
+    return std::any_of(std::begin(benches), std::end(benches),
+                       [&](const auto &bench) { return name == QLatin1String(bench.first); });
+}
+
+bool measureBrowserFiles(Figures &figures, int entries, bool peers, const QString &only)
+{
+    if (!only.isEmpty() && !isAmong(fileBenches, only))
+        return true;
+    const QTemporaryDir folder;
+    GeneratedFiles files(folder.path(), entries);
+    return reported(files.write(), "the browser's files") && measure(fileBenches, only, figures, files, peers);
 }
 } // namespace
 
@@ -74,33 +92,30 @@ int main(int argc, char **argv)
                                      QStringLiteral("Only what depends on the browser's files, with N visits in them."),
                                      QStringLiteral("N"), QStringLiteral("100000"));
     const QCommandLineOption noPeers(QStringLiteral("no-peers"), QStringLiteral("Leave others out."));
-    const QCommandLineOption only(
-        QStringLiteral("only"),
-        QStringLiteral("Only one of: reading, grouping, filtering, history tab, bookmark tab, memory, "
-                       "start, contacts."),
-        QStringLiteral("NAME"));
+    const QCommandLineOption onlyOne(QStringLiteral("only"), QStringLiteral("Only one of: %1.").arg(names()),
+                                     QStringLiteral("NAME"));
     const QCommandLineOption scale(QStringLiteral("scale"),
                                    QStringLiteral("Only how each cost grows with the browser's files."));
     QCommandLineOption child(QStringLiteral("child"), QString(), QStringLiteral("NAME"));
     child.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({json, entries, noPeers, only, scale, child});
+    parser.addOptions({json, entries, noPeers, onlyOne, scale, child});
     parser.addHelpOption();
     parser.process(application);
 
     const int count = std::max(parser.value(entries).toInt(), 1);
     if (parser.isSet(child))
-        return ChildProcess::run(parser.value(child), {parser.positionalArguments().value(0), count});
+        return ChildParts::run(parser.value(child), {parser.positionalArguments().value(0), count});
     if (parser.isSet(scale))
         return Scale::print() ? 0 : 1;
 
-    Figures figures;
-    bool complete = true;
-    if (parser.value(only) == QLatin1String("contacts")) {
-        complete = measureAllContacts(figures);
-    } else {
-        complete = parser.isSet(entries) || parser.isSet(only) || measureOwnFile(figures);
-        complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), parser.value(only)) && complete;
+    const QString only = parser.value(onlyOne);
+    if (!only.isEmpty() && !isAmong(ownBenches, only) && !isAmong(fileBenches, only)) {
+        std::fprintf(stderr, "no such figures: %s\n", qPrintable(only));
+        return 1;
     }
+    Figures figures;
+    bool complete = parser.isSet(entries) || measure(ownBenches, only, figures);
+    complete = measureBrowserFiles(figures, count, !parser.isSet(noPeers), only) && complete;
     figures.print();
     if (parser.isSet(json) && !figures.writeJson(parser.value(json))) {
         std::fprintf(stderr, "could not be written: %s\n", qPrintable(parser.value(json)));
