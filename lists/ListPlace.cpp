@@ -1,7 +1,6 @@
 #include "lists/ListPlace.h"
 
-#include "lists/WayfoldOutlineView.h"
-#include "lists/WayfoldOutlineViewDelegate.h"
+#include "platform/widgets/OutlineView.h"
 
 #include <QScrollBar>
 #include <algorithm>
@@ -17,7 +16,7 @@ bool isGone(int number)
 }
 } // namespace
 
-ListPlace::ListPlace(const WayfoldOutlineView &view) : _scrollPosition(view.verticalScrollBar()->value())
+ListPlace::ListPlace(const OutlineView &view) : _scrollPosition(view.verticalScrollBar()->value())
 {
     const int top = _scrollPosition > 0 ? view.rowAtPoint(QPoint(0, 0)) : -1;
     for (int number = top; number >= 0 && number < std::min(top + rowsRemembered, view.numberOfRows()); ++number)
@@ -26,27 +25,27 @@ ListPlace::ListPlace(const WayfoldOutlineView &view) : _scrollPosition(view.vert
         _current = rowOfView(view, view.currentRow());
 }
 
-ListPlace::Row ListPlace::rowOfView(const WayfoldOutlineView &view, int number)
+ListPlace::Row ListPlace::rowOfView(const OutlineView &view, int number)
 {
     const auto item = std::static_pointer_cast<KDRBookmark>(view.itemAtRow(number));
     return {item, item ? item->uuid() : QString(), number};
 }
 
-void ListPlace::restore(WayfoldOutlineView &view) const
+void ListPlace::restore(OutlineView &view, const WayfoldBookmarkFolderPtr &root) const
 {
-    restoreScrollPosition(view);
+    restoreScrollPosition(view, root);
     restoreCurrentRow(view);
 }
 
-void ListPlace::restoreScrollPosition(WayfoldOutlineView &view) const
+void ListPlace::restoreScrollPosition(OutlineView &view, const WayfoldBookmarkFolderPtr &root) const
 {
     std::vector<int> numbers = findNearby(view);
     if (std::all_of(numbers.cbegin(), numbers.cend(), isGone))
-        numbers = findAnywhere(view);
+        numbers = findAnywhere(view, root);
     view.verticalScrollBar()->setValue(_scrollPosition + rowsMoved(numbers) * view.rectOfRow(0).height());
 }
 
-void ListPlace::restoreCurrentRow(WayfoldOutlineView &view) const
+void ListPlace::restoreCurrentRow(OutlineView &view) const
 {
     if (!_current)
         return;
@@ -59,7 +58,7 @@ void ListPlace::restoreCurrentRow(WayfoldOutlineView &view) const
 }
 
 // -1 when the row is not there. Of several with the same identifier, the one that is meant is the nearest.
-int ListPlace::findNearby(const WayfoldOutlineView &view, const Row &row)
+int ListPlace::findNearby(const OutlineView &view, const Row &row)
 {
     const KDRBookmarkPtr same = row.item.lock();
     const auto isIt = [&](int number) {
@@ -75,7 +74,7 @@ int ListPlace::findNearby(const WayfoldOutlineView &view, const Row &row)
     return -1;
 }
 
-std::vector<int> ListPlace::findNearby(const WayfoldOutlineView &view) const
+std::vector<int> ListPlace::findNearby(const OutlineView &view) const
 {
     std::vector<int> numbers;
     for (const Row &row : _seen)
@@ -84,12 +83,11 @@ std::vector<int> ListPlace::findNearby(const WayfoldOutlineView &view) const
 }
 
 // Looks through the whole tree, once.
-std::vector<int> ListPlace::findAnywhere(const WayfoldOutlineView &view) const
+std::vector<int> ListPlace::findAnywhere(const OutlineView &view, const WayfoldBookmarkFolderPtr &root) const
 {
     QStringList uuids;
     for (const Row &row : _seen)
         uuids.append(row.uuid);
-    const WayfoldBookmarkFolderPtr root = view.delegate() ? view.delegate()->localRootFolder() : nullptr;
     const QHash<QString, KDRBookmarkPtr> items =
         root && !_seen.empty() ? root->itemsWithUUIDs(uuids) : QHash<QString, KDRBookmarkPtr>();
     std::vector<int> numbers;

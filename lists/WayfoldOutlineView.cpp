@@ -316,7 +316,7 @@ void WayfoldOutlineView::reloadData()
         reselectItemsFromUUIDList(*selectedUUIDs);
 
     executeDelayedItemsLayout();
-    place.restore(*this);
+    place.restore(*this, _delegate ? _delegate->localRootFolder() : nullptr);
     if (selectedUUIDs)
         reselectCurrentRow(*selectedUUIDs);
 }

@@ -3,7 +3,7 @@
 #include "model/TreeTelling.h"
 #include "model/UnknownKeys.h"
 #include "platform/base/CalendarDate.h"
-#include "platform/base/KeyedArchiver.h"
+#include "platform/files/KeyedArchiver.h"
 #include "platform/widgets/OutlineItem.h"
 
 #include <QSizeF>

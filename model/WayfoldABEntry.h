@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/base/KeyedArchiver.h"
 #include "platform/contacts/ContactStore.h"
+#include "platform/files/KeyedArchiver.h"
 
 #include <QString>
 #include <memory>

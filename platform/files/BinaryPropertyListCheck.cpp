@@ -1,7 +1,7 @@
 #include "platform/files/BinaryPropertyListCheck.h"
 
 #include "platform/base/StringRules.h"
-#include "platform/files/PropertyList.h"
+#include "platform/files/PropertyListDepth.h"
 #include "platform/files/XmlPropertyListWriter.h"
 
 #include <QHashFunctions>

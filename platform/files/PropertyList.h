@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/files/PropertyListDepth.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QVariant>
@@ -36,7 +38,6 @@ struct Reading
 enum class Xml { QuickFirst, General };
 
 constexpr qint64 maximumFileSize = qint64(1) << 30;
-constexpr int maximumDepth = 1024;
 
 // Opens a file for a reader that knows more about its contents; false when it is missing, unreadable, larger than what
 // is read here or not a plain file (a pipe would keep us waiting). Nothing is logged: `readFile` says why.

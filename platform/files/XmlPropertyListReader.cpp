@@ -1,6 +1,6 @@
 #include "platform/files/XmlPropertyListReader.h"
 
-#include "platform/files/PropertyList.h"
+#include "platform/files/PropertyListDepth.h"
 #include "platform/files/XmlPropertyListWriter.h"
 #include "platform/files/XmlScalars.h"
 

@@ -1,6 +1,6 @@
 #include "platform/files/XmlPropertyListWriter.h"
 
-#include "platform/files/PropertyList.h"
+#include "platform/files/PropertyListDepth.h"
 
 #include <QDateTime>
 #include <QLocale>

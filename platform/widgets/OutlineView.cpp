@@ -1,7 +1,6 @@
 #include "platform/widgets/OutlineView.h"
 
 #include "platform/base/NotificationQueue.h"
-#include "platform/widgets/OutlineDelegate.h"
 #include "platform/widgets/OutlineModel.h"
 #include "platform/widgets/OutlineViewDataSource.h"
 #include "platform/widgets/TextFieldCell.h"
@@ -16,6 +15,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QToolTip>
 #include <QtMath>
 #include <algorithm>
@@ -65,6 +65,38 @@ int firstInOrder(const std::vector<int> &rows)
     }
     return first;
 }
+
+// Draws the view's rows with its data cell.
+class CellDelegate : public QStyledItemDelegate
+{
+public:
+    explicit CellDelegate(OutlineView &view) : QStyledItemDelegate(&view), _view(view) {}
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        OutlineViewDataSource *source = _view.outlineDataSource();
+        const OutlineItemPtr item = static_cast<const OutlineModel *>(index.model())->itemOfIndex(index);
+        if (!source || !item)
+            return;
+        TextFieldCell &cell = _view.dataCell();
+        // The value first: asking for it may bring the item up to date.
+        cell.setStringValue(source->outlineViewObjectValueByItem(_view, item));
+        cell.setFont(option.font);
+        source->outlineViewWillDisplayCell(_view, cell, item);
+        _view.style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, &_view);
+        cell.drawWithFrameInView(option.rect, *painter, option);
+    }
+
+    // Only the height counts, the same for every row: a list's column is as wide as the list.
+    QSize sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex & /*index*/) const override
+    {
+        const int height = qCeil(_view.rowHeight());
+        return {height, height};
+    }
+
+private:
+    OutlineView &_view;
+};
 } // namespace
 
 OutlineView::OutlineView(QWidget *parent)
@@ -86,7 +118,7 @@ OutlineView::OutlineView(QWidget *parent)
     setDragDropMode(DragDrop);
 
     _model->setParent(this);
-    setItemDelegate(new OutlineDelegate(*this));
+    setItemDelegate(new CellDelegate(*this));
     // Before Qt's own, which change the selection.
     connect(_model, &QAbstractItemModel::rowsAboutToBeInserted, this, &OutlineView::keepPlace);
     connect(_model, &QAbstractItemModel::rowsAboutToBeRemoved, this, &OutlineView::rowsWillGo);

@@ -1,4 +1,4 @@
-#include "platform/base/KeyedArchiver.h"
+#include "platform/files/KeyedArchiver.h"
 #include "platform/files/PropertyList.h"
 #include "tests/support/LoggedMessages.h"
 
