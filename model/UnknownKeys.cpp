@@ -22,11 +22,6 @@ bool isNone(const QVariant &value)
     return !value.isValid() || (value.typeId() == QMetaType::QString && value.toString().isEmpty());
 }
 
-bool isSame(const QVariant &a, const QVariant &b)
-{
-    return a.typeId() == b.typeId() && a == b;
-}
-
 // Leaves of both what is different.
 void reduceToDifference(QVariantMap &found, QVariantMap &used)
 {
@@ -44,7 +39,7 @@ void reduceToDifference(QVariantMap &found, QVariantMap &used)
                 continue;
             keptFound.insert(entry.key(), within);
             keptUsed.insert(entry.key(), usedWithin);
-        } else if (!isNone(*entry) && !isSame(*entry, *place)) {
+        } else if (!isNone(*entry) && *entry != *place) {
             keptFound.insert(entry.key(), *entry);
             keptUsed.insert(entry.key(), *place);
         }
@@ -64,7 +59,7 @@ void add(QVariantMap &written, const QVariantMap &found, const QVariantMap &used
             QVariantMap within = place->toMap();
             add(within, entry->toMap(), inItsPlace.toMap());
             *place = within;
-        } else if (isSame(*place, inItsPlace)) {
+        } else if (*place == inItsPlace) {
             *place = entry.value();
         }
     }
