@@ -6,7 +6,7 @@
 #include "core/Retries.h"
 #include "core/SettingsFollower.h"
 #include "model/BookmarkReader.h"
-#include "model/HistoryReader.h"
+#include "model/history/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/files/FileStamp.h"
 #include "platform/widgets/MenuItem.h"

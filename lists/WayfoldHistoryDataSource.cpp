@@ -4,48 +4,18 @@
 #include "core/Notifications.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
-#include "lists/HistoryEntries.h"
-#include "lists/HistoryGrouping.h"
-#include "lists/HistoryMatches.h"
 #include "lists/WayfoldHistoryOutlineView.h"
 #include "model/TextSearch.h"
+#include "model/history/HistoryGrouping.h"
+#include "model/history/HistoryMatches.h"
 
 #include <QLineEdit>
 #include <utility>
 
-namespace
-{
-using Level = HistoryGrouping::Level;
-
-// None for a style that is not one.
-std::optional<std::vector<Level>> levelsOfStyle(const QString &style)
-{
-    if (style == u"0")
-        return std::vector<Level>();
-    if (style == u"1")
-        return std::vector<Level>{Level::Day};
-    if (style == u"2")
-        return std::vector<Level>{Level::Day, Level::Site};
-    if (style == u"3")
-        return std::vector<Level>{Level::Site};
-    if (style == u"4")
-        return std::vector<Level>{Level::Site, Level::Day};
-    return std::nullopt;
-}
-} // namespace
-
 void WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingStyle(
     const WayfoldBookmarkFolderPtr &from, const WayfoldBookmarkFolderPtr &into, const QString &style)
 {
-    if (!into)
-        return;
-    const std::optional<std::vector<Level>> levels = levelsOfStyle(style);
-    if (!levels) {
-        into->removeAllLeafChildren();
-        return;
-    }
-    const WayfoldBookmarkFolderPtr source = from ? from : WayfoldBookmarkFolder::bookmarkWithTitle(QString());
-    HistoryGrouping(HistoryEntries::ofFolder(*source), *levels).fill(into);
+    HistoryGrouping::regroup(from, into, style);
 }
 
 WayfoldHistoryDataSource::WayfoldHistoryDataSource(WayfoldHistoryOutlineView *view) : _historyOutlineView(view) {}

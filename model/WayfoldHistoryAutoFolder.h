@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/HistorySearch.h"
 #include "model/WayfoldAutoFolder.h"
+#include "model/history/HistorySearch.h"
 
 class WayfoldHistoryAutoFolder;
 using WayfoldHistoryAutoFolderPtr = std::shared_ptr<WayfoldHistoryAutoFolder>;

@@ -2,8 +2,8 @@
 
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
-#include "model/HistoryRecords.h"
 #include "model/ItemDictionary.h"
+#include "model/history/HistoryRecords.h"
 #include "platform/base/CalendarFormat.h"
 #include "platform/base/StringRules.h"
 

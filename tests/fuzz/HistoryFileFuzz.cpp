@@ -1,5 +1,5 @@
 #include "tests/fuzz/TreeChecks.h"
-#include "tests/model/HistoryReading.h"
+#include "tests/model/history/HistoryReading.h"
 
 #include <random>
 

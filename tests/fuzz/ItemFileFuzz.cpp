@@ -1,5 +1,5 @@
 #include "tests/fuzz/TreeChecks.h"
-#include "tests/model/HistoryReading.h"
+#include "tests/model/history/HistoryReading.h"
 
 // Our own item file, read and written again as the store does at every start and every change.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)

@@ -1,9 +1,9 @@
 #include "lists/StoreTrees.h"
 
 #include "core/settings/WayfoldToolkit.h"
-#include "model/HistoryItems.h"
-#include "model/HistoryRecords.h"
 #include "model/WayfoldHistoryAutoFolder.h"
+#include "model/history/HistoryItems.h"
+#include "model/history/HistoryRecords.h"
 #include "tests/lists/ListStage.h"
 #include "tests/support/BrowserFiles.h"
 

@@ -1,8 +1,8 @@
 #include "tests/model/ModelTestSupport.h"
 
-#include "model/HistoryItems.h"
-#include "model/HistoryRecords.h"
 #include "model/WayfoldHistoryAutoFolder.h"
+#include "model/history/HistoryItems.h"
+#include "model/history/HistoryRecords.h"
 
 #include <QtTest>
 

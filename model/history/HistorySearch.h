@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/HistoryItems.h"
 #include "model/TextSearch.h"
+#include "model/history/HistoryItems.h"
 
 // A search of the browser's history that is made again whenever the history has changed: it remembers of each entry
 // whether it was found, and looks only at those that are new. It is given the whole history each time.

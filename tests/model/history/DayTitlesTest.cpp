@@ -1,4 +1,4 @@
-#include "lists/DayTitles.h"
+#include "model/history/DayTitles.h"
 #include "platform/base/CalendarDate.h"
 
 #include <QLocale>

@@ -1,4 +1,4 @@
-#include "model/HistoryRecords.h"
+#include "model/history/HistoryRecords.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
 #include "tests/model/ModelTestSupport.h"

@@ -1,11 +1,12 @@
-#include "lists/HistoryGrouping.h"
+#include "model/history/HistoryGrouping.h"
 
-#include "lists/HistoryEntries.h"
+#include "model/history/HistoryEntries.h"
 #include "platform/base/StringRules.h"
 
 #include <QHash>
 #include <algorithm>
 #include <numeric>
+#include <optional>
 
 namespace
 {
@@ -116,7 +117,37 @@ std::vector<WayfoldBookmarkFolderPtr> unseenOuterFolders(const WayfoldBookmarkFo
     }
     return outer;
 }
+// None for a style that is not one.
+std::optional<std::vector<HistoryGrouping::Level>> levelsOfStyle(const QString &style)
+{
+    using Level = HistoryGrouping::Level;
+    if (style == u"0")
+        return std::vector<Level>();
+    if (style == u"1")
+        return std::vector<Level>{Level::Day};
+    if (style == u"2")
+        return std::vector<Level>{Level::Day, Level::Site};
+    if (style == u"3")
+        return std::vector<Level>{Level::Site};
+    if (style == u"4")
+        return std::vector<Level>{Level::Site, Level::Day};
+    return std::nullopt;
+}
 } // namespace
+
+void HistoryGrouping::regroup(const WayfoldBookmarkFolderPtr &from, const WayfoldBookmarkFolderPtr &into,
+                              const QString &style)
+{
+    if (!into)
+        return;
+    const std::optional<std::vector<Level>> levels = levelsOfStyle(style);
+    if (!levels) {
+        into->removeAllLeafChildren();
+        return;
+    }
+    const WayfoldBookmarkFolderPtr source = from ? from : WayfoldBookmarkFolder::bookmarkWithTitle(QString());
+    HistoryGrouping(HistoryEntries::ofFolder(*source), *levels).fill(into);
+}
 
 HistoryGrouping::HistoryGrouping(std::shared_ptr<HistoryEntries> entries, std::vector<Level> levels)
     : _entries(std::move(entries))

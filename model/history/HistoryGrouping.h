@@ -1,7 +1,7 @@
 #pragma once
 
-#include "lists/EntryNumbers.h"
 #include "model/WayfoldBookmarkFolder.h"
+#include "model/history/EntryNumbers.h"
 
 #include <vector>
 
@@ -21,6 +21,11 @@ public:
     // used again. Folders that become empty go one level at a time: one that held folders stays until the next
     // grouping.
     void fill(const WayfoldBookmarkFolderPtr &folder) const;
+
+    // Groups what one folder holds, none: nothing, into another, none: nowhere. Styles: "0" no folders, "1" by day, "2"
+    // by day, then by site, "3" by site, "4" by site, then by day; by any other, nothing but folders stays.
+    static void regroup(const WayfoldBookmarkFolderPtr &from, const WayfoldBookmarkFolderPtr &into,
+                        const QString &style);
 
     // The entries of one folder of the first level.
     struct Group

@@ -1,6 +1,6 @@
 #include "model/UUIDSearch.h"
-#include "tests/model/HistoryReading.h"
 #include "tests/model/ModelTestSupport.h"
+#include "tests/model/history/HistoryReading.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/BinaryPropertyList.h"
 #include "tests/support/BytesRead.h"

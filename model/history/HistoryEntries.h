@@ -1,7 +1,7 @@
 #pragma once
 
-#include "lists/DayTitles.h"
 #include "model/WayfoldBookmarkFolder.h"
+#include "model/history/DayTitles.h"
 
 #include <limits>
 

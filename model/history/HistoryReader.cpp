@@ -1,4 +1,4 @@
-#include "model/HistoryReader.h"
+#include "model/history/HistoryReader.h"
 
 #include "model/ItemDictionary.h"
 #include "platform/files/BinaryPropertyListCheck.h"

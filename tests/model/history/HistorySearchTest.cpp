@@ -1,8 +1,8 @@
-#include "model/HistorySearch.h"
+#include "model/history/HistorySearch.h"
 
-#include "model/HistoryReader.h"
-#include "model/HistoryRecords.h"
 #include "model/WayfoldBookmarkFolder.h"
+#include "model/history/HistoryReader.h"
+#include "model/history/HistoryRecords.h"
 #include "platform/files/PropertyList.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,10 +1,10 @@
-#include "lists/HistoryEntries.h"
+#include "model/history/HistoryEntries.h"
 
-#include "model/HistoryItems.h"
-#include "model/HistoryRecords.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
 #include "model/WayfoldHistoryURL.h"
+#include "model/history/HistoryItems.h"
+#include "model/history/HistoryRecords.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "lists/HistoryMatches.h"
+#include "model/history/HistoryMatches.h"
 
 #include "model/TextSearch.h"
 #include "model/WayfoldBookmarkFolder.h"

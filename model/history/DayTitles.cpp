@@ -1,4 +1,4 @@
-#include "lists/DayTitles.h"
+#include "model/history/DayTitles.h"
 
 #include "core/settings/WayfoldDefaults.h"
 #include "platform/base/CalendarFormat.h"

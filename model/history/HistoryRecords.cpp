@@ -1,4 +1,4 @@
-#include "model/HistoryRecords.h"
+#include "model/history/HistoryRecords.h"
 
 #include "core/settings/WayfoldToolkit.h"
 #include "model/TextSearch.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/HistoryItems.h"
+#include "model/history/HistoryItems.h"
 
 // What a search of the browser's history finds, as the list shows it: copies of the entries in their order, made as
 // they are seen; before them one of the history's folder itself if its title is found too.

@@ -1,6 +1,6 @@
-#include "model/HistorySearch.h"
+#include "model/history/HistorySearch.h"
 
-#include "model/HistoryRecords.h"
+#include "model/history/HistoryRecords.h"
 
 std::shared_ptr<HistoryItems> HistorySearch::copiesOfMatches(HistoryItems &history)
 {

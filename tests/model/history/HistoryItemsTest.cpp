@@ -1,7 +1,7 @@
-#include "model/HistoryItems.h"
-#include "model/HistoryRecords.h"
+#include "model/history/HistoryItems.h"
 #include "model/TextSearch.h"
 #include "model/UUIDSearch.h"
+#include "model/history/HistoryRecords.h"
 #include "tests/model/ModelTestSupport.h"
 
 #include <QtTest>

@@ -1,11 +1,10 @@
-#include "lists/HistoryGrouping.h"
+#include "model/history/HistoryGrouping.h"
 
-#include "lists/HistoryEntries.h"
-#include "lists/WayfoldHistoryDataSource.h"
-#include "model/HistoryItems.h"
-#include "model/HistoryRecords.h"
 #include "model/TextSearch.h"
 #include "model/WayfoldHistoryURL.h"
+#include "model/history/HistoryEntries.h"
+#include "model/history/HistoryItems.h"
+#include "model/history/HistoryRecords.h"
 #include "tests/support/InstalledKinds.h"
 
 #include <QRandomGenerator>
@@ -22,7 +21,7 @@ Folder subfolder(const KDRBookmarkPtr &item)
 
 void regroup(const Folder &from, const Folder &into, const QString &style)
 {
-    WayfoldHistoryDataSource::regroupBookmarksFromFolderIntoFolderWithGroupingStyle(from, into, style);
+    HistoryGrouping::regroup(from, into, style);
 }
 
 // The grouping in so many words, one entry after the other, with ordinary folders.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/HistoryRecords.h"
 #include "model/KnownElements.h"
+#include "model/history/HistoryRecords.h"
 
 #include <QVariantMap>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "model/HistoryItems.h"
-#include "model/HistoryReader.h"
 #include "model/ItemDictionary.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldHistoryURL.h"
+#include "model/history/HistoryItems.h"
+#include "model/history/HistoryReader.h"
 #include "platform/files/PropertyList.h"
 #include "platform/files/XmlPropertyListReader.h"
 #include "tests/support/InstalledKinds.h"

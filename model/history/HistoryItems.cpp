@@ -1,9 +1,9 @@
-#include "model/HistoryItems.h"
+#include "model/history/HistoryItems.h"
 
-#include "model/HistoryRecords.h"
 #include "model/TextSearch.h"
 #include "model/WayfoldBookmarkFolder.h"
 #include "model/WayfoldHistoryURL.h"
+#include "model/history/HistoryRecords.h"
 
 HistoryItems::HistoryItems(std::shared_ptr<const HistoryRecords> records) : _records(std::move(records)) {}
 
