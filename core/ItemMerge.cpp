@@ -371,6 +371,6 @@ bool ItemMerge::holdsAll() const
 
 QString ItemMerge::titleWithOrigin(const QString &title, const QString &computer, const QDateTime &time)
 {
-    return WayfoldToolkit::localizedString(QStringLiteral("%1 (from %2, %3)"))
+    return WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("%1 (from %2, %3)")))
         .arg(title, computer, QLocale().toString(time, QLocale::ShortFormat));
 }

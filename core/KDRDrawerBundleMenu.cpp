@@ -78,14 +78,14 @@ struct Tab
     void (SiteDrawerController::*show)();
 };
 
-constexpr Tab scratchpadTab = {"Show Scratchpad View", "Close Scratchpad View",
+constexpr Tab scratchpadTab = {QT_TRID_NOOP("Show Scratchpad View"), QT_TRID_NOOP("Close Scratchpad View"),
                                &SiteDrawerController::isScratchPadTabViewCurrent,
                                &SiteDrawerController::showScratchPadTabView};
-constexpr Tab bookmarkTab = {"Show Bookmark View", "Close Bookmark View",
+constexpr Tab bookmarkTab = {QT_TRID_NOOP("Show Bookmark View"), QT_TRID_NOOP("Close Bookmark View"),
                              &SiteDrawerController::isBookmarkTabViewCurrent,
                              &SiteDrawerController::showBookmarkTabView};
-constexpr Tab historyTab = {"Show History View", "Close History View", &SiteDrawerController::isHistoryTabViewCurrent,
-                            &SiteDrawerController::showHistoryTabView};
+constexpr Tab historyTab = {QT_TRID_NOOP("Show History View"), QT_TRID_NOOP("Close History View"),
+                            &SiteDrawerController::isHistoryTabViewCurrent, &SiteDrawerController::showHistoryTabView};
 
 bool isShowingTab(const SiteDrawer &drawer, const Tab &tab)
 {
@@ -100,7 +100,7 @@ QString hostNameOfPage(const SiteDrawerController *controller)
 bool validateToggleItem(QAction *item, const SiteDrawer *drawer)
 {
     if (drawer)
-        setTitle(item, localized(isShowing(*drawer) ? "Close Drawer" : "Open Drawer"));
+        setTitle(item, localized(isShowing(*drawer) ? QT_TRID_NOOP("Close Drawer") : QT_TRID_NOOP("Open Drawer")));
     return drawer != nullptr;
 }
 

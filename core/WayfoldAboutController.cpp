@@ -17,7 +17,7 @@ QPointer<QWidget> openWindow;
 QString versionLine()
 {
     const QString version = WayfoldToolkit::getCurrentVersion();
-    return WayfoldToolkit::localizedString(QStringLiteral("Version %@"))
+    return WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Version %@")))
         .replace(QStringLiteral("%@"), version.isNull() ? QStringLiteral("1.0.0") : version);
 }
 

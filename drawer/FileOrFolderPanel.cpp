@@ -13,7 +13,7 @@ FileOrFolderPanel::FileOrFolderPanel(QWidget *parent, const QString &path) : QFi
     setOption(DontUseNativeDialog);
     setFileMode(ExistingFile);
     setAcceptMode(AcceptOpen);
-    setWindowTitle(WayfoldToolkit::localizedString(QStringLiteral("Choose File or Folder")));
+    setWindowTitle(WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Choose File or Folder"))));
     const QString standardized = Paths::standardized(path);
     const qsizetype slash = standardized.lastIndexOf(QLatin1Char('/'));
     setDirectory(slash < 0 ? Paths::homeDirectory() : standardized.left(std::max(slash, qsizetype(1))));

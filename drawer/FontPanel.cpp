@@ -17,7 +17,7 @@ FontPanel::FontPanel(QWidget *parent) : QFontDialog(parent)
 {
     // The desktops' own panels tell nothing before they are closed.
     setOptions(DontUseNativeDialog | NoButtons);
-    setWindowTitle(WayfoldToolkit::localizedString(QStringLiteral("Font of the Lists")));
+    setWindowTitle(WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Font of the Lists"))));
     // A font is kept by name and size, which know nothing of a line under or through it.
     for (QCheckBox *effect : findChildren<QCheckBox *>())
         effect->parentWidget()->hide();

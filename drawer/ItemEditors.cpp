@@ -82,12 +82,13 @@ bool ItemEditors::newFolder(const std::shared_ptr<WayfoldBookmarkFolder> &folder
 void ItemEditors::tellCardIsNotShown(const QString &name)
 {
     Alert alert;
-    alert.messageText = WayfoldToolkit::localizedString(QStringLiteral("Not Shown"));
-    const QString text = name.isNull()
-                             ? QStringLiteral("This card is not in your contacts. It may have been deleted, or lie in "
-                                              "contacts that are not there at the moment.")
-                             : QStringLiteral("No program could be started to show \"%@\". The card may have been "
-                                              "deleted, or there is no program for contacts.");
+    alert.messageText = WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Not Shown")));
+    const QString text =
+        name.isNull()
+            ? QStringLiteral(QT_TRID_NOOP("This card is not in your contacts. It may have been deleted, or lie in "
+                                          "contacts that are not there at the moment."))
+            : QStringLiteral(QT_TRID_NOOP("No program could be started to show \"%@\". The card may have been "
+                                          "deleted, or there is no program for contacts."));
     alert.informativeText = WayfoldToolkit::localizedString(text).replace(QStringLiteral("%@"), name);
     alert.runModal(QApplication::activeWindow());
 }

@@ -59,8 +59,9 @@ void KDREditController::connectButtons()
         return;
     QObject::connect(buttons, &QDialogButtonBox::accepted, _editWindow, [this, buttons] { saveEdit(buttons); });
     QObject::connect(buttons, &QDialogButtonBox::rejected, _editWindow, [this, buttons] { cancelEdit(buttons); });
-    describe(buttons->button(QDialogButtonBox::Ok), "OK", "Keep the changes");
-    describe(buttons->button(QDialogButtonBox::Cancel), "Cancel", "Close without changing anything");
+    describe(buttons->button(QDialogButtonBox::Ok), QT_TRID_NOOP("OK"), QT_TRID_NOOP("Keep the changes"));
+    describe(buttons->button(QDialogButtonBox::Cancel), QT_TRID_NOOP("Cancel"),
+             QT_TRID_NOOP("Close without changing anything"));
     // Where Return begins a new line, Return with Control accepts.
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto *accept = new QShortcut(QKeySequence(Qt::ControlModifier | key), _editWindow);

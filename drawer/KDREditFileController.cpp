@@ -3,7 +3,7 @@
 #include "drawer/FileOrFolderPanel.h"
 #include "platform/files/Paths.h"
 
-KDREditFileController::KDREditFileController() : KDREditController("Untitled File") {}
+KDREditFileController::KDREditFileController() : KDREditController(QT_TRID_NOOP("Untitled File")) {}
 
 void KDREditFileController::initEditingBookmark(const WayfoldBookmarkFilePtr &bookmark)
 {

@@ -1,6 +1,6 @@
 #include "drawer/KDREditFolderController.h"
 
-KDREditFolderController::KDREditFolderController() : KDREditController("Untitled Folder") {}
+KDREditFolderController::KDREditFolderController() : KDREditController(QT_TRID_NOOP("Untitled Folder")) {}
 
 void KDREditFolderController::initForEditing(const WayfoldBookmarkFolderPtr &folder)
 {
@@ -11,5 +11,5 @@ void KDREditFolderController::initForEditing(const WayfoldBookmarkFolderPtr &fol
 void KDREditFolderController::initForNew(const WayfoldBookmarkFolderPtr &folder)
 {
     initForEditing(folder);
-    setWindowTitle("New Bookmark Folder");
+    setWindowTitle(QT_TRID_NOOP("New Bookmark Folder"));
 }

@@ -1,6 +1,6 @@
 #include "drawer/KDREditItemController.h"
 
-KDREditItemController::KDREditItemController() : KDREditController("Untitled URL") {}
+KDREditItemController::KDREditItemController() : KDREditController(QT_TRID_NOOP("Untitled URL")) {}
 
 void KDREditItemController::initEditingBookmark(const WayfoldBookmarkURLPtr &bookmark)
 {

@@ -23,7 +23,7 @@ void setText(const QPointer<QTextEdit> &field, const QString &text)
 }
 } // namespace
 
-KDREditMailController::KDREditMailController() : KDREditController("Untitled Email Link") {}
+KDREditMailController::KDREditMailController() : KDREditController(QT_TRID_NOOP("Untitled Email Link")) {}
 
 void KDREditMailController::initForEditing(const WayfoldBookmarkEmailPtr &link)
 {

@@ -2,7 +2,7 @@
 
 #include "drawer/TextViewText.h"
 
-KDREditNoteController::KDREditNoteController() : KDREditController("Untitled Note") {}
+KDREditNoteController::KDREditNoteController() : KDREditController(QT_TRID_NOOP("Untitled Note")) {}
 
 void KDREditNoteController::initEditingNote(const WayfoldBookmarkNotePtr &note)
 {

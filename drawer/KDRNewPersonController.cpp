@@ -87,8 +87,8 @@ bool KDRNewPersonController::loadInterface()
     if (!_editWindow || !_searchField || !_pages || !_peopleView || !_emptyField || !_preferencesButton || !buttons)
         return false;
     _addButton = buttons->button(QDialogButtonBox::Ok);
-    describe(_addButton, "Add", "Add the selected people to the list");
-    describe(buttons->button(QDialogButtonBox::Cancel), "Cancel", "Close without changing anything");
+    describe(_addButton, "Add", QT_TRID_NOOP("Add the selected people to the list"));
+    describe(buttons->button(QDialogButtonBox::Cancel), "Cancel", QT_TRID_NOOP("Close without changing anything"));
     connect(buttons, &QDialogButtonBox::accepted, _editWindow, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, _editWindow, &QDialog::reject);
     return true;

@@ -37,9 +37,9 @@ struct Look
 const Look &lookOf(Messages::Kind kind)
 {
     static const Look looks[] = {
-        {"WayfoldMessageInformation", QColor(0x3d, 0x7e, 0xc1), "Information"},
-        {"WayfoldMessageWarning", QColor(0xd0, 0x8b, 0x12), "Warning"},
-        {"WayfoldMessageError", QColor(0xc4, 0x4b, 0x42), "Error"},
+        {"WayfoldMessageInformation", QColor(0x3d, 0x7e, 0xc1), QT_TRID_NOOP("Information")},
+        {"WayfoldMessageWarning", QColor(0xd0, 0x8b, 0x12), QT_TRID_NOOP("Warning")},
+        {"WayfoldMessageError", QColor(0xc4, 0x4b, 0x42), QT_TRID_NOOP("Error")},
     };
     return looks[kind];
 }

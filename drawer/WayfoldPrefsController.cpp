@@ -136,8 +136,8 @@ public:
             return alignment(section);
         if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
             return {};
-        return WayfoldToolkit::localizedString(columns[section] == keyColumn ? QStringLiteral("Shortcut")
-                                                                             : QStringLiteral("Command"));
+        return WayfoldToolkit::localizedString(columns[section] == keyColumn ? QStringLiteral(QT_TRID_NOOP("Shortcut"))
+                                                                             : QStringLiteral(QT_TRID_NOOP("Command")));
     }
     // Separators can be neither selected nor edited.
     Qt::ItemFlags flags(const QModelIndex &index) const override
@@ -431,8 +431,9 @@ void WayfoldPrefsController::handleContactFolderChange(QObject * /*sender*/)
 
 void WayfoldPrefsController::chooseContactFolder(QObject * /*sender*/)
 {
-    auto *panel = new QFileDialog(_prefsWindow, WayfoldToolkit::localizedString(QStringLiteral("Choose Folder")),
-                                  ContactSource::chosenFolder());
+    auto *panel =
+        new QFileDialog(_prefsWindow, WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Choose Folder"))),
+                        ContactSource::chosenFolder());
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setFileMode(QFileDialog::Directory);
     panel->setOption(QFileDialog::ShowDirsOnly);

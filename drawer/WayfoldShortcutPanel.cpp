@@ -164,9 +164,9 @@ void WayfoldShortcutPanel::connectButtons()
     QPushButton *ok = buttons->button(QDialogButtonBox::Ok);
     QPushButton *clear = buttons->button(QDialogButtonBox::Reset);
     QPushButton *cancel = buttons->button(QDialogButtonBox::Cancel);
-    describe(ok, "OK", "Keep this shortcut");
-    describe(clear, "Clear", "Leave the command without a shortcut");
-    describe(cancel, "Cancel", "Close without changing anything");
+    describe(ok, "OK", QT_TRID_NOOP("Keep this shortcut"));
+    describe(clear, QT_TRID_NOOP("Clear"), QT_TRID_NOOP("Leave the command without a shortcut"));
+    describe(cancel, "Cancel", QT_TRID_NOOP("Close without changing anything"));
     connect(ok, &QPushButton::clicked, this, [this, ok] { handleOKButton(ok); });
     connect(clear, &QPushButton::clicked, this, [this, clear] { handleClearButton(clear); });
     connect(cancel, &QPushButton::clicked, this, [this, cancel] { handleCancelButton(cancel); });

@@ -58,7 +58,7 @@ QString fileName(QString name)
     name = StringRules::trimmed(StringRules::beginning(name.simplified(), longestName));
     while (name.startsWith(u'.') || name.startsWith(u' '))
         name.remove(0, 1);
-    return name.isEmpty() ? WayfoldToolkit::localizedString(QStringLiteral("Contact")) : name;
+    return name.isEmpty() ? WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Contact"))) : name;
 }
 
 bool holds(const QString &path, const QByteArray &contents)
@@ -129,7 +129,7 @@ QString CardFiles::nameForPeople(const QStringList &names)
 {
     if (names.size() <= 1)
         return names.value(0);
-    return WayfoldToolkit::localizedString(QStringLiteral("%@ and %u more"))
+    return WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("%@ and %u more")))
         .replace(QStringLiteral("%u"), QString::number(names.size() - 1))
         .replace(QStringLiteral("%@"), StringRules::beginning(names.first(), longestName / 2));
 }

@@ -16,7 +16,8 @@ QString kindOf(const KDRBookmark &item)
 {
     switch (item.type()) {
     case KDRBookmark::FolderType:
-        return localized(dynamic_cast<const WayfoldAutoFolder *>(&item) ? "Smart Folder" : "Folder");
+        return localized(dynamic_cast<const WayfoldAutoFolder *>(&item) ? QT_TRID_NOOP("Smart Folder")
+                                                                        : QT_TRID_NOOP("Folder"));
     case KDRBookmark::WebLinkType:
         return localized("Link");
     case KDRBookmark::FileLinkType:
@@ -28,7 +29,8 @@ QString kindOf(const KDRBookmark &item)
     case KDRBookmark::HistoryEntryType:
         return localized("Visited Page");
     case KDRBookmark::PersonType:
-        return localized(item.typeDescription() == u"Organization" ? "Organization" : "Person");
+        return localized(item.typeDescription() == u"Organization" ? QT_TRID_NOOP("Organization")
+                                                                   : QT_TRID_NOOP("Person"));
     case KDRBookmark::GroupType:
         return localized("Group");
     default:

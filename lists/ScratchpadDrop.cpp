@@ -36,7 +36,7 @@ KDRBookmarkPtr folderFromDictionary(const QVariantMap &dictionary)
         return folder;
     if (folder->isEmpty())
         return nullptr;
-    folder->setTitle(WayfoldToolkit::localizedString(QStringLiteral("Untitled Folder")));
+    folder->setTitle(WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Untitled Folder"))));
     return folder;
 }
 

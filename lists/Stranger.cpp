@@ -44,7 +44,7 @@ QString Stranger::nameOn(const ContactRecord &record)
         if (!name.isEmpty())
             return name;
     }
-    const char *unnamed = record.isGroup ? "Unnamed Group" : "Unnamed Person";
+    const char *unnamed = record.isGroup ? QT_TRID_NOOP("Unnamed Group") : QT_TRID_NOOP("Unnamed Person");
     return WayfoldToolkit::localizedString(QString::fromLatin1(unnamed));
 }
 

@@ -89,7 +89,7 @@ QString otherWay(const std::vector<Stranger> &strangers)
     });
     if (!areLinks)
         return localized("Don't Add");
-    return localized(strangers.size() == 1 ? "Email Link" : "Email Links");
+    return localized(strangers.size() == 1 ? QT_TRID_NOOP("Email Link") : QT_TRID_NOOP("Email Links"));
 }
 } // namespace
 

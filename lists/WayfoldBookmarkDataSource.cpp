@@ -73,8 +73,9 @@ void WayfoldBookmarkDataSource::reloadList()
     if (!_bookmarkOutlineView)
         return;
     _bookmarkOutlineView->setPlaceholderText(WayfoldToolkit::localizedString(
-        _listIsFiltered ? QStringLiteral("No Matches")
-                        : QStringLiteral("There are no bookmarks.\n\nThose that you add in the browser appear here.")));
+        _listIsFiltered ? QStringLiteral(QT_TRID_NOOP("No Matches"))
+                        : QStringLiteral(QT_TRID_NOOP(
+                              "There are no bookmarks.\n\nThose that you add in the browser appear here."))));
     _bookmarkOutlineView->reloadData();
 }
 

@@ -104,8 +104,9 @@ void WayfoldHistoryDataSource::reloadList()
     if (!_historyOutlineView)
         return;
     _historyOutlineView->setPlaceholderText(WayfoldToolkit::localizedString(
-        _listIsFiltered ? QStringLiteral("No Matches")
-                        : QStringLiteral("The history is empty.\n\nThe pages that you visit appear here.")));
+        _listIsFiltered
+            ? QStringLiteral(QT_TRID_NOOP("No Matches"))
+            : QStringLiteral(QT_TRID_NOOP("The history is empty.\n\nThe pages that you visit appear here."))));
     _historyOutlineView->reloadData();
 }
 

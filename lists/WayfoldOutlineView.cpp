@@ -561,7 +561,7 @@ bool WayfoldOutlineView::respondsToAction(const QString &action) const
 bool WayfoldOutlineView::validateOpenItem(QAction *item) const
 {
     const std::vector<KDRBookmarkPtr> items = selectedItemList();
-    item->setText(localized(items.size() > 1 ? "Open Items" : "Open Item"));
+    item->setText(localized(items.size() > 1 ? QT_TRID_NOOP("Open Items") : QT_TRID_NOOP("Open Item")));
     if (items.empty())
         return false;
     const bool areAllPeople = std::all_of(items.cbegin(), items.cend(), [](const KDRBookmarkPtr &selected) {
@@ -578,7 +578,8 @@ bool WayfoldOutlineView::validateOpenItem(QAction *item) const
 bool WayfoldOutlineView::validateOpenInTabsItem(QAction *item) const
 {
     const bool enabled = WayfoldDefaults::tabbedBrowsingEnabled() && allSelectedItemsAreWebURLs();
-    item->setText(localized(enabled && selectedItemCount() > 1 ? "Open Items in New Tabs" : "Open Item in New Tab"));
+    item->setText(localized(enabled && selectedItemCount() > 1 ? QT_TRID_NOOP("Open Items in New Tabs")
+                                                               : QT_TRID_NOOP("Open Item in New Tab")));
     return enabled;
 }
 

@@ -356,7 +356,7 @@ bool WayfoldScratchOutlineView::validateEditItem(QAction *item) const
 {
     const bool enabled = selectedItemCount() == 1 && allSelectedItemsAreEditable();
     const bool isPerson = enabled && selectedItem()->type() == KDRBookmark::PersonType;
-    item->setText(localized(isPerson ? "Edit Item in Address Book" : "Edit Item..."));
+    item->setText(localized(isPerson ? QT_TRID_NOOP("Edit Item in Address Book") : QT_TRID_NOOP("Edit Item...")));
     return enabled;
 }
 

@@ -7,9 +7,12 @@
 QString ContactLabel::readable(const QString &label, const QString &kind)
 {
     static const QStringList common = {
-        QStringLiteral("home"),     QStringLiteral("work"),  QStringLiteral("mobile"), QStringLiteral("main"),
-        QStringLiteral("fax"),      QStringLiteral("other"), QStringLiteral("video"),  QStringLiteral("home fax"),
-        QStringLiteral("work fax"), QStringLiteral("pager"), QStringLiteral("car"),    QStringLiteral("text"),
+        QStringLiteral(QT_TRID_NOOP("home")),     QStringLiteral(QT_TRID_NOOP("work")),
+        QStringLiteral(QT_TRID_NOOP("mobile")),   QStringLiteral(QT_TRID_NOOP("main")),
+        QStringLiteral(QT_TRID_NOOP("fax")),      QStringLiteral(QT_TRID_NOOP("other")),
+        QStringLiteral(QT_TRID_NOOP("video")),    QStringLiteral(QT_TRID_NOOP("home fax")),
+        QStringLiteral(QT_TRID_NOOP("work fax")), QStringLiteral(QT_TRID_NOOP("pager")),
+        QStringLiteral(QT_TRID_NOOP("car")),      QStringLiteral(QT_TRID_NOOP("text")),
     };
     if (label.isEmpty())
         return WayfoldToolkit::localizedString(kind);

@@ -105,7 +105,7 @@ WayfoldBookmarkURLPtr ItemCodec::linkForURL(const Url &url) const
 std::vector<WayfoldBookmarkFolderPtr> ItemCodec::autoFolders() const
 {
     return {WayfoldBookmarkAutoFolder::bookmarkWithTitle(
-                WayfoldToolkit::localizedString(QStringLiteral("Related Bookmarks"))),
+                WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Related Bookmarks")))),
             WayfoldHistoryAutoFolder::bookmarkWithTitle(
-                WayfoldToolkit::localizedString(QStringLiteral("Related History")))};
+                WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Related History"))))};
 }

@@ -123,20 +123,20 @@ bool WayfoldABEntry::refresh()
 QString WayfoldABEntry::shortDescription() const
 {
     const ContactRecordPtr record = fetchAddressBookRecord();
-    return record ? nameOfRecord(*record, _entryType) : text("Invalid");
+    return record ? nameOfRecord(*record, _entryType) : text(QT_TRID_NOOP("Invalid"));
 }
 
 QString WayfoldABEntry::nameOfRecord(const ContactRecord &record, EntryType type)
 {
     switch (type) {
     case Unknown:
-        return text("Unknown");
+        return text(QT_TRID_NOOP("Unknown"));
     case Person:
         return personName(record);
     case Organization:
-        return nameOr(record.organization, "Unnamed Organization");
+        return nameOr(record.organization, QT_TRID_NOOP("Unnamed Organization"));
     case Group:
-        return nameOr(record.groupName, "Unnamed Group");
+        return nameOr(record.groupName, QT_TRID_NOOP("Unnamed Group"));
     }
     return {};
 }
@@ -145,7 +145,7 @@ QString WayfoldABEntry::nameOfRecord(const ContactRecord &record, EntryType type
 QString WayfoldABEntry::personName(const ContactRecord &record)
 {
     if (record.firstName.isEmpty() || record.lastName.isEmpty())
-        return nameOr(record.firstName.isEmpty() ? record.lastName : record.firstName, "Unnamed Person");
+        return nameOr(record.firstName.isEmpty() ? record.lastName : record.firstName, QT_TRID_NOOP("Unnamed Person"));
     const int own = record.flags & ContactRecord::NameOrderingMask;
     const int ordering = own != 0 ? own : ContactStore::sharedAddressBook().defaultNameOrdering();
     if (ordering != ContactRecord::FirstNameFirst)
@@ -161,8 +161,8 @@ QString WayfoldABEntry::summaryText() const
         return {};
     if (!isPersonOrOrganization())
         return shortDescription();
-    return shortDescription() + section(record->phones, record->primaryPhone, QStringLiteral("phone")) +
-           section(record->emails, record->primaryEmail, QStringLiteral("email"));
+    return shortDescription() + section(record->phones, record->primaryPhone, QStringLiteral(QT_TRID_NOOP("phone"))) +
+           section(record->emails, record->primaryEmail, QStringLiteral(QT_TRID_NOOP("email")));
 }
 
 bool WayfoldABEntry::mayHaveAnotherImage() const

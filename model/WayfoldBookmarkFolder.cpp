@@ -153,7 +153,7 @@ WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::readDictionaryFile(const QString
 WayfoldBookmarkFolderPtr WayfoldBookmarkFolder::newViaDialog()
 {
     WayfoldBookmarkFolderPtr folder =
-        bookmarkWithTitle(WayfoldToolkit::localizedString(QStringLiteral("Untitled Folder")));
+        bookmarkWithTitle(WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Untitled Folder"))));
     ItemDialogs *const dialogs = ItemDialogs::current();
     return dialogs && dialogs->newFolder(folder) ? folder : nullptr;
 }

@@ -36,8 +36,8 @@ WayfoldBookmarkNotePtr WayfoldBookmarkNote::bookmarkFromDictionary(const QVarian
 
 WayfoldBookmarkNotePtr WayfoldBookmarkNote::newViaDialog()
 {
-    WayfoldBookmarkNotePtr note =
-        bookmarkWithTitleAndNote(WayfoldToolkit::localizedString(QStringLiteral("Untitled Note")), QStringLiteral(""));
+    WayfoldBookmarkNotePtr note = bookmarkWithTitleAndNote(
+        WayfoldToolkit::localizedString(QStringLiteral(QT_TRID_NOOP("Untitled Note"))), QStringLiteral(""));
     ItemDialogs *const dialogs = ItemDialogs::current();
     return dialogs && dialogs->newNote(note) ? note : nullptr;
 }

@@ -17,8 +17,9 @@ DrawerGrip::DrawerGrip(QWidget *parent) : QWidget(parent)
 {
     setCursor(Qt::SplitHCursor);
     setFocusPolicy(Qt::TabFocus); // the mouse leaves the keyboard where it is
-    setToolTip(Bundle::localizedString(QStringLiteral("Drag or press the arrow keys to change the width")));
-    setAccessibleName(Bundle::localizedString(QStringLiteral("Width of the drawer")));
+    setToolTip(
+        Bundle::localizedString(QStringLiteral(QT_TRID_NOOP("Drag or press the arrow keys to change the width"))));
+    setAccessibleName(Bundle::localizedString(QStringLiteral(QT_TRID_NOOP("Width of the drawer"))));
 }
 
 void DrawerGrip::mousePressEvent(QMouseEvent *event)

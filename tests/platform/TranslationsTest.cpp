@@ -1,8 +1,13 @@
 #include "platform/files/Bundle.h"
 #include "platform/widgets/InterfaceFile.h"
 
+#include <QComboBox>
 #include <QDir>
-#include <QDirIterator>
+#include <QFontDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLibraryInfo>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 #include <QtTest>
@@ -45,52 +50,78 @@ QList<Message> messagesOf(const QString &catalogue)
     return messages;
 }
 
-// What an interface file shows in the user's language.
-QStringList textsOf(const QString &interfaceFile)
+// What lupdate finds in these files or folders, as it writes that down; null when it cannot be run. Our ways to ask for
+// a text go by the text itself, as Qt's way with identifiers does. What is not written where it is asked for, as in a
+// table, is marked there by QT_TRID_NOOP.
+QString lupdate(const QStringList &places)
 {
-    QFile file(interfaceFile);
+    const QTemporaryDir folder;
+    const QString catalogue = folder.filePath(QStringLiteral("found.ts"));
+    QProcess process;
+    process.start(QLibraryInfo::path(QLibraryInfo::BinariesPath) + QStringLiteral("/lupdate"),
+                  QStringList{QStringLiteral("-silent"), QStringLiteral("-no-ui-lines"), QStringLiteral("-locations"),
+                              QStringLiteral("none"), QStringLiteral("-tr-function-alias"),
+                              QStringLiteral("qtTrId+=localized,qtTrId+=localizedString")} +
+                      places + QStringList{QStringLiteral("-ts"), catalogue});
+    QFile file(catalogue);
+    const bool hasRun = process.waitForFinished() && process.exitCode() == 0 && file.open(QIODevice::ReadOnly);
+    return hasRun ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// What the code asks for. lupdate does not escape identifiers, so this is no XML.
+QStringList textsOfCode(const QStringList &places)
+{
+    static const QRegularExpression message(QStringLiteral(R"re(<message id="(.*?)">\n *<source>)re"),
+                                            QRegularExpression::DotMatchesEverythingOption);
     QStringList texts;
-    if (!file.open(QIODevice::ReadOnly))
-        return texts;
-    QXmlStreamReader xml(&file);
-    while (!xml.atEnd()) {
-        if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() != u"string")
-            continue;
-        const bool isShown = xml.attributes().value(QStringLiteral("notr")).isEmpty();
-        const QString text = xml.readElementText();
-        if (isShown && !text.isEmpty())
-            texts.append(text);
-    }
+    const QString found = lupdate(places);
+    auto messages = message.globalMatch(found);
+    while (messages.hasNext())
+        texts.append(messages.next().captured(1));
     return texts;
 }
 
-// What the code asks for: the texts, which begin with a capital letter, in statements that show one in the user's
-// language.
 QStringList textsOfSources()
 {
-    static const QRegularExpression statement(QStringLiteral(
-        R"re((localized(String)?\(|setToolTip\(|setWindowTitle\(|describe\(|KDREditController\(")[^;{]*)re"));
-    static const QRegularExpression text(QStringLiteral(R"re("([A-Z](?:[^"\\]|\\.)*)")re"));
-    static const QRegularExpression seam(
-        QStringLiteral(R"re((?<!\\)"\s+")re")); // of a text that goes on in the next line
+    QStringList rooms;
+    for (const char *room : {"core", "model", "lists", "drawer", "platform"})
+        rooms.append(sourcePath(QLatin1String(room)));
+    return textsOfCode(rooms);
+}
+
+QString unescaped(QString xml)
+{
+    for (const auto &[escaped, character] : {std::pair("&lt;", "<"), std::pair("&gt;", ">"), std::pair("&quot;", "\""),
+                                             std::pair("&apos;", "'"), std::pair("&amp;", "&")})
+        xml.replace(QLatin1String(escaped), QLatin1String(character));
+    return xml;
+}
+
+QStringList textsOfInterfaceFiles()
+{
+    static const QRegularExpression source(QStringLiteral("<source>(.*?)</source>"),
+                                           QRegularExpression::DotMatchesEverythingOption);
     QStringList texts;
-    for (const char *room : {"core", "model", "lists", "drawer", "platform"}) {
-        QDirIterator files(sourcePath(QLatin1String(room)), {QStringLiteral("*.cpp")}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            QFile file(files.next());
-            if (!file.open(QIODevice::ReadOnly))
-                continue;
-            auto statements = statement.globalMatch(QString::fromUtf8(file.readAll()));
-            while (statements.hasNext()) {
-                auto found = text.globalMatch(statements.next().captured(0).remove(seam));
-                while (found.hasNext())
-                    texts.append(found.next()
-                                     .captured(1)
-                                     .replace(QStringLiteral("\\\""), QStringLiteral("\""))
-                                     .replace(QStringLiteral("\\n"), QStringLiteral("\n")));
-            }
-        }
+    const QString found = lupdate({sourcePath(QStringLiteral("resources/ui"))});
+    auto sources = source.globalMatch(found);
+    while (sources.hasNext())
+        texts.append(unescaped(sources.next().captured(1)));
+    return texts;
+}
+
+// Those of Qt's own dialog for fonts, which come into the catalogue because Qt's are not in all languages.
+QStringList textsOfFontDialog()
+{
+    QFontDialog dialog;
+    dialog.setOption(QFontDialog::DontUseNativeDialog);
+    QStringList texts;
+    for (const QLabel *label : dialog.findChildren<QLabel *>())
+        texts.append(label->text());
+    for (const QGroupBox *group : dialog.findChildren<QGroupBox *>())
+        texts.append(group->title());
+    for (const QComboBox *box : dialog.findChildren<QComboBox *>()) {
+        for (int i = 0; i < box->count(); ++i)
+            texts.append(box->itemText(i));
     }
     return texts;
 }
@@ -117,6 +148,7 @@ private Q_SLOTS:
     void cataloguesAreComplete_data();
     void cataloguesAreComplete();
     void textsOfTheCodeAreFound();
+    void textsOfMadeUpCodeAreFound();
     void compiledCatalogueHoldsThem();
     void labelsOfTabsStay();
     void interfaceFilesAreTranslated();
@@ -124,11 +156,7 @@ private Q_SLOTS:
 private:
     static QStringList allTexts()
     {
-        QStringList texts = textsOfSources();
-        const QDir folder(sourcePath(QStringLiteral("resources/ui")));
-        const QStringList files = folder.entryList({QStringLiteral("*.ui")});
-        for (const QString &file : files)
-            texts.append(textsOf(folder.filePath(file)));
+        QStringList texts = textsOfSources() + textsOfInterfaceFiles();
         texts.removeDuplicates();
         for (const QString &label : tabLabels)
             texts.removeAll(label);
@@ -164,8 +192,13 @@ void TranslationsTest::cataloguesAreComplete()
         if (placeholders.filter(QStringLiteral("$")).isEmpty())
             QVERIFY2(placeholders == placeholdersOf(message.source), source);
     }
-    for (const QString &text : allTexts())
-        QVERIFY2(sources.contains(text), qPrintable(text));
+    const QStringList texts = allTexts();
+    for (const QString &text : texts)
+        QVERIFY2(sources.contains(text), qPrintable(text + QStringLiteral(": is not translated")));
+    const QStringList ofQt = textsOfFontDialog();
+    for (const QString &source : sources)
+        QVERIFY2(texts.contains(source) || ofQt.contains(source),
+                 qPrintable(source + QStringLiteral(": nothing asks for it, or it is not marked (QT_TRID_NOOP)")));
     for (const QString &label : tabLabels)
         QVERIFY2(!sources.contains(label), qPrintable(label));
 }
@@ -175,9 +208,24 @@ void TranslationsTest::textsOfTheCodeAreFound()
     const QStringList texts = textsOfSources();
     for (const char *text :
          {"Close Drawer", "Focus on %@", "Untitled URL", "Related History", "Keep the changes", "No Matches",
-          "There are no bookmarks.\n\nThose that you add in the browser appear here.", "Visited Page",
+          "There are no bookmarks.\n\nThose that you add in the browser appear here.", "Visited Page", "work fax",
           "Are you sure you want to delete \"%@\"?", "Choose File or Folder", "Version %@"})
         QVERIFY2(texts.contains(QString::fromUtf8(text)), text);
+}
+
+void TranslationsTest::textsOfMadeUpCodeAreFound()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("MadeUp.cpp")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("void f(bool x) { localized(\"An \\\"apple\\\" & <more>\"); Bundle::localizedString(\n\"Two\\n\\n\" "
+               "\"lines\"); }\n"
+               "const char *const table[] = {QT_TRID_NOOP(\"Pear\"), \"Quince\"}; // localized(\"Rose hip\")\n"
+               "const QString text = QStringLiteral(QT_TRID_NOOP(\"Sloe\"));\n");
+    file.close();
+    QStringList texts = textsOfCode({file.fileName()});
+    texts.sort();
+    QCOMPARE(texts, QStringList({"An \"apple\" & <more>", "Pear", "Sloe", "Two\n\nlines"}));
 }
 
 void TranslationsTest::compiledCatalogueHoldsThem()
