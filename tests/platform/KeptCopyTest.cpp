@@ -51,6 +51,7 @@ private Q_SLOTS:
     void otherFilesAreLeftAlone_data();
     void otherFilesAreLeftAlone();
     void newOneStaysWhenTheClockWasAhead();
+    void newOneStaysAmongThoseOfItsSecond();
     void copiesOfTheSameSecondAreInOrder();
     void hourThatTheClockHasSkippedIsATime();
     void copyThatFailsRemovesNothing();
@@ -294,6 +295,22 @@ void KeptCopyTest::newOneStaysWhenTheClockWasAhead()
     QCOMPARE(copies(home).size(), 19 + 20);
     QVERIFY(!QFileInfo::exists(home.path(ahead.constFirst())));
     QVERIFY(QFileInfo::exists(home.path(ahead.constLast())));
+}
+
+// The first name of a second may be free again while later ones are taken.
+void KeptCopyTest::newOneStaysAmongThoseOfItsSecond()
+{
+    const TemporaryHome home;
+    const LoggedMessages messages;
+    home.write("file", "a");
+    const QDateTime now = QDateTime::currentDateTime();
+    for (int seconds = 0; seconds < 10; ++seconds) {
+        for (int number = 2; number < 25; ++number)
+            home.write(copyAt(now.addSecs(seconds)) + '-' + QString::number(number), "old");
+    }
+    const QString copy = keepCopyOfFile(home.path("file"));
+    QVERIFY(!copy.isNull());
+    QCOMPARE(home.read(QFileInfo(copy).fileName()), "a");
 }
 
 void KeptCopyTest::copiesOfTheSameSecondAreInOrder()
