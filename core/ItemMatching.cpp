@@ -41,8 +41,10 @@ ItemMatching::ItemMatching(const QVariant &base, const QVariant &ours, const QVa
         _pending.pop_back();
         open(entry);
     }
-    pairMoved(Ours);
-    pairMoved(Theirs);
+    for (const Side side : {Ours, Theirs}) {
+        pairMoved(side);
+        pairByPlace(side);
+    }
     pairAdded();
     resolveAll();
 }
@@ -159,22 +161,16 @@ void ItemMatching::pairWithBase(int folder, Side side)
     const auto pair = [&](Likeness likeness, Nameless nameless = Nameless::Neither) {
         pairAlike(first, second, Base, side, likeness, nameless);
     };
-    const auto noteNeighboursOfBoth = [&] {
-        noteNeighbours(folder, Base, side, first);
-        noteNeighbours(folder, side, Base, second);
-    };
     pair(Likeness::IdentifierAndContents);
     pair(Likeness::IdentifierAndTitle);
-    noteNeighboursOfBoth();
+    noteNeighbours(folder, Base, side, first);
+    noteNeighbours(folder, side, Base, second);
     pair(Likeness::IdentifierAndPlace);
     pair(Likeness::Identifier);
     pair(Likeness::Contents, Nameless::First);
     pair(Likeness::Contents, Nameless::Second);
     pair(Likeness::Title, Nameless::First);
     pair(Likeness::Title, Nameless::Second);
-    noteNeighboursOfBoth();
-    pair(Likeness::Place, Nameless::First);
-    pair(Likeness::Place, Nameless::Second);
 }
 
 // Between folders. Those without an identifier come last: they go by what lies in folders that were moved, too.
@@ -199,6 +195,20 @@ void ItemMatching::pairInPairedFolders(Side side)
         const int folder = _paired.back();
         _paired.pop_back();
         pairWithBase(folder, side);
+    }
+}
+
+// What is left without an identifier, and has changed where it stands.
+void ItemMatching::pairByPlace(Side side)
+{
+    for (int folder = 0; folder < int(_entries.size()); ++folder) {
+        if (_entries[std::size_t(folder)].lists == none)
+            continue;
+        Candidates first = candidatesIn(folder, Base, side);
+        Candidates second = candidatesIn(folder, side, Base);
+        noteNeighbours(folder, Base, side, first);
+        noteNeighbours(folder, side, Base, second);
+        pairAlike(first, second, Base, side, Likeness::Place);
     }
 }
 
@@ -304,7 +314,9 @@ std::size_t ItemMatching::keyOf(const Candidate &candidate, Likeness likeness, b
     case Likeness::Title:
         return candidate.title.isEmpty() ? 0 : qHashMulti(seed, candidate.kind, candidate.title);
     case Likeness::Place: // of a folder there would be two titles, and only one of them could stay
-        return candidate.kind == EntryValues::folderKind ? 0 : qHashMulti(seed, candidate.kind, candidate.before);
+        return !isNameless || candidate.kind == EntryValues::folderKind
+                   ? 0
+                   : qHashMulti(seed, candidate.kind, candidate.before);
     case Likeness::SiteTitle:
         return candidate.title.isEmpty() ? 0 : qHashMulti(seed, candidate.kind, candidate.title);
     }

@@ -71,6 +71,7 @@ private:
 
     void pairWithBase(int folder, Side side);
     void pairMoved(Side side);
+    void pairByPlace(Side side);
     void pairAdded();
     void pairAddedIn(int folder);
     void pairInPairedFolders(Side side);

@@ -338,20 +338,14 @@ private:
         return {};
     }
 
-    // As many of each kind of entry as both sides have left alone.
+    // Of entries that are equal, as many as cannot have been deleted or changed by anybody.
     QString nothingUntouchedIsLost() const
     {
-        QHash<QString, int> needed;
-        for (auto node = base.nodes.begin(); node != base.nodes.end(); ++node) {
-            const Node *const here = ours.node(node.key());
-            const Node *const there = theirs.node(node.key());
-            const QVariant entry = withoutList(node.value()->value);
-            if (here && there && withoutList(here->value) == entry && withoutList(there->value) == entry)
-                ++needed[nameOf({}, entry)];
-        }
-        for (auto need = needed.begin(); need != needed.end(); ++need) {
-            if (merged.entries.value(need.key()) < need.value())
-                return "lost: " + need.key();
+        for (auto entry = inBase.entries.begin(); entry != inBase.entries.end(); ++entry) {
+            const int keptByUs = std::min(entry.value(), inOurs.entries.value(entry.key()));
+            const int keptByThem = std::min(entry.value(), inTheirs.entries.value(entry.key()));
+            if (merged.entries.value(entry.key()) < keptByUs + keptByThem - entry.value())
+                return "lost: " + entry.key();
         }
         return {};
     }
@@ -568,6 +562,9 @@ QString complaintAbout(const Case &sides)
     };
     const ItemMerge merge(base, ours, theirs, titleOfSecond);
     const QVariantMap result = merge.merged();
+    if (qEnvironmentVariableIsSet("WAYFOLD_MERGE_DEBUG"))
+        for (const QVariantMap &map : {base, ours, theirs, result})
+            fprintf(stderr, "%s\n", QJsonDocument::fromVariant(map).toJson(QJsonDocument::Compact).constData());
     if (merged(base, ours, base) != ours)
         return "what only we changed is not as we have it";
     if (merged(base, base, theirs) != theirs)
