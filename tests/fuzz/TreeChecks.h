@@ -16,6 +16,12 @@ inline QVariant written(const QVariant &value)
     return PropertyList::fromData(PropertyList::toXml(value));
 }
 
+// As files: what is no number equals itself there.
+inline bool isSame(const QVariant &a, const QVariant &b)
+{
+    return PropertyList::toXml(a) == PropertyList::toXml(b);
+}
+
 inline void checkParents(const WayfoldBookmarkFolderPtr &root)
 {
     std::vector<WayfoldBookmarkFolderPtr> pending = {root};
@@ -70,7 +76,8 @@ inline void checkCopy(const WayfoldBookmarkFolderPtr &root)
     if (!holdsGroups(*root)) {
         if (!root->title().isEmpty())
             require(root->isEqual(copy), "a copy equals its source");
-        require(copy->createDictionary(false) == root->createDictionary(false), "a copy is written as its source is");
+        require(isSame(copy->createDictionary(false), root->createDictionary(false)),
+                "a copy is written as its source is");
         checkParents(copy);
     }
     copy->removeAllLeafChildren();
@@ -95,6 +102,6 @@ inline void checkRereading(const WayfoldBookmarkFolderPtr &root)
     // Reading gives a folder its title as its search string when it has none.
     if (root->filterString().isEmpty() || dictionary.value(QStringLiteral("SearchString")).toString().isEmpty())
         rewritten.insert(QStringLiteral("SearchString"), dictionary.value(QStringLiteral("SearchString")));
-    require(rewritten == written(dictionary).toMap(), "what was written is what is read");
+    require(isSame(rewritten, written(dictionary)), "what was written is what is read");
 }
 } // namespace TreeChecks
