@@ -247,7 +247,7 @@ const QVariant *Merge::fieldsOf(int index)
     FieldMerge merge(FieldMerge::Theirs);
     const QVariant *const fields = keep(mergedFields(item, merge));
     noteOverruled(item, *fields);
-    if (!merge.hasConflict() || EntryValues::children(*ours) || EntryValues::children(*theirs))
+    if (!merge.hasConflict() || EntryValues::kind(*ours) == EntryValues::folderKind)
         return fields;
     FieldMerge oursFirst(FieldMerge::Ours);
     outcome(index).second = keep(secondOf(mergedFields(item, oursFirst)));
@@ -292,7 +292,7 @@ void Merge::noteOverruled(const Entry &item, const QVariant &merged)
     const QVariantMap fields = item.value[Ours]->toMap();
     const QVariantMap result = merged.toMap();
     const QVariantMap known = item.value[Base] ? item.value[Base]->toMap() : QVariantMap();
-    const bool isFolder = EntryValues::children(*item.value[Ours]);
+    const bool isFolder = EntryValues::kind(*item.value[Ours]) == EntryValues::folderKind;
     for (const auto &[key, value] : fields.asKeyValueRange()) {
         const bool counts = (isFolder && key != ItemDictionary::childrenKey) || key == ItemDictionary::uuidKey;
         if (counts && !EntryValues::isSame(value, result.value(key)) && !EntryValues::isSame(value, known.value(key)))

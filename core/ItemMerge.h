@@ -48,7 +48,9 @@ public:
     ItemMerge(const QVariantMap &base, const QVariantMap &ours, const QVariantMap &theirs,
               const TitleOfSecond &titleOfSecond);
 
-    // It shares the memory of ours wherever it says the same.
+    // As it was given.
+    const QVariantMap &ours() const { return _ours; }
+    // It shares the memory of ours() wherever it says the same.
     const QVariantMap &merged() const { return _merged; }
     const Report &report() const { return _report; }
     // Looks once more, see MergeCheck. Whoever is about to write what does not hold all keeps a copy first.

@@ -75,7 +75,9 @@ std::vector<int> OrderMerge::merged(const std::vector<int> &base, const std::vec
     for (const int entry : theirs) {
         if (_isTheirs[std::size_t(entry)])
             _next[std::size_t(entry)] = std::exchange(_next[before], entry);
-        before = std::size_t(entry);
+        // What we have moved stands elsewhere now.
+        if (!_isMovedByUs[std::size_t(entry)])
+            before = std::size_t(entry);
     }
 
     std::vector<int> merged;

@@ -76,6 +76,10 @@ public:
     bool removeChild(const KDRBookmarkPtr &child);
     // Every occurrence of those very items, in one walk.
     void removeChildren(const std::vector<KDRBookmarkPtr> &children);
+    enum class Parent { Same, ThisFolder };
+    // What the folder holds from now on; none is to be among it. What it held before and holds again is told to have
+    // moved at most; what is new keeps its parent or gets this one.
+    void setChildren(const std::vector<KDRBookmarkPtr> &children, Parent parent);
     void removeAllChildren();
     // What remains, at every depth, is folders.
     void removeAllLeafChildren();
@@ -148,10 +152,6 @@ protected:
     const TreeTelling::Listeners &ownListeners() const override { return _listeners; }
     // Appends an item that is not to know this folder as its parent.
     void appendWithoutParent(const KDRBookmarkPtr &child);
-    enum class Parent { Same, ThisFolder };
-    // What the folder holds from now on; none is to be among it. What it held before and holds again is told to have
-    // moved at most; what is new keeps its parent or gets this one.
-    void setChildren(const std::vector<KDRBookmarkPtr> &children, Parent parent);
     static std::vector<KDRBookmarkPtr> sortedByTitle(const std::vector<KDRBookmarkPtr> &items);
 
     // Loads the image anew unless it is there and this folder was last shown at that cell size: "<name>16" for cells up

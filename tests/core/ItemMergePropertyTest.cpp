@@ -1,8 +1,11 @@
 #include "core/ItemMerge.h"
 
 #include "core/MergeCheck.h"
+#include "core/TreeUpdate.h"
+#include "model/WayfoldBookmarkFolder.h"
 #include "platform/files/PropertyList.h"
 #include "tests/core/RandomItemTree.h"
+#include "tests/support/InstalledKinds.h"
 #include "tests/support/PythonScript.h"
 
 #include <QHash>
@@ -15,7 +18,7 @@
 // which no merge can see.
 //
 //     WAYFOLD_MERGE_ROUNDS=100000    more of them
-//     WAYFOLD_MERGE_SEED=7           others
+//     WAYFOLD_MERGE_SEED=7           others; a single round tells what it merged
 class ItemMergePropertyTest : public QObject
 {
     Q_OBJECT
@@ -24,6 +27,7 @@ private Q_SLOTS:
     void randomEdits();
     void checkSeesWhatIsMissing();
     void othersReadWhatWasMerged();
+    void treeFollows();
 };
 
 namespace
@@ -58,7 +62,7 @@ struct Case
 {
     explicit Case(quint32 seed) : random(seed), base(random, count), ours(random, count), theirs(random, count)
     {
-        const bool isLarge = random.bounded(60) == 0;
+        const bool isLarge = random.bounded(300) == 0;
         const bool isTiny = random.bounded(3) == 0;
         const int size = isLarge ? random.bounded(2000) : isTiny ? random.bounded(6) : random.bounded(40);
         if (random.bounded(12) > 0) // else the first time
@@ -179,11 +183,30 @@ QVariant withoutList(const QVariant &entry)
 }
 
 // A text for each value, which no other has.
+QString nameOf(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QVariantMap: {
+        QString name;
+        const QVariantMap fields = value.toMap();
+        for (const auto &[key, element] : fields.asKeyValueRange())
+            name += key + u'=' + nameOf(element) + u'\n';
+        return u'{' + name + u'}';
+    }
+    case QMetaType::QVariantList: {
+        QString name;
+        for (const QVariant &element : value.toList())
+            name += nameOf(element) + u'\n';
+        return u'[' + name + u']';
+    }
+    default:
+        return QLatin1String(value.typeName()) + u' ' + value.toString();
+    }
+}
+
 QString nameOf(const QStringList &path, const QVariant &value)
 {
-    QString name;
-    QDebug(&name).nospace() << path << value;
-    return name;
+    return path.join(u'/') + u':' + nameOf(value);
 }
 
 struct Listed
@@ -552,7 +575,7 @@ private:
     QHash<QString, int> keys;
 };
 
-QString complaintAbout(const Case &sides)
+QString complaintAbout(const Case &sides, bool isTold)
 {
     const QVariantMap base = sides.base.dictionary();
     const QVariantMap ours = sides.ours.dictionary();
@@ -562,9 +585,10 @@ QString complaintAbout(const Case &sides)
     };
     const ItemMerge merge(base, ours, theirs, titleOfSecond);
     const QVariantMap result = merge.merged();
-    if (qEnvironmentVariableIsSet("WAYFOLD_MERGE_DEBUG"))
-        for (const QVariantMap &map : {base, ours, theirs, result})
-            fprintf(stderr, "%s\n", QJsonDocument::fromVariant(map).toJson(QJsonDocument::Compact).constData());
+    if (isTold) {
+        for (const QVariantMap &dictionary : {base, ours, theirs, result})
+            qInfo().noquote() << QJsonDocument::fromVariant(dictionary).toJson(QJsonDocument::Compact);
+    }
     if (merged(base, ours, base) != ours)
         return "what only we changed is not as we have it";
     if (merged(base, base, theirs) != theirs)
@@ -585,7 +609,7 @@ void ItemMergePropertyTest::randomEdits()
     const int rounds = numberFrom("WAYFOLD_MERGE_ROUNDS", 500);
     const int seed = numberFrom("WAYFOLD_MERGE_SEED", 1);
     for (int round = 0; round < rounds; ++round) {
-        const QString complaint = complaintAbout(Case(quint32(seed + round)));
+        const QString complaint = complaintAbout(Case(quint32(seed + round)), rounds == 1);
         QVERIFY2(
             complaint.isNull(),
             qPrintable(
@@ -643,6 +667,80 @@ void ItemMergePropertyTest::othersReadWhatWasMerged()
                                                   "    with open(f'{i}.json') as file:\n"
                                                   "        assert read == json.load(file), i\n");
     QVERIFY2(complaint.isNull(), qPrintable(complaint));
+}
+
+namespace
+{
+// An identifier that the dictionary has not is made up by the item.
+QVariant withoutMadeUp(const QVariant &entry, const QSet<QString> &known)
+{
+    if (entry.typeId() != QMetaType::QVariantMap)
+        return entry;
+    QVariantMap fields = entry.toMap();
+    if (!known.contains(fields.value(uuidKey).toString()))
+        fields.remove(uuidKey);
+    if (fields.contains(childrenKey)) {
+        QVariantList list;
+        for (const QVariant &child : fields.value(childrenKey).toList())
+            list.append(withoutMadeUp(child, known));
+        fields.insert(childrenKey, list);
+    }
+    return fields;
+}
+
+// By identifier; none for those that several have.
+QHash<QString, KDRBookmark *> itemsIn(const WayfoldBookmarkFolder &root)
+{
+    QHash<QString, KDRBookmark *> items;
+    std::vector<const WayfoldBookmarkFolder *> pending = {&root};
+    while (!pending.empty()) {
+        const WayfoldBookmarkFolder *const folder = pending.back();
+        pending.pop_back();
+        for (const KDRBookmarkPtr &item : folder->children()) {
+            items[item->uuid()] = items.contains(item->uuid()) ? nullptr : item.get();
+            if (item->isFolder())
+                pending.push_back(static_cast<const WayfoldBookmarkFolder *>(item.get()));
+        }
+    }
+    return items;
+}
+} // namespace
+
+// The live tree is what was merged then, and its items are still the same objects.
+void ItemMergePropertyTest::treeFollows()
+{
+    const int rounds = numberFrom("WAYFOLD_MERGE_ROUNDS", 500);
+    const int seed = numberFrom("WAYFOLD_MERGE_SEED", 1);
+    int kept = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const Case sides(quint32(seed + round));
+        const auto tree = WayfoldBookmarkFolder::bookmarkFromDictionary(sides.ours.dictionary());
+        const ItemMerge merge(sides.base.dictionary(), tree->createDictionary(true), sides.theirs.dictionary(),
+                              titleOfSecond);
+        const QHash<QString, KDRBookmark *> before = itemsIn(*tree);
+        std::vector<KDRBookmarkPtr> alive;
+        for (KDRBookmark *const item : before)
+            alive.push_back(item ? item->shared_from_this() : nullptr);
+        TreeUpdate::update(tree, merge.ours(), merge.merged());
+
+        const QString which = QStringLiteral("WAYFOLD_MERGE_ROUNDS=1 WAYFOLD_MERGE_SEED=%1").arg(seed + round);
+        const Spread wanted(merge.merged());
+        const auto known = QSet<QString>(wanted.byIdentifier.keyBegin(), wanted.byIdentifier.keyEnd());
+        const auto fresh = WayfoldBookmarkFolder::bookmarkFromDictionary(merge.merged());
+        QVERIFY2(withoutMadeUp(tree->createDictionary(true), known) ==
+                     withoutMadeUp(fresh->createDictionary(true), known),
+                 qPrintable(which));
+        const QHash<QString, KDRBookmark *> after = itemsIn(*tree);
+        for (auto item = before.begin(); item != before.end(); ++item) {
+            KDRBookmark *const found = after.value(item.key());
+            if (!item.value() || !found || found->type() != item.value()->type() || known.isEmpty() ||
+                wanted.byIdentifier.value(item.key()).size() != 1)
+                continue;
+            QVERIFY2(found == item.value(), qPrintable(which + ' ' + item.key()));
+            ++kept;
+        }
+    }
+    QVERIFY(kept > rounds);
 }
 
 QTEST_GUILESS_MAIN(ItemMergePropertyTest)
