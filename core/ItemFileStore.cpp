@@ -65,6 +65,14 @@ bool ItemFileStore::save(const WayfoldBookmarkFolder &root)
     return false;
 }
 
+bool ItemFileStore::holdsWhatWasSaved() const
+{
+    if (isSaveOwed() || _holdsMore || !_stamp || !_stamp->isPlainFile)
+        return false;
+    const std::optional<FileStamp> stamp = FileStamp::ofFile(_path);
+    return stamp && stamp->hasContentsOf(*_stamp);
+}
+
 // Not every second, since a try takes its time with a large tree and leaves a line in the log.
 void ItemFileStore::retrySave(const WayfoldBookmarkFolder &root)
 {

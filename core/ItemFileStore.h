@@ -48,6 +48,9 @@ public:
     // another program has it locked just now. Never waits for that.
     bool save(const WayfoldBookmarkFolder &root);
 
+    // Whether the file is as it was read or written last, and as a whole; a look at its stamp.
+    bool holdsWhatWasSaved() const;
+
     // What the tree is about to lose may still be wanted: the file is copied aside before it is written over next.
     void keepBeforeNextSave() { _holdsMore = true; }
 

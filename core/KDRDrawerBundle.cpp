@@ -1,5 +1,6 @@
 #include "core/KDRDrawerBundle.h"
 
+#include "core/FolderInUse.h"
 #include "core/KDRLocationMonitor.h"
 #include "core/KDRWebView.h"
 #include "core/Notifications.h"
@@ -22,6 +23,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QWidget>
 #include <algorithm>
 
@@ -57,7 +59,8 @@ bool isGroup(const KDRBookmarkPtr &item)
 // Groups hold nothing but their members, and are left alone.
 void forEachFolder(const WayfoldBookmarkFolder &root, void (WayfoldBookmarkFolder::*operation)())
 {
-    for (const KDRBookmarkPtr &child : root.children()) {
+    const std::vector<KDRBookmarkPtr> children = root.children(); // who is told may change them
+    for (const KDRBookmarkPtr &child : children) {
         const WayfoldBookmarkFolderPtr folder = WayfoldBookmarkFolder::fromItem(child);
         if (folder && !isGroup(child))
             (folder.get()->*operation)();
@@ -97,10 +100,14 @@ void KDRDrawerBundle::releaseSharedInstance()
 
 KDRDrawerBundle::KDRDrawerBundle()
     : _provisionalBookmarkRoot(std::make_shared<WayfoldBookmarkFolder>())
+    , _unsavedChanges([this] { saveBookmarkFile(); })
     , _itemFileMessages(_messages, {[this] { saveBookmarkFile(); }, &RestorePanel::show})
 {
     ItemFileStore::Listeners listeners;
-    listeners.saved = [this] { _itemFileMessages.saved(); };
+    listeners.saved = [this] {
+        _unsavedChanges.forget();
+        _itemFileMessages.saved();
+    };
     listeners.notSaved = [this] { _itemFileMessages.saveFailed(_itemFile.path()); };
     listeners.locked = [this] { _itemFileMessages.fileIsLocked(_itemFile.path()); };
     listeners.canTryAgain = [this] { _itemFile.tryAgain(*_bookmarkRoot); };
@@ -193,17 +200,20 @@ void KDRDrawerBundle::setBookmarkFilePath()
 bool KDRDrawerBundle::loadBookmarkFile()
 {
     _bookmarkRoot = _itemFile.load();
-    if (!_bookmarkRoot) {
+    const bool isRead = _bookmarkRoot != nullptr;
+    if (!isRead)
         _bookmarkRoot = std::make_shared<WayfoldBookmarkFolder>();
-        return false;
-    }
     forEachFolder(*_bookmarkRoot, &WayfoldBookmarkFolder::addAutoFolders);
-    return true;
+    _unsavedChanges.observe(_bookmarkRoot);
+    return isRead;
 }
 
 bool KDRDrawerBundle::saveBookmarkFile()
 {
-    return _bookmarkRoot && _itemFile.save(*_bookmarkRoot);
+    if (!_bookmarkRoot)
+        return false;
+    const bool isSaved = !_unsavedChanges.areAny() && _itemFile.holdsWhatWasSaved();
+    return isSaved || _itemFile.save(*_bookmarkRoot);
 }
 
 KDRDrawerBundle::FolderPtr KDRDrawerBundle::newProvisionalBookmarkWithTitle(const QString &title)
@@ -227,7 +237,7 @@ void KDRDrawerBundle::releaseProvisionalBookmark(const KDRBookmark *item)
     // Looked for by address alone, since an item that nobody holds any more may be gone already.
     const auto found = std::find_if(children.cbegin(), children.cend(),
                                     [item](const KDRBookmarkPtr &child) { return child.get() == item; });
-    if (found == children.cend() || found->use_count() != 1 || !isProvisionalBookmark(found->get()))
+    if (found == children.cend() || FolderInUse::isInUse(item) || !isProvisionalBookmark(found->get()))
         return;
     _provisionalBookmarkRoot->removeChild(*found);
 }
@@ -248,21 +258,39 @@ void KDRDrawerBundle::deleteBookmark(const ItemPtr &item)
 
 void KDRDrawerBundle::deleteBookmarks(const std::vector<ItemPtr> &items)
 {
-    for (const ItemPtr &item : items)
-        takeAway(item);
+    takeAway(items);
     saveBookmarkFile();
     updateAllDrawerContentsExceptFor(nullptr);
 }
 
-void KDRDrawerBundle::takeAway(const ItemPtr &item)
+void KDRDrawerBundle::takeAway(const std::vector<ItemPtr> &items)
 {
-    const FolderPtr parent = item->parent();
-    // The drawer goes on showing a deleted site folder, now as a provisional one. It then has a new parent already, and
-    // is taken away from the one that it had before.
-    if (item->type() == KDRBookmark::FolderType && parent == _bookmarkRoot)
-        _provisionalBookmarkRoot->addChild(item);
-    if (parent)
-        parent->removeChild(item); // may be the last to hold it: not to be used below
+    std::vector<std::pair<FolderPtr, std::vector<ItemPtr>>> itemsOfFolders;
+    QHash<const KDRBookmark *, std::size_t> places; // of the folders among these
+    for (const ItemPtr &item : items) {
+        const FolderPtr parent = item->parent();
+        if (!parent)
+            continue;
+        const bool isThere = item->holder() == parent.get();
+        // Whoever shows a deleted site folder goes on showing it, now as a provisional one. It then has a new parent
+        // already, and is taken away from the one that it had before.
+        if (item->type() == KDRBookmark::FolderType && parent == _bookmarkRoot)
+            _provisionalBookmarkRoot->addChild(item);
+        if (!isThere) {
+            parent->removeChild(item); // or what is equal to it
+            continue;
+        }
+        if (!places.contains(parent.get())) {
+            places.insert(parent.get(), itemsOfFolders.size());
+            itemsOfFolders.push_back({parent, {}});
+        }
+        itemsOfFolders[places.value(parent.get())].second.push_back(item);
+    }
+    for (const auto &[folder, children] : itemsOfFolders)
+        folder->removeChildren(children);
+    // Or the next visit to the site would bring back what the user has deleted.
+    for (const ItemPtr &item : items)
+        releaseProvisionalBookmark(item.get());
 }
 
 void KDRDrawerBundle::addSmartFoldersToTopLevel()
@@ -392,6 +420,8 @@ void KDRDrawerBundle::safariWindowBecameKey(const Notification &notification)
 void KDRDrawerBundle::safariWillTerminate(const Notification & /*notification*/)
 {
     _terminating = true;
+    if (_unsavedChanges.areAny() && !_itemFile.isSaveOwed())
+        saveBookmarkFile();
     _itemFile.saveAtQuit(*_bookmarkRoot);
 }
 

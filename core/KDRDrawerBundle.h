@@ -5,6 +5,7 @@
 #include "core/Messages.h"
 #include "core/Retries.h"
 #include "core/SettingsFollower.h"
+#include "core/UnsavedChanges.h"
 #include "model/BookmarkReader.h"
 #include "model/history/HistoryReader.h"
 #include "platform/base/NotificationCenter.h"
@@ -73,8 +74,9 @@ public:
     QString bookmarkFilePath() const { return _itemFile.path(); }
     // Reads the item file; an empty tree and false when there is none or it cannot be read.
     bool loadBookmarkFile();
-    // Writes the item file, see ItemFileStore::save. When that fails it is tried again from time to time, and once more
-    // when the host quits; otherwise nothing is saved then.
+    // Writes the item file, see ItemFileStore::save, unless what would be written lies there already. What changes in
+    // its tree is saved without this call, when the event loop comes round. When saving fails it is tried again from
+    // time to time, and once more when the host quits; otherwise nothing is saved then.
     bool saveBookmarkFile();
 
     // What every window's drawer tells the user of.
@@ -85,13 +87,13 @@ public:
     // The provisional folder of that title, made when there is none.
     FolderPtr newProvisionalBookmarkWithTitle(const QString &title);
     bool isProvisionalBookmark(const KDRBookmark *item) const;
-    // Lets a provisional item go when nobody but the provisional tree holds it any more. The caller has dropped its
-    // own reference; the bare pointer holds none.
+    // Lets a provisional item go when nobody uses it any more (FolderInUse). The caller has ceased to do so itself.
     void releaseProvisionalBookmark(const KDRBookmark *item);
     // Moves a provisional item into the item file's tree; the caller saves.
     void adoptProvisionalBookmark(const ItemPtr &item);
 
-    // Removes an item from its folder and saves. A folder at the top of the item file's tree becomes provisional.
+    // Removes an item from its folder and saves. A folder at the top of the item file's tree becomes provisional, if
+    // somebody uses it.
     void deleteBookmark(const ItemPtr &item);
     // The same for several, with one saving and one refreshing of the lists.
     void deleteBookmarks(const std::vector<ItemPtr> &items);
@@ -175,7 +177,7 @@ private:
     void installHooks();
     void followSettings();
     void showStoredShortcuts();
-    void takeAway(const ItemPtr &item);
+    void takeAway(const std::vector<ItemPtr> &items);
 
     QPointer<QWidget> _menuInterface; // holds both containers
     QMenu *_mainMenuRef = nullptr;
@@ -184,6 +186,7 @@ private:
     FolderPtr _provisionalBookmarkRoot;
     std::vector<std::weak_ptr<HostWindow>> _windowTracker;
     ItemFileStore _itemFile;
+    UnsavedChanges _unsavedChanges;
     Messages _messages;
     ItemFileMessages _itemFileMessages;
     QMenu *_contextualMenu = nullptr;

@@ -205,11 +205,12 @@ QString WayfoldScratchDataSource::labelOfRoot() const
     return isWholeTree ? QStringLiteral("") : _scratchBookmarkRoot->title();
 }
 
-// The store lets go of a provisional folder only when nobody else holds it, so this has to let go first.
+// The store lets go of a provisional folder only when nobody uses it, so this has to cease to first.
 void WayfoldScratchDataSource::releaseRoot()
 {
     const KDRBookmark *root = _scratchBookmarkRoot.get();
     _scratchBookmarkRoot.reset();
+    _rootInUse = FolderInUse();
     KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(root);
 }
 
@@ -230,6 +231,7 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
     }
     releaseRoot();
     _scratchBookmarkRoot = rootForLabel(newLabel);
+    _rootInUse = FolderInUse(_scratchBookmarkRoot);
     if (!noteContactsFollowed(*_scratchBookmarkRoot))
         refresh(_scratchBookmarkRoot); // what was not shown when they changed
     if (_scratchOutlineView) {

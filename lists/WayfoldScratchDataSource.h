@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/FolderInUse.h"
 #include "lists/StrangersQuestion.h"
 #include "lists/WayfoldOutlineViewDataSource.h"
 #include "platform/base/NotificationCenter.h"
@@ -91,6 +92,7 @@ private:
     QPointer<QAbstractButton> _editItemButton;
     QPointer<QAbstractButton> _switchbackButton;
     WayfoldBookmarkFolderPtr _scratchBookmarkRoot;
+    FolderInUse _rootInUse; // says so to the store
     QString _prevLabel;
     StrangersQuestion _strangersQuestion;
 };

@@ -1,5 +1,6 @@
 #include "lists/WayfoldScratchOutlineView.h"
 
+#include "core/FolderInUse.h"
 #include "core/KDRDrawerBundle.h"
 #include "core/settings/WayfoldDefaults.h"
 #include "core/settings/WayfoldToolkit.h"
@@ -103,12 +104,21 @@ bool takesNewItem(const WayfoldBookmarkFolderPtr &folder)
     return folder && folder->canBePersistent() && folder->acceptsDroppedItems() && SavedDepth::hasRoom(*folder);
 }
 
-// A site that was left meanwhile was kept in the pop-up only by whoever held its folder here.
-void letGo(WayfoldBookmarkFolderPtr &folder)
+// The site folder that is only shown, with that folder in it. None when it is part of the tree.
+WayfoldBookmarkFolderPtr provisionalFolderAround(const WayfoldBookmarkFolderPtr &folder)
 {
-    const KDRBookmark *site = folder.get();
-    folder.reset();
-    KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(site);
+    WayfoldBookmarkFolderPtr site = folder;
+    while (site && !KDRDrawerBundle::sharedInstance().isProvisionalBookmark(site.get()))
+        site = site->parent();
+    return site;
+}
+
+// A site that was left meanwhile was kept in the pop-up only by whoever used its folder here.
+void letGo(FolderInUse &site)
+{
+    const WayfoldBookmarkFolderPtr folder = site.folder();
+    site = FolderInUse();
+    KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(folder.get());
 }
 
 std::vector<KDRBookmarkPtr> oneItem(const KDRBookmarkPtr &item)
@@ -284,9 +294,10 @@ void WayfoldScratchOutlineView::createItems(NewItemsMaker newViaDialog)
     if (!takesNewItem(place.folder))
         return;
     const bool inRoot = place.folder == delegate()->localRootFolder();
+    FolderInUse site(provisionalFolderAround(place.folder)); // the user may go to another one meanwhile
     const std::vector<KDRBookmarkPtr> items = newViaDialog();
     if (items.empty()) {
-        letGo(place.folder);
+        letGo(site);
         return;
     }
     for (const KDRBookmarkPtr &item : items) {

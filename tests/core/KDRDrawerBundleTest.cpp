@@ -1,9 +1,11 @@
 #include "core/KDRDrawerBundle.h"
 
+#include "core/FolderInUse.h"
 #include "core/Notifications.h"
 #include "core/settings/WayfoldToolkit.h"
 #include "model/WayfoldBookmarkABGroup.h"
 #include "platform/base/PlatformNotifications.h"
+#include "platform/files/FileStamp.h"
 #include "platform/files/PropertyList.h"
 #include "platform/host/CurrentHost.h"
 #include "tests/core/StoreInTemporaryHome.h"
@@ -115,6 +117,10 @@ private Q_SLOTS:
     void saveWritesTheTree();
     void saveLeavesSmartFoldersOut();
     void saveThatFailsAnswersFalse();
+    void changeIsSavedWithoutACall();
+    void changeIsSavedAtQuit();
+    void nothingIsWrittenTwice();
+    void provisionalChangesAreNotSaved();
     void saveThatFailedIsTriedAgain();
     void saveThatFailedIsTriedAgainAtQuit();
     void saveThatFailsIsSaid();
@@ -127,7 +133,8 @@ private Q_SLOTS:
     void newProvisionalFolder();
     void newProvisionalFolderIsFoundAgain();
     void releaseLetsUnheldFolderGo();
-    void releaseKeepsFolderHeldElsewhere();
+    void releaseKeepsFolderInUse();
+    void heldFolderIsNotInUse();
     void releaseOfOtherItemsDoesNothing();
     void adoptMovesTheFolder();
     void adoptOfOtherItemsDoesNothing();
@@ -135,6 +142,8 @@ private Q_SLOTS:
     // Other operations on the trees
     void deleteLeaf();
     void deleteTopLevelFolderMakesItProvisional();
+    void deletedSiteThatNobodyShowsIsGone();
+    void deletedSitesThatSomebodyShowsStay();
     void deleteTopLevelLeafIsGone();
     void deleteNestedFolderIsGone();
     void deleteProvisionalFolder();
@@ -193,6 +202,8 @@ private Q_SLOTS:
 
 private:
     KDRDrawerBundle &store() { return StoreInTemporaryHome::store(); }
+
+    quint64 fileNumber() const;
 
     std::optional<StoreInTemporaryHome> _fresh;
 };
@@ -445,6 +456,64 @@ void KDRDrawerBundleTest::saveThatFailedIsTriedAgainAtQuit()
     QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
 }
 
+// The file's number on disk, another one after each writing.
+quint64 KDRDrawerBundleTest::fileNumber() const
+{
+    const auto stamp = FileStamp::ofFile(_fresh->home.path(itemFile));
+    return stamp ? stamp->inode : 0;
+}
+
+void KDRDrawerBundleTest::changeIsSavedWithoutACall()
+{
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Bread"));
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
+    QTRY_VERIFY(QFileInfo::exists(_fresh->home.path(itemFile)));
+    const QByteArray written = _fresh->home.read(itemFile);
+    QVERIFY(written.contains("Milk") && written.contains("Bread"));
+    store().bookmarkRoot()->childAtIndex(1)->setTitle(QStringLiteral("Butter"));
+    QTRY_VERIFY(_fresh->home.read(itemFile).contains("Butter"));
+}
+
+void KDRDrawerBundleTest::changeIsSavedAtQuit()
+{
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    NotificationCenter::defaultCenter().postNotificationName(
+        PlatformNotifications::NSApplicationWillTerminateNotification, nullptr);
+    QVERIFY(_fresh->home.read(itemFile).contains("Milk"));
+}
+
+void KDRDrawerBundleTest::nothingIsWrittenTwice()
+{
+    StoreInTemporaryHome::addNote(store().bookmarkRoot(), QStringLiteral("Milk"));
+    QVERIFY(store().saveBookmarkFile());
+    const quint64 first = fileNumber();
+    QVERIFY(store().saveBookmarkFile());
+    QCOMPARE(fileNumber(), first);
+    // Not at the end of the pass, either.
+    QTest::qWait(0);
+    QCOMPARE(fileNumber(), first);
+    _fresh->restart();
+    QVERIFY(store().saveBookmarkFile());
+    QCOMPARE(fileNumber(), first);
+
+    // But when somebody has taken it away, or changed it.
+    QVERIFY(QFile::remove(_fresh->home.path(itemFile)));
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(_fresh->home.read(itemFile).contains("Milk"));
+    _fresh->home.write(itemFile, "something else");
+    QVERIFY(store().saveBookmarkFile());
+    QVERIFY(_fresh->home.read(itemFile).contains("Milk"));
+}
+
+void KDRDrawerBundleTest::provisionalChangesAreNotSaved()
+{
+    const auto site = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    QTest::qWait(0);
+    QVERIFY(!QFileInfo::exists(_fresh->home.path(itemFile)));
+}
+
 // ---- Provisional items
 
 void KDRDrawerBundleTest::saveThatFailsIsSaid()
@@ -551,11 +620,33 @@ void KDRDrawerBundleTest::releaseLetsUnheldFolderGo()
     store().releaseProvisionalBookmark(item); // gone already
 }
 
-void KDRDrawerBundleTest::releaseKeepsFolderHeldElsewhere()
+void KDRDrawerBundleTest::releaseKeepsFolderInUse()
 {
     const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    FolderInUse shown(folder);
+    FolderInUse shownTwice = shown;
     store().releaseProvisionalBookmark(folder.get());
     QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 1U);
+    shown = FolderInUse(store().newProvisionalBookmarkWithTitle(QStringLiteral("other.org")));
+    store().releaseProvisionalBookmark(folder.get());
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 2U);
+    const FolderInUse moved = std::move(shownTwice);
+    QVERIFY(!shownTwice.folder()); // NOLINT(bugprone-use-after-move)
+    store().releaseProvisionalBookmark(folder.get());
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 2U);
+    QCOMPARE(moved.folder(), folder);
+}
+
+void KDRDrawerBundleTest::heldFolderIsNotInUse()
+{
+    const auto folder = store().newProvisionalBookmarkWithTitle(QStringLiteral("example.com"));
+    {
+        const FolderInUse shown(folder);
+        QVERIFY(FolderInUse::isInUse(folder.get()));
+    }
+    QVERIFY(!FolderInUse::isInUse(folder.get()));
+    store().releaseProvisionalBookmark(folder.get());
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
 }
 
 void KDRDrawerBundleTest::releaseOfOtherItemsDoesNothing()
@@ -616,6 +707,7 @@ void KDRDrawerBundleTest::deleteTopLevelFolderMakesItProvisional()
     const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("example.com"));
     StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QStringLiteral("other.org"));
     const auto note = StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    const FolderInUse shown(site);
     store().deleteBookmark(site);
     QCOMPARE(StoreInTemporaryHome::titles(store().bookmarkRoot()), QStringList{"other.org"});
     QCOMPARE(store().provisionalBookmarkRoot()->children(), std::vector<KDRBookmarkPtr>{site});
@@ -626,6 +718,32 @@ void KDRDrawerBundleTest::deleteTopLevelFolderMakesItProvisional()
     QVERIFY(store().isKnownSite(QStringLiteral("example.com")));
     store().deleteBookmark(note);
     QVERIFY(!store().isKnownSite(QStringLiteral("example.com")));
+}
+
+// Or the next visit to the site would bring it back.
+void KDRDrawerBundleTest::deletedSiteThatNobodyShowsIsGone()
+{
+    const QString title = QStringLiteral("example.com");
+    const auto site = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), title);
+    StoreInTemporaryHome::addNote(site, QStringLiteral("Milk"));
+    store().deleteBookmark(site);
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 0U);
+    QVERIFY(!store().isKnownSite(title));
+    QCOMPARE(StoreInTemporaryHome::titles(store().newProvisionalBookmarkWithTitle(title)), smartFolders);
+    QVERIFY(!_fresh->home.read(itemFile).contains("Milk"));
+}
+
+void KDRDrawerBundleTest::deletedSitesThatSomebodyShowsStay()
+{
+    std::vector<KDRBookmarkPtr> sites;
+    for (const char *title : {"a.org", "b.org", "c.org"})
+        sites.push_back(StoreInTemporaryHome::addFolder(store().bookmarkRoot(), QString::fromLatin1(title)));
+    const auto note = StoreInTemporaryHome::addNote(WayfoldBookmarkFolder::fromItem(sites[0]), QStringLiteral("Milk"));
+    sites.push_back(note);
+    const FolderInUse shown(WayfoldBookmarkFolder::fromItem(sites[1]));
+    store().deleteBookmarks(sites);
+    QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
+    QCOMPARE(StoreInTemporaryHome::titles(store().provisionalBookmarkRoot()), QStringList{"b.org"});
 }
 
 void KDRDrawerBundleTest::deleteTopLevelLeafIsGone()
@@ -658,6 +776,7 @@ void KDRDrawerBundleTest::deleteFolderBesideAProvisionalOne()
     const auto provisional = store().newProvisionalBookmarkWithTitle(title);
     const auto saved = StoreInTemporaryHome::addFolder(store().bookmarkRoot(), title);
     StoreInTemporaryHome::addNote(saved, QStringLiteral("Milk"));
+    const FolderInUse shown(saved);
     store().deleteBookmark(saved);
     QCOMPARE(store().bookmarkRoot()->childCount(), 0U);
     QCOMPARE(store().provisionalBookmarkRoot()->children(), (std::vector<KDRBookmarkPtr>{provisional, saved}));

@@ -92,7 +92,12 @@ public:
     static KDRDrawerBundle &store() { return KDRDrawerBundle::sharedInstance(); }
     static WayfoldDefaults &settings() { return WayfoldDefaults::sharedInstance(); }
     QByteArray savedFile() const { return home.read(QStringLiteral("Library/Wayfold/Bookmarks.plist")); }
-    void removeSavedFile() const { QFile::remove(home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist"))); }
+    // With everything saved, so that only what changes from now on brings it back.
+    void removeSavedFile() const
+    {
+        store().saveBookmarkFile();
+        QFile::remove(home.path(QStringLiteral("Library/Wayfold/Bookmarks.plist")));
+    }
 
     static WayfoldBookmarkFolderPtr folder(const QString &title, const std::vector<KDRBookmarkPtr> &children = {})
     {

@@ -129,6 +129,7 @@ private Q_SLOTS:
     void deleteWithoutQuestion();
     void deleteManyRefreshesOnce();
     void deletedSiteFolder();
+    void deletedSiteFolderDoesNotComeBack();
 
     void editRenamesSmartFolders();
     void editOfSeveralItems();
@@ -640,6 +641,23 @@ void WayfoldScratchDataSourceTest::deletedSiteFolder()
     QVERIFY(provisionalFolder(siteA) == site);
     QCOMPARE(ListStage::rows(other.view), QStringList{QStringLiteral("Of a")});
     QVERIFY(!_stage->savedFile().contains("Of a"));
+}
+
+// Nobody showed it; who goes to the site finds nothing, and saves nothing.
+void WayfoldScratchDataSourceTest::deletedSiteFolderDoesNotComeBack()
+{
+    ListStage::settings().setConfirmItemDelete(false);
+    const auto site = ListStage::folder(siteA, {ListStage::note("Of a")});
+    _pad->showItems({site});
+    _pad->select({site});
+    _pad->source->handleDeleteItemRequest(nullptr);
+    QVERIFY(!provisionalFolder(siteA));
+    _pad->show(siteA);
+    QVERIFY(!ListStage::rows(_pad->view).contains(QStringLiteral("Of a")));
+    _pad->show(siteB);
+    QTest::qWait(0);
+    QVERIFY(!_stage->savedFile().contains("Of a"));
+    QVERIFY(!store().isKnownSite(siteA));
 }
 
 // --- Editing --------------------------------------------------------------------------------------------------------
