@@ -89,8 +89,10 @@ void WayfoldAutoFolder::collect(const std::vector<KDRBookmarkPtr> &items)
     collected.reserve(items.size());
     for (const KDRBookmarkPtr &item : items) {
         const KDRBookmarkPtr known = former.take(item->uuid());
-        const bool isKnown = known && known->type() == item->type() && known->isEqual(item) &&
-                             known->timestampInMilliseconds() == item->timestampInMilliseconds();
+        // People are made anew each time; of visits it counts when they were.
+        const bool isKnown =
+            known && known->type() == item->type() && known->isEqual(item) &&
+            (item->type() != HistoryEntryType || known->timestampInMilliseconds() == item->timestampInMilliseconds());
         if (isKnown)
             known->refresh();
         collected.push_back(isKnown ? known : item);
