@@ -31,6 +31,8 @@ QString listOf(const ItemFileMessages::Changes &changes)
     append(changes.added, localized("%u added"));
     append(changes.changed, localized("%u changed"));
     append(changes.deleted, localized("%u deleted"));
+    append(changes.moved, localized("%u moved"));
+    append(changes.twice, localized("%u kept in both versions"));
     return parts.join(QStringLiteral(", "));
 }
 } // namespace
@@ -96,14 +98,18 @@ void ItemFileMessages::merged(const QString &path, const Changes &changes)
     _merged.added += changes.added;
     _merged.changed += changes.changed;
     _merged.deleted += changes.deleted;
+    _merged.moved += changes.moved;
+    _merged.twice += changes.twice;
     const QString list = listOf(_merged);
     if (list.isEmpty())
         return;
+    // Of two versions the user has to choose, so this waits.
+    const bool waits = _merged.twice > 0;
     _messages.say({Messages::Merged,
-                   Messages::Information,
+                   waits ? Messages::Warning : Messages::Information,
                    localized("Another program has changed your items: %@.").replace(QStringLiteral("%@"), list),
                    {showFile(path)},
-                   timeOfMerged});
+                   waits ? std::chrono::milliseconds(0) : timeOfMerged});
 }
 
 void ItemFileMessages::backupFailed(const QString &folder)

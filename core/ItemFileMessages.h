@@ -21,6 +21,8 @@ public:
         int added = 0;
         int changed = 0;
         int deleted = 0;
+        int moved = 0;
+        int twice = 0; // changed here, too, so that there are two versions now
     };
 
     ItemFileMessages(Messages &messages, Commands commands);

@@ -166,6 +166,7 @@ public:
     void handleNewNoteRequest(QObject *sender);
     void handleNewEmailRequest(QObject *sender);
     void handleNewPersonRequest(QObject *sender);
+    void handleRestoreFromBackupRequest(QObject *sender);
     void handleCheckForNewReleaseRequest(QObject *sender);
     void handleShowPrefsWindow(QObject *sender);
     void handleShowAboutWindow(QObject *sender);

@@ -3,6 +3,7 @@
 
 #include "core/PreferencesWindow.h"
 #include "core/ReleaseCheck.h"
+#include "core/RestorePanel.h"
 #include "core/SiteDrawer.h"
 #include "core/WayfoldAboutController.h"
 #include "core/settings/WayfoldDefaults.h"
@@ -37,6 +38,7 @@ const QHash<QString, Command> &commands()
         {QStringLiteral("handleNewNoteRequest:"), &KDRDrawerBundle::handleNewNoteRequest},
         {QStringLiteral("handleNewEmailRequest:"), &KDRDrawerBundle::handleNewEmailRequest},
         {QStringLiteral("handleNewPersonRequest:"), &KDRDrawerBundle::handleNewPersonRequest},
+        {QStringLiteral("handleRestoreFromBackupRequest:"), &KDRDrawerBundle::handleRestoreFromBackupRequest},
         {QStringLiteral("handleCheckForNewReleaseRequest:"), &KDRDrawerBundle::handleCheckForNewReleaseRequest},
         {QStringLiteral("handleShowPrefsWindow:"), &KDRDrawerBundle::handleShowPrefsWindow},
         {QStringLiteral("handleShowAboutWindow:"), &KDRDrawerBundle::handleShowAboutWindow},
@@ -243,6 +245,8 @@ bool KDRDrawerBundle::validateMenuItem(QAction *item)
         return !hostNameOfPage(controller).isEmpty();
     if (action == u"handleSwitchbackRequest:")
         return validateSwitchbackItem(item, controller);
+    if (action == u"handleRestoreFromBackupRequest:")
+        return drawer != nullptr;
     if (action == u"handleCheckForNewReleaseRequest:")
         return true;
     if (action == u"handleShowPrefsWindow:")
@@ -334,6 +338,11 @@ void KDRDrawerBundle::handleNewPersonRequest(QObject *sender)
 {
     if (SiteDrawerController *controller = controllerOf(frontDrawer()))
         controller->handleNewPersonRequest(sender);
+}
+
+void KDRDrawerBundle::handleRestoreFromBackupRequest(QObject * /*sender*/)
+{
+    RestorePanel::show();
 }
 
 void KDRDrawerBundle::handleCheckForNewReleaseRequest(QObject * /*sender*/)

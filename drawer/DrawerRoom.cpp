@@ -1,10 +1,12 @@
 #include "drawer/DrawerRoom.h"
 
 #include "core/PreferencesWindow.h"
+#include "core/RestorePanel.h"
 #include "core/SiteDrawerFactory.h"
 #include "drawer/ItemEditors.h"
 #include "drawer/KDRDrawer.h"
 #include "drawer/KDRDrawerController.h"
+#include "drawer/KDRRestoreController.h"
 #include "drawer/KDRShowNoteController.h"
 #include "drawer/KDRShowNoteView.h"
 #include "drawer/WayfoldPrefsController.h"
@@ -17,6 +19,7 @@
 #include "lists/WayfoldScratchOutlineView.h"
 #include "lists/WayfoldSitePopupButton.h"
 #include "platform/widgets/InterfaceFile.h"
+#include "platform/widgets/OutlineView.h"
 
 namespace
 {
@@ -30,6 +33,7 @@ void registerClass(const char *name)
 void installDrawerRoom()
 {
     CardFiles::removeOld();
+    registerClass<OutlineView>("OutlineView");
     registerClass<KDRDrawer>("KDRDrawer");
     registerClass<WayfoldTabView>("WayfoldTabView");
     registerClass<WayfoldSitePopupButton>("WayfoldSitePopupButton");
@@ -47,4 +51,5 @@ void installDrawerRoom()
         return KDRDrawerController::controllerForWindow(window);
     });
     PreferencesWindow::setOpener(&WayfoldPrefsController::displayPrefsWindow);
+    RestorePanel::setOpener(&KDRRestoreController::displayPanel);
 }

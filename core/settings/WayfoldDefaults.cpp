@@ -49,6 +49,7 @@ const Shortcut defaultShortcuts[] = {
     {5, CommandShift, QStringLiteral("E")},
     {6, 0, QStringLiteral("")},
     {13, 0, QStringLiteral("")},
+    {14, 0, QStringLiteral("")},
     {7, CommandShift, QStringLiteral("J")},
     {8, CommandShift, QStringLiteral("K")},
     {9, CommandShift, QStringLiteral("L")},

@@ -1248,12 +1248,88 @@ Sie kommen aus den Kontakten des Desktops oder aus einem Ordner mit Karten. In d
         <translation>%u gelöscht</translation>
     </message>
     <message>
+        <source>%u moved</source>
+        <translation>%u verschoben</translation>
+    </message>
+    <message>
+        <source>%u kept in both versions</source>
+        <translation>%u in beiden Fassungen behalten</translation>
+    </message>
+    <message>
         <source>Today's backup could not be made; your items themselves are not concerned.</source>
         <translation>Die heutige Sicherung war nicht möglich; Ihre Einträge selbst sind davon nicht betroffen.</translation>
     </message>
     <message>
         <source>%1 (from %2, %3)</source>
         <translation>%1 (von %2, %3)</translation>
+    </message>
+    <message>
+        <source>Restore from Backup...</source>
+        <translation>Aus Sicherung wiederherstellen...</translation>
+    </message>
+    <message>
+        <source>Restore from Backup</source>
+        <translation>Aus Sicherung wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Backups, and copies of the file that were kept, the newest first</source>
+        <translation>Sicherungen und behaltene Kopien der Datei, die neueste zuerst</translation>
+    </message>
+    <message>
+        <source>Backups</source>
+        <translation>Sicherungen</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation>Einträge</translation>
+    </message>
+    <message>
+        <source>What the selected backup holds</source>
+        <translation>Was die gewählte Sicherung enthält</translation>
+    </message>
+    <message>
+        <source>Contents of the backup</source>
+        <translation>Inhalt der Sicherung</translation>
+    </message>
+    <message>
+        <source>Add brings back what is missing now, beside what you have. Replace makes all of your items as they were then. Either can be undone.</source>
+        <translation>„Hinzufügen“ holt zurück, was jetzt fehlt, und lässt Ihnen, was Sie haben. „Ersetzen“ macht alle Einträge so, wie sie damals waren. Beides lässt sich widerrufen.</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Ersetzen</translation>
+    </message>
+    <message>
+        <source>Make all of your items as they were in this backup</source>
+        <translation>Alle Einträge so machen, wie sie in dieser Sicherung waren</translation>
+    </message>
+    <message>
+        <source>Bring back from this backup what is missing now</source>
+        <translation>Aus dieser Sicherung zurückholen, was jetzt fehlt</translation>
+    </message>
+    <message>
+        <source>%@ (kept copy)</source>
+        <translation>%@ (behaltene Kopie)</translation>
+    </message>
+    <message>
+        <source>There is no backup yet.
+
+One is made each day, before something is changed.</source>
+        <translation>Es gibt noch keine Sicherung.
+
+Jeden Tag wird eine angelegt, bevor etwas geändert wird.</translation>
+    </message>
+    <message>
+        <source>This backup holds nothing.</source>
+        <translation>Diese Sicherung ist leer.</translation>
+    </message>
+    <message>
+        <source>This file cannot be read.</source>
+        <translation>Diese Datei ist nicht lesbar.</translation>
     </message>
 </context>
 </TS>

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void mergeTellsWhatCame_data();
     void mergeTellsWhatCame();
     void mergesAddUpWhileTheyAreShown();
+    void twoVersionsAreAWarningThatStays();
     void mergeOfNothingIsNotSaid();
     void failedBackupIsAWarningUntilOneIsMade();
     void everyTextIsGerman();
@@ -191,7 +192,7 @@ void ItemFileMessagesTest::mergeTellsWhatCame()
     QFETCH(int, changed);
     QFETCH(int, deleted);
     QFETCH(QString, list);
-    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {added, changed, deleted});
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {added, changed, deleted, 0, 0});
     QCOMPARE(current().subject, Messages::Merged);
     QCOMPARE(current().kind, Messages::Information);
     QCOMPARE(current().text, QStringLiteral("Another program has changed your items: ") + list + QLatin1Char('.'));
@@ -201,12 +202,23 @@ void ItemFileMessagesTest::mergeTellsWhatCame()
 
 void ItemFileMessagesTest::mergesAddUpWhileTheyAreShown()
 {
-    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {1, 0, 0});
-    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {2, 3, 0});
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {1, 0, 0, 0, 0});
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {2, 3, 0, 0, 0});
     QVERIFY(current().text.endsWith(QStringLiteral(": 3 added, 3 changed.")));
     _messages->clear(Messages::Merged);
-    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {0, 0, 1});
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {0, 0, 1, 0, 0});
     QVERIFY(current().text.endsWith(QStringLiteral(": 1 deleted.")));
+}
+
+void ItemFileMessagesTest::twoVersionsAreAWarningThatStays()
+{
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {0, 1, 0, 2, 1});
+    QVERIFY(current().text.endsWith(QStringLiteral(": 1 changed, 2 moved, 1 kept in both versions.")));
+    QCOMPARE(current().kind, Messages::Warning);
+    QCOMPARE(current().time.count(), 0);
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {1, 0, 0, 1, 0});
+    QVERIFY(current().text.endsWith(QStringLiteral(": 1 added, 1 changed, 3 moved, 1 kept in both versions.")));
+    QCOMPARE(current().kind, Messages::Warning);
 }
 
 void ItemFileMessagesTest::mergeOfNothingIsNotSaid()
@@ -239,7 +251,7 @@ void ItemFileMessagesTest::everyTextIsGerman()
     _file->saved();
     QCOMPARE(current().text, QStringLiteral("Ihre \u00c4nderungen sind jetzt gespeichert."));
     _messages->clear(Messages::SavedAgain);
-    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {1, 2, 3});
+    _file->merged(QStringLiteral("/home/a/Bookmarks.plist"), {1, 2, 3, 0, 0});
     QCOMPARE(current().text, QStringLiteral("Ein anderes Programm hat Ihre Eintr\u00e4ge ge\u00e4ndert: 1 "
                                             "hinzugef\u00fcgt, 2 ge\u00e4ndert, 3 gel\u00f6scht."));
 }

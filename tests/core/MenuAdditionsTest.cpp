@@ -1,6 +1,7 @@
 #include "core/KDRDrawerBundle.h"
 
 #include "core/PreferencesWindow.h"
+#include "core/RestorePanel.h"
 #include "core/WayfoldAboutController.h"
 #include "tests/core/StoreInTemporaryHome.h"
 
@@ -30,6 +31,7 @@ const ItemOfMenu itemsOfMenu[] = {
     {"handleNewNoteRequest:", "k", 8, 1179648},
     {"handleNewEmailRequest:", "l", 9, 1179648},
     {"handleNewPersonRequest:", "", 13, 0},
+    {"handleRestoreFromBackupRequest:", "", 14, 0},
     {"handleCheckForNewReleaseRequest:", "", 1, 0},
     {"handleShowPrefsWindow:", "", 2, 0},
     {"handleShowAboutWindow:", "", 3, 0},
@@ -120,6 +122,7 @@ private Q_SLOTS:
     void namesFitIntoTheMenu_data();
     void namesFitIntoTheMenu();
     void longHostNameFitsIntoTheMenu();
+    void restoreItem();
     void releaseItem();
     void preferencesItem();
     void aboutItem();
@@ -228,7 +231,7 @@ void MenuAdditionsTest::everyItemHasTitleAndTag()
         tags.append(MenuItem::tag(menuItem));
     }
     std::sort(tags.begin(), tags.end());
-    QCOMPARE(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13})); // no gap: it would end the list
+    QCOMPARE(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14})); // no gap: it would end the list
 }
 
 void MenuAdditionsTest::contextualMenuHasTheListsCommands()
@@ -600,6 +603,22 @@ void MenuAdditionsTest::longHostNameFitsIntoTheMenu()
     const QString text = title(QStringLiteral("handleFocusOnCurrentSiteRequest:"));
     const QRegularExpression pattern(QStringLiteral("^Focus on begin-{3,200}\u2026-{3,200}\\.end$"));
     QVERIFY2(pattern.match(text).hasMatch(), qPrintable(text.left(300)));
+}
+
+void MenuAdditionsTest::restoreItem()
+{
+    int shown = 0;
+    RestorePanel::setOpener([&shown] { ++shown; });
+    QAction *item = MenuItem::itemWithTag(store().wayfoldMenu(), 14);
+    QVERIFY(!store().validateMenuItem(item)); // without a drawer
+    _fresh->openWindow();
+    QVERIFY(store().validateMenuItem(item));
+    QCOMPARE(item->text(), QStringLiteral("Restore from Backup..."));
+    store().performMenuItem(item);
+    QCOMPARE(shown, 1);
+    RestorePanel::setOpener({});
+    store().performMenuItem(item);
+    QCOMPARE(shown, 1);
 }
 
 void MenuAdditionsTest::releaseItem()

@@ -424,6 +424,7 @@ void WayfoldDefaultsTest::defaultShortcut_data()
     QTest::newRow("5") << QStringLiteral("E") << 1179648U;
     QTest::newRow("6") << none << 0U;
     QTest::newRow("13") << none << 0U;
+    QTest::newRow("14") << none << 0U;
     QTest::newRow("7") << QStringLiteral("J") << 1179648U;
     QTest::newRow("8") << QStringLiteral("K") << 1179648U;
     QTest::newRow("9") << QStringLiteral("L") << 1179648U;
@@ -444,9 +445,9 @@ void WayfoldDefaultsTest::defaultShortcut()
 
 void WayfoldDefaultsTest::defaultTableHasNothingElse()
 {
-    QCOMPARE(WayfoldDefaults::defaultMenuItemShortcuts().size(), 28);
-    QVERIFY(defaults().shortcutKeyForItem(14).isNull());
-    QCOMPARE(defaults().shortcutModifierMaskForItem(14), 0U);
+    QCOMPARE(WayfoldDefaults::defaultMenuItemShortcuts().size(), 30);
+    QVERIFY(defaults().shortcutKeyForItem(15).isNull());
+    QCOMPARE(defaults().shortcutModifierMaskForItem(15), 0U);
 }
 
 void WayfoldDefaultsTest::shortcutWithoutKeyIsFilledIn()

@@ -303,7 +303,7 @@ void MessageBarTest::nothingIsCutOff()
     file.saved();
     verify();
     real.clear(Messages::SavedAgain);
-    file.merged(QString(), {12345, 678, 90});
+    file.merged(QString(), {12345, 678, 90, 12, 3});
     verify();
     real.clear(Messages::Merged);
     file.keptAside(QString());
