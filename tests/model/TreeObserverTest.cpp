@@ -740,6 +740,7 @@ void TreeObserverTest::smartFolderKeepsPeopleFresh()
     _root->addChild(smart);
     smart->ensureUpToDate();
     const KDRBookmarkPtr person = smart->childAtIndex(0);
+    person->setTimestampInMilliseconds(5); // the item was made some time ago
     _recorder->take();
     contacts.set(MemoryContacts::person("p", "ab", {}, {"ab@a.example"}));
     smart->refresh();
