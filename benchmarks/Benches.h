@@ -7,6 +7,7 @@ class GeneratedFiles;
 bool measurePageLoad(Figures &figures);
 bool measureItemFile(Figures &figures);
 bool measureItemChanges(Figures &figures);
+bool measureMerge(Figures &figures);
 bool measureMail(Figures &figures);
 bool measureContacts(Figures &figures);
 bool measureDesktopContacts(Figures &figures);

@@ -33,7 +33,7 @@ bool measureAllContacts(Figures &figures)
 
 constexpr std::pair<const char *, bool (*)(Figures &)> ownBenches[] = {
     {"page load", measurePageLoad}, {"mail address", measureMail},        {"contacts", measureAllContacts},
-    {"item file", measureItemFile}, {"item changes", measureItemChanges},
+    {"item file", measureItemFile}, {"item changes", measureItemChanges}, {"merge", measureMerge},
 };
 
 constexpr std::pair<const char *, bool (*)(Figures &, GeneratedFiles &, bool)> fileBenches[] = {
