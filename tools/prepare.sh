@@ -40,7 +40,8 @@ prepare() {
     shift
     install_packages
     build=$root/build/$preset
-    if [ ! -e "$build/build.ninja" ]; then
+    # Also when the presets have changed: building alone would not read them again.
+    if [ ! "$build/build.ninja" -nt "$root/CMakePresets.json" ]; then
         (cd "$root" && cmake --preset "$preset" >&2) || exit 1
     fi
     cmake --build "$build" --target "$@" >&2 || exit 1
