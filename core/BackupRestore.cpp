@@ -177,7 +177,7 @@ void BackupRestore::setItems(WayfoldBookmarkFolder &folder, const Items &wanted)
     addReversed(folder, coming, index);
 }
 
-// Of what is saved. The folder of a site goes on being shown.
+// Of what is saved. Who shows the folder of a site goes on showing it.
 void BackupRestore::leaveOnly(WayfoldBookmarkFolder &folder, const QSet<KDRBookmarkPtr> &wanted,
                               const QSet<KDRBookmarkPtr> &staying)
 {
@@ -193,6 +193,8 @@ void BackupRestore::leaveOnly(WayfoldBookmarkFolder &folder, const QSet<KDRBookm
         _store.provisionalBookmarkRoot()->addChild(site);
     }
     folder.removeChildren(leaving);
+    for (const KDRBookmarkPtr &item : leaving)
+        _store.releaseProvisionalBookmark(item.get());
 }
 
 // --- Adding ---------------------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include "core/BackupRestore.h"
 
+#include "core/FolderInUse.h"
 #include "model/WayfoldBookmarkURL.h"
 #include "tests/core/StoreInTemporaryHome.h"
 
@@ -210,9 +211,12 @@ void BackupRestoreTest::replaceEmptiesTheFolderOfAnotherSite()
     const WayfoldBookmarkFolderPtr then = backup();
     const WayfoldBookmarkFolderPtr shown = folder(QStringLiteral("c.org"));
     note(QStringLiteral("Oil"), shown);
+    note(QStringLiteral("Rice"), folder(QStringLiteral("d.org"))); // which nobody shows
+    const FolderInUse inUse(shown);
     BackupRestore(store()).replaceWith(*then);
     QCOMPARE(now(), _filled);
     QVERIFY(store().isProvisionalBookmark(shown.get()));
+    QCOMPARE(store().provisionalBookmarkRoot()->childCount(), 1U);
     QCOMPARE(shown->persistentChildCount(), 0U);
     QVERIFY(!store().isKnownSite(QStringLiteral("c.org")));
 }
