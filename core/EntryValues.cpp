@@ -105,9 +105,15 @@ QVariantList sharingList(const QVariantList &list, const QVariantList &known)
     bool isKnown = list.size() == known.size();
     qsizetype next = 0;
     for (const QVariant &entry : list) {
-        if (next >= known.size() || !EntryValues::isSameButChildren(entry, known[next]))
+        const bool isSameEntry = next < known.size() && EntryValues::isSameButChildren(entry, known[next]);
+        if (!isSameEntry)
             next = knownPlace(known, next, entry);
-        shared.append(next < known.size() ? EntryValues::sharing(entry, known[next]) : entry);
+        if (next >= known.size())
+            shared.append(entry);
+        else if (isSameEntry && !EntryValues::children(entry))
+            shared.append(known[next]);
+        else
+            shared.append(EntryValues::sharing(entry, known[next]));
         isKnown = isKnown && isSamePiece(shared.last(), known[shared.size() - 1]);
         ++next;
     }

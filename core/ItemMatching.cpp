@@ -16,6 +16,13 @@ bool isOneList(const Values &lists)
     return lists[0] && lists[1] && lists[2] && lists[0]->isSharedWith(*lists[1]) && lists[0]->isSharedWith(*lists[2]);
 }
 
+bool isOnePiece(const std::array<const QVariant *, 3> &values)
+{
+    return values[0] && values[1] && values[2] &&
+           EntryValues::pieceOf(*values[0]) == EntryValues::pieceOf(*values[1]) &&
+           EntryValues::pieceOf(*values[0]) == EntryValues::pieceOf(*values[2]);
+}
+
 // How far to look for what two lists have in common again.
 constexpr std::size_t longestStep = 16;
 
@@ -72,7 +79,7 @@ void ItemMatching::open(int entry)
             // Every entry is opened for the first of the sides that have it, when all have been looked at.
             const bool isFirst = std::all_of(listed.value.begin(), listed.value.begin() + side,
                                              [](const QVariant *value) { return !value; });
-            if (isFirst && _unitedWith[std::size_t(child)] == none)
+            if (isFirst && _unitedWith[std::size_t(child)] == none && !isOnePiece(listed.value))
                 _pending.push_back(child);
         }
     }

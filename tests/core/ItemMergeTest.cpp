@@ -5,7 +5,6 @@
 #include "platform/files/PropertyList.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QtTest>
 
 using namespace ItemDictionary;
