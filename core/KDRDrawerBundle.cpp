@@ -260,7 +260,6 @@ void KDRDrawerBundle::deleteBookmarks(const std::vector<ItemPtr> &items)
 {
     takeAway(items);
     saveBookmarkFile();
-    updateAllDrawerContentsExceptFor(nullptr);
 }
 
 void KDRDrawerBundle::takeAway(const std::vector<ItemPtr> &items)

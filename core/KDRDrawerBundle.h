@@ -95,7 +95,7 @@ public:
     // Removes an item from its folder and saves. A folder at the top of the item file's tree becomes provisional, if
     // somebody uses it.
     void deleteBookmark(const ItemPtr &item);
-    // The same for several, with one saving and one refreshing of the lists.
+    // The same for several, with one saving.
     void deleteBookmarks(const std::vector<ItemPtr> &items);
     // Every top-level folder of both trees gets, or loses, its smart folders.
     void addSmartFoldersToTopLevel();

@@ -144,8 +144,6 @@ void ScratchpadDrop::move(const KDRBookmarkPtr &item)
     }
     const KDRBookmarkPtr moved = item->canBePersistent() ? item : withVisitsAsLinks(item);
     parent->removeChild(item);
-    if (std::find(_oldParents.cbegin(), _oldParents.cend(), parent) == _oldParents.cend())
-        _oldParents.push_back(parent);
     insert(moved);
 }
 

@@ -26,8 +26,6 @@ public:
     const std::vector<KDRBookmarkPtr> &droppedItems() const { return _droppedItems; }
     // Those of them that stand for people who are not among the contacts.
     const std::vector<Stranger> &strangers() const { return _strangers; }
-    // The folders that items were moved out of, each once.
-    const std::vector<WayfoldBookmarkFolderPtr> &oldParents() const { return _oldParents; }
 
 private:
     KDRBookmarkPtr draggedItem(const DroppedData &data, std::size_t place, const QString &uuid) const;
@@ -58,5 +56,4 @@ private:
     QSet<QByteArray> _cards; // each is taken once
     std::vector<KDRBookmarkPtr> _droppedItems;
     std::vector<Stranger> _strangers;
-    std::vector<WayfoldBookmarkFolderPtr> _oldParents;
 };

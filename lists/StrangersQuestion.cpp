@@ -257,7 +257,6 @@ void StrangersQuestion::replace(const Replacements &replacements, WayfoldOutline
         if (std::find(selected.cbegin(), selected.cend(), old) != selected.cend())
             toSelect.push_back(item);
     }
-    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
     if (view && !toSelect.empty())
         view->selectItems(toSelect);
     save(view);

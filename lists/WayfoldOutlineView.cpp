@@ -217,7 +217,7 @@ void WayfoldOutlineView::changeWhenSeen(std::function<void()> change)
 void WayfoldOutlineView::catchUp()
 {
     if (_isStale)
-        reloadReplacedData();
+        reloadAfter({});
     if (const std::function<void()> change = std::exchange(_waitingChange, {}))
         change();
 }
@@ -232,10 +232,12 @@ void WayfoldOutlineView::replaceContentsOfItem(const OutlineItemPtr &folder)
 
 // The very items are open and selected still, and a copy in a smart folder that has the same identifier stays as it is.
 // Those that were made anew, in smart folders and groups, are not.
-void WayfoldOutlineView::reloadReplacedData()
+void WayfoldOutlineView::reloadAfter(const std::function<void()> &replaceItems)
 {
     const QStringList selected = getSelectedItemsUUIDList();
     const QStringList expanded = getExpandedItemsUUIDList();
+    if (replaceItems)
+        replaceItems();
     reloadData();
     reexpandItemsFromUUIDList(without(expanded, getExpandedItemsUUIDList()));
     reselectItemsFromUUIDList(without(selected, getSelectedItemsUUIDList()));
@@ -285,6 +287,7 @@ void WayfoldOutlineView::prepForReloadData()
 {
     _savedUUIDSelections = getSelectedItemsUUIDList();
     _savedUUIDExpansions = getExpandedItemsUUIDList();
+    executeDelayedItemsLayout(); // or what is seen would not be known
     _savedPlace.emplace(*this);
     deselectAll();
 }
@@ -298,6 +301,8 @@ void WayfoldOutlineView::alsoReexpand(const QStringList &uuids)
 void WayfoldOutlineView::reloadData()
 {
     const bool hasMemory = _savedUUIDExpansions || _savedUUIDSelections;
+    if (!hasMemory)
+        executeDelayedItemsLayout();
     const std::vector<OutlineExpansion> expanded = hasMemory ? std::vector<OutlineExpansion>() : expansions();
     const std::vector<KDRBookmarkPtr> selected = hasMemory ? std::vector<KDRBookmarkPtr>() : selectedItemList();
     const ListPlace place = hasMemory ? *std::exchange(_savedPlace, std::nullopt) : ListPlace(*this);

@@ -60,8 +60,9 @@ public:
     // of this pass of the event loop or when it can be seen; what has the same identifiers is open and selected as
     // before.
     void replaceContentsOfItem(const OutlineItemPtr &folder);
-    // Loads the list anew without memory, for items of which some may be others by the same identifiers.
-    void reloadReplacedData();
+    // Loads the list anew without memory after something that may replace items by others of the same identifiers;
+    // none: it has been done.
+    void reloadAfter(const std::function<void()> &replaceItems);
 
     // ---- Reload with memory
 

@@ -112,6 +112,7 @@ WayfoldScratchDataSource::WayfoldScratchDataSource(const Outlets &outlets)
     , _deleteItemButton(outlets.deleteItemButton)
     , _editItemButton(outlets.editItemButton)
     , _switchbackButton(outlets.switchbackButton)
+    , _follower(outlets.scratchOutlineView)
 {}
 
 WayfoldScratchDataSource::~WayfoldScratchDataSource()
@@ -209,6 +210,7 @@ QString WayfoldScratchDataSource::labelOfRoot() const
 void WayfoldScratchDataSource::releaseRoot()
 {
     const KDRBookmark *root = _scratchBookmarkRoot.get();
+    _follower.follow(nullptr);
     _scratchBookmarkRoot.reset();
     _rootInUse = FolderInUse();
     KDRDrawerBundle::sharedInstance().releaseProvisionalBookmark(root);
@@ -234,6 +236,7 @@ void WayfoldScratchDataSource::setDrawerLabelUsingFrame(const QString &label, co
     _rootInUse = FolderInUse(_scratchBookmarkRoot);
     if (!noteContactsFollowed(*_scratchBookmarkRoot))
         refresh(_scratchBookmarkRoot); // what was not shown when they changed
+    _follower.follow(_scratchBookmarkRoot);
     if (_scratchOutlineView) {
         _scratchOutlineView->reloadData();
         _scratchOutlineView->beginAtTop();
@@ -287,7 +290,6 @@ void WayfoldScratchDataSource::handleSaveCurrentURLRequest(QObject * /*sender*/)
     if (!_scratchBookmarkRoot->acceptsDroppedItems()) // a group, which holds nothing but its members
         setDrawerLabelUsingFrame(QStringLiteral(""), frame);
     _scratchBookmarkRoot->addChild(link);
-    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
     if (_scratchOutlineView)
         _scratchOutlineView->selectIndividualItem(link);
     if (_drawer)
@@ -362,7 +364,6 @@ void WayfoldScratchDataSource::handleItemEditRequest(QObject * /*sender*/)
                 smartFolder->setFilterString(folder->title());
         }
     }
-    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
 }
 
 // --- Observing ------------------------------------------------------------------------------------------------------
@@ -392,8 +393,7 @@ void WayfoldScratchDataSource::followOutsideChanges()
     if (!_scratchBookmarkRoot)
         return;
     noteContactsFollowed(*_scratchBookmarkRoot);
-    refresh(_scratchBookmarkRoot);
-    _scratchOutlineView->reloadReplacedData();
+    _scratchOutlineView->reloadAfter([this] { refresh(_scratchBookmarkRoot); });
 }
 
 // --- Dropping -------------------------------------------------------------------------------------------------------
@@ -441,13 +441,6 @@ bool WayfoldScratchDataSource::outlineViewAcceptDrop(OutlineView & /*view*/, con
     if (!drop.accept(DroppedData(data)))
         return false;
 
-    std::vector<WayfoldBookmarkFolderPtr> changed = drop.oldParents();
-    if (std::find(changed.cbegin(), changed.cend(), folder) == changed.cend())
-        changed.push_back(folder);
-    for (const WayfoldBookmarkFolderPtr &each : changed)
-        _scratchOutlineView->reloadItem(each == _scratchBookmarkRoot ? nullptr : each, true);
-    const std::shared_ptr<HostWindow> window = _drawer ? _drawer->parentWindow() : nullptr;
-    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(window.get());
     if (!drop.droppedItems().empty()) {
         deselectAllItems();
         _scratchOutlineView->selectItems(drop.droppedItems());

@@ -2,6 +2,7 @@
 
 #include "core/FolderInUse.h"
 #include "lists/StrangersQuestion.h"
+#include "lists/TreeFollower.h"
 #include "lists/WayfoldOutlineViewDataSource.h"
 #include "platform/base/NotificationCenter.h"
 
@@ -93,6 +94,7 @@ private:
     QPointer<QAbstractButton> _switchbackButton;
     WayfoldBookmarkFolderPtr _scratchBookmarkRoot;
     FolderInUse _rootInUse; // says so to the store
+    TreeFollower _follower; // of that root
     QString _prevLabel;
     StrangersQuestion _strangersQuestion;
 };

@@ -307,7 +307,6 @@ void WayfoldScratchOutlineView::createItems(NewItemsMaker newViaDialog)
     }
     adoptSiteFolderOf(items.front());
     expandItem(place.folder);
-    KDRDrawerBundle::sharedInstance().updateAllDrawerContentsExceptFor(nullptr);
     selectIndividualItem(items.back());
     selectItems(items);
     delegate()->saveScratchBookmarkRoot();

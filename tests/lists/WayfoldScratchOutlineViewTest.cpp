@@ -415,7 +415,7 @@ void WayfoldScratchOutlineViewTest::newItemIsSelectedAndSaved()
     _pad->view.handleNewNoteRequest(nullptr);
     QCOMPARE(_pad->view.selectedItem()->title(), QStringLiteral("Unforgettable"));
     QVERIFY(_stage->savedFile().contains("Unforgettable"));
-    QVERIFY(other.drawer.reloadCount > 0);
+    QCOMPARE(other.drawer.reloadCount, 0);
     QCOMPARE(ListStage::rows(other.view), QStringList{QStringLiteral("Unforgettable")});
 }
 
@@ -449,7 +449,7 @@ void WayfoldScratchOutlineViewTest::severalNewPeople()
     QCOMPARE(ListStage::rows(_pad->view), QStringList({"Before", "Zoe", "Friends", "Ann", "After"}));
     QCOMPARE(ListStage::titles(_pad->view.selectedItemList()), QStringList({"Zoe", "Friends", "Ann"}));
     QCOMPARE(ListStage::rows(other.view), QStringList({"Before", "Zoe", "Friends", "Ann", "After"}));
-    QCOMPARE(other.drawer.reloadCount, 1);
+    QCOMPARE(other.drawer.reloadCount, 0);
     QVERIFY(!_stage->savedFile().isEmpty());
 }
 
