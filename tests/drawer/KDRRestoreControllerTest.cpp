@@ -293,6 +293,7 @@ void KDRRestoreControllerTest::leavingChangesNothing()
     QFETCH(QString, way);
     makeTwoBackups();
     makeTree();
+    QVERIFY(DrawerStage::store().saveBookmarkFile());
     const QByteArray before = _stage->savedFile();
     run([way](QDialog *dialog) {
         QTRY_VERIFY(preview(dialog)->isVisible());

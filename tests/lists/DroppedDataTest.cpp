@@ -3,6 +3,7 @@
 #include "lists/PasteboardTypes.h"
 #include "lists/ScratchpadDrop.h"
 #include "tests/lists/AskedData.h"
+#include "tests/support/InstalledKinds.h"
 
 #include <QMap>
 #include <QtTest>

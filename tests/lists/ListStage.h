@@ -25,6 +25,7 @@
 
 #include <QToolButton>
 #include <QtTest>
+#include <set>
 
 // Dialogs that are answered at once: `answer` stands for the user. None: cancelled.
 class AnsweredDialogs : public ItemDialogs
@@ -288,9 +289,19 @@ public:
     // The whole tree shows these items and nothing else.
     void showItems(const std::vector<KDRBookmarkPtr> &items)
     {
-        ListStage::store().bookmarkRoot()->removeAllChildren();
-        for (const KDRBookmarkPtr &item : items)
-            ListStage::store().bookmarkRoot()->addChild(item);
+        WayfoldBookmarkFolder &root = *ListStage::store().bookmarkRoot();
+        const std::set<KDRBookmarkPtr> wanted(items.cbegin(), items.cend());
+        std::vector<KDRBookmarkPtr> gone = root.children();
+        std::erase_if(gone, [&wanted](const KDRBookmarkPtr &item) { return wanted.count(item) > 0; });
+        root.removeChildren(gone);
+        for (int i = 0; i < int(items.size()); ++i) {
+            const KDRBookmarkPtr &item = items[std::size_t(i)];
+            if (i < int(root.childCount()) && root.childAtIndex(unsigned(i)) == item)
+                continue;
+            if (root.indexOfMadeChild(*item) >= 0)
+                root.removeChild(item);
+            root.addChildAtIndex(item, i);
+        }
         view.reloadData();
     }
     void select(const std::vector<KDRBookmarkPtr> &items)
