@@ -1,6 +1,7 @@
 #include "core/OrderMerge.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {

@@ -203,6 +203,9 @@ void PreferencesTest::stayForTheSheet()
     QVERIFY(open());
     QVERIFY(showPage(2));
     auto *table = Eyes::widgetNamed<QTreeView>(preferences(), QStringLiteral("menuItemTableView"));
+    const QString first = Stage::onMain([&] { return table->model()->index(0, 0).data().toString(); });
+    QVERIFY(Hands::clickOnRow(table, first));
+    QVERIFY(Hands::press(QStringLiteral("End"))); // the table is longer than the page
     QVERIFY(Hands::doubleClickOnRow(table, QStringLiteral("About Wayfold")));
     EVENTUALLY(windowOfClass("WayfoldShortcutPanel"));
     EVENTUALLY(windowOfClass("WayfoldShortcutPanel")->isActiveWindow());
