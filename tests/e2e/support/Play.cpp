@@ -238,16 +238,16 @@ bool Play::chooseFromContextMenu(QTreeView *list, const QString &row, const QStr
 
 bool Play::openDrawer()
 {
-    const BrowserWindow *front = window();
-    return front && !isDrawerOpen(front) && Hands::press(QStringLiteral("ctrl+0")) &&
-           Stage::eventually([&] { return isDrawerOpen(front); });
+    const BrowserWindow *front = nullptr; // there is none for a moment after a dialog has closed
+    return Stage::eventually([&] { return (front = window()) != nullptr; }) && !isDrawerOpen(front) &&
+           Hands::press(QStringLiteral("ctrl+0")) && Stage::eventually([&] { return isDrawerOpen(front); });
 }
 
 bool Play::closeDrawer()
 {
-    const BrowserWindow *front = window();
-    return front && !isDrawerClosed(front) && Hands::press(QStringLiteral("ctrl+0")) &&
-           Stage::eventually([&] { return isDrawerClosed(front); });
+    const BrowserWindow *front = nullptr; // there is none for a moment after a dialog has closed
+    return Stage::eventually([&] { return (front = window()) != nullptr; }) && !isDrawerClosed(front) &&
+           Hands::press(QStringLiteral("ctrl+0")) && Stage::eventually([&] { return isDrawerClosed(front); });
 }
 
 bool Play::showDrawerTab(const QString &title)
