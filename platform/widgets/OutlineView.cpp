@@ -399,17 +399,21 @@ void OutlineView::keepPlace()
         const int y = row * rowPixels() - top;
         if (y >= viewport()->height())
             break;
-        _place.push_back({_model->indexAtRow(row), y});
+        const QModelIndex index = _model->indexAtRow(row);
+        _place.push_back({index, _model->itemOfIndex(index), y});
     }
 }
 
-// Scrolls to where what was seen stands as before. A row that went elsewhere by itself takes nothing along.
+// Scrolls to where what was seen stands as before. A row that went elsewhere by itself takes nothing along. When all
+// have gone, they may have come back.
 void OutlineView::restorePlace()
 {
+    const bool haveGone =
+        std::all_of(_place.begin(), _place.end(), [](const SeenRow &seen) { return !seen.index.isValid(); });
     std::vector<int> rows;
     std::vector<int> ys;
     for (const SeenRow &seen : _place) {
-        const int row = seen.index.isValid() ? _model->rowOfIndex(seen.index) : -1;
+        const int row = rowOfSeen(seen, haveGone);
         if (row < 0)
             continue;
         rows.push_back(row);
@@ -418,6 +422,11 @@ void OutlineView::restorePlace()
     const int first = firstInOrder(rows);
     if (first >= 0)
         verticalScrollBar()->setValue(rows[std::size_t(first)] * rowPixels() - ys[std::size_t(first)]);
+}
+
+int OutlineView::rowOfSeen(const SeenRow &seen, bool hasGone) const
+{
+    return hasGone ? rowForItem(seen.item.lock()) : _model->rowOfIndex(seen.index);
 }
 
 void OutlineView::doItemsLayout()

@@ -141,11 +141,13 @@ private:
     struct SeenRow
     {
         QPersistentModelIndex index;
+        std::weak_ptr<OutlineItem> item;
         int y;
     };
 
     void keepPlace();
     void restorePlace();
+    int rowOfSeen(const SeenRow &seen, bool hasGone) const;
     void rowsWillGo(const QModelIndex &parent, int first, int last);
     void holdSelection(const QModelIndex &parent, int first, int last);
     void holdCurrentRow(const QModelIndex &parent, int first, int last);

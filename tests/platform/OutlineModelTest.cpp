@@ -165,6 +165,7 @@ private Q_SLOTS:
     void listAtItsTopShowsWhatComesIn();
     void rowThatGoesByItselfTakesNothingAlong();
     void seenRowsThatGoLeaveTheOthers();
+    void seenRowsThatComeBackAreSeenAgain();
     void whatWasSeenStaysInAHiddenList();
     void pressedRowIsDraggedThoughRowsComeAbove();
     void dropMarkGoesWhenRowsMove();
@@ -720,6 +721,22 @@ void OutlineModelTest::seenRowsThatGoLeaveTheOthers()
     _tree->remove(60, 6);
     QCOMPARE(_view->numberOfRows(), 26);
     QCOMPARE(_view->verticalScrollBar()->value(), 6 * 20);
+}
+
+void OutlineModelTest::seenRowsThatComeBackAreSeenAgain()
+{
+    showRows(100);
+    _view->verticalScrollBar()->setValue(20 * 20 + 7);
+    std::vector<Node> nodes = _tree->root->children;
+    _tree->remove(100, 0);
+    nodes.insert(nodes.begin(), _tree->node("a"));
+    _tree->insert(nodes, 0);
+    QCOMPARE(seenAtTop(*_view, *_tree), QStringLiteral("20 -7"));
+    // One that goes and is shown elsewhere as well takes nobody along.
+    _tree->insert({nodes[21]}, 0);
+    QCOMPARE(seenAtTop(*_view, *_tree), QStringLiteral("20 -7"));
+    _tree->remove(1, 22);
+    QCOMPARE(_view->rectOfRow(_view->rowForItem(nodes[22])).top(), 13);
 }
 
 void OutlineModelTest::whatWasSeenStaysInAHiddenList()
