@@ -25,6 +25,7 @@ public:
     Update(const WayfoldBookmarkFolderPtr &root, const QVariant &ours, const QVariant &merged)
         : _matching(ours, ours, merged)
         , _items(_matching.entries().size())
+        , _isNew(_items.size())
     {
         _items[rootEntry] = root;
     }
@@ -38,6 +39,7 @@ private:
     KDRBookmarkPtr &item(int index) { return _items[std::size_t(index)]; }
     QVariantMap then(int index) const { return entry(index).value[Then]->toMap(); }
     WayfoldBookmarkFolderPtr openFolder(int index);
+    bool isNew(int index) const { return _isNew[std::size_t(index)]; }
 
     void findItems();
     void findItemsIn(int index);
@@ -53,6 +55,7 @@ private:
 
     ItemMatching _matching;
     std::vector<KDRBookmarkPtr> _items; // by entry; none: it has no item, at least not yet
+    std::vector<char> _isNew;           // by entry: made by this
     std::vector<int> _folders;          // those of the tree as it is to be that were looked into, downwards
 };
 
@@ -61,8 +64,16 @@ void Update::run()
     findItems();
     makeItems();
     takeOutWhatGoes();
-    // From below, so that a new folder is full when it comes in.
-    std::for_each(_folders.rbegin(), _folders.rend(), [this](int index) { putChildrenIn(index); });
+    // New folders from below, so that they come in full. All others from above: who is put somewhere then has his place
+    // already, and no two folders ever take each other for their parent.
+    std::for_each(_folders.rbegin(), _folders.rend(), [this](int index) {
+        if (isNew(index))
+            putChildrenIn(index);
+    });
+    std::for_each(_folders.begin(), _folders.end(), [this](int index) {
+        if (!isNew(index))
+            putChildrenIn(index);
+    });
 }
 
 // The folder whose list was looked into; none for all else.
@@ -125,11 +136,13 @@ void Update::makeItems()
 void Update::makeItem(int index)
 {
     const Entry &made = entry(index);
-    if (item(index) && made.value[Now])
+    if (item(index) && made.value[Now]) {
         setFields(index);
-    else
-        item(index) = ItemKinds::current().itemFromDictionary(
-            made.lists == none ? then(index) : EntryValues::withoutChildren(then(index)));
+        return;
+    }
+    item(index) = ItemKinds::current().itemFromDictionary(
+        made.lists == none ? then(index) : EntryValues::withoutChildren(then(index)));
+    _isNew[std::size_t(index)] = true;
 }
 
 void Update::setFields(int index)

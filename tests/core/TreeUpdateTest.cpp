@@ -111,6 +111,7 @@ private Q_SLOTS:
     void movedItemsAreTheSameObjects();
     void orderIsToldAsOne();
     void itemOfEachFolderMovesIntoANewFolder();
+    void folderMovesIntoOneThatItHeld();
     void linkThatBecomesAMailIsAnotherItem();
     void smartFoldersStayWhereTheyAre();
     void unknownThingsComeInAndGo();
@@ -166,7 +167,7 @@ void TreeUpdateTest::itemsComeAndGo()
     theirs->addChildAtIndex(makeLink("d"), 1);
     WayfoldBookmarkFolder::fromItem(theirs->childWithTitle("G"))->addChild(makeLink("e"));
     update(theirs);
-    QCOMPARE(_recorder->told, (QStringList{"removed R a", "added G e", "added R d"}));
+    QCOMPARE(_recorder->told, (QStringList{"removed R a", "added R d", "added G e"}));
     QCOMPARE(childTitles(*_root), (QStringList{"b", "d", "F", "G"}));
 }
 
@@ -212,6 +213,28 @@ void TreeUpdateTest::itemOfEachFolderMovesIntoANewFolder()
     QCOMPARE(added->childAtIndex(0), _c);
     QCOMPARE(added->childAtIndex(1), _a);
     QCOMPARE(_a->parent(), added);
+}
+
+void TreeUpdateTest::folderMovesIntoOneThatItHeld()
+{
+    const WayfoldBookmarkFolderPtr inner = makeFolder("I");
+    inner->setFilterString("I");
+    _folder->addChild(inner);
+    _before = _root->createDictionary(true);
+    _recorder->told.clear();
+    const WayfoldBookmarkFolderPtr theirs = copy();
+    const auto theirFolder = WayfoldBookmarkFolder::fromItem(theirs->childWithTitle("F"));
+    const auto theirInner = WayfoldBookmarkFolder::fromItem(theirFolder->childWithTitle("I"));
+    theirFolder->removeChild(theirInner);
+    theirs->removeChild(theirFolder);
+    theirInner->addChild(theirFolder);
+    theirs->addChild(theirInner);
+    update(theirs);
+    QCOMPARE(_root->lastChild(), inner);
+    QCOMPARE(inner->lastChild(), _folder);
+    QCOMPARE(_folder->parent(), inner);
+    QCOMPARE(inner->parent(), _root);
+    QCOMPARE(_recorder->told, (QStringList{"removed R F", "added R I", "added I F"}));
 }
 
 void TreeUpdateTest::linkThatBecomesAMailIsAnotherItem()
